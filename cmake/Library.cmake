@@ -1,0 +1,45 @@
+# The shared library: the objects of all layers, with the public headers of all layers as its own.
+
+add_library(tessel_config_datamodel SHARED)
+add_library(tessel::config_datamodel ALIAS tessel_config_datamodel)
+
+# File sets want their files by name. Generated headers are known by the generator's list, the others by looking.
+set(header_roots "")
+get_property(header_files GLOBAL PROPERTY TESSEL_GENERATED_HEADERS)
+if(header_files)
+  list(APPEND header_roots ${TESSEL_GENERATED_INCLUDE_DIR})
+endif()
+foreach(layer IN LISTS TESSEL_LAYERS)
+  if(NOT TARGET ${layer})
+    continue()
+  endif()
+  get_target_property(type ${layer} TYPE)
+  if(type STREQUAL "OBJECT_LIBRARY")
+    target_sources(tessel_config_datamodel PRIVATE $<TARGET_OBJECTS:${layer}>)
+  endif()
+  get_target_property(folder ${layer} SOURCE_DIR)
+  file(GLOB_RECURSE headers CONFIGURE_DEPENDS ${folder}/include/*.hpp ${folder}/include/*.h)
+  if(headers)
+    list(APPEND header_roots ${folder}/include)
+    list(APPEND header_files ${headers})
+  endif()
+endforeach()
+
+target_sources(tessel_config_datamodel PUBLIC
+  FILE_SET HEADERS BASE_DIRS ${header_roots} FILES ${header_files})
+target_compile_features(tessel_config_datamodel PUBLIC cxx_std_17)
+target_link_libraries(tessel_config_datamodel PUBLIC Boost::headers)
+if(TESSEL_FAILURE_POINTS)
+  target_compile_definitions(tessel_config_datamodel INTERFACE TESSEL_FAILURE_POINTS=1)
+endif()
+if(NOT TESSEL_SANITIZE)
+  target_link_options(tessel_config_datamodel PRIVATE -Wl,--no-undefined)
+endif()
+# Before version 1 every minor version may change the binary interface.
+set_target_properties(tessel_config_datamodel PROPERTIES
+  LINKER_LANGUAGE CXX
+  VERSION ${PROJECT_VERSION}
+  SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}
+  EXPORT_NAME config_datamodel
+  VERIFY_INTERFACE_HEADER_SETS ON
+)
