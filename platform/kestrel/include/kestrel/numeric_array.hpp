@@ -1,0 +1,72 @@
+// Arrays of numbers and logical values: the elements lie in one block, column by column, as their C++ type.
+//
+// T is one of bool, double, float and the integers of 8 to 64 bits; asking an array for another element type than its
+// own raises ArrayError "Kestrel:array:WrongClass". The templates only fix the class; the work is done once for all.
+#pragma once
+
+#include <algorithm>
+#include <vector>
+
+#include "kestrel/array_base.hpp"
+
+namespace kestrel {
+
+namespace detail {
+KESTREL_EXPORT OwnedArray createPlain(ClassId id, Dimensions const& dimensions);
+KESTREL_EXPORT void const* plainData(kestrel_array const& array, ClassId expected);
+KESTREL_EXPORT void* plainData(kestrel_array& array, ClassId expected);
+KESTREL_EXPORT void const* plainElement(kestrel_array const& array, ClassId expected, std::size_t index);
+}  // namespace detail
+
+/// The block of elements; valid until the array is destroyed. Not to be read beyond numberOfElements.
+template <typename T>
+T const* data(kestrel_array const& array) {
+  return static_cast<T const*>(detail::plainData(array, ElementClass<T>::value));
+}
+template <typename T>
+T* mutableData(kestrel_array& array) {
+  return static_cast<T*>(detail::plainData(array, ElementClass<T>::value));
+}
+
+/// One element, counted from 0 column by column; raises ArrayError "Kestrel:array:OutOfRange".
+template <typename T>
+T element(kestrel_array const& array, std::size_t index = 0) {
+  return *static_cast<T const*>(detail::plainElement(array, ElementClass<T>::value, index));
+}
+
+/// An array of zeros.
+template <typename T>
+OwnedArray createNumeric(Dimensions const& dimensions) {
+  return detail::createPlain(ElementClass<T>::value, dimensions);
+}
+
+template <typename T>
+OwnedArray createScalar(T value) {
+  OwnedArray array = createNumeric<T>(SCALAR);
+  *mutableData<T>(*array) = value;
+  return array;
+}
+
+/// A 1 by N copy of N elements; 0 by 0 for none.
+template <typename T>
+OwnedArray createRow(T const* elements, std::size_t count) {
+  OwnedArray array = createNumeric<T>(row(count));
+  std::copy_n(elements, count, mutableData<T>(*array));
+  return array;
+}
+template <typename T>
+OwnedArray createRow(std::vector<T> const& elements) {
+  OwnedArray array = createNumeric<T>(row(elements.size()));
+  std::copy(elements.begin(), elements.end(), mutableData<T>(*array));
+  return array;
+}
+
+/// Element of any numeric or logical class as a double, with the rounding that 64-bit integers need.
+KESTREL_EXPORT double elementAsDouble(kestrel_array const& array, std::size_t index = 0);
+
+/// The same numbers under another numeric class: rounded to the nearest integer, and clamped to the range of the
+/// target. NaN becomes 0 as an integer and raises ArrayError "Kestrel:array:NotLogical" as a logical value. Raises
+/// WrongClass if either class is not numeric.
+KESTREL_EXPORT OwnedArray convertNumeric(kestrel_array const& array, ClassId target);
+
+}  // namespace kestrel

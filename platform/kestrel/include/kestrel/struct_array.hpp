@@ -1,0 +1,33 @@
+// Struct arrays (named fields, the same for every element) and cell arrays (an array in each element).
+//
+// A struct or cell array owns what it holds. Asking an array of another class raises ArrayError
+// "Kestrel:array:WrongClass", an index beyond the end OutOfRange, a name that is no field NoSuchField.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "kestrel/array_base.hpp"
+
+namespace kestrel {
+
+/// All fields of all elements start as null, which stands for an empty double. Raises ArrayError
+/// "Kestrel:array:DuplicateField" for a name given twice.
+KESTREL_EXPORT OwnedArray createStruct(std::vector<std::string> fieldNames, Dimensions dimensions = SCALAR);
+
+KESTREL_EXPORT std::vector<std::string> const& fieldNames(kestrel_array const& array);
+KESTREL_EXPORT bool hasField(kestrel_array const& array, std::string_view name);
+
+/// Borrowed, null where nothing was stored.
+KESTREL_EXPORT kestrel_array const* field(kestrel_array const& array, std::size_t index, std::string_view name);
+/// Stores a value in a field of one element; a name that is no field yet becomes the last field of all elements.
+KESTREL_EXPORT void setField(kestrel_array& array, std::size_t index, std::string_view name, OwnedArray value);
+
+/// All cells start as null.
+KESTREL_EXPORT OwnedArray createCell(Dimensions dimensions);
+/// Borrowed, null where nothing was stored.
+KESTREL_EXPORT kestrel_array const* cell(kestrel_array const& array, std::size_t index);
+KESTREL_EXPORT void setCell(kestrel_array& array, std::size_t index, OwnedArray value);
+
+}  // namespace kestrel

@@ -1,0 +1,44 @@
+#include "kestrel/object_array.hpp"
+
+#include "array_data.hpp"
+
+namespace kestrel {
+
+ObjectRef Object::copyForContainment() { return ObjectRef(this); }
+
+OwnedArray createObjects(Identifier className, Dimensions dimensions) {
+  OwnedArray array = detail::makeArray<detail::Objects>(ClassId::Object, dimensions, dimensions.count());
+  array->ownClass = className;
+  return array;
+}
+
+OwnedArray createObject(ObjectRef object) {
+  if (!object) throw ArrayError("Kestrel:array:NoObject", "An object array of one element needs an object.");
+  OwnedArray array = createObjects(object->className(), SCALAR);
+  setObject(*array, 0, std::move(object));
+  return array;
+}
+
+Object* soleObject(kestrel_array const& array) noexcept {
+  auto const* const objects = std::get_if<detail::Objects>(&array.store);
+  return objects != nullptr && objects->size() == 1 ? objects->front().get() : nullptr;
+}
+
+ObjectRef const& object(kestrel_array const& array, std::size_t index) {
+  auto const& objects = detail::storeAs<detail::Objects>(array, "object");
+  detail::checkIndex(array, index);
+  return objects[index];
+}
+
+void setObject(kestrel_array& array, std::size_t index, ObjectRef object) {
+  auto& objects = detail::storeAs<detail::Objects>(array, "object");
+  detail::checkIndex(array, index);
+  objects[index] = std::move(object);
+}
+
+void setObjectClass(kestrel_array& array, Identifier className) {
+  detail::storeAs<detail::Objects>(array, "object");
+  array.ownClass = className;
+}
+
+}  // namespace kestrel

@@ -1,0 +1,84 @@
+#include "kestrel/struct_array.hpp"
+
+#include <algorithm>
+
+#include "array_data.hpp"
+
+namespace kestrel {
+namespace detail {
+
+std::size_t Fields::indexOf(std::string_view name) const noexcept {
+  return std::size_t(std::find(names.begin(), names.end(), name) - names.begin());
+}
+
+namespace {
+
+// Gives every element a further field; the values stand element by element, so they all move.
+void appendField(Fields& fields, std::string_view name, std::size_t elements) {
+  std::size_t const width = fields.names.size();
+  Cells widened(elements * (width + 1));
+  std::vector<std::string> names = fields.names;
+  names.emplace_back(name);
+  for (std::size_t i = 0; i < elements; ++i)
+    std::move(fields.values.begin() + i * width, fields.values.begin() + (i + 1) * width,
+              widened.begin() + i * (width + 1));
+  fields.values = std::move(widened);
+  fields.names = std::move(names);
+}
+
+}  // namespace
+}  // namespace detail
+
+OwnedArray createStruct(std::vector<std::string> fieldNames, Dimensions dimensions) {
+  std::vector<std::string> sorted = fieldNames;
+  std::sort(sorted.begin(), sorted.end());
+  auto const twice = std::adjacent_find(sorted.begin(), sorted.end());
+  if (twice != sorted.end())
+    throw ArrayError("Kestrel:array:DuplicateField", "A struct cannot have two fields named '" + *twice + "'.");
+  detail::Cells values(dimensions.count() * fieldNames.size());
+  return detail::makeArray<detail::Fields>(ClassId::Struct, dimensions, std::move(fieldNames), std::move(values));
+}
+
+std::vector<std::string> const& fieldNames(kestrel_array const& array) {
+  return detail::storeAs<detail::Fields>(array, "struct").names;
+}
+
+bool hasField(kestrel_array const& array, std::string_view name) {
+  auto const& fields = detail::storeAs<detail::Fields>(array, "struct");
+  return fields.indexOf(name) != fields.names.size();
+}
+
+kestrel_array const* field(kestrel_array const& array, std::size_t index, std::string_view name) {
+  auto const& fields = detail::storeAs<detail::Fields>(array, "struct");
+  detail::checkIndex(array, index);
+  std::size_t const position = fields.indexOf(name);
+  if (position == fields.names.size())
+    throw ArrayError("Kestrel:array:NoSuchField", "The struct has no field '" + std::string(name) + "'.");
+  return fields.values[index * fields.names.size() + position].get();
+}
+
+void setField(kestrel_array& array, std::size_t index, std::string_view name, OwnedArray value) {
+  auto& fields = detail::storeAs<detail::Fields>(array, "struct");
+  detail::checkIndex(array, index);
+  std::size_t const position = fields.indexOf(name);
+  if (position == fields.names.size()) detail::appendField(fields, name, numberOfElements(array));
+  fields.values[index * fields.names.size() + position] = std::move(value);
+}
+
+OwnedArray createCell(Dimensions dimensions) {
+  return detail::makeArray<detail::Cells>(ClassId::Cell, dimensions, dimensions.count());
+}
+
+kestrel_array const* cell(kestrel_array const& array, std::size_t index) {
+  auto const& cells = detail::storeAs<detail::Cells>(array, "cell");
+  detail::checkIndex(array, index);
+  return cells[index].get();
+}
+
+void setCell(kestrel_array& array, std::size_t index, OwnedArray value) {
+  auto& cells = detail::storeAs<detail::Cells>(array, "cell");
+  detail::checkIndex(array, index);
+  cells[index] = std::move(value);
+}
+
+}  // namespace kestrel

@@ -1,0 +1,54 @@
+#include "kestrel/text_array.hpp"
+
+#include <cstring>
+
+#include "array_data.hpp"
+#include "kestrel/numeric_array.hpp"
+
+namespace kestrel {
+
+OwnedArray createChar(std::u16string_view text) {
+  OwnedArray array = detail::createPlain(ClassId::Char, row(text.size()));
+  std::copy(text.begin(), text.end(), mutableData<char16_t>(*array));
+  return array;
+}
+
+std::u16string_view charText(kestrel_array const& array) { return {data<char16_t>(array), numberOfElements(array)}; }
+
+OwnedArray createStrings(Dimensions dimensions) {
+  return detail::makeArray<detail::Strings>(ClassId::String, dimensions, dimensions.count());
+}
+
+OwnedArray createString(std::u16string_view text) {
+  OwnedArray array = createStrings(SCALAR);
+  setStringElement(*array, 0, std::u16string(text));
+  return array;
+}
+
+OwnedArray createStringRow(std::vector<std::u16string> const& texts) {
+  return detail::makeArray<detail::Strings>(ClassId::String, row(texts.size()), texts.begin(), texts.end());
+}
+
+MaybeString const& stringElement(kestrel_array const& array, std::size_t index) {
+  auto const& strings = detail::storeAs<detail::Strings>(array, "string");
+  detail::checkIndex(array, index);
+  return strings[index];
+}
+
+void setStringElement(kestrel_array& array, std::size_t index, MaybeString text) {
+  auto& strings = detail::storeAs<detail::Strings>(array, "string");
+  detail::checkIndex(array, index);
+  strings[index] = std::move(text);
+}
+
+std::u16string_view scalarText(kestrel_array const& array) {
+  if (baseClass(array) == ClassId::Char) return charText(array);
+  if (baseClass(array) == ClassId::String && isScalar(array)) {
+    if (MaybeString const& text = stringElement(array)) return *text;
+  }
+  throw ArrayError("Kestrel:array:NotOneText", "Expected a char array or one string that is not missing, not " +
+                                                   std::to_string(numberOfElements(array)) + " elements of class " +
+                                                   className(array).text() + ".");
+}
+
+}  // namespace kestrel
