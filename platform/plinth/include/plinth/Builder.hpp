@@ -1,0 +1,124 @@
+// Builders gather the property values of an element that doesn't exist yet, its contained children's builders included,
+// and make the whole tree in one step. Ownership: a builder owns its child builders; the model keeps what was built.
+// Thread rule: the thread of the model that it builds in.
+#pragma once
+
+#include <memory>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "plinth/Messages.hpp"
+#include "plinth/meta/Type.hpp"
+
+namespace plinth {
+
+/// Runs a tree of builders: remembers which builder has made which element, so that each makes one at most, and makes
+/// children from a work list, so that the depth of a tree costs no stack.
+class TESSEL_EXPORT Orchestrator {
+ public:
+  explicit Orchestrator(ModelElementBuilder* root);
+  Orchestrator(Orchestrator const&) = delete;
+  Orchestrator& operator=(Orchestrator const&) = delete;
+  /// Without a commit, what was built is taken back.
+  ~Orchestrator();
+
+  void addBuilder(ModelElementBuilder* builder);
+  /// What that builder has made, or an empty handle.
+  ModelElement getCreatedElement(ModelElementBuilder const* builder) const;
+  /// Makes the root's element and everything below it.
+  ModelElement run(boost::uuids::uuid const& uuid);
+  void commit();
+
+ private:
+  struct Frame;
+  ModelElementBuilder* m_root;
+  std::vector<ModelElementBuilder*> m_builders;
+  Transaction m_transaction;
+};
+
+/// A child that a builder is to make, and the containment property that takes it.
+struct CascadeStep {
+  meta::PropertyImpl* property;
+  ModelElementBuilder* child;
+};
+
+class TESSEL_EXPORT ModelElementBuilder {
+ public:
+  using Orchestrator = plinth::Orchestrator;
+
+  ModelElementBuilder(Model const& model, unsigned long bits) noexcept : m_model(model), m_bits(bits) {}
+  explicit ModelElementBuilder(unsigned long bits) noexcept : m_bits(bits) {}
+  ModelElementBuilder(ModelElementBuilder const&) = delete;
+  ModelElementBuilder& operator=(ModelElementBuilder const&) = delete;
+  virtual ~ModelElementBuilder();
+
+  /// Makes the element and, from child builders, all it contains, in one transaction. A nil UUID asks for a new one.
+  /// Raises CannotCreateWithoutModel, and whatever the setters and collections raise; then nothing was made. Linear in
+  /// the tree.
+  ModelElement create(boost::uuids::uuid const& uuid = {});
+  void setModel(Model const& model) { m_model = model; }
+  Model const& model() const noexcept { return m_model; }
+
+  virtual meta::Class const& getMetaClass() const = 0;
+  /// Gives the property this value, or adds the value to a many-valued one. Raises CannotCastIncompatibleTypes for a
+  /// value of another type and NoSuchProperty for a property that the class doesn't have or that can't be given by
+  /// value.
+  virtual void setOrAdd(meta::Property const& property, Value const& value);
+  /// The same with a builder for a contained child. Raises NoSuchProperty for no containment of the class, and
+  /// CannotAddIncompatibleTypes for a child whose class doesn't fit.
+  virtual void setOrAdd(meta::Property const& property, std::unique_ptr<ModelElementBuilder> child);
+
+  bool isSet(unsigned long index) const noexcept { return (m_setMask >> index & 1U) != 0; }
+  boost::dynamic_bitset<std::uint64_t> setMask() const;
+
+ protected:
+  /// Makes the element itself, with its attributes and references; its children come from the cascade. `deferred`
+  /// leaves it unannounced, as a proxy is.
+  virtual ModelElement doCreate(bool deferred, boost::uuids::uuid const& uuid) = 0;
+  /// The children to make, in the order in which they are made, and room for them in `parent`.
+  virtual void cascadeCreation(ModelElementImpl& parent, std::vector<CascadeStep>& steps);
+  /// Puts a child that has been made into its containment.
+  virtual void attach(ModelElementImpl& parent, meta::PropertyImpl& property, ModelElement const& child);
+  void mark(unsigned long index) noexcept { m_setMask |= std::uint64_t{1} << index; }
+  void unmark(unsigned long index) noexcept { m_setMask &= ~(std::uint64_t{1} << index); }
+  Orchestrator* orchestrator() const noexcept { return m_orchestrator; }
+
+ private:
+  friend class plinth::Orchestrator;
+  friend class ModelImpl;
+
+  ModelElement make(boost::uuids::uuid const& uuid);
+
+  Model m_model;
+  Orchestrator* m_orchestrator = nullptr;
+  ModelElement m_created;  ///< what it made under m_orchestrator
+  std::uint64_t m_setMask = 0;
+  unsigned long m_bits;
+};
+
+/// Destroys builders without recursing on the depth of their trees.
+TESSEL_EXPORT void takeDown(std::unique_ptr<ModelElementBuilder> builder) noexcept;
+
+/// A builder whose element fits class X; what `createInto...` takes. Raises CannotAddIncompatibleTypes for another
+/// class.
+template <class X>
+class BuilderWrapper {
+ public:
+  /// From an owning pointer to any builder class, which is meant to pass as it is.
+  template <class B, class = std::enable_if_t<std::is_base_of_v<ModelElementBuilder, B>>>
+  // NOLINTNEXTLINE(google-explicit-constructor)
+  BuilderWrapper(std::unique_ptr<B> builder) : m_builder(std::move(builder)) {
+    auto const& actual = *m_builder->getMetaClass().impl();
+    auto const& expected = *X::metaClass().impl();
+    if (!actual.conformsTo(expected)) {
+      reportException(messages::CannotAddIncompatibleTypes(expected.getQualifiedName(), actual.getQualifiedName()));
+    }
+  }
+  ModelElementBuilder& builder() const noexcept { return *m_builder; }
+
+ private:
+  std::unique_ptr<ModelElementBuilder> m_builder;
+};
+
+}  // namespace plinth

@@ -1,0 +1,187 @@
+// A model: the elements that live and change together, their transactions and their listeners.
+// Ownership: a model holds its elements and ends with its last handle; elements then go with it, whatever cycles of
+// references they form. Handles to them that are still about become dead ones.
+// Thread rule: one model is used from one thread at a time; different models are independent.
+#pragma once
+
+#include <exception>
+#include <memory>
+#include <unordered_map>
+
+#include "plinth/ChangeSet.hpp"
+#include "plinth/ElementDirectory.hpp"
+#include "plinth/RecordPool.hpp"
+#include "plinth/Transaction.hpp"
+#include "plinth/UndoLog.hpp"
+
+namespace plinth {
+
+class ChangePublisher;
+
+/// Keeps a listener registered; letting go of it takes the listener out.
+using ListenerRegistration = std::shared_ptr<void>;
+
+class TESSEL_EXPORT Model : public Handle {
+ public:
+  using Impl = ModelImpl;
+
+  Model() noexcept = default;
+  explicit Model(ModelImpl* impl) noexcept;
+  Model(ModelImpl* impl, Adopt adopt) noexcept;
+
+  /// A new, empty model.
+  static Model create();
+  static meta::Class const& metaClass();
+
+  ModelImpl* impl() const noexcept;
+  ModelImpl* operator->() const noexcept { return impl(); }
+
+  Transaction beginTransaction() const;
+  /// Tells `listener` of each outermost commit from now on, until the registration is let go.
+  ListenerRegistration addListener(ChangeListener listener) const;
+
+  class Freezer;
+  class Thawer;
+};
+
+enum class FindElementBehavior { LOAD = 0, IN_MEMORY = 1 };
+
+class TESSEL_EXPORT ModelImpl : public ElementImpl {
+ public:
+  ~ModelImpl() override;
+  void removeRef() noexcept override;
+
+  // Transactions.
+  /// Begins a transaction, nested in the innermost open one. `thawed` is for whoever holds the thaw of a frozen model.
+  /// Raises CannotModifyFrozenModel. Allocates nothing once warm.
+  Transaction beginTransaction(bool thawed);
+  std::uint32_t level() const noexcept { return m_log.level(); }
+  bool isFrozen() const noexcept { return m_frozen; }
+  UndoLog& undoLog() noexcept { return m_log; }
+  RecordPool& recordPool() noexcept { return m_pool; }
+
+  // Elements.
+  /// The live element of this UUID, or an empty handle. O(1).
+  ModelElement findElement(boost::uuids::uuid const& uuid, FindElementBehavior behavior) const;
+  std::size_t elementCount() const noexcept { return m_directory.size(); }
+  ElementDirectory const& directory() const noexcept { return m_directory; }
+
+  // Proxies.
+  /// The live element that `proxy` names, loading its model if a loader knows it; `proxy` itself if it can't be had.
+  ModelElement resolveProxy(ModelElementImpl const* referrer, ModelElement const& proxy);
+  /// The same without loading anything.
+  ModelElement peekResolveProxy(ModelElementImpl const* referrer, ModelElement const& proxy) const;
+  /// A proxy of class `metaClass` in this model. Raises CannotCreateAbstractClass.
+  ModelElement createProxy(meta::Class const& metaClass, ProxyId const& id);
+  ProxyId const* proxyId(ModelElementImpl const& element) const noexcept;
+  /// Takes `element` and all it contains out of memory: other models keep proxies to it, this one lets go of it.
+  void unload(ModelElement const& element);
+
+  /// While at 1 or above, getters of qualified maps leave proxies as they are.
+  std::int32_t resolveSuppression() const noexcept { return m_resolveSuppression; }
+  void suppressResolve(bool on) noexcept { m_resolveSuppression += on ? 1 : -1; }
+
+  /// The name under which other models find this one; empty for a model that can't be referred to.
+  std::u16string const& name() const noexcept { return m_name; }
+  void setName(std::u16string name);
+
+  /// What listeners raised since the last call, oldest first.
+  std::vector<std::exception_ptr> takeListenerErrors();
+
+ private:
+  friend class Model;
+  friend class Model::Freezer;
+  friend class Model::Thawer;
+  friend class Transaction;
+  friend class Step;
+  friend class UndoLog;
+  friend class ModelElementImpl;
+  friend class Teardown;
+
+  ModelImpl();
+  ModelElement lookUp(ProxyId const& id, bool load) const;
+  void begin(bool thawed);
+  /// Ends the innermost level for good; the outermost one tells the listeners.
+  void commit();
+  void rollBack() noexcept;
+  void commitOutermost();
+  void announce(ModelElementImpl& element);
+
+  RecordPool m_pool;
+  UndoLog m_log;
+  ElementDirectory m_directory;
+  std::unique_ptr<ChangePublisher> m_publisher;
+  std::unordered_map<ModelElementImpl const*, ProxyId> m_proxyIds;
+  std::vector<unsigned long> m_serials;  ///< for each open level, the serial of its transaction
+  unsigned long m_nextSerial = 1;
+  std::vector<ModelElement> m_teardown;  ///< elements whose teardown waits; see Teardown
+  std::u16string m_name;
+  std::int32_t m_resolveSuppression = 0;
+  bool m_frozen = false;
+  bool m_tearingDown = false;
+};
+
+/// The transaction of one step, which happens as a whole or not at all. A SINGLE step can't fail half-way: inside an
+/// open transaction it costs nothing, outside it is one of its own. A WHOLE step is a nested transaction in any case.
+class Step {
+ public:
+  enum Extent { SINGLE, WHOLE };
+  explicit Step(ModelImpl& model, Extent extent = SINGLE) : Step(&model, extent) {}
+  Step(Step const&) = delete;
+  Step& operator=(Step const&) = delete;
+  ~Step() {
+    if (m_model != nullptr) m_model->rollBack();
+  }
+  void commit() {
+    if (m_model == nullptr) return;
+    m_model->commit();
+    m_model = nullptr;
+  }
+
+ protected:
+  /// Null: nothing is taken back.
+  Step(ModelImpl* model, Extent extent) {
+    if (model == nullptr || (extent == SINGLE && model->level() > 0)) return;
+    model->begin(false);
+    m_model = model;
+  }
+
+ private:
+  ModelImpl* m_model = nullptr;
+};
+
+/// Guards a model against change; a Thawer opens it for a while. Thaws nest.
+class TESSEL_EXPORT Model::Freezer {
+ public:
+  Freezer() = default;
+  /// Freezes `model` until a thaw.
+  explicit Freezer(Model model);
+  Thawer thaw();
+
+ private:
+  friend class Thawer;
+  Model m_model;
+  int m_thaws = 0;
+};
+
+class TESSEL_EXPORT Model::Thawer {
+ public:
+  explicit Thawer(Freezer& freezer) noexcept;
+  Thawer(Thawer&& other) noexcept : m_freezer(std::exchange(other.m_freezer, nullptr)) {}
+  Thawer(Thawer const&) = delete;
+  Thawer& operator=(Thawer const&) = delete;
+  ~Thawer();
+
+ private:
+  Freezer* m_freezer;
+};
+
+inline Model::Model(ModelImpl* impl) noexcept : Handle(impl) {}
+inline Model::Model(ModelImpl* impl, Adopt adopt) noexcept : Handle(impl, adopt) {}
+inline ModelImpl* Model::impl() const noexcept { return static_cast<ModelImpl*>(elementImpl()); }
+
+inline bool ModelElementImpl::needsNoOldValues() const noexcept {
+  return (m_state & ANNOUNCED) == 0 || m_createdLevel == m_model->level() || m_model->undoLog().isReplaying();
+}
+
+}  // namespace plinth

@@ -1,0 +1,35 @@
+// The process-wide directory of models by name, by which proxies are resolved across models.
+// Ownership: the directory holds no reference; a model leaves it when it ends or loses its name.
+// Thread rule: safe from any thread; the models themselves are not.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "plinth/Model.hpp"
+
+namespace plinth {
+
+class TESSEL_EXPORT ModelDirectory {
+ public:
+  /// Gives the model of a name that is not in memory, or an empty handle. Whoever loads keeps the model alive.
+  using Loader = std::function<Model(std::u16string const& name)>;
+
+  static ModelDirectory& getInstance();
+
+  /// The model of that name; `load` asks the loader for one that is not there.
+  Model find(std::u16string const& name, bool load) const;
+  void setLoader(Loader loader);
+
+ private:
+  friend class ModelImpl;
+  ModelDirectory() = default;
+  /// Raises UniquenessConstraint when another model has the name.
+  void enter(std::u16string const& name, ModelImpl& model);
+  void leave(std::u16string const& name) noexcept;
+
+  struct State;
+  static State& state();
+};
+
+}  // namespace plinth

@@ -1,0 +1,192 @@
+// The root of all model elements: the handle and the implementation with the services and the overridable operations
+// that the generated classes use. Ownership: a live element is held by its model; a handle keeps the object, not its
+// life. Thread rule: the model's thread.
+#pragma once
+
+#include <boost/intrusive/unordered_set_hook.hpp>
+#include <boost/optional.hpp>
+#include <memory>
+#include <vector>
+
+#include "plinth/Handle.hpp"
+#include "plinth/ProxyId.hpp"
+
+namespace plinth {
+
+namespace query {
+class Constrainables;
+}
+
+/// Tags of reflective access, compared by address.
+class TESSEL_EXPORT ReflectionPrivateTag {
+ public:
+  static ReflectionPrivateTag const PUBLIC_ACCESS;     ///< resolves proxies
+  static ReflectionPrivateTag const IN_MEMORY_ONLY;    ///< looks at what is in memory
+  static ReflectionPrivateTag const NO_PROXY_RESOLVE;  ///< leaves proxies as they are
+
+  ReflectionPrivateTag() = default;
+  ReflectionPrivateTag(ReflectionPrivateTag const&) = delete;
+  ReflectionPrivateTag& operator=(ReflectionPrivateTag const&) = delete;
+  bool resolvesProxies() const noexcept { return this == &PUBLIC_ACCESS; }
+};
+
+/// Handle of any element. Copies share the element; comparison is by identity.
+class TESSEL_EXPORT ModelElement : public Handle {
+ public:
+  using Impl = ModelElementImpl;
+  using Builder = ModelElementBuilder;
+  using Constrainables = query::Constrainables;
+
+  ModelElement() noexcept = default;
+  explicit ModelElement(ModelElementImpl* impl) noexcept;
+  ModelElement(ModelElementImpl* impl, Adopt adopt) noexcept;
+
+  ModelElementImpl* impl() const noexcept;
+  ModelElementImpl* operator->() const noexcept { return impl(); }
+  ModelElementImpl& operator*() const noexcept { return *impl(); }
+
+  static meta::Class const& metaClass();
+};
+
+class TESSEL_EXPORT ModelElementImpl : public ElementImpl {
+ public:
+  using ReflectionPrivateTag = plinth::ReflectionPrivateTag;
+  using Changes = plinth::Changes;
+  using Storage = plinth::Storage;
+
+  /// The position that stands for none in `basicSetContainer`.
+  static constexpr unsigned long NO_INDEX = ~0UL;
+
+  ~ModelElementImpl() override;
+
+  Model getModel() const noexcept;
+  ModelImpl& model() const noexcept { return *m_model; }
+  virtual meta::Class const& getMetaClass() const = 0;
+  ModelElement This() const noexcept;
+
+  // Reflection. Each raises NoSuchProperty for a property that the element's class doesn't have.
+  virtual bool hasPropertyValue(meta::Property const& property, ReflectionPrivateTag const& tag) const;
+  virtual Value getPropertyValue(meta::Property const& property, ReflectionPrivateTag const& tag) const;
+  /// Raises as the property's setter does, and CannotCastIncompatibleTypes for a value of another type.
+  virtual void setPropertyValue(meta::Property const& property, Value const& value, ReflectionPrivateTag const& tag);
+  bool hasPropertyValue(meta::Property const& property) const;
+  Value getPropertyValue(meta::Property const& property) const;
+  void setPropertyValue(meta::Property const& property, Value const& value);
+  virtual Value invoke(meta::Operation const& operation, std::vector<Value> const& arguments,
+                       ReflectionPrivateTag const& tag);
+  /// An empty handle for an index that the class doesn't have. O(length of the base chain).
+  virtual meta::Property getPropertyByIndex(unsigned long index) const;
+  /// The element's UUID as text.
+  virtual std::u16string identifier() const;
+
+  // Life.
+  /// Ends the life of this element and of all it contains; detaches what points at it. Memory stays until the last
+  /// handle goes. Linear in what is destroyed; does not recurse on depth. Raises CannotModifyProxy for a proxy.
+  void destroy();
+  /// Teardown of a contained child; `detach` is false where the caller clears its own link.
+  void destroyRecursively(bool flag1, bool detach, bool flag2);
+  virtual void doDestroy(bool flag1, bool flag2);
+  virtual void notifyDestroying();
+  virtual void aboutToDestroy();
+  virtual void didCreate();
+  virtual void disassociateIncoming();
+  virtual void basicDisassociateAll();
+  virtual void invalidate();
+  /// Tells the model of this new element: it is live from here on. Raises UniquenessConstraint when the model holds an
+  /// element of this UUID.
+  void notifyCreated();
+
+  // Links.
+  /// The far end of a link adds, or removes, `element` to `property` of this element.
+  virtual void inverseAdd(ModelElementImpl& element, meta::PropertyImpl& property);
+  virtual void inverseRemove(ModelElementImpl& element, meta::PropertyImpl& property);
+  /// Whether `property` holds `element`, or a proxy that stands for it; such a proxy is resolved in place.
+  virtual bool inverseContainsProxyTo(ModelElementImpl& element, meta::PropertyImpl& property) const;
+  /// Drops all outgoing references; with `convert`, far ends in other models keep a proxy. `id` is computed once.
+  virtual void convertReferencesToProxies(bool convert, boost::optional<ProxyId>& id);
+  /// The far side of a cut link: puts a proxy with `id` where `property` of this element holds `element`.
+  virtual void convertToProxy(meta::PropertyImpl& property, ProxyId const& id, ModelElementImpl& element);
+  /// Appends the elements that this one contains, in the order of its properties; proxies left out.
+  virtual void collectContained(std::vector<ModelElementImpl*>& children) const;
+  /// The collection behind a many-valued element property, or null where it has none (yet).
+  virtual ReferenceCollection* referenceCollection(meta::PropertyImpl const& property) const;
+
+  bool isProxy() const noexcept { return (m_state & PROXY) != 0; }
+  boost::optional<ProxyId> getProxyId() const;
+  /// A name by which other models find this element; `local` leaves out the model.
+  ProxyId getPersistentProxyId(bool local) const;
+
+  ModelElement container() const noexcept;
+  ModelElementImpl* basicContainer() const noexcept { return m_container; }
+  meta::Property containmentFeature() const noexcept;
+  meta::PropertyImpl* basicContainmentFeature() const noexcept { return m_containmentProperty; }
+  void basicSetContainer(ModelElementImpl* container, meta::PropertyImpl* property, unsigned long position);
+
+  // Services of the generated code.
+  /// Raises CannotModifyProxy or CannotModifyDestroyedElement when this element can't be changed.
+  void requireModifiable() const {
+    if ((m_state & REFUSED) != 0) reportRefusal();
+  }
+  /// Raises CannotModifyProxy for a proxy.
+  void requireReal() const {
+    if (isProxy()) reportRefusal();
+  }
+  /// Announces a change of the property with this index: the first time in a transaction level the old value is kept.
+  void notifyModifying(unsigned long index);
+  /// Refuses a target of another model, and for a containment one that this element lies in. Tolerates null.
+  void checkCompatibleModel(ModelElementImpl* target, meta::PropertyImpl const& property) const;
+  bool isAnnounced() const noexcept { return (m_state & ANNOUNCED) != 0; }
+  /// True when no old values are needed: the element is not announced yet, or new at the present transaction level.
+  bool needsNoOldValues() const noexcept;
+
+  // A leading underscore: acts on another element on behalf of this one.
+  void _setContainedByThis(ModelElementImpl* child, meta::PropertyImpl& property);
+  void _basicSetUncontained(ModelElementImpl* child);
+  void _inverseAddThis(ModelElementImpl* target, meta::PropertyImpl& property, bool announce);
+  void _inverseRemoveThis(ModelElementImpl* target, meta::PropertyImpl& property);
+  bool _inverseContainsThis(ModelElementImpl* target, meta::PropertyImpl& property) const;
+  void _convertToProxy(ModelElementImpl* target, meta::PropertyImpl& property, ProxyId const& id);
+  ProxyId _getPersistentProxyId() const { return getPersistentProxyId(false); }
+
+  // Change storage.
+  virtual Changes* createChanges() const = 0;
+  virtual Storage* createStorage() const = 0;
+  virtual void copyValue(Storage* storage, unsigned long index) const;
+  virtual void copyStateFromStorage(Storage* storage);
+
+  using DirectoryHook = boost::intrusive::unordered_set_member_hook<>;
+
+ protected:
+  ModelElementImpl(Model const& model, boost::uuids::uuid const& uuid);
+  ModelElementImpl(ModelImpl& model, boost::uuids::uuid const& uuid);
+
+ private:
+  friend class ModelImpl;
+  friend class ElementDirectory;
+  friend class UndoLog;
+  friend class Teardown;
+  friend class ChangePublisher;
+
+  [[noreturn]] void reportRefusal() const;
+  void recordOldValue(unsigned long index);
+  bool liesIn(ModelElementImpl const& candidate) const noexcept;
+
+  ModelElementImpl* m_container = nullptr;
+  meta::PropertyImpl* m_containmentProperty = nullptr;
+  Storage* m_record = nullptr;
+  DirectoryHook m_directoryHook;
+  std::uint32_t m_extentSlot = 0;
+};
+
+inline ModelElement::ModelElement(ModelElementImpl* impl) noexcept : Handle(impl) {}
+inline ModelElement::ModelElement(ModelElementImpl* impl, Adopt adopt) noexcept : Handle(impl, adopt) {}
+inline ModelElementImpl* ModelElement::impl() const noexcept { return static_cast<ModelElementImpl*>(elementImpl()); }
+inline ModelElement ModelElementImpl::This() const noexcept {
+  return ModelElement(const_cast<ModelElementImpl*>(this));
+}
+
+/// `element` as a handle of class T when it is of that class or below it, otherwise an empty handle.
+template <class T>
+T element_cast(ModelElement const& element);
+
+}  // namespace plinth

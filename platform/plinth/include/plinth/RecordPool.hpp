@@ -1,0 +1,40 @@
+// Memory for change records: free lists by size, so that a transaction's records cost no heap allocation once the pool
+// is warm. Ownership: the pool owns its blocks and outlives every record made from it. Thread rule: the model's thread.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+#include "groundwork/export.hpp"
+
+namespace plinth {
+
+class TESSEL_EXPORT RecordPool {
+ public:
+  RecordPool() = default;
+  RecordPool(RecordPool const&) = delete;
+  RecordPool& operator=(RecordPool const&) = delete;
+
+  /// Memory for `size` bytes, aligned for any type. Raises std::bad_alloc. O(1).
+  void* allocate(std::size_t size);
+  /// Gives back what `allocate(size)` of any pool returned.
+  static void release(void* memory, std::size_t size) noexcept;
+
+ private:
+  struct Free {
+    Free* next;
+  };
+  static constexpr std::size_t GRAIN = 64;
+  static constexpr std::size_t CLASSES = 24;
+  static constexpr std::size_t PREFIX = alignof(std::max_align_t);
+  static constexpr std::size_t CHUNK = 16 * 1024;
+
+  void refill(std::size_t sizeClass);
+
+  std::array<Free*, CLASSES> m_free{};
+  std::vector<std::unique_ptr<std::byte[]>> m_chunks;
+};
+
+}  // namespace plinth

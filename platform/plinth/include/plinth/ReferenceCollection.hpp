@@ -1,0 +1,77 @@
+// The root of collections of elements: what holds for sequences, sets, maps and views alike.
+// Ownership and thread rule: see AbstractOwnedCollection.hpp.
+#pragma once
+
+#include <functional>
+#include <unordered_map>
+#include <vector>
+
+#include "plinth/AbstractOwnedCollection.hpp"
+#include "plinth/GenericCollection.hpp"
+
+namespace plinth {
+
+class TESSEL_EXPORT ReferenceCollection : public AbstractOwnedCollection {
+ public:
+  ~ReferenceCollection() override;
+
+  /// The class that members are of, or derive from.
+  virtual meta::Class const& getCollectionType() const = 0;
+  /// Whether members are contained.
+  bool isComposite() const noexcept { return property() != nullptr && property()->isComposite(); }
+  /// Refuses an element of another model, a dead one and, for a containment, one that would contain itself.
+  void checkCompatibleModel(ModelElementImpl* element) const;
+  ModelElement resolveProxy(ModelElement const& proxy) const;
+  ModelElement peekResolveProxy(ModelElement const& proxy) const;
+
+  GenericCollectionInterface* getGenericInterface() override;
+  /// The members, proxies resolved where they can be and left out where not.
+  virtual std::vector<ModelElement> getAllValues() = 0;
+  /// The members as they stand, proxies included.
+  virtual std::vector<ModelElement> getAllValuesAndProxies() const = 0;
+  /// Calls `visit` for each real member, in order, without resolving and without counting.
+  virtual void forEachReal(std::function<void(ModelElementImpl&)> const& visit) const = 0;
+
+  virtual void genericAdd(ModelElement const& element) = 0;
+  virtual void genericRemove(ModelElement const& element) = 0;
+  virtual bool genericContains(ModelElement const& element) const = 0;
+  virtual void clear() = 0;
+
+  // Proxies.
+  virtual void replaceProxy(ModelElement const& element) = 0;
+  virtual void resolveAll() = 0;
+  virtual void resolveLocal() = 0;
+  /// Puts `proxy` where the collection holds `element`.
+  virtual void convertToProxy(ModelElementImpl& element, ModelElement const& proxy) = 0;
+
+  // Bare changes: the container and its record, no inverse.
+  virtual void basicAdd(ModelElement const& element) = 0;
+  virtual void basicAddWithProxy(ModelElement const& element) { basicAdd(element); }
+  virtual void basicRemove(ModelElement const& element) = 0;
+  virtual void basicClear() = 0;
+  /// Becomes a copy of `other`, which is of the same class; null empties it.
+  virtual void basicCopyValues(ReferenceCollection const* other) = 0;
+  virtual bool basicContainsProxyTo(ModelElementImpl& target) = 0;
+
+  bool fits(ModelElement const& element) const;
+  /// Raises CannotAddIncompatibleTypes for an element of a class that doesn't fit.
+  void requireFitting(ModelElement const& element) const;
+
+ protected:
+  using AbstractOwnedCollection::AbstractOwnedCollection;
+
+  virtual std::unique_ptr<GenericCollectionInterface> makeGenericInterface() = 0;
+  /// What follows the addition, or precedes the removal, of a member: the far end of an opposite, or the container
+  /// link.
+  void inverseAfterAdding(ModelElementImpl& element);
+  void inverseBeforeRemoving(ModelElementImpl& element);
+  bool hasInverse() const noexcept { return owner() != nullptr && (opposite() != nullptr || isComposite()); }
+  Operation::Extent extent() const noexcept { return hasInverse() ? Operation::WHOLE : Operation::SINGLE; }
+  /// The element that a proxy stands for, if it is there and, for an opposite, lists the owner; else an empty handle.
+  ModelElement resolved(ModelElement const& proxy) const;
+
+ private:
+  std::unique_ptr<GenericCollectionInterface> m_generic;
+};
+
+}  // namespace plinth

@@ -1,0 +1,97 @@
+// What a model's open transactions have done, in order, so that any of them can be taken back exactly.
+//
+// The log holds one short entry for each record made, journal touched, element created and element destroyed. A
+// transaction level is a mark into it: rolling back replays the entries behind the mark from the last to the first, and
+// committing an inner level hands its entries to the enclosing one. Whatever an entry needs for its undo is allocated
+// before the change that it describes, so that taking back can't fail. Ownership: change records and destroyed elements
+// belong to the log while it holds an entry for them. Thread rule: the model's thread.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "plinth/ModelElement.hpp"
+
+namespace plinth {
+
+/// A thing that keeps its own undo, such as a collection's journal. The log knows how far to take it back.
+class TESSEL_EXPORT Undoable {
+ public:
+  virtual ~Undoable();
+  /// Takes back all steps beyond the first `mark`.
+  virtual void undoTo(std::size_t mark) noexcept = 0;
+  virtual std::size_t steps() const noexcept = 0;
+  /// The outermost transaction has ended: what is kept can go.
+  virtual void forget() noexcept = 0;
+
+ private:
+  friend class UndoLog;
+  std::uint32_t m_touchedLevel = 0;
+};
+
+class UndoLog {
+ public:
+  explicit UndoLog(ModelImpl& model) noexcept : m_model(&model) {}
+  UndoLog(UndoLog const&) = delete;
+  UndoLog& operator=(UndoLog const&) = delete;
+
+  std::uint32_t level() const noexcept { return m_level; }
+  bool isReplaying() const noexcept { return m_replaying; }
+  std::size_t size() const noexcept { return m_entries.size(); }
+
+  /// Makes room for one more entry; call before the change. Raises std::bad_alloc.
+  void reserve() {
+    if (m_entries.size() == m_entries.capacity()) grow();
+  }
+  void recordMade(ModelElementImpl& element) noexcept { m_entries.push_back({&element, Kind::RECORD, 0}); }
+  void created(ModelElementImpl& element) noexcept { m_entries.push_back({&element, Kind::CREATED, 0}); }
+  void destroyed(ModelElementImpl& element) noexcept { m_entries.push_back({&element, Kind::DESTROYED, 0}); }
+  /// Notes that `journal` changes at the present level; an entry is written the first time only. Raises std::bad_alloc.
+  void touch(Undoable& journal);
+
+  void begin();
+  /// Ends the innermost level, which is not the outermost: its entries go to the enclosing one.
+  void commitInner() noexcept;
+  /// Ends the outermost level. The records have been given away or are dropped here, destroyed elements let go.
+  void commitOutermost() noexcept;
+  /// Takes back the innermost level and ends it.
+  void rollBack() noexcept;
+
+  template <class Visitor>
+  void forEachRecord(Visitor visitor) const {
+    for (Entry const& entry : m_entries) {
+      if (entry.kind == Kind::RECORD) visitor(*static_cast<ModelElementImpl*>(entry.object));
+    }
+  }
+  template <class OnCreated, class OnDestroyed>
+  void forEachLife(OnCreated onCreated, OnDestroyed onDestroyed) const {
+    for (Entry const& entry : m_entries) {
+      if (entry.kind == Kind::CREATED) onCreated(*static_cast<ModelElementImpl*>(entry.object));
+      if (entry.kind == Kind::DESTROYED) onDestroyed(*static_cast<ModelElementImpl*>(entry.object));
+    }
+  }
+
+ private:
+  enum class Kind : std::uint32_t { NOTHING, RECORD, JOURNAL, CREATED, DESTROYED };
+  struct Entry {
+    void* object;
+    Kind kind;
+    std::uint32_t mark;
+  };
+
+  void grow();
+  void handRecordOver(Entry& entry, std::uint32_t level) noexcept;
+  void undo(Entry const& entry, std::vector<ModelElementImpl*>& gone) noexcept;
+  static void bury(std::vector<ModelElementImpl*>& elements) noexcept;
+  static void dropRecord(ModelElementImpl& element) noexcept;
+
+  ModelImpl* m_model;
+  std::vector<Entry> m_entries;
+  std::vector<std::size_t> m_levels;  ///< for each open level, the number of entries at its begin
+  std::vector<ModelElementImpl*>
+      m_gone;  ///< elements to let go at the end; room is made when they are created or destroyed
+  std::uint32_t m_level = 0;
+  bool m_replaying = false;
+};
+
+}  // namespace plinth

@@ -1,0 +1,254 @@
+// The reflective value of one property: a type, a shape and a content that the value owns or only points at.
+//
+// A value carries the four functions of its content's C++ type, so that code that knows no types can copy, compare,
+// hash and delete it. Contents of up to eight bytes stand in the value itself. Ownership: a managed value owns its
+// content; an unmanaged one is valid as long as what it points at. Thread rule: one value belongs to one thread at a
+// time.
+#pragma once
+
+#include <cstdint>
+#include <new>
+#include <string>
+#include <type_traits>
+#include <utility>
+
+#include "plinth/Hashing.hpp"
+#include "plinth/Messages.hpp"
+#include "plinth/meta/Property.hpp"
+
+namespace plinth {
+
+/// Type, shape and ownership of a value.
+class ValueMeta {
+ public:
+  ValueMeta() noexcept = default;
+  /// The property's type and shape.
+  explicit ValueMeta(meta::Property const& property) noexcept : ValueMeta(*property.impl()) {}
+  explicit ValueMeta(meta::PropertyImpl const& property) noexcept
+      : m_type(property.type()), m_flags(property.valueFlags()) {}
+  ValueMeta(meta::TypeImpl* type, meta::ValueFlags flags) noexcept : m_type(type), m_flags(flags) {}
+
+  meta::Type getType() const noexcept { return meta::Type(m_type); }
+  meta::TypeImpl* type() const noexcept { return m_type; }
+  meta::ValueFlags flags() const noexcept { return m_flags; }
+  bool isOptionalEmpty() const noexcept { return m_optionalEmpty; }
+  bool isManaged() const noexcept { return m_managed; }
+  ValueMeta& setUnmanaged() noexcept {
+    m_managed = false;
+    return *this;
+  }
+  ValueMeta& setOptionalEmpty() noexcept {
+    m_optionalEmpty = true;
+    return *this;
+  }
+
+ private:
+  meta::TypeImpl* m_type = nullptr;
+  meta::ValueFlags m_flags = meta::SINGLE;
+  bool m_optionalEmpty = false;
+  bool m_managed = true;
+};
+
+/// Says which meta type a C++ type stands for: `static meta::TypeImpl* type()`. Specialised for each value type.
+template <class T, class = void>
+struct MetaTypeOf;
+
+class TESSEL_EXPORT Value {
+ public:
+  /// A value of no type.
+  Value() noexcept = default;
+  /// A value of that type and shape with no content.
+  explicit Value(ValueMeta const& meta) noexcept : m_meta(meta) {}
+  /// A value that points at a content it does not own, such as a live collection.
+  Value(ValueMeta meta, void* content) noexcept : m_meta(meta.setUnmanaged()), m_content(content) {}
+
+  Value(Value const& other);
+  Value(Value&& other) noexcept;
+  Value& operator=(Value other) noexcept;
+  ~Value() { reset(); }
+
+  /// A managed value with a copy of `content`.
+  template <class T>
+  static Value make(ValueMeta const& meta, T content);
+  template <class T>
+  static Value createPrimitiveValue(meta::Property const& property, T const& content) {
+    return make<T>(ValueMeta(property), content);
+  }
+  template <class T>
+  static Value createElementValue(meta::Property const& property, T const& element) {
+    return make<T>(ValueMeta(element ? element->getMetaClass().impl() : property->type(), meta::SINGLE), element);
+  }
+
+  ValueMeta const& meta() const noexcept { return m_meta; }
+  bool isEmpty() const noexcept { return m_content == nullptr; }
+  void const* content() const noexcept { return m_content; }
+  void* content() noexcept { return m_content; }
+
+  /// Raises CannotCastIncompatibleTypes unless this is a value of T: shape and type.
+  template <class T>
+  void checkCompatible() const;
+  /// A copy of the content; T's default where there is none. Raises as checkCompatible does.
+  template <class T>
+  T getValue() const;
+
+  /// Equal contents by the type's own comparison; values of different types differ.
+  friend TESSEL_EXPORT bool operator==(Value const& left, Value const& right);
+  friend bool operator!=(Value const& left, Value const& right) { return !(left == right); }
+  std::uint64_t hash() const;
+
+  template <class T>
+  static void genericDeleter(void* content) {
+    delete static_cast<T*>(content);
+  }
+  template <class T>
+  static void* genericCloner(void const* content) {
+    return new T(*static_cast<T const*>(content));
+  }
+  template <class T>
+  static bool genericComparator(void const* left, void const* right) {
+    if (left == nullptr || right == nullptr) return left == right;
+    return *static_cast<T const*>(left) == *static_cast<T const*>(right);
+  }
+  template <class T>
+  static std::uint64_t genericHasher(void* content) {
+    return hashValue(*static_cast<T const*>(content));
+  }
+
+ private:
+  struct Functions {
+    void (*deleter)(void*);
+    void* (*cloner)(void const*);
+    bool (*comparator)(void const*, void const*);
+    std::uint64_t (*hasher)(void*);
+    void (*copyInPlace)(void* to, void const* from);  ///< null: the content stands on the heap
+    void (*destroyInPlace)(void* content);
+  };
+  static constexpr std::size_t IN_PLACE = 8;
+  template <class T>
+  static constexpr bool standsInPlace = sizeof(T) <= IN_PLACE &&
+                                        alignof(T) <= IN_PLACE&& std::is_nothrow_move_constructible_v<T>;
+  template <class T>
+  static Functions const& functionsOf() noexcept;
+  void reset() noexcept;
+  [[noreturn]] void reportIncompatible(meta::TypeImpl const* expected) const;
+
+  ValueMeta m_meta;
+  void* m_content = nullptr;
+  Functions const* m_functions = nullptr;
+  alignas(IN_PLACE) std::byte m_inPlace[IN_PLACE];
+};
+
+/// Says whether a value is one of T: `static bool accepts(ValueMeta const&)` and `static meta::TypeImpl* expected()`.
+template <class T, class = void>
+struct ValueTraits {
+  static meta::TypeImpl* expected() { return MetaTypeOf<T>::type(); }
+  static bool accepts(ValueMeta const& meta) { return meta.flags() == meta::SINGLE && meta.type() == expected(); }
+};
+template <class T>
+struct ValueTraits<T, std::enable_if_t<std::is_base_of_v<ModelElement, T>>> {
+  static meta::TypeImpl* expected() { return T::metaClass().impl(); }
+  static bool accepts(ValueMeta const& meta) {
+    auto const* const metaClass = dynamic_cast<meta::ClassImpl const*>(meta.type());
+    return meta.flags() < meta::SEQUENCE && metaClass != nullptr && metaClass->conformsTo(*expected());
+  }
+};
+template <class T>
+struct ValueTraits<boost::optional<T>> {
+  static meta::TypeImpl* expected() { return MetaTypeOf<T>::type(); }
+  static bool accepts(ValueMeta const& meta) { return meta.flags() == meta::OPTIONAL && meta.type() == expected(); }
+};
+template <class T>
+struct ValueTraits<std::vector<T>> {
+  static meta::TypeImpl* expected() { return MetaTypeOf<T>::type(); }
+  static bool accepts(ValueMeta const& meta) { return meta.flags() == meta::SEQUENCE && meta.type() == expected(); }
+};
+template <class T>
+struct ValueTraits<std::set<T>> {
+  static meta::TypeImpl* expected() { return MetaTypeOf<T>::type(); }
+  static bool accepts(ValueMeta const& meta) { return meta.flags() == meta::SET && meta.type() == expected(); }
+};
+
+template <class T>
+Value::Functions const& Value::functionsOf() noexcept {
+  static constexpr bool inPlace = standsInPlace<T>;
+  static constexpr Functions functions{
+      &genericDeleter<T>,
+      &genericCloner<T>,
+      &genericComparator<T>,
+      &genericHasher<T>,
+      inPlace ? +[](void* to, void const* from) { ::new (to) T(*static_cast<T const*>(from)); }
+              : static_cast<void (*)(void*, void const*)>(nullptr),
+      inPlace ? +[](void* content) { static_cast<T*>(content)->~T(); } : static_cast<void (*)(void*)>(nullptr)};
+  return functions;
+}
+
+template <class T>
+Value Value::make(ValueMeta const& meta, T content) {
+  Value value(meta);
+  if constexpr (standsInPlace<T>) {
+    value.m_content = ::new (value.m_inPlace) T(std::move(content));
+  } else {
+    value.m_content = new T(std::move(content));
+  }
+  value.m_functions = &functionsOf<T>();
+  return value;
+}
+
+template <class T>
+void Value::checkCompatible() const {
+  if (!ValueTraits<T>::accepts(m_meta)) reportIncompatible(ValueTraits<T>::expected());
+}
+
+template <class T>
+T Value::getValue() const {
+  checkCompatible<T>();
+  return m_content == nullptr ? T() : *static_cast<T const*>(m_content);
+}
+
+/// The handles of the foundation's primitive types, looked up by name at first use.
+struct TESSEL_EXPORT StandardTypes {
+  static meta::TypeImpl* booleanMeta();
+  static meta::TypeImpl* stringMeta();
+  static meta::TypeImpl* realMeta();
+  static meta::TypeImpl* integerMeta();
+  static meta::TypeImpl* integer64Meta();
+  static meta::TypeImpl* uInteger64Meta();
+  static meta::TypeImpl* unlimitedNaturalMeta();
+  static meta::TypeImpl* kestrelArrayMeta();
+};
+
+template <>
+struct MetaTypeOf<bool> {
+  static meta::TypeImpl* type() { return StandardTypes::booleanMeta(); }
+};
+template <>
+struct MetaTypeOf<std::u16string> {
+  static meta::TypeImpl* type() { return StandardTypes::stringMeta(); }
+};
+template <>
+struct MetaTypeOf<double> {
+  static meta::TypeImpl* type() { return StandardTypes::realMeta(); }
+};
+template <>
+struct MetaTypeOf<int> {
+  static meta::TypeImpl* type() { return StandardTypes::integerMeta(); }
+};
+template <>
+struct MetaTypeOf<long> {
+  static meta::TypeImpl* type() { return StandardTypes::integer64Meta(); }
+};
+template <>
+struct MetaTypeOf<unsigned long> {
+  static meta::TypeImpl* type() { return StandardTypes::uInteger64Meta(); }
+};
+template <>
+struct MetaTypeOf<unsigned int> {
+  static meta::TypeImpl* type() { return StandardTypes::unlimitedNaturalMeta(); }
+};
+
+namespace internal {
+/// Whether `type` is an enumeration.
+TESSEL_EXPORT bool isEnumType(meta::Type const& type);
+}  // namespace internal
+
+}  // namespace plinth

@@ -1,0 +1,54 @@
+// Packages: the tree of names that types stand in.
+// Ownership and thread rule: see Element.hpp.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "plinth/meta/Type.hpp"
+
+namespace plinth::meta {
+
+class TESSEL_EXPORT Package : public ModelElement {
+ public:
+  using Impl = PackageImpl;
+  Package() noexcept = default;
+  explicit Package(PackageImpl* impl) noexcept;
+  /// A new package, inside the open transaction of `model`.
+  static Package create(Model const& model, boost::uuids::uuid const& uuid);
+  PackageImpl* impl() const noexcept;
+  PackageImpl* operator->() const noexcept { return impl(); }
+};
+
+class TESSEL_EXPORT PackageImpl : public MetaElementImpl {
+ public:
+  PackageImpl(Model const& model, boost::uuids::uuid const& uuid) : MetaElementImpl(model, uuid, CoreClass::PACKAGE) {}
+
+  std::u16string const& uri() const noexcept { return m_uri; }
+  void setUri(std::u16string uri);
+  PackageImpl* parentPackage() const noexcept { return m_parent; }
+  void setParentPackage(Package const& parent);
+  std::vector<PackageImpl*> const& subPackages() const noexcept { return m_packages; }
+  /// In the order of weaving, which is that of creation.
+  std::vector<TypeImpl*> const& types() const noexcept { return m_types; }
+  /// The URIs of imported packages, each once, in order.
+  std::vector<std::u16string> const& getImportedPackageURIs() const noexcept { return m_imported; }
+  /// Appends URIs that are not there yet.
+  void addImportedPackageURIs(std::vector<std::u16string> const& uris);
+
+  void basicDisassociateAll() override;
+  void doDestroy(bool flag1, bool flag2) override;
+
+ private:
+  friend class TypeImpl;
+  std::u16string m_uri;
+  PackageImpl* m_parent = nullptr;
+  std::vector<PackageImpl*> m_packages;
+  std::vector<TypeImpl*> m_types;
+  std::vector<std::u16string> m_imported;
+};
+
+inline Package::Package(PackageImpl* impl) noexcept : ModelElement(impl) {}
+inline PackageImpl* Package::impl() const noexcept { return static_cast<PackageImpl*>(elementImpl()); }
+
+}  // namespace plinth::meta

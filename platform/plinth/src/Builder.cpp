@@ -1,0 +1,121 @@
+#include "plinth/Builder.hpp"
+
+#include "plinth/FailurePoint.hpp"
+#include "plinth/Value.hpp"
+
+namespace plinth {
+
+struct Orchestrator::Frame {
+  ModelElementBuilder* builder;
+  ModelElement element;
+  std::vector<CascadeStep> steps;
+  std::size_t next = 0;
+};
+
+Orchestrator::Orchestrator(ModelElementBuilder* root)
+    : m_root(root), m_transaction(root->model()->beginTransaction(false)) {
+  addBuilder(root);
+}
+
+Orchestrator::~Orchestrator() {
+  for (ModelElementBuilder* builder : m_builders) {
+    builder->m_orchestrator = nullptr;
+    builder->m_created = ModelElement();
+  }
+}
+
+void Orchestrator::addBuilder(ModelElementBuilder* builder) {
+  if (builder->m_orchestrator == this) return;
+  m_builders.push_back(builder);
+  builder->m_orchestrator = this;
+  builder->m_model = m_root->model();
+}
+
+ModelElement Orchestrator::getCreatedElement(ModelElementBuilder const* builder) const {
+  return builder->m_orchestrator == this ? builder->m_created : ModelElement();
+}
+
+ModelElement Orchestrator::run(boost::uuids::uuid const& uuid) {
+  std::vector<Frame> frames;
+  auto const enter = [&](ModelElementBuilder* builder, boost::uuids::uuid const& childUuid) {
+    addBuilder(builder);
+    frames.push_back({builder, builder->make(childUuid), {}});
+    builder->cascadeCreation(*frames.back().element, frames.back().steps);
+  };
+  enter(m_root, uuid);
+  while (true) {
+    Frame& frame = frames.back();
+    if (frame.next < frame.steps.size()) {
+      enter(frame.steps[frame.next].child, {});
+      continue;
+    }
+    ModelElement const made = frame.element;
+    frames.pop_back();
+    if (frames.empty()) return made;
+    Frame& parent = frames.back();
+    parent.builder->attach(*parent.element, *parent.steps[parent.next].property, made);
+    ++parent.next;
+  }
+}
+
+void Orchestrator::commit() { m_transaction.commit(); }
+
+ModelElementBuilder::~ModelElementBuilder() = default;
+
+ModelElement ModelElementBuilder::create(boost::uuids::uuid const& uuid) {
+  if (m_orchestrator != nullptr) return make(uuid);
+  if (m_model.isEmpty()) reportException(messages::CannotCreateWithoutModel());
+  Orchestrator orchestrator(this);
+  ModelElement element = orchestrator.run(uuid);
+  orchestrator.commit();
+  return element;
+}
+
+ModelElement ModelElementBuilder::make(boost::uuids::uuid const& uuid) {
+  if (m_created) return m_created;
+  failurePoint("builder-make");
+  m_created = doCreate(false, uuid.is_nil() ? ElementImpl::generateNewUuid() : uuid);
+  return m_created;
+}
+
+void ModelElementBuilder::setOrAdd(meta::Property const& property, Value const&) {
+  reportException(
+      messages::NoSuchProperty(property.isEmpty() ? u"" : property->getName(), getMetaClass()->getQualifiedName()));
+}
+
+void ModelElementBuilder::setOrAdd(meta::Property const& property, std::unique_ptr<ModelElementBuilder> child) {
+  if (child != nullptr && !property.isEmpty() && property->isComposite() &&
+      getMetaClass()->conformsTo(*property->owningType())) {
+    reportException(messages::CannotAddIncompatibleTypes(property->type()->getQualifiedName(),
+                                                         child->getMetaClass()->getQualifiedName()));
+  }
+  reportException(
+      messages::NoSuchProperty(property.isEmpty() ? u"" : property->getName(), getMetaClass()->getQualifiedName()));
+}
+
+boost::dynamic_bitset<std::uint64_t> ModelElementBuilder::setMask() const {
+  return boost::dynamic_bitset<std::uint64_t>(m_bits, m_setMask);
+}
+
+void ModelElementBuilder::cascadeCreation(ModelElementImpl&, std::vector<CascadeStep>&) {}
+
+void ModelElementBuilder::attach(ModelElementImpl&, meta::PropertyImpl&, ModelElement const&) {}
+
+void takeDown(std::unique_ptr<ModelElementBuilder> builder) noexcept {
+  // The destructor of a builder hands its children in here again: they wait in the list of the outermost call.
+  thread_local std::vector<std::unique_ptr<ModelElementBuilder>>* waiting = nullptr;
+  if (waiting != nullptr) {
+    waiting->push_back(std::move(builder));
+    return;
+  }
+  std::vector<std::unique_ptr<ModelElementBuilder>> list;
+  waiting = &list;
+  list.push_back(std::move(builder));
+  while (!list.empty()) {
+    std::unique_ptr<ModelElementBuilder> const last = std::move(list.back());
+    list.pop_back();
+  }
+  waiting = nullptr;
+}
+
+}  // namespace plinth

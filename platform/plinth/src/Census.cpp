@@ -1,0 +1,129 @@
+#include "plinth/Census.hpp"
+
+#include <algorithm>
+#include <atomic>
+#include <map>
+#include <mutex>
+#include <numeric>
+#include <unordered_set>
+
+#include "plinth/meta/MetaRegistry.hpp"
+
+namespace plinth {
+namespace {
+
+std::atomic<std::size_t> elementObjects{0};
+std::atomic<std::size_t> metaElementObjects{0};
+
+struct ByName {
+  bool operator()(meta::ClassImpl const* left, meta::ClassImpl const* right) const noexcept {
+    return left->getQualifiedName() < right->getQualifiedName();
+  }
+};
+using Counts = std::map<meta::ClassImpl const*, std::size_t, ByName>;
+
+void count(ModelImpl const& model, Counts& counts) {
+  ElementDirectory const& directory = model.directory();
+  for (meta::ClassImpl const* metaClass : directory.classes())
+    counts[metaClass] += directory.elementsOf(*metaClass).size();
+}
+
+std::vector<Census::Row> rowsOf(Counts const& counts) {
+  std::vector<Census::Row> rows;
+  for (auto const& [metaClass, number] : counts) {
+    if (number != 0) rows.push_back({metaClass, number});
+  }
+  return rows;
+}
+
+/// The models there are. Outlives those of static objects.
+struct LiveModels {
+  std::mutex mutex;
+  std::unordered_set<ModelImpl*> models;
+};
+LiveModels& liveModels() {
+  static LiveModels* const models = new LiveModels();
+  return *models;
+}
+
+}  // namespace
+
+namespace detail {
+
+void LiveObjects::addElement() noexcept { elementObjects.fetch_add(1, std::memory_order_relaxed); }
+void LiveObjects::removeElement() noexcept { elementObjects.fetch_sub(1, std::memory_order_relaxed); }
+void LiveObjects::addMetaElement() noexcept { metaElementObjects.fetch_add(1, std::memory_order_relaxed); }
+void LiveObjects::removeMetaElement() noexcept { metaElementObjects.fetch_sub(1, std::memory_order_relaxed); }
+
+void LiveObjects::enter(ModelImpl& model) {
+  std::lock_guard const lock(liveModels().mutex);
+  liveModels().models.insert(&model);
+}
+
+void LiveObjects::leave(ModelImpl& model) noexcept {
+  std::lock_guard const lock(liveModels().mutex);
+  liveModels().models.erase(&model);
+}
+
+}  // namespace detail
+
+std::size_t Census::elements() const noexcept {
+  return std::accumulate(classes.begin(), classes.end(), std::size_t{0},
+                         [](std::size_t sum, Row const& row) { return sum + row.count; });
+}
+
+std::size_t Census::countOf(meta::ClassImpl const& metaClass) const noexcept {
+  auto const found =
+      std::find_if(classes.begin(), classes.end(), [&](Row const& row) { return row.metaClass == &metaClass; });
+  return found == classes.end() ? 0 : found->count;
+}
+
+std::string Census::text() const {
+  std::string result;
+  for (Row const& row : classes) result += std::to_string(row.count) + " " + row.metaClass->narrowName() + "\n";
+  if (models != 0) result += std::to_string(models) + " models\n";
+  if (others != 0) result += std::to_string(others) + " proxies or dead elements\n";
+  return result;
+}
+
+Census census(Model const& model) {
+  Census result;
+  if (model.isEmpty()) return result;
+  Counts counts;
+  count(*model.impl(), counts);
+  result.classes = rowsOf(counts);
+  result.models = 1;
+  return result;
+}
+
+Census census() {
+  ModelImpl const* const metamodel = meta::MetaRegistry::getInstance().model().impl();
+  Census result;
+  Counts counts;
+  {
+    std::lock_guard const lock(liveModels().mutex);
+    for (ModelImpl const* model : liveModels().models) {
+      if (model == metamodel) continue;
+      count(*model, counts);
+      ++result.models;
+    }
+  }
+  result.classes = rowsOf(counts);
+  std::size_t const objects = elementObjects.load() - metaElementObjects.load();
+  result.others = objects - std::min(objects, result.elements());
+  return result;
+}
+
+Census surplus(Census const& before, Census const& after) {
+  auto const beyond = [](std::size_t earlier, std::size_t later) { return later > earlier ? later - earlier : 0; };
+  Census result;
+  for (Census::Row const& row : after.classes) {
+    std::size_t const more = beyond(before.countOf(*row.metaClass), row.count);
+    if (more != 0) result.classes.push_back({row.metaClass, more});
+  }
+  result.models = beyond(before.models, after.models);
+  result.others = beyond(before.others, after.others);
+  return result;
+}
+
+}  // namespace plinth

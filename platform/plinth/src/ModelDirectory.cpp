@@ -1,0 +1,52 @@
+#include "plinth/ModelDirectory.hpp"
+
+#include <mutex>
+#include <unordered_map>
+
+#include "plinth/Messages.hpp"
+
+namespace plinth {
+
+struct ModelDirectory::State {
+  std::mutex mutex;
+  std::unordered_map<std::u16string, ModelImpl*> models;
+  Loader loader;
+};
+
+ModelDirectory& ModelDirectory::getInstance() {
+  static ModelDirectory* const instance = new ModelDirectory();
+  return *instance;
+}
+
+ModelDirectory::State& ModelDirectory::state() {
+  static State* const state = new State();  // outlives the models of static objects
+  return *state;
+}
+
+Model ModelDirectory::find(std::u16string const& name, bool load) const {
+  Loader loader;
+  {
+    std::lock_guard const lock(state().mutex);
+    auto const found = state().models.find(name);
+    if (found != state().models.end()) return Model(found->second);
+    if (load) loader = state().loader;
+  }
+  return loader ? loader(name) : Model();
+}
+
+void ModelDirectory::setLoader(Loader loader) {
+  std::lock_guard const lock(state().mutex);
+  state().loader = std::move(loader);
+}
+
+void ModelDirectory::enter(std::u16string const& name, ModelImpl& model) {
+  std::lock_guard const lock(state().mutex);
+  if (!state().models.emplace(name, &model).second) reportException(messages::UniquenessConstraint());
+}
+
+void ModelDirectory::leave(std::u16string const& name) noexcept {
+  std::lock_guard const lock(state().mutex);
+  state().models.erase(name);
+}
+
+}  // namespace plinth

@@ -1,0 +1,71 @@
+#include <boost/lexical_cast.hpp>
+#include <boost/uuid/string_generator.hpp>
+#include <cctype>
+
+#include "plinth/Builder.hpp"
+#include "plinth/Messages.hpp"
+#include "plinth/Model.hpp"
+#include "plinth/ModelDirectory.hpp"
+#include "plinth/meta/Type.hpp"
+
+namespace plinth {
+
+boost::uuids::uuid elementUuid(ProxyId const& id) noexcept {
+  try {
+    return boost::uuids::string_generator()(std::string(id.element.begin(), id.element.end()));
+  } catch (std::exception const&) {
+    return {};
+  }
+}
+
+ModelElement ModelImpl::lookUp(ProxyId const& id, bool load) const {
+  Model const model =
+      id.isLocal() ? Model(const_cast<ModelImpl*>(this)) : ModelDirectory::getInstance().find(*id.model, load);
+  return model.isEmpty() ? ModelElement() : model->findElement(elementUuid(id), FindElementBehavior::IN_MEMORY);
+}
+
+ModelElement ModelImpl::resolveProxy(ModelElementImpl const*, ModelElement const& proxy) {
+  ProxyId const* const id = proxyId(*proxy);
+  if (id == nullptr) return proxy;
+  ModelElement const found = lookUp(*id, true);
+  return found ? found : proxy;
+}
+
+ModelElement ModelImpl::peekResolveProxy(ModelElementImpl const*, ModelElement const& proxy) const {
+  ProxyId const* const id = proxyId(*proxy);
+  if (id == nullptr) return proxy;
+  ModelElement const found = lookUp(*id, false);
+  return found ? found : proxy;
+}
+
+ModelElement ModelImpl::createProxy(meta::Class const& metaClass, ProxyId const& id) {
+  std::unique_ptr<ModelElementBuilder> const builder = metaClass->instantiateBuilder(Model(this));
+  boost::uuids::uuid const uuid = elementUuid(id);
+  ModelElement proxy = builder->doCreate(true, uuid.is_nil() ? generateNewUuid() : uuid);
+  m_proxyIds.emplace(proxy.impl(), id);
+  proxy->m_state |= PROXY;
+  proxy->m_live = 1;
+  return proxy;
+}
+
+ProxyId const* ModelImpl::proxyId(ModelElementImpl const& element) const noexcept {
+  auto const& ids = element.model().m_proxyIds;
+  auto const found = ids.find(&element);
+  return found == ids.end() ? nullptr : &found->second;
+}
+
+void ModelImpl::unload(ModelElement const& element) {
+  if (!element) return;
+  element->requireReal();
+  Transaction transaction = beginTransaction(false);
+  std::vector<ModelElementImpl*> leaving{element.impl()};
+  for (std::size_t i = 0; i < leaving.size(); ++i) leaving[i]->collectContained(leaving);
+  for (ModelElementImpl* each : leaving) {
+    boost::optional<ProxyId> id;
+    each->convertReferencesToProxies(true, id);
+  }
+  element->destroy();
+  transaction.commit();
+}
+
+}  // namespace plinth

@@ -1,0 +1,44 @@
+#include "plinth/RecordPool.hpp"
+
+#include <new>
+
+namespace plinth {
+
+void* RecordPool::allocate(std::size_t size) {
+  std::size_t const sizeClass = (size + PREFIX + GRAIN - 1) / GRAIN;
+  std::byte* block = nullptr;
+  RecordPool* owner = nullptr;
+  if (sizeClass < CLASSES) {
+    if (m_free[sizeClass] == nullptr) refill(sizeClass);
+    Free* const taken = m_free[sizeClass];
+    m_free[sizeClass] = taken->next;
+    block = reinterpret_cast<std::byte*>(taken);
+    owner = this;
+  } else {
+    block = static_cast<std::byte*>(::operator new(size + PREFIX));
+  }
+  ::new (block) RecordPool*(owner);
+  return block + PREFIX;
+}
+
+void RecordPool::release(void* memory, std::size_t size) noexcept {
+  std::byte* const block = static_cast<std::byte*>(memory) - PREFIX;
+  RecordPool* const owner = *reinterpret_cast<RecordPool**>(block);
+  if (owner == nullptr) {
+    ::operator delete(block);
+    return;
+  }
+  std::size_t const sizeClass = (size + PREFIX + GRAIN - 1) / GRAIN;
+  owner->m_free[sizeClass] = ::new (block) Free{owner->m_free[sizeClass]};
+}
+
+void RecordPool::refill(std::size_t sizeClass) {
+  std::size_t const blockSize = sizeClass * GRAIN;
+  std::size_t const count = CHUNK / blockSize;
+  m_chunks.reserve(m_chunks.size() + 1);
+  m_chunks.push_back(std::make_unique<std::byte[]>(count * blockSize));
+  std::byte* const chunk = m_chunks.back().get();
+  for (std::size_t i = count; i-- > 0;) m_free[sizeClass] = ::new (chunk + i * blockSize) Free{m_free[sizeClass]};
+}
+
+}  // namespace plinth

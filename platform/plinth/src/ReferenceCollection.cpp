@@ -1,0 +1,65 @@
+#include "plinth/ReferenceCollection.hpp"
+
+#include "plinth/Messages.hpp"
+
+namespace plinth {
+
+GenericCollectionInterface::~GenericCollectionInterface() = default;
+
+void GenericCollectionInterface::genericEnsureAt(ModelElement const& element, std::uint32_t) { genericAdd(element); }
+
+ReferenceCollection::~ReferenceCollection() = default;
+
+void ReferenceCollection::checkCompatibleModel(ModelElementImpl* element) const {
+  if (owner() != nullptr) owner()->checkCompatibleModel(element, *property());
+}
+
+ModelElement ReferenceCollection::resolveProxy(ModelElement const& proxy) const {
+  return owner() == nullptr ? proxy : owner()->model().resolveProxy(owner(), proxy);
+}
+
+ModelElement ReferenceCollection::peekResolveProxy(ModelElement const& proxy) const {
+  return owner() == nullptr ? proxy : owner()->model().peekResolveProxy(owner(), proxy);
+}
+
+GenericCollectionInterface* ReferenceCollection::getGenericInterface() {
+  if (m_generic == nullptr) m_generic = makeGenericInterface();
+  return m_generic.get();
+}
+
+bool ReferenceCollection::fits(ModelElement const& element) const {
+  return element && element->getMetaClass()->conformsTo(*getCollectionType().impl());
+}
+
+void ReferenceCollection::requireFitting(ModelElement const& element) const {
+  if (fits(element)) return;
+  reportException(messages::CannotAddIncompatibleTypes(getCollectionType()->getQualifiedName(),
+                                                       element->getMetaClass()->getQualifiedName()));
+}
+
+void ReferenceCollection::inverseAfterAdding(ModelElementImpl& element) {
+  if (owner() == nullptr) return;
+  if (opposite() != nullptr) {
+    owner()->_inverseAddThis(&element, *opposite(), false);
+  } else if (isComposite()) {
+    owner()->_setContainedByThis(&element, *property());
+  }
+}
+
+void ReferenceCollection::inverseBeforeRemoving(ModelElementImpl& element) {
+  if (owner() == nullptr || !element.isLive() || element.isProxy()) return;
+  if (opposite() != nullptr) {
+    element.inverseRemove(*owner(), *opposite());
+  } else if (isComposite()) {
+    element.basicSetContainer(nullptr, nullptr, ModelElementImpl::NO_INDEX);
+  }
+}
+
+ModelElement ReferenceCollection::resolved(ModelElement const& proxy) const {
+  ModelElement const found = resolveProxy(proxy);
+  if (!found || found->isProxy()) return {};
+  if (opposite() != nullptr && !isComposite() && !owner()->_inverseContainsThis(found.impl(), *opposite())) return {};
+  return found;
+}
+
+}  // namespace plinth

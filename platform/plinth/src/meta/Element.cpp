@@ -1,0 +1,32 @@
+#include "plinth/meta/Element.hpp"
+
+#include "plinth/Changes.hpp"
+#include "plinth/Messages.hpp"
+#include "plinth/meta/MetaRegistry.hpp"
+
+namespace plinth::meta {
+
+Class const& MetaElementImpl::getMetaClass() const {
+  return MetaRegistry::getInstance().coreClass(static_cast<std::size_t>(m_coreClass));
+}
+
+Changes* MetaElementImpl::createChanges() const {
+  return new (model().recordPool()) Storage(getUuid(), model(), *getMetaClass().impl(), 0);
+}
+
+Storage* MetaElementImpl::createStorage() const {
+  return new (model().recordPool()) Storage(getUuid(), model(), *getMetaClass().impl(), 1);
+}
+
+void MetaElementImpl::requireNew() const {
+  if (!needsNoOldValues()) reportException(messages::CannotModifyFrozenModel());
+}
+
+void MetaElementImpl::becomePartOf(ModelElementImpl& owner) { basicSetContainer(&owner, nullptr, NO_INDEX); }
+
+void MetaElementImpl::setName(std::u16string name) {
+  requireNew();
+  m_name = std::move(name);
+}
+
+}  // namespace plinth::meta

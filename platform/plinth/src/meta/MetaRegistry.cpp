@@ -1,0 +1,91 @@
+#include "plinth/meta/MetaRegistry.hpp"
+
+#include <array>
+
+#include "groundwork/unicode.hpp"
+#include "plinth/Messages.hpp"
+#include "plinth/meta/NameUuid.hpp"
+
+namespace plinth::meta {
+namespace {
+
+// In the order of MetaElementImpl::CoreClass, behind the two of the foundation's elements.
+constexpr std::array<char const*, 10> CORE_CLASSES{
+    "plinth.ModelElement",  "plinth.Model",         "plinth.meta.Package",     "plinth.meta.Class",
+    "plinth.meta.DataType", "plinth.meta.Enum",     "plinth.meta.EnumLiteral", "plinth.meta.PrimitiveType",
+    "plinth.meta.Property", "plinth.meta.Operation"};
+
+constexpr std::array<char const*, 8> PRIMITIVES{"Boolean",    "String",           "Real",        "Integer", "Integer64",
+                                                "UInteger64", "UnlimitedNatural", "KestrelArray"};
+
+std::u16string simpleName(std::string const& qualifiedName) {
+  return groundwork::toUtf16(qualifiedName.substr(qualifiedName.rfind('.') + 1));
+}
+
+}  // namespace
+
+MetaRegistry& MetaRegistry::getInstance() {
+  static MetaRegistry* const instance = new MetaRegistry();  // never destroyed: the metamodel outlives static objects
+  return *instance;
+}
+
+MetaRegistry::MetaRegistry() : m_model(Model::create()), m_freezer(m_model) { buildCore(); }
+
+void MetaRegistry::buildCore() {
+  // These elements are announced once all of them stand: the directory asks each for its class, which is one of them.
+  auto const thawer = m_freezer.thaw();
+  Transaction transaction = m_model->beginTransaction(true);
+  for (char const* name : CORE_CLASSES) {
+    bool const isElement = m_coreClasses.empty();
+    Class core;
+    static_cast<ModelElement&>(core) = ModelElement(new ClassImpl(m_model, nameUuid(name), name, isElement), Adopt{});
+    core->setName(simpleName(name));
+    if (!isElement) core->setSuperclass(m_coreClasses.front());
+    m_coreClasses.push_back(core);
+    m_types.emplace(name, core);
+  }
+  for (char const* name : PRIMITIVES) {
+    PrimitiveType primitive;
+    static_cast<ModelElement&>(primitive) = ModelElement(new PrimitiveTypeImpl(m_model, nameUuid(name), name), Adopt{});
+    primitive->setName(groundwork::toUtf16(name));
+    m_primitives.emplace(name, primitive);
+    m_types.emplace(name, primitive);
+  }
+  transaction.commit();
+}
+
+void MetaRegistry::registerType(Type const& type, CollectionFactory collections, BuilderFactory builders) {
+  type->m_collectionFactory = collections;
+  if (auto* const metaClass = dynamic_cast<ClassImpl*>(type.impl())) metaClass->m_builderFactory = builders;
+}
+
+void MetaRegistry::registerTypeNames(Type const& type, std::string const& nativeName, std::string const& dottedName,
+                                     std::string const& aliasName) {
+  for (std::string const* name : {&nativeName, &dottedName, &aliasName}) {
+    if (!name->empty()) m_types.insert_or_assign(*name, type);
+  }
+}
+
+Type MetaRegistry::findType(std::string_view name) const {
+  auto const found = m_types.find(name);
+  return found == m_types.end() ? Type() : found->second;
+}
+
+Type MetaRegistry::getType(std::u16string const& name) const {
+  Type type = findType(groundwork::toUtf8(name));
+  if (type.isEmpty()) reportException(messages::NoSuchType(name));
+  return type;
+}
+
+PrimitiveType MetaRegistry::getPrimitiveType(std::string_view name) const {
+  auto const found = m_primitives.find(name);
+  return found == m_primitives.end() ? PrimitiveType() : found->second;
+}
+
+std::vector<Package> MetaRegistry::rootPackages() const {
+  std::vector<Package> packages;
+  for (auto const& [uri, package] : m_rootPackages) packages.push_back(package);
+  return packages;
+}
+
+}  // namespace plinth::meta

@@ -1,0 +1,44 @@
+#include "plinth/meta/Package.hpp"
+
+#include <algorithm>
+
+namespace plinth::meta {
+
+Package Package::create(Model const& model, boost::uuids::uuid const& uuid) {
+  Package package;
+  static_cast<ModelElement&>(package) = ModelElement(new PackageImpl(model, uuid), Adopt{});
+  package->notifyCreated();
+  return package;
+}
+
+void PackageImpl::setUri(std::u16string uri) {
+  requireNew();
+  m_uri = std::move(uri);
+}
+
+void PackageImpl::setParentPackage(Package const& parent) {
+  requireNew();
+  parent->m_packages.push_back(this);
+  m_parent = parent.impl();
+  becomePartOf(*m_parent);
+}
+
+void PackageImpl::addImportedPackageURIs(std::vector<std::u16string> const& uris) {
+  requireNew();
+  for (std::u16string const& uri : uris) {
+    if (std::find(m_imported.begin(), m_imported.end(), uri) == m_imported.end()) m_imported.push_back(uri);
+  }
+}
+
+void PackageImpl::basicDisassociateAll() {
+  m_parent = nullptr;
+  m_packages.clear();
+  m_types.clear();
+}
+
+void PackageImpl::doDestroy(bool flag1, bool flag2) {
+  for (PackageImpl* package : m_packages) package->destroyRecursively(flag1, false, flag2);
+  for (TypeImpl* type : m_types) type->destroyRecursively(flag1, false, flag2);
+}
+
+}  // namespace plinth::meta
