@@ -1,0 +1,34 @@
+// An unordered collection of elements of class T, each once; see ReferenceSet.
+// Ownership and thread rule: see AbstractOwnedCollection.hpp.
+#pragma once
+
+#include "plinth/collections/HandleIterator.hpp"
+#include "plinth/collections/ReferenceSet.hpp"
+
+namespace plinth {
+
+template <class T>
+class UnorderedElementSet final : public ReferenceSet {
+ public:
+  using Element = T;
+  using Iterator = detail::HandleIterator<T, Container::const_iterator, detail::Itself>;
+
+  explicit UnorderedElementSet(ModelElementImpl* owner = nullptr, meta::PropertyImpl* property = nullptr,
+                               meta::PropertyImpl* opposite = nullptr) noexcept
+      : ReferenceSet(owner, property, opposite) {}
+
+  meta::Class const& getCollectionType() const override { return T::metaClass(); }
+
+  void add(T const& element) { addElement(element); }
+  void remove(T const& element) { removeMember(element); }
+  bool contains(T const& element) const { return containsElement(element); }
+  Iterator begin() const { return Iterator(raw().begin()); }
+  Iterator end() const { return Iterator(raw().end()); }
+
+ protected:
+  std::unique_ptr<ReferenceSet> makeDetached() const override {
+    return std::make_unique<UnorderedElementSet>(nullptr, property(), opposite());
+  }
+};
+
+}  // namespace plinth

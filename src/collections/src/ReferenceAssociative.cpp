@@ -1,0 +1,214 @@
+#include "plinth/collections/ReferenceAssociative.hpp"
+
+#include "plinth/FailurePoint.hpp"
+
+namespace plinth {
+namespace detail {
+
+void AssociativeJournal::clear() noexcept {
+  clearElements();
+  m_proxySteps.clear();
+  m_order.clear();
+}
+
+void AssociativeJournal::reserve() {
+  if (m_order.size() == m_order.capacity()) m_order.reserve(m_order.empty() ? 64 : 2 * m_order.size());
+}
+
+void AssociativeJournal::undoTo(std::size_t mark) noexcept {
+  while (m_order.size() > mark) {
+    if (m_order.back()) {
+      m_proxySteps.undoLast(**m_proxyTable);
+    } else {
+      undoElement();
+    }
+    m_order.pop_back();
+  }
+}
+
+}  // namespace detail
+
+detail::NodeSteps<ProxyTable>* ReferenceAssociative::proxySteps(CollectionJournal* journal) {
+  if (journal == nullptr) return nullptr;
+  auto* const steps = static_cast<detail::AssociativeJournal*>(journal);
+  steps->reserve();
+  steps->proxySteps().reserveReset();
+  return &steps->proxySteps();
+}
+
+ProxyTable& ReferenceAssociative::requireProxyTable() {
+  if (m_proxies == nullptr) m_proxies = std::make_unique<ProxyTable>();
+  return *m_proxies;
+}
+
+void ReferenceAssociative::addProxy(ModelElement const& proxy) {
+  boost::optional<ProxyId> const id = proxy->getProxyId();
+  if (!id) return;
+  if (isComposite() && !id->isLocal()) reportException(messages::CannotCreateCrossModelAssociation());
+  ProxyTable& table = requireProxyTable();
+  Operation operation(*this);
+  CollectionJournal* const journal = modifying();
+  auto* const steps = proxySteps(journal);
+  auto const [at, inserted] = table.emplace(*id, proxy);
+  if (inserted && steps != nullptr) {
+    steps->inserted(at->first);
+    static_cast<detail::AssociativeJournal*>(journal)->note(true);
+  }
+  operation.commit();
+}
+
+void ReferenceAssociative::removeProxy(ModelElement const& proxy) {
+  boost::optional<ProxyId> const id = proxy->getProxyId();
+  if (m_proxies == nullptr || !id || m_proxies->count(*id) == 0) return;
+  Operation operation(*this);
+  CollectionJournal* const journal = modifying();
+  auto* const steps = proxySteps(journal);
+  auto node = m_proxies->extract(*id);
+  if (steps != nullptr) {
+    steps->erased(std::move(node));
+    static_cast<detail::AssociativeJournal*>(journal)->note(true);
+  }
+  operation.commit();
+}
+
+void ReferenceAssociative::copyProxies(ReferenceAssociative const* other, CollectionJournal* journal) {
+  bool const copies = other != nullptr && other->m_proxies != nullptr;
+  if (!copies && m_proxies == nullptr) return;
+  ProxyTable copy = copies ? *other->m_proxies : ProxyTable();
+  ProxyTable& table = requireProxyTable();
+  auto* const steps = proxySteps(journal);
+  copy.swap(table);
+  if (steps != nullptr) {
+    steps->reset(std::move(copy));
+    static_cast<detail::AssociativeJournal*>(journal)->note(true);
+  }
+}
+
+void ReferenceAssociative::takeIn(ProxyId const& id, ModelElement const& real) {
+  Operation operation(*this, extent());
+  // Inside a transaction the step is kept like any other, so that taking it back leaves the proxy and nothing else.
+  bool const inTransaction = owner() != nullptr && owner()->model().level() > 0;
+  ModelElement const proxy = m_proxies->at(id);
+  if (resolveAdd(real)) {
+    if (inTransaction) {
+      removeProxy(proxy);
+    } else {
+      m_proxies->erase(id);
+    }
+    if (hasInverse()) inverseAfterAdding(*real);
+  }
+  operation.commit();
+}
+
+void ReferenceAssociative::replaceProxy(ModelElement const& element) {
+  if (m_proxies == nullptr || m_proxies->empty()) return;
+  for (bool const local : {true, false}) {
+    ProxyId const id = element->getPersistentProxyId(local);
+    if (m_proxies->count(id) == 0) continue;
+    takeIn(id, element);
+    return;
+  }
+}
+
+void ReferenceAssociative::resolve(bool localOnly) {
+  if (m_proxies == nullptr || m_proxies->empty()) return;
+  ProxyTable const snapshot = *m_proxies;
+  for (auto const& [id, proxy] : snapshot) {
+    if (localOnly && !id.isLocal()) continue;
+    ModelElement const real = resolved(proxy);
+    if (!real.isEmpty() && m_proxies->count(id) != 0) takeIn(id, real);
+  }
+}
+
+void ReferenceAssociative::basicAddWithProxy(ModelElement const& element) {
+  if (element->isProxy()) {
+    addProxy(element);
+  } else {
+    basicAdd(element);
+  }
+}
+
+bool ReferenceAssociative::basicContainsProxyTo(ModelElementImpl& target) {
+  if (holds(ModelElement(&target))) return true;
+  if (m_proxies == nullptr) return false;
+  for (auto const& [id, proxy] : *m_proxies) {
+    if (peekResolveProxy(proxy).impl() == &target) return true;
+  }
+  return false;
+}
+
+void ReferenceAssociative::convertToProxy(ModelElementImpl& element, ModelElement const& proxy) {
+  Operation operation(*this, Operation::WHOLE);
+  basicRemove(ModelElement(&element));
+  addProxy(proxy);
+  operation.commit();
+}
+
+std::vector<ModelElement> ReferenceAssociative::getAllValues() {
+  resolveAll();
+  std::vector<ModelElement> values;
+  values.reserve(rawSize());
+  forEachReal([&](ModelElementImpl& element) { values.emplace_back(&element); });
+  return values;
+}
+
+std::vector<ModelElement> ReferenceAssociative::getAllValuesAndProxies() const {
+  std::vector<ModelElement> values;
+  values.reserve(rawSize() + (m_proxies == nullptr ? 0 : m_proxies->size()));
+  forEachReal([&](ModelElementImpl& element) { values.emplace_back(&element); });
+  if (m_proxies != nullptr) {
+    for (auto const& [id, proxy] : *m_proxies) values.push_back(proxy);
+  }
+  return values;
+}
+
+void ReferenceAssociative::genericRemove(ModelElement const& element) {
+  if (!element) return;
+  requireFitting(element);
+  if (element->isProxy()) {
+    removeProxy(element);
+  } else {
+    removeElement(element);
+  }
+}
+
+void ReferenceAssociative::clear() {
+  bool const anyProxies = m_proxies != nullptr && !m_proxies->empty();
+  if (empty() && !anyProxies) return;
+  Operation operation(*this, extent());
+  CollectionJournal* const journal = modifying();
+  if (hasInverse()) {
+    std::vector<ModelElement> const snapshot = getAllValuesAndProxies();
+    for (ModelElement const& element : snapshot) {
+      if (!element->isProxy()) inverseBeforeRemoving(*element);
+    }
+  }
+  resetElements(journal);
+  copyProxies(nullptr, journal);
+  operation.commit();
+}
+
+namespace {
+
+/// The untyped view of a set.
+class SetInterface final : public GenericCollectionInterface {
+ public:
+  explicit SetInterface(ReferenceAssociative& collection) noexcept : m_collection(&collection) {}
+  std::uint32_t genericSize() const override { return static_cast<std::uint32_t>(m_collection->rawSize()); }
+  void genericAdd(ModelElement const& element) override { m_collection->genericAdd(element); }
+  void genericRemove(ModelElement const& element) override { m_collection->genericRemove(element); }
+  void genericClear() override { m_collection->clear(); }
+  void genericBasicClear() override { m_collection->basicClear(); }
+  bool genericContains(ModelElement const& element) const override { return m_collection->genericContains(element); }
+
+ private:
+  ReferenceAssociative* m_collection;
+};
+
+}  // namespace
+
+std::unique_ptr<GenericCollectionInterface> ReferenceAssociative::makeGenericInterface() {
+  return std::make_unique<SetInterface>(*this);
+}
+
+}  // namespace plinth

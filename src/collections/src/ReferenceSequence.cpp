@@ -1,0 +1,355 @@
+#include "plinth/collections/ReferenceSequence.hpp"
+
+#include <algorithm>
+
+#include "plinth/FailurePoint.hpp"
+
+namespace plinth {
+namespace {
+
+std::ptrdiff_t offset(std::size_t position) { return static_cast<std::ptrdiff_t>(position); }
+
+bool isRealElement(ModelElement const& element) { return !element.isEmpty() && !element->isProxy(); }
+
+}  // namespace
+
+ReferenceSequence::ReferenceSequence(ModelElementImpl* owner, meta::PropertyImpl* property,
+                                     meta::PropertyImpl* opposite) noexcept
+    : ReferenceCollection(owner, property, opposite), m_unique(property != nullptr && property->isUnique()) {}
+
+std::unique_ptr<CollectionJournal> ReferenceSequence::makeJournal() { return std::make_unique<Journal>(m_elements); }
+
+ReferenceSequence::Journal* ReferenceSequence::recordingJournal() { return static_cast<Journal*>(modifying()); }
+
+void ReferenceSequence::insertRaw(std::size_t position, ModelElement const& element) {
+  Journal* const journal = recordingJournal();
+  if (journal != nullptr) journal->reserve();
+  failurePoint("sequence-insert");
+  m_elements.insert(m_elements.begin() + offset(position), element);
+  if (journal != nullptr) journal->inserted(position);
+  if (m_filter != nullptr && isRealElement(element)) m_filter->add(element->getUuid());
+}
+
+void ReferenceSequence::eraseRaw(std::size_t position) {
+  Journal* const journal = recordingJournal();
+  if (journal != nullptr) journal->reserve();
+  ModelElement taken = std::move(m_elements[position]);
+  forgetInFilter(taken, journal);
+  m_elements.erase(m_elements.begin() + offset(position));
+  if (journal != nullptr) journal->erased(position, std::move(taken));
+}
+
+void ReferenceSequence::forgetInFilter(ModelElement const& element, Journal const* journal) {
+  // What a rollback may bring back stays in the filter: it may say yes for what has gone, never no for what is there.
+  if (m_filter != nullptr && journal == nullptr && isRealElement(element)) m_filter->remove(element->getUuid());
+}
+
+void ReferenceSequence::addElement(ModelElement const& element) { insertElement(m_elements.size(), element); }
+
+std::size_t ReferenceSequence::insertElement(std::size_t position, ModelElement const& element) {
+  if (element.isEmpty()) return position;
+  checkCompatibleModel(element.impl());
+  if (m_unique && containsElement(element)) return positionOf(element);
+  Operation operation(*this, extent());
+  insertRaw(position, element);
+  if (hasInverse() && !element->isProxy()) inverseAfterAdding(*element);
+  operation.commit();
+  return position;
+}
+
+void ReferenceSequence::basicAdd(ModelElement const& element) {
+  Operation operation(*this);
+  insertRaw(m_elements.size(), element);
+  operation.commit();
+}
+
+bool ReferenceSequence::containsElement(ModelElement const& element) const {
+  if (element.isEmpty() || element->isProxy()) return false;
+  if (owner() != nullptr && opposite() != nullptr && opposite()->valueFlags() == meta::SINGLE) {
+    return element->inverseContainsProxyTo(*owner(), *opposite());
+  }
+  if (m_filter != nullptr && !m_filter->contains(element->getUuid())) return false;
+  return std::find(m_elements.begin(), m_elements.end(), element) != m_elements.end();
+}
+
+std::size_t ReferenceSequence::positionOf(ModelElement const& element) const {
+  return static_cast<std::size_t>(std::find(m_elements.begin(), m_elements.end(), element) - m_elements.begin());
+}
+
+void ReferenceSequence::removeElement(ModelElement const& element) {
+  for (std::size_t i = 0; i < m_elements.size(); ++i) {
+    if (m_elements[i] != element) resolveSlot(i);
+    if (m_elements[i] == element) {
+      eraseAt(i);
+      return;
+    }
+  }
+}
+
+void ReferenceSequence::basicRemove(ModelElement const& element) {
+  std::size_t const position = positionOf(element);
+  if (position == m_elements.size()) return;
+  Operation operation(*this);
+  eraseRaw(position);
+  operation.commit();
+}
+
+void ReferenceSequence::inverseBeforeErasing(std::size_t position) {
+  ModelElement const element = m_elements[position];
+  if (!isRealElement(element)) return;
+  if (!m_unique && opposite() == nullptr) {
+    // Another slot may hold the same element: it stays contained until the last one goes.
+    auto const count = std::count(m_elements.begin(), m_elements.end(), element);
+    if (count > 1) return;
+  }
+  inverseBeforeRemoving(*element);
+}
+
+std::size_t ReferenceSequence::eraseAt(std::size_t position) {
+  Operation operation(*this, extent());
+  if (hasInverse()) inverseBeforeErasing(position);
+  eraseRaw(position);
+  operation.commit();
+  return position;
+}
+
+void ReferenceSequence::clear() {
+  if (m_elements.empty()) return;
+  Operation operation(*this, extent());
+  if (hasInverse()) {
+    std::vector<ModelElement> const snapshot = m_elements;
+    for (ModelElement const& element : snapshot) {
+      if (isRealElement(element)) inverseBeforeRemoving(*element);
+    }
+  }
+  basicClear();
+  operation.commit();
+}
+
+void ReferenceSequence::basicClear() {
+  if (m_elements.empty()) return;
+  Operation operation(*this);
+  Journal* const journal = recordingJournal();
+  if (journal != nullptr) journal->reserveReset();
+  std::vector<ModelElement> former;
+  former.swap(m_elements);
+  if (journal != nullptr) journal->reset(std::move(former));
+  operation.commit();
+}
+
+void ReferenceSequence::basicCopyValues(ReferenceCollection const* other) {
+  auto const* const source = static_cast<ReferenceSequence const*>(other);
+  std::vector<ModelElement> copy = source == nullptr ? std::vector<ModelElement>() : source->m_elements;
+  Operation operation(*this);
+  Journal* const journal = recordingJournal();
+  if (journal != nullptr) journal->reserveReset();
+  copy.swap(m_elements);
+  if (journal != nullptr) journal->reset(std::move(copy));
+  operation.commit();
+}
+
+void ReferenceSequence::replaceAt(std::size_t position, ModelElement const& element) {
+  resolveSlot(position);
+  if (m_elements[position] == element) return;
+  if (element.isEmpty()) reportException(messages::CannotAddNonExistentObject());
+  if (m_unique && containsElement(element)) reportException(messages::CannotAddSecondObject());
+  checkCompatibleModel(element.impl());
+  Operation operation(*this, extent());
+  Journal* const journal = recordingJournal();
+  if (journal != nullptr) journal->reserve();
+  if (hasInverse()) inverseBeforeErasing(position);
+  ModelElement former = std::exchange(m_elements[position], element);
+  forgetInFilter(former, journal);
+  if (m_filter != nullptr && isRealElement(element)) m_filter->add(element->getUuid());
+  if (journal != nullptr) journal->replaced(position, std::move(former));
+  if (hasInverse() && !element->isProxy()) inverseAfterAdding(*element);
+  operation.commit();
+}
+
+void ReferenceSequence::ensureAt(std::size_t position, ModelElement const& element) {
+  std::size_t const at = insertElement(position, element);
+  if (at == position || at >= m_elements.size()) return;
+  Operation operation(*this);
+  Journal* const journal = recordingJournal();
+  if (journal != nullptr) {
+    journal->reserve();
+    journal->replaced(at, m_elements[at]);
+    journal->reserve();
+    journal->replaced(position, m_elements[position]);
+  }
+  std::swap(m_elements[at], m_elements[position]);
+  operation.commit();
+}
+
+bool ReferenceSequence::resolveSlot(std::size_t position) {
+  ModelElement const proxy = m_elements[position];
+  if (proxy.isEmpty() || !proxy->isProxy()) return false;
+  ModelElement real = resolved(proxy);
+  if (real.isEmpty()) return false;
+  m_elements[position] = std::move(real);  // no Operation: resolving is not a modification
+  return true;
+}
+
+ModelElement const& ReferenceSequence::resolveAt(std::size_t position) {
+  resolveSlot(position);
+  return m_elements[position];
+}
+
+void ReferenceSequence::useFilter(std::unique_ptr<SaturatedBloomFilter> filter) {
+  m_filter = std::move(filter);
+  if (m_filter == nullptr) return;
+  for (ModelElement const& element : m_elements) {
+    if (isRealElement(element)) m_filter->add(element->getUuid());
+  }
+}
+
+std::vector<ModelElement> ReferenceSequence::getAllValues() {
+  std::vector<ModelElement> values;
+  values.reserve(m_elements.size());
+  for (std::size_t i = 0; i < m_elements.size(); ++i) {
+    ModelElement const& element = resolveAt(i);
+    if (!element->isProxy()) values.push_back(element);
+  }
+  return values;
+}
+
+void ReferenceSequence::forEachReal(std::function<void(ModelElementImpl&)> const& visit) const {
+  for (ModelElement const& element : m_elements) {
+    if (isRealElement(element)) visit(*element);
+  }
+}
+
+void ReferenceSequence::genericAdd(ModelElement const& element) {
+  if (!element) return;
+  requireFitting(element);
+  addElement(element);
+}
+
+void ReferenceSequence::genericRemove(ModelElement const& element) {
+  if (!element) return;
+  requireFitting(element);
+  removeElement(element);
+}
+
+bool ReferenceSequence::genericContains(ModelElement const& element) const {
+  return fits(element) && containsElement(element);
+}
+
+void ReferenceSequence::replaceProxy(ModelElement const& element) {
+  for (std::size_t i = 0; i < m_elements.size(); ++i) {
+    ModelElement const& slot = m_elements[i];
+    if (!slot->isProxy()) continue;
+    if (peekResolveProxy(slot) == element) {
+      replaceProxyAt(element, i);
+      return;
+    }
+  }
+}
+
+void ReferenceSequence::replaceProxyAt(ModelElement const& element, std::size_t position) {
+  m_elements[position] = element;
+  if (!hasInverse()) return;
+  Operation operation(*this, Operation::WHOLE);
+  inverseAfterAdding(*element);
+  operation.commit();
+}
+
+void ReferenceSequence::resolveAll() {
+  for (std::size_t i = 0; i < m_elements.size(); ++i) resolveSlot(i);
+}
+
+void ReferenceSequence::resolveLocal() {
+  for (std::size_t i = 0; i < m_elements.size(); ++i) {
+    auto const id = m_elements[i]->getProxyId();
+    if (id && id->isLocal()) resolveSlot(i);
+  }
+}
+
+void ReferenceSequence::convertToProxy(ModelElementImpl& element, ModelElement const& proxy) {
+  for (std::size_t i = 0; i < m_elements.size(); ++i) {
+    if (m_elements[i].impl() != &element) continue;
+    Operation operation(*this);
+    Journal* const journal = recordingJournal();
+    if (journal != nullptr) journal->reserve();
+    ModelElement former = std::exchange(m_elements[i], proxy);
+    if (journal != nullptr) journal->replaced(i, std::move(former));
+    operation.commit();
+  }
+}
+
+bool ReferenceSequence::basicContainsProxyTo(ModelElementImpl& target) {
+  if (owner() == nullptr) return false;
+  for (ModelElement& slot : m_elements) {
+    if (slot.impl() == &target) return true;
+    if (!slot->isProxy()) continue;
+    ModelElement const found = peekResolveProxy(slot);
+    if (found.impl() != &target || found->isProxy() || !fits(found)) continue;
+    slot = found;
+    return true;
+  }
+  return false;
+}
+
+std::size_t ReferenceSequence::oldSize() const {
+  auto const* const kept = static_cast<Journal const*>(journal());
+  return kept == nullptr ? m_elements.size() : kept->oldSize();
+}
+
+std::unique_ptr<AbstractOwnedCollection> ReferenceSequence::oldContents() const {
+  auto copy = makeDetached();
+  auto const* const kept = static_cast<Journal const*>(journal());
+  copy->m_elements = kept == nullptr ? m_elements : kept->oldContents();
+  return copy;
+}
+
+std::unique_ptr<AbstractOwnedCollection> ReferenceSequence::detachedCopy() const {
+  auto copy = makeDetached();
+  copy->m_elements = m_elements;
+  return copy;
+}
+
+namespace {
+
+/// The untyped view of a sequence.
+class GenericSequence final : public GenericSequenceInterface {
+ public:
+  explicit GenericSequence(ReferenceSequence& sequence) noexcept : m_sequence(&sequence) {}
+
+  std::uint32_t genericSize() const override { return static_cast<std::uint32_t>(m_sequence->size()); }
+  void genericAdd(ModelElement const& element) override { m_sequence->genericAdd(element); }
+  void genericEnsureAt(ModelElement const& element, std::uint32_t index) override {
+    if (accepts(element)) m_sequence->ensureAt(index, element);
+  }
+  void genericRemove(ModelElement const& element) override { m_sequence->genericRemove(element); }
+  void genericClear() override { m_sequence->clear(); }
+  void genericBasicClear() override { m_sequence->basicClear(); }
+  bool genericContains(ModelElement const& element) const override { return m_sequence->genericContains(element); }
+  ModelElement genericAt(std::uint32_t index) override { return m_sequence->resolveAt(index); }
+  void genericInsert(ModelElement const& element, std::uint32_t index) override {
+    if (accepts(element)) m_sequence->insertElement(index, element);
+  }
+  void genericReplace(ModelElement const& element, std::uint32_t index) override {
+    if (accepts(element)) m_sequence->replaceAt(index, element);
+  }
+  void genericRemoveAt(std::uint32_t index) override { m_sequence->eraseAt(index); }
+  std::uint32_t genericIndexOf(ModelElement const& element) const override {
+    std::size_t const position = m_sequence->fits(element) ? m_sequence->positionOf(element) : m_sequence->size();
+    return position == m_sequence->size() ? ABSENT : static_cast<std::uint32_t>(position);
+  }
+
+ private:
+  bool accepts(ModelElement const& element) const {
+    if (!element) return false;
+    m_sequence->requireFitting(element);
+    return true;
+  }
+  ReferenceSequence* m_sequence;
+};
+
+}  // namespace
+
+std::unique_ptr<GenericCollectionInterface> ReferenceSequence::makeGenericInterface() {
+  return std::make_unique<GenericSequence>(*this);
+}
+
+}  // namespace plinth

@@ -1,0 +1,99 @@
+#include "plinth/collections/SubsetView.hpp"
+
+#include "plinth/Messages.hpp"
+
+namespace plinth {
+
+SubsetView::SubsetView(ReferenceCollection& parent, Filter filter, ModelElementImpl* owner,
+                       meta::PropertyImpl* property)
+    : ReferenceCollection(owner, property, nullptr), m_parent(&parent), m_filter(std::move(filter)) {}
+
+void SubsetView::forEachReal(std::function<void(ModelElementImpl&)> const& visit) const {
+  m_parent->forEachReal([&](ModelElementImpl& element) {
+    if (shows(ModelElement(&element))) visit(element);
+  });
+}
+
+bool SubsetView::empty() const {
+  // The walk costs what stands before the first member that qualifies.
+  bool found = false;
+  m_parent->forEachReal([&](ModelElementImpl& element) { found = found || shows(ModelElement(&element)); });
+  return !found;
+}
+
+std::size_t SubsetView::rawSize() const {
+  std::size_t count = 0;
+  forEachReal([&](ModelElementImpl&) { ++count; });
+  return count;
+}
+
+void SubsetView::addElement(ModelElement const& element) {
+  if (m_filter && !element.isEmpty() && !m_filter(element)) {
+    reportException(messages::CannotAddIncompatibleObjectSubset());
+  }
+  m_parent->genericAdd(element);
+}
+
+bool SubsetView::containsElement(ModelElement const& element) const {
+  return shows(element) && m_parent->genericContains(element);
+}
+
+std::vector<ModelElement> SubsetView::getAllValues() {
+  std::vector<ModelElement> values;
+  for (ModelElement const& element : m_parent->getAllValues()) {
+    if (shows(element)) values.push_back(element);
+  }
+  return values;
+}
+
+std::vector<ModelElement> SubsetView::getAllValuesAndProxies() const {
+  std::vector<ModelElement> values;
+  for (ModelElement const& element : m_parent->getAllValuesAndProxies()) {
+    if (shows(element)) values.push_back(element);
+  }
+  return values;
+}
+
+void SubsetView::genericAdd(ModelElement const& element) {
+  if (!element) return;
+  requireFitting(element);
+  addElement(element);
+}
+
+void SubsetView::genericRemove(ModelElement const& element) {
+  if (!element) return;
+  requireFitting(element);
+  m_parent->genericRemove(element);
+}
+
+void SubsetView::clear() {
+  std::vector<ModelElement> const members = getAllValuesAndProxies();
+  if (members.empty()) return;
+  Operation operation(*this, Operation::WHOLE);
+  for (ModelElement const& element : members) m_parent->genericRemove(element);
+  operation.commit();
+}
+
+namespace {
+
+class SubsetInterface final : public GenericCollectionInterface {
+ public:
+  explicit SubsetInterface(SubsetView& view) noexcept : m_view(&view) {}
+  std::uint32_t genericSize() const override { return static_cast<std::uint32_t>(m_view->size()); }
+  void genericAdd(ModelElement const& element) override { m_view->genericAdd(element); }
+  void genericRemove(ModelElement const& element) override { m_view->genericRemove(element); }
+  void genericClear() override { m_view->clear(); }
+  void genericBasicClear() override {}
+  bool genericContains(ModelElement const& element) const override { return m_view->genericContains(element); }
+
+ private:
+  SubsetView* m_view;
+};
+
+}  // namespace
+
+std::unique_ptr<GenericCollectionInterface> SubsetView::makeGenericInterface() {
+  return std::make_unique<SubsetInterface>(*this);
+}
+
+}  // namespace plinth
