@@ -1,0 +1,140 @@
+// Attributes: properties that hold one plain value, always or optionally.
+// Ownership: the element owns the value. Thread rule: the model's thread.
+#pragma once
+
+#include <type_traits>
+
+#include "plinth/Messages.hpp"
+#include "tessel_config_datamodel/frame/Element.hpp"
+#include "tessel_config_datamodel/frame/ElementBuilder.hpp"
+
+namespace tessel::frame {
+
+/// The setter of an attribute, optional or not. Raises CannotModifyProxy; a value that is there already changes
+/// nothing.
+template <class T>
+void setAttribute(Element& self, T& field, T const& value, unsigned long index) {
+  self.requireModifiable();
+  if (field == value) return;
+  plinth::Step step(self.model());
+  self.notifyModifying(index);
+  field = value;
+  step.commit();
+}
+
+/// What attributes share that do and don't have a value always; T is the field's type.
+template <class T>
+class ValueFieldKind : public PropertyKind {
+ public:
+  FieldGroup group() const noexcept final { return FieldGroup::ATTRIBUTE; }
+
+  void keepOld(Element const& element, ElementStorage& storage, Row const& row) const final {
+    fillSlot<T>(storage, row, fieldOf<T>(element, row));
+  }
+  void restoreOld(Element& element, ElementStorage& storage, Row const& row) const noexcept final {
+    std::swap(fieldOf<T>(element, row), slotOf<T>(storage, row));
+  }
+  void dropOld(ElementStorage& storage, Row const& row) const noexcept final { slotOf<T>(storage, row).~T(); }
+  void moveOld(ElementStorage& from, ElementStorage& to, Row const& row) const noexcept final {
+    fillSlot<T>(to, row, std::move(slotOf<T>(from, row)));
+  }
+  bool isUnchanged(Element const& element, ElementStorage const& storage, Row const& row) const final {
+    return fieldOf<T>(element, row) == slotOf<T>(storage, row);
+  }
+  void initialize(Element& element, ElementBuilder& builder, Row const& row) const final {
+    fieldOf<T>(element, row) = builderFieldOf<T>(builder, row);
+  }
+};
+
+/// An attribute that always has a value.
+template <class T>
+class AttributeKind : public ValueFieldKind<T> {
+ public:
+  using typename PropertyKind::Row;
+  using typename PropertyKind::Tag;
+
+  bool has(Element const&, Row const&) const final { return true; }
+  plinth::Value get(Element& element, Row const& row, Tag const&) const final {
+    return plinth::Value::make<T>(plinth::ValueMeta(*row.property), fieldOf<T>(element, row));
+  }
+  void set(Element& element, Row const& row, plinth::Value const& value, Tag const&) const override {
+    setAttribute(element, fieldOf<T>(element, row), value.getValue<T>(), row.index);
+  }
+  plinth::Value oldValue(ElementStorage& storage, Row const& row) const final {
+    return plinth::Value::make<T>(plinth::ValueMeta(*row.property), slotOf<T>(storage, row));
+  }
+  bool build(ElementBuilder& builder, Row const& row, plinth::Value const& value) const final {
+    builderFieldOf<T>(builder, row) = value.getValue<T>();
+    return true;
+  }
+  using PropertyKind::build;
+  void stamp(Element& element, Row const& row, int value) const final {
+    if constexpr (std::is_enum_v<T>) setAttribute(element, fieldOf<T>(element, row), static_cast<T>(value), row.index);
+  }
+  void stamp(ElementBuilder& builder, Row const& row, int value) const final {
+    if constexpr (std::is_enum_v<T>) {
+      builderFieldOf<T>(builder, row) = static_cast<T>(value);
+      builder.markSet(row.index);
+    }
+  }
+};
+
+/// An attribute whose setter a subclass overrides: reflection goes through the virtual setter.
+class TESSEL_EXPORT TextKeyKind final : public AttributeKind<std::u16string> {
+ public:
+  void set(Element& element, Row const& row, plinth::Value const& value, Tag const& tag) const override;
+};
+
+/// An attribute that may have no value.
+template <class T>
+class OptionalKind final : public ValueFieldKind<boost::optional<T>> {
+ public:
+  using typename PropertyKind::Row;
+  using typename PropertyKind::Tag;
+  using Field = boost::optional<T>;
+
+  bool has(Element const& element, Row const& row) const final { return fieldOf<Field>(element, row).has_value(); }
+  plinth::Value get(Element& element, Row const& row, Tag const&) const final {
+    return toValue(fieldOf<Field>(element, row), row);
+  }
+  void set(Element& element, Row const& row, plinth::Value const& value, Tag const&) const final {
+    setAttribute(element, fieldOf<Field>(element, row), fromValue(value), row.index);
+  }
+  plinth::Value oldValue(ElementStorage& storage, Row const& row) const final {
+    return toValue(slotOf<Field>(storage, row), row);
+  }
+  bool build(ElementBuilder& builder, Row const& row, plinth::Value const& value) const final {
+    builderFieldOf<Field>(builder, row) = fromValue(value);
+    return true;
+  }
+  using PropertyKind::build;
+
+ private:
+  static plinth::Value toValue(Field const& field, Row const& row) {
+    plinth::ValueMeta meta(*row.property);
+    if (field) return plinth::Value::make<Field>(meta, field);
+    if (meta.flags() != plinth::meta::OPTIONAL) plinth::reportException(plinth::messages::InvalidValue());
+    return plinth::Value(meta.setOptionalEmpty());
+  }
+  /// A value of the single shape is one that is present.
+  static Field fromValue(plinth::Value const& value) {
+    return value.meta().flags() == plinth::meta::SINGLE ? Field(value.getValue<T>()) : value.getValue<Field>();
+  }
+};
+
+template <class T>
+inline constexpr AttributeKind<T> attributeKind{};
+template <class T>
+inline constexpr OptionalKind<T> optionalKind{};
+inline constexpr TextKeyKind textKeyKind{};
+
+extern template class AttributeKind<bool>;
+extern template class AttributeKind<double>;
+extern template class AttributeKind<long>;
+extern template class AttributeKind<unsigned long>;
+extern template class AttributeKind<unsigned int>;
+extern template class AttributeKind<std::u16string>;
+extern template class OptionalKind<unsigned int>;
+extern template class OptionalKind<std::u16string>;
+
+}  // namespace tessel::frame

@@ -1,0 +1,52 @@
+// The root of every generated change storage. A class adds a slot for each of its properties; a slot holds a value
+// while the property's bit is set, and raw memory otherwise, so that a record costs what it keeps. Ownership: see
+// plinth/Changes.hpp. Thread rule: the model's thread.
+#pragma once
+
+#include <new>
+
+#include "plinth/Changes.hpp"
+#include "plinth/Value.hpp"
+#include "tessel_config_datamodel/frame/PropertyDescriptor.hpp"
+
+namespace tessel::frame {
+
+/// Memory for one old value.
+template <class T>
+struct Old {
+  alignas(T) std::byte memory[sizeof(T)];
+};
+
+class TESSEL_EXPORT ElementStorage : public plinth::Storage {
+ public:
+  explicit ElementStorage(Element const& element) noexcept;
+  ~ElementStorage() override;
+
+  void revertUnchanged(plinth::ModelElementImpl* element) override;
+  plinth::Value getOldValue(plinth::meta::Property const& property,
+                            plinth::ReflectionPrivateTag const& tag) const override;
+  void sealOldValues() noexcept override;
+
+ protected:
+  void mergeInto(plinth::Storage& outer) noexcept override;
+
+ private:
+  ClassTable const* m_table;
+};
+
+/// The slot at a row's place in `storage`.
+template <class T>
+T& slotOf(ElementStorage& storage, PropertyDescriptor const& row) noexcept {
+  return *std::launder(reinterpret_cast<T*>(reinterpret_cast<std::byte*>(&storage) + row.old));
+}
+template <class T>
+T const& slotOf(ElementStorage const& storage, PropertyDescriptor const& row) noexcept {
+  return *std::launder(reinterpret_cast<T const*>(reinterpret_cast<std::byte const*>(&storage) + row.old));
+}
+/// Constructs the slot's value.
+template <class T, class... Arguments>
+T& fillSlot(ElementStorage& storage, PropertyDescriptor const& row, Arguments&&... arguments) {
+  return *::new (reinterpret_cast<std::byte*>(&storage) + row.old) T(std::forward<Arguments>(arguments)...);
+}
+
+}  // namespace tessel::frame

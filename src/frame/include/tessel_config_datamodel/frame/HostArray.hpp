@@ -1,0 +1,70 @@
+// Host arrays: attributes whose value is an array of the host, held as an owned copy. They are compared by pointer,
+// never by contents; null is no value. Ownership: the element owns its copy, change storage another. Thread rule: the
+// model's thread.
+#pragma once
+
+#include "kestrel/array.hpp"
+#include "tessel_config_datamodel/frame/Element.hpp"
+#include "tessel_config_datamodel/frame/ElementBuilder.hpp"
+
+namespace tessel::frame {
+
+/// The field of a host array.
+using HostArrayField = kestrel::PropertyArray;
+
+/// A host array as the content of a value: copied with it.
+class TESSEL_EXPORT HostArray {
+ public:
+  HostArray() = default;
+  explicit HostArray(kestrel_array const* array) : m_array(copyOf(array)) {}
+  HostArray(HostArray const& other) : m_array(copyOf(other.get())) {}
+  HostArray(HostArray&&) noexcept = default;
+  HostArray& operator=(HostArray other) noexcept {
+    m_array = std::move(other.m_array);
+    return *this;
+  }
+  kestrel_array const* get() const noexcept { return m_array.get(); }
+  /// Null when `array` is null.
+  static HostArrayField copyOf(kestrel_array const* array);
+  friend bool operator==(HostArray const& left, HostArray const& right) noexcept;
+
+ private:
+  HostArrayField m_array;
+};
+
+/// Stores a copy of `array`, or clears the field when it is null. The pointer that the field holds already changes
+/// nothing. Raises CannotModifyProxy. Linear in the array.
+TESSEL_EXPORT void setHostArray(Element& self, HostArrayField& field, kestrel_array const* array, unsigned long index);
+
+class TESSEL_EXPORT HostArrayKind final : public PropertyKind {
+ public:
+  FieldGroup group() const noexcept override { return FieldGroup::ATTRIBUTE; }
+  bool has(Element const& element, Row const& row) const override;
+  plinth::Value get(Element& element, Row const& row, Tag const& tag) const override;
+  void set(Element& element, Row const& row, plinth::Value const& value, Tag const& tag) const override;
+  void keepOld(Element const& element, ElementStorage& storage, Row const& row) const override;
+  void restoreOld(Element& element, ElementStorage& storage, Row const& row) const noexcept override;
+  void dropOld(ElementStorage& storage, Row const& row) const noexcept override;
+  void moveOld(ElementStorage& from, ElementStorage& to, Row const& row) const noexcept override;
+  plinth::Value oldValue(ElementStorage& storage, Row const& row) const override;
+  bool isUnchanged(Element const& element, ElementStorage const& storage, Row const& row) const override;
+  bool build(ElementBuilder& builder, Row const& row, plinth::Value const& value) const override;
+  using PropertyKind::build;
+  void initialize(Element& element, ElementBuilder& builder, Row const& row) const override;
+};
+
+inline constexpr HostArrayKind hostArrayKind{};
+
+}  // namespace tessel::frame
+
+namespace plinth {
+template <>
+struct MetaTypeOf<tessel::frame::HostArray> {
+  static meta::TypeImpl* type() { return StandardTypes::kestrelArrayMeta(); }
+};
+/// Arrays are told apart by their contents' size alone: equal ones hash alike, which is all that is asked of a hash.
+template <>
+struct ValueHash<tessel::frame::HostArray> {
+  std::uint64_t operator()(tessel::frame::HostArray const& array) const noexcept;
+};
+}  // namespace plinth

@@ -1,0 +1,83 @@
+// Properties that hold many plain values: sequences, and maps by a key that the value bears.
+// Ownership: the element owns the collection, which is made when somebody first asks for it.
+// Thread rule: the model's thread.
+#pragma once
+
+#include <memory>
+
+#include "plinth/collections/PrimitiveAssociative.hpp"
+#include "plinth/collections/PrimitiveSequence.hpp"
+#include "tessel_config_datamodel/frame/Collection.hpp"
+
+namespace tessel::frame {
+
+class TESSEL_EXPORT ValueCollectionKind : public CollectionKind {
+ public:
+  FieldGroup group() const noexcept final { return FieldGroup::ATTRIBUTE; }
+  plinth::Value get(Element& element, Row const& row, Tag const& tag) const final;
+  bool isUnchanged(Element const& element, ElementStorage const& storage, Row const& row) const final;
+
+  plinth::AbstractPrimitiveCollection& require(Element& element, Row const& row) const {
+    return static_cast<plinth::AbstractPrimitiveCollection&>(requireAny(element, row));
+  }
+};
+
+/// C is the collection's class; the builder gathers a vector of its values.
+template <class C>
+class TypedValueCollectionKind : public ValueCollectionKind {
+ public:
+  using PropertyKind::build;
+  using T = typename C::Element;
+  bool build(ElementBuilder& builder, Row const& row, plinth::Value const& value) const final {
+    builderFieldOf<std::vector<T>>(builder, row).push_back(value.getValue<T>());
+    return true;
+  }
+};
+
+template <class T>
+class ValueSequenceKind final : public TypedValueCollectionKind<plinth::PrimitiveSequence<T>> {
+ public:
+  using typename PropertyKind::Row;
+  void initialize(Element& element, ElementBuilder& builder, Row const& row) const override {
+    auto const& values = builderFieldOf<std::vector<T>>(builder, row);
+    if (!values.empty()) static_cast<plinth::PrimitiveSequence<T>&>(this->require(element, row)).assign(values);
+  }
+
+ protected:
+  CollectionField make(Element& element, Row const& row) const override {
+    return std::make_unique<plinth::PrimitiveSequence<T>>(&element, row.property);
+  }
+};
+
+/// A map of values; `KEY` reads the key of a value.
+template <class T, std::u16string const& (T::*KEY)() const>
+class ValueMapKind final : public TypedValueCollectionKind<plinth::PrimitiveMap<std::u16string, T>> {
+ public:
+  using typename PropertyKind::Row;
+  using Map = plinth::PrimitiveMap<std::u16string, T>;
+  void initialize(Element& element, ElementBuilder& builder, Row const& row) const override {
+    for (T const& value : builderFieldOf<std::vector<T>>(builder, row)) {
+      static_cast<Map&>(this->require(element, row)).insert(value);
+    }
+  }
+
+ protected:
+  CollectionField make(Element& element, Row const& row) const override {
+    return std::make_unique<Map>([](T const& value) { return (value.*KEY)(); }, &element, row.property);
+  }
+};
+
+template <class T>
+inline constexpr ValueSequenceKind<T> valueSequenceKind{};
+template <class T, std::u16string const& (T::*KEY)() const>
+inline constexpr ValueMapKind<T, KEY> valueMapKind{};
+
+/// The getter of a value collection: refuses a proxy.
+TESSEL_EXPORT plinth::AbstractPrimitiveCollection* readValues(Element const& self, PropertyDescriptor const& row);
+
+template <class C>
+C* getValues(Element const& self, PropertyDescriptor const& row) {
+  return static_cast<C*>(readValues(self, row));
+}
+
+}  // namespace tessel::frame

@@ -1,0 +1,43 @@
+#include "tessel_config_datamodel/frame/Create.hpp"
+
+#include "plinth/Messages.hpp"
+
+namespace tessel::frame {
+namespace {
+
+/// The stamps of the bases first, so that the most derived class has the last word.
+void stamp(Element& element, ClassTable const& table) {
+  if (table.base != nullptr) stamp(element, *table.base);
+  for (std::size_t i = 0; i < table.stampCount; ++i) {
+    TypeStamp const& stamp = table.stamps[i];
+    PropertyDescriptor const& row = stamp.declaringClass->properties[stamp.position];
+    row.kind->stamp(element, row, stamp.value);
+  }
+}
+
+}  // namespace
+
+plinth::ModelElement createElement(ClassTable const& table, plinth::Model const& model,
+                                   boost::uuids::uuid const& uuid) {
+  if (model.isEmpty()) plinth::reportException(plinth::messages::CannotCreateWithoutModel());
+  table.metaClass();  // the metamodel stands before its first element
+  plinth::Step step(*model.impl(), plinth::Step::WHOLE);
+  plinth::ModelElement element(table.allocate(*model.impl(), uuid), plinth::Adopt{});
+  stamp(static_cast<Element&>(*element), table);
+  element->notifyCreated();
+  step.commit();
+  return element;
+}
+
+plinth::ModelElement createChild(Element& self, PropertyDescriptor const& row, plinth::ModelElementBuilder& builder,
+                                 boost::uuids::uuid const& uuid) {
+  self.requireModifiable();
+  builder.setModel(self.getModel());
+  plinth::Step step(self.model(), plinth::Step::WHOLE);
+  plinth::ModelElement const child = builder.create(uuid);
+  row.kind->attach(self, row, child);
+  step.commit();
+  return child;
+}
+
+}  // namespace tessel::frame

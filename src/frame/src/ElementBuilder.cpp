@@ -1,0 +1,93 @@
+#include "tessel_config_datamodel/frame/ElementBuilder.hpp"
+
+#include "plinth/Messages.hpp"
+#include "tessel_config_datamodel/frame/Element.hpp"
+
+namespace tessel::frame {
+namespace {
+
+/// Root first, as the fields of an element are filled.
+template <class Visitor>
+void forEachFromRoot(ClassTable const& table, Visitor const& visit) {
+  if (table.base != nullptr) forEachFromRoot(*table.base, visit);
+  visit(table);
+}
+
+}  // namespace
+
+ElementBuilder::ElementBuilder(ClassTable const& table, plinth::Model const& model)
+    : ModelElementBuilder(model, table.lastIndex + 1), m_table(&table) {}
+
+ElementBuilder::ElementBuilder(ClassTable const& table) : ModelElementBuilder(table.lastIndex + 1), m_table(&table) {}
+
+void ElementBuilder::giveStamps() {
+  m_table->metaClass();  // the rows are bound once the metamodel stands
+  for (std::size_t i = 0; i < m_table->stampCount; ++i) {
+    TypeStamp const& stamp = m_table->stamps[i];
+    PropertyDescriptor const& row = stamp.declaringClass->properties[stamp.position];
+    row.kind->stamp(*this, row, stamp.value);
+  }
+}
+
+void ElementBuilder::setOrAdd(plinth::meta::Property const& property, plinth::Value const& value) {
+  auto const* const row = property.isEmpty() ? nullptr : findDescriptor(*m_table, *property.impl());
+  if (row == nullptr || !row->kind->build(*this, *row, value)) {
+    ModelElementBuilder::setOrAdd(property, value);
+  } else {
+    mark(row->index);
+  }
+}
+
+void ElementBuilder::setOrAdd(plinth::meta::Property const& property,
+                              std::unique_ptr<plinth::ModelElementBuilder> child) {
+  auto const* const row = property.isEmpty() ? nullptr : findDescriptor(*m_table, *property.impl());
+  bool const fits = row != nullptr && child != nullptr && child->getMetaClass()->conformsTo(*row->property->type());
+  if (!fits || !row->kind->build(*this, *row, child)) {
+    ModelElementBuilder::setOrAdd(property, std::move(child));
+  } else {
+    mark(row->index);
+  }
+}
+
+void ElementBuilder::takeChild(PropertyDescriptor const& row, std::unique_ptr<plinth::ModelElementBuilder> child) {
+  m_table->metaClass();
+  setOrAdd(plinth::meta::Property(row.property), std::move(child));
+}
+
+plinth::ModelElement ElementBuilder::doCreate(bool deferred, boost::uuids::uuid const& uuid) {
+  m_table->metaClass();
+  plinth::ModelElement const made(m_table->allocate(*model().impl(), uuid), plinth::Adopt{});
+  auto& element = static_cast<Element&>(*made);
+  forEachFromRoot(*m_table, [&](ClassTable const& table) {
+    for (PropertyDescriptor const& row : table) {
+      if (row.index != 0 && isSet(row.index)) row.kind->initialize(element, *this, row);
+    }
+  });
+  if (deferred) return made;
+  // Links run the full setters, on an object that a handle holds: should one fail, nothing is left that points at freed
+  // memory.
+  forEachFromRoot(*m_table, [&](ClassTable const& table) {
+    for (PropertyDescriptor const& row : table) {
+      if (row.index != 0 && isSet(row.index)) row.kind->link(element, *this, row);
+    }
+  });
+  element.notifyCreated();
+  return made;
+}
+
+void ElementBuilder::cascadeCreation(plinth::ModelElementImpl& parent, std::vector<plinth::CascadeStep>& steps) {
+  auto& element = static_cast<Element&>(parent);
+  for (ClassTable const* each = m_table; each != nullptr; each = each->base) {
+    for (PropertyDescriptor const& row : *each) {
+      if (row.index != 0 && isSet(row.index)) row.kind->cascade(element, *this, row, steps);
+    }
+  }
+}
+
+void ElementBuilder::attach(plinth::ModelElementImpl& parent, plinth::meta::PropertyImpl& property,
+                            plinth::ModelElement const& child) {
+  PropertyDescriptor const& row = *findDescriptor(*m_table, property);
+  row.kind->attach(static_cast<Element&>(parent), row, child);
+}
+
+}  // namespace tessel::frame

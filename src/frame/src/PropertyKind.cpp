@@ -1,0 +1,69 @@
+#include "tessel_config_datamodel/frame/PropertyKind.hpp"
+
+#include "plinth/Messages.hpp"
+#include "tessel_config_datamodel/frame/ModelClass.hpp"
+
+namespace tessel::frame {
+
+PropertyDescriptor const* findDescriptor(ClassTable const& table, unsigned long index) noexcept {
+  for (ClassTable const* each = &table; each != nullptr; each = each->base) {
+    unsigned long const before = each->base == nullptr ? 0 : each->base->lastIndex;
+    if (index <= before || index > each->lastIndex) continue;
+    for (PropertyDescriptor const& row : *each) {
+      if (row.index == index) return &row;
+    }
+  }
+  return nullptr;
+}
+
+plinth::ModelElement elementFrom(plinth::Value const& value, PropertyDescriptor const& row) {
+  auto const* const metaClass = dynamic_cast<plinth::meta::ClassImpl const*>(value.meta().type());
+  if (metaClass == nullptr || value.meta().flags() >= plinth::meta::SEQUENCE ||
+      !metaClass->conformsTo(*row.property->type())) {
+    plinth::reportException(plinth::messages::CannotCastIncompatibleTypes(
+        value.meta().type() == nullptr ? u"" : value.meta().type()->getQualifiedName(),
+        row.property->type()->narrowName()));
+  }
+  return value.isEmpty() ? plinth::ModelElement() : *static_cast<plinth::ModelElement const*>(value.content());
+}
+
+plinth::meta::Property propertyOf(plinth::meta::Class const& metaClass, char16_t const* name) {
+  return plinth::meta::Property(metaClass->findProperty(name));
+}
+
+// What a kind does not override has nothing to do for it.
+
+void PropertyKind::set(Element&, Row const& row, plinth::Value const&, Tag const&) const {
+  plinth::reportException(
+      plinth::messages::NoSuchProperty(row.property->getName(), row.property->owningType()->getQualifiedName()));
+}
+
+void PropertyKind::keepOld(Element const&, ElementStorage&, Row const&) const {}
+void PropertyKind::restoreOld(Element&, ElementStorage&, Row const&) const noexcept {}
+void PropertyKind::dropOld(ElementStorage&, Row const&) const noexcept {}
+void PropertyKind::moveOld(ElementStorage&, ElementStorage&, Row const&) const noexcept {}
+plinth::Value PropertyKind::oldValue(ElementStorage&, Row const&) const { return {}; }
+bool PropertyKind::isUnchanged(Element const&, ElementStorage const&, Row const&) const { return false; }
+void PropertyKind::sealOld(ElementStorage&, Row const&) const noexcept {}
+void PropertyKind::collectContained(Element const&, Row const&, std::vector<plinth::ModelElementImpl*>&) const {}
+void PropertyKind::destroyContained(Element&, Row const&, bool, bool) const {}
+void PropertyKind::disassociate(Element&, Row const&) const {}
+void PropertyKind::basicDisassociate(Element&, Row const&) const {}
+plinth::AbstractOwnedCollection* PropertyKind::collection(Element const&, Row const&) const { return nullptr; }
+void PropertyKind::inverseAdd(Element&, Row const&, plinth::ModelElementImpl&) const {}
+void PropertyKind::inverseRemove(Element&, Row const&, plinth::ModelElementImpl&) const {}
+bool PropertyKind::containsProxyTo(Element&, Row const&, plinth::ModelElementImpl&) const { return false; }
+void PropertyKind::convertToProxies(Element&, Row const&, bool, boost::optional<plinth::ProxyId>&) const {}
+void PropertyKind::replaceByProxy(Element&, Row const&, plinth::ModelElementImpl&, plinth::ModelElement const&) const {}
+bool PropertyKind::build(ElementBuilder&, Row const&, plinth::Value const&) const { return false; }
+bool PropertyKind::build(ElementBuilder&, Row const&, std::unique_ptr<plinth::ModelElementBuilder>&) const {
+  return false;
+}
+void PropertyKind::initialize(Element&, ElementBuilder&, Row const&) const {}
+void PropertyKind::link(Element&, ElementBuilder&, Row const&) const {}
+void PropertyKind::cascade(Element&, ElementBuilder&, Row const&, std::vector<plinth::CascadeStep>&) const {}
+void PropertyKind::attach(Element&, Row const&, plinth::ModelElement const&) const {}
+void PropertyKind::stamp(Element&, Row const&, int) const {}
+void PropertyKind::stamp(ElementBuilder&, Row const&, int) const {}
+
+}  // namespace tessel::frame

@@ -1,0 +1,61 @@
+#include "tessel_config_datamodel/frame/Qualifier.hpp"
+
+#include "plinth/Messages.hpp"
+#include "plinth/collections/ReferenceMap.hpp"
+#include "tessel_config_datamodel/frame/ElementCollection.hpp"
+
+namespace tessel::frame {
+namespace {
+
+/// Whether `self` lies in a map that is keyed by the row's property.
+bool liesInMap(Element const& self, PropertyDescriptor const& row) noexcept {
+  auto const* const feature = self.basicContainmentFeature();
+  return feature != nullptr && feature->qualifiedBy() == row.property;
+}
+
+void refuseTakenKey(Element& self, std::u16string const& value, PropertyDescriptor const& row) {
+  if (!liesInMap(self, row)) return;
+  auto& owner = static_cast<Element&>(*self.basicContainer());
+  auto const* const mapRow = findDescriptor(owner.classTable(), *self.basicContainmentFeature());
+  auto const* const map = static_cast<plinth::ReferenceMap*>(readCollection(owner, *mapRow));
+  if (map->findElement(value)) plinth::reportException(plinth::messages::UniquenessConstraint());
+}
+
+/// Runs `store` in one transaction, with the element out of its map meanwhile.
+template <class Store>
+void rekey(Element& self, PropertyDescriptor const& row, Store const& store) {
+  bool const inMap = liesInMap(self, row);
+  plinth::Step step(self.model(), inMap ? plinth::Step::WHOLE : plinth::Step::SINGLE);
+  auto* const container = self.basicContainer();
+  auto* const feature = self.basicContainmentFeature();
+  if (inMap) self._inverseRemoveThis(container, *feature);
+  store();
+  if (inMap) self._inverseAddThis(container, *feature, true);
+  step.commit();
+}
+
+}  // namespace
+
+void setQualifier(Element& self, std::u16string& field, std::u16string const& value, PropertyDescriptor const& row) {
+  self.requireModifiable();
+  if (field == value) return;
+  refuseTakenKey(self, value, row);
+  rekey(self, row, [&] {
+    self.notifyModifying(row.index);
+    field = value;
+  });
+}
+
+void overrideQualifier(Element& self, std::u16string const& present, std::u16string const& value,
+                       PropertyDescriptor const& row, void (*store)(Element& self, std::u16string const& value)) {
+  if (present == value) return;
+  refuseTakenKey(self, value, row);
+  // A proxy is refused by `store`, inside the transaction; a destroyed element has no map left to be kept sound.
+  rekey(self, row, [&] { store(self, value); });
+}
+
+void QualifierKind::set(Element& element, Row const& row, plinth::Value const& value, Tag const&) const {
+  setQualifier(element, fieldOf<std::u16string>(element, row), value.getValue<std::u16string>(), row);
+}
+
+}  // namespace tessel::frame

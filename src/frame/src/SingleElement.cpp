@@ -1,0 +1,222 @@
+#include "tessel_config_datamodel/frame/SingleElement.hpp"
+
+#include "plinth/Messages.hpp"
+
+namespace tessel::frame {
+
+using plinth::ModelElement;
+using plinth::ModelElementImpl;
+
+void refreshElement(Element& self, ElementField& field, PropertyDescriptor const& row) {
+  if (!field) {
+    if (field.impl()->modelIdentity() != self.modelIdentity()) field = ModelElement();
+    return;
+  }
+  ModelElement resolved = self.model().resolveProxy(&self, field);
+  if (!resolved || resolved->isProxy()) return;
+  auto* const opposite = row.property->opposite();
+  if (opposite != nullptr && !self._inverseContainsThis(resolved.impl(), *opposite)) return;
+  field = std::move(resolved);
+}
+
+namespace {
+
+/// The setter of every kind of single element: checks, compares, and runs `store` in a step.
+template <class Store>
+void setElement(Element& self, ElementField& field, ModelElement const& target, PropertyDescriptor const& row,
+                plinth::Step::Extent extent, Store const& store) {
+  self.requireModifiable();
+  if (readElement(self, field, row) == target) return;
+  self.checkCompatibleModel(target.impl(), *row.property);
+  plinth::Step step(self.model(), extent);
+  self.notifyModifying(row.index);
+  store();
+  step.commit();
+}
+
+}  // namespace
+
+void setReference(Element& self, ElementField& field, ModelElement const& target, PropertyDescriptor const& row) {
+  setElement(self, field, target, row, plinth::Step::SINGLE, [&] { basicSetElement(field, target); });
+}
+
+void setOppositeReference(Element& self, ElementField& field, ModelElement const& target,
+                          PropertyDescriptor const& row) {
+  setElement(self, field, target, row, plinth::Step::WHOLE, [&] {
+    auto& opposite = *row.property->opposite();
+    ModelElement const former = field;
+    if (former) self._inverseRemoveThis(former.impl(), opposite);
+    basicSetElement(field, target);
+    self._inverseAddThis(target.impl(), opposite, true);
+  });
+}
+
+void setContainment(Element& self, ElementField& field, ModelElement const& target, PropertyDescriptor const& row) {
+  setElement(self, field, target, row, plinth::Step::WHOLE, [&] {
+    if (field) self._basicSetUncontained(field.impl());
+    basicSetElement(field, target);
+    if (target) self._setContainedByThis(target.impl(), *row.property);
+  });
+}
+
+bool SingleElementKind::has(Element const& element, Row const& row) const {
+  return static_cast<bool>(fieldOf<ElementField>(element, row));
+}
+
+plinth::Value SingleElementKind::get(Element& element, Row const& row, Tag const& tag) const {
+  auto& field = fieldOf<ElementField>(element, row);
+  ModelElement const target = tag.resolvesProxies() ? readElement(element, field, row) : field;
+  plinth::meta::TypeImpl* const type = target ? target->getMetaClass().impl() : row.property->type();
+  return plinth::Value::make<ModelElement>(plinth::ValueMeta(type, plinth::meta::SINGLE), target);
+}
+
+void SingleElementKind::set(Element& element, Row const& row, plinth::Value const& value, Tag const& tag) const {
+  ModelElement const target = elementFrom(value, row);
+  auto& field = fieldOf<ElementField>(element, row);
+  if (!tag.resolvesProxies() && target && !target->isProxy() && field && field->isProxy()) {
+    field = ModelElement();  // the comparison in the setter must not resolve it
+  }
+  store(element, row, target);
+}
+
+void SingleElementKind::keepOld(Element const& element, ElementStorage& storage, Row const& row) const {
+  fillSlot<ElementField>(storage, row, fieldOf<ElementField>(element, row));
+}
+
+void SingleElementKind::restoreOld(Element& element, ElementStorage& storage, Row const& row) const noexcept {
+  std::swap(fieldOf<ElementField>(element, row), slotOf<ElementField>(storage, row));
+}
+
+void SingleElementKind::dropOld(ElementStorage& storage, Row const& row) const noexcept {
+  slotOf<ElementField>(storage, row).~ElementField();
+}
+
+void SingleElementKind::moveOld(ElementStorage& from, ElementStorage& to, Row const& row) const noexcept {
+  fillSlot<ElementField>(to, row, std::move(slotOf<ElementField>(from, row)));
+}
+
+plinth::Value SingleElementKind::oldValue(ElementStorage& storage, Row const& row) const {
+  ModelElement const& old = slotOf<ElementField>(storage, row);
+  plinth::meta::TypeImpl* const type = old ? old->getMetaClass().impl() : row.property->type();
+  return plinth::Value::make<ModelElement>(plinth::ValueMeta(type, plinth::meta::SINGLE), old);
+}
+
+bool SingleElementKind::isUnchanged(Element const& element, ElementStorage const& storage, Row const& row) const {
+  return fieldOf<ElementField>(element, row) == slotOf<ElementField>(storage, row);
+}
+
+void SingleElementKind::basicDisassociate(Element& element, Row const& row) const {
+  basicSetElement(fieldOf<ElementField>(element, row), ModelElement());
+}
+
+void SingleElementKind::inverseAdd(Element& element, Row const& row, ModelElementImpl& far) const {
+  element.notifyModifying(row.index);
+  basicSetElement(fieldOf<ElementField>(element, row), ModelElement(&far));
+}
+
+void SingleElementKind::inverseRemove(Element& element, Row const& row, ModelElementImpl&) const {
+  element.notifyModifying(row.index);
+  basicSetElement(fieldOf<ElementField>(element, row), ModelElement());
+}
+
+void SingleElementKind::replaceByProxy(Element& element, Row const& row, ModelElementImpl& far,
+                                       ModelElement const& proxy) const {
+  auto& field = fieldOf<ElementField>(element, row);
+  if (field.impl() != &far) return;
+  element.notifyModifying(row.index);
+  basicSetElement(field, proxy);
+}
+
+void ReferenceKind::store(Element& element, Row const& row, ModelElement const& target) const {
+  setReference(element, fieldOf<ElementField>(element, row), target, row);
+}
+
+void ReferenceKind::disassociate(Element& element, Row const& row) const {
+  if (!fieldOf<ElementField>(element, row).isEmpty()) store(element, row, ModelElement());
+}
+
+bool ReferenceKind::containsProxyTo(Element& element, Row const& row, ModelElementImpl& far) const {
+  auto& field = fieldOf<ElementField>(element, row);
+  if (field.impl() == &far) return true;
+  if (!field || !field->isProxy()) return false;
+  ModelElement const found = element.model().peekResolveProxy(&element, field);
+  if (found.impl() != &far) return false;
+  field = found;
+  return true;
+}
+
+void ReferenceKind::convertToProxies(Element& element, Row const& row, bool, boost::optional<plinth::ProxyId>&) const {
+  auto& field = fieldOf<ElementField>(element, row);
+  if (field.isEmpty()) return;
+  element.notifyModifying(row.index);
+  basicSetElement(field, ModelElement());
+}
+
+bool ReferenceKind::build(ElementBuilder& builder, Row const& row, plinth::Value const& value) const {
+  builderFieldOf<ElementField>(builder, row) = elementFrom(value, row);
+  return true;
+}
+
+void ReferenceKind::link(Element& element, ElementBuilder& builder, Row const& row) const {
+  store(element, row, builderFieldOf<ElementField>(builder, row));
+}
+
+void OppositeReferenceKind::store(Element& element, Row const& row, ModelElement const& target) const {
+  setOppositeReference(element, fieldOf<ElementField>(element, row), target, row);
+}
+
+void OppositeReferenceKind::inverseAdd(Element& element, Row const& row, ModelElementImpl& far) const {
+  auto& field = fieldOf<ElementField>(element, row);
+  element.notifyModifying(row.index);
+  ModelElement const former = field;
+  if (former && former.impl() != &far) element._inverseRemoveThis(former.impl(), *row.property->opposite());
+  basicSetElement(field, ModelElement(&far));
+}
+
+void OppositeReferenceKind::convertToProxies(Element& element, Row const& row, bool convert,
+                                             boost::optional<plinth::ProxyId>& id) const {
+  auto& field = fieldOf<ElementField>(element, row);
+  if (field.isEmpty()) return;
+  ModelElement const target = field;
+  if (convert && target && !target->isProxy() && target->modelIdentity() != element.modelIdentity()) {
+    if (!id) id = element._getPersistentProxyId();
+    element._convertToProxy(target.impl(), *row.property->opposite(), *id);
+  }
+  element.notifyModifying(row.index);
+  basicSetElement(field, ModelElement());
+}
+
+void ContainmentKind::store(Element& element, Row const& row, ModelElement const& target) const {
+  setContainment(element, fieldOf<ElementField>(element, row), target, row);
+}
+
+void ContainmentKind::collectContained(Element const& element, Row const& row,
+                                       std::vector<ModelElementImpl*>& children) const {
+  auto const& field = fieldOf<ElementField>(element, row);
+  if (field && !field->isProxy()) children.push_back(field.impl());
+}
+
+void ContainmentKind::destroyContained(Element& element, Row const& row, bool flag1, bool flag2) const {
+  auto& field = fieldOf<ElementField>(element, row);
+  if (!field) return;
+  element.notifyModifying(row.index);
+  if (!field->isProxy()) field->destroyRecursively(flag1, false, flag2);
+  basicSetElement(field, ModelElement());
+}
+
+bool ContainmentKind::build(ElementBuilder& builder, Row const& row,
+                            std::unique_ptr<plinth::ModelElementBuilder>& child) const {
+  builderFieldOf<ChildBuilder>(builder, row).set(std::move(child));
+  return true;
+}
+
+void ContainmentKind::cascade(Element&, ElementBuilder& builder, Row const& row,
+                              std::vector<plinth::CascadeStep>& steps) const {
+  if (auto* const child = builderFieldOf<ChildBuilder>(builder, row).get()) steps.push_back({row.property, child});
+}
+
+void ContainmentKind::attach(Element& element, Row const& row, ModelElement const& child) const {
+  store(element, row, child);
+}
+
+}  // namespace tessel::frame

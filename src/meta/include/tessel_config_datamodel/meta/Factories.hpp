@@ -1,0 +1,35 @@
+// The factories that weaving registers for a type: collections by property, builders by model.
+// Ownership: the caller owns what is made. Thread rule: the thread of the owner's model.
+#pragma once
+
+#include <memory>
+
+#include "plinth/Builder.hpp"
+#include "plinth/collections/ElementSequence.hpp"
+#include "plinth/collections/PrimitiveAssociative.hpp"
+#include "plinth/collections/PrimitiveSequence.hpp"
+#include "plinth/collections/UnorderedElementSet.hpp"
+
+namespace tessel::metamodel {
+
+/// A sequence for an ordered property, a set for any other; no opposite, never a map.
+template <class T>
+plinth::AbstractOwnedCollection* elementCollection(plinth::ModelElement const& owner,
+                                                   plinth::meta::Property const& property) {
+  if (property->isOrdered()) return new plinth::ElementSequence<T>(owner.impl(), property.impl());
+  return new plinth::UnorderedElementSet<T>(owner.impl(), property.impl());
+}
+
+template <class T>
+plinth::AbstractOwnedCollection* valueCollection(plinth::ModelElement const& owner,
+                                                 plinth::meta::Property const& property) {
+  if (property->isOrdered()) return new plinth::PrimitiveSequence<T>(owner.impl(), property.impl());
+  return new plinth::PrimitiveSet<T>(owner.impl(), property.impl());
+}
+
+template <class T>
+std::unique_ptr<plinth::ModelElementBuilder> builder(plinth::Model const& model) {
+  return std::make_unique<typename T::Builder>(model);
+}
+
+}  // namespace tessel::metamodel

@@ -1,0 +1,30 @@
+// The root of every generated meta package: brings a model's metamodel up from its rows, once in a process.
+//
+// Everything happens under the registry's recursive mutex, with the registry's model thawed, and in one transaction: a
+// failure leaves nothing behind, and the next attempt starts anew. Ownership: a meta package is never destroyed. Thread
+// rule: immutable once it stands.
+#pragma once
+
+#include "tessel_config_datamodel/meta/MetaRows.hpp"
+
+namespace tessel::metamodel {
+
+class TESSEL_EXPORT ModelMetaPackage : public plinth::meta::AbstractMetaPackage {
+ protected:
+  using MetaRegistry = plinth::meta::MetaRegistry;
+  using PropertySerializerRegistry = plinth::meta::PropertySerializerRegistry;
+
+  /// Replaces an older incarnation of the model, makes and weaves all packages, commits, and registers the root.
+  void initialize(RootRow const& root);
+  /// Makes a package, its types, properties, operations and literals, unconnected. Raises NoSuchType.
+  static void instantiate(PackageRows const& rows, MetaRegistry& registry);
+  /// Connects what was made: owners, superclasses, types, opposites, qualifiers, factories, serializers. Raises
+  /// NoSuchType.
+  static void weave(PackageRows const& rows, MetaRegistry& registry, PropertySerializerRegistry& serializers);
+
+ private:
+  virtual void instantiateAll(MetaRegistry& registry) = 0;
+  virtual void weaveAll(MetaRegistry& registry, PropertySerializerRegistry& serializers) = 0;
+};
+
+}  // namespace tessel::metamodel

@@ -1,0 +1,42 @@
+#include "tessel_config_datamodel/meta/EnumSerializers.hpp"
+
+#include <boost/lexical_cast.hpp>
+
+#include "groundwork/unicode.hpp"
+
+namespace tessel::metamodel::detail {
+namespace {
+
+int valueOf(plinth::meta::EnumLiteralImpl const* literal) {
+  if (literal == nullptr) throw boost::bad_lexical_cast();
+  return literal->value();
+}
+
+}  // namespace
+
+std::u16string literalName(plinth::meta::Enum const& type, int value) {
+  auto const* const literal = type->findByValue(value);
+  return literal == nullptr ? std::u16string() : literal->getName();
+}
+
+int parseLiteralName(plinth::meta::Enum const& type, std::u16string const& text) {
+  return valueOf(type->findByName(text));
+}
+
+std::u16string literalValue(int value) { return groundwork::toUtf16(boost::lexical_cast<std::string>(value)); }
+
+int parseLiteralValue(plinth::meta::Enum const& type, std::u16string const& text) {
+  return valueOf(type->findByValue(boost::lexical_cast<int>(groundwork::toUtf8(text))));
+}
+
+std::u16string publicIdentifier(plinth::meta::Enum const& type, int value) {
+  auto const* const literal = type->findByValue(value);
+  if (literal == nullptr) return {};
+  return literal->publicIdentifier().empty() ? literal->getName() : literal->publicIdentifier();
+}
+
+int parsePublicIdentifier(plinth::meta::Enum const& type, std::u16string const& text) {
+  return valueOf(type->findByPublicIdentifier(text));
+}
+
+}  // namespace tessel::metamodel::detail
