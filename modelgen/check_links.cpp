@@ -1,0 +1,129 @@
+#include <string>
+
+#include "modelgen/checks.hpp"
+#include "modelgen/primitive.hpp"
+
+namespace modelgen {
+namespace {
+
+// Change bits of a class lie in one block of 64, and bit 0 is the foundation's.
+constexpr int mostIndexes = 63;
+
+class LinkChecks {
+ public:
+  explicit LinkChecks(Diagnostics& diagnostics) : m_diagnostics(diagnostics) {}
+
+  void chain(const Class& type) {
+    int indexes = 0;
+    for (const Class* each = &type; each != nullptr; each = each->base) {
+      for (const Property& property : each->properties) indexes += property.isDerived() ? 0 : 1;
+    }
+    if (indexes > mostIndexes) {
+      m_diagnostics.report(type.row->name.at,
+                           "'" + type.name + "' has " + std::to_string(indexes) + " indexed properties along its chain",
+                           std::to_string(mostIndexes) + " at most");
+    }
+    if (type.base == nullptr) return;
+    for (const Property& each : type.properties) {
+      const Property* const hidden = findProperty(*type.base, each.name);
+      if (hidden == nullptr) continue;
+      m_diagnostics.report(each.row->name.at, "'" + each.name + "' hides the inherited '" + hidden->qualifiedName + "'",
+                           "another name");
+    }
+  }
+
+  void property(const Property& property) {
+    if (property.type == nullptr) return;
+    if (property.opposite != nullptr) opposite(property);
+    if (property.source != nullptr) derived(property);
+    qualifier(property);
+  }
+
+ private:
+  void refuse(const Position& at, const Property& property, const std::string& wrong, const std::string& expected) {
+    m_diagnostics.report(at, "'" + property.name + "' " + wrong, expected);
+  }
+
+  void opposite(const Property& property) {
+    const Position& at = property.row->opposite->at;
+    const Property& other = *property.opposite;
+    if (other.type == nullptr) return;
+    for (const Property* const end : {&property, &other}) {
+      if (end->kind == Kind::reference && !end->isDerived() && end->shape != Shape::map) continue;
+      refuse(at, property, "has an opposite, but '" + end->qualifiedName + "' is no plain reference",
+             "two references, neither of them derived");
+      return;
+    }
+    if (other.opposite != &property) {
+      refuse(at, property, "has the opposite '" + other.qualifiedName + "', which does not point back",
+             "'opposite: " + property.owner->name + "." + property.name + "' there");
+    } else if (property.type != other.owner) {
+      refuse(at, property,
+             "leads to " + describe(*property.type) + ", but its opposite belongs to '" + other.owner->name + "'",
+             "an opposite in the class that the property leads to");
+    }
+  }
+
+  void derived(const Property& view) {
+    const Position& at = view.row->derived->at;
+    const Property& source = *view.source;
+    if (source.type == nullptr) return;
+    if (view.kind != Kind::reference) {
+      refuse(view.row->kind.at, view, "is derived and no reference", "the kind reference, as a view owns nothing");
+      return;
+    }
+    const Class* const wide = asClass(source.type);
+    const Class* const narrow = asClass(view.type);
+    const bool collection = source.shape == Shape::sequence || source.shape == Shape::set;
+    if (!collection || source.isDerived() || wide == nullptr) {
+      refuse(at, view, "is derived from '" + source.name + "', which is no collection of elements",
+             "a sequence or set of elements that is stored itself");
+    } else if (narrow == nullptr || narrow == wide || !conformsTo(*narrow, *wide)) {
+      refuse(view.row->type.at, view, "narrows '" + source.name + "' to " + describe(*view.type),
+             "a class below '" + wide->name + "'");
+    }
+    if (view.row->transient) refuse(at, view, "is derived and transient", "one of the two, as a view is never saved");
+  }
+
+  void qualifier(const Property& property) {
+    if (property.shape != Shape::map) {
+      if (property.row->qualifier) {
+        refuse(property.row->qualifier->at, property, "has a qualifier and is no map",
+               "the shape map, or no qualifier");
+      }
+      return;
+    }
+    if (!property.row->qualifier) {
+      if (property.type->kind != TypeKind::classType && property.type->kind != TypeKind::dataType) return;
+      refuse(property.row->shape.at, property, "is a map without a qualifier", "the key 'qualifier'");
+      return;
+    }
+    if (property.qualifier == nullptr || property.qualifier->type == nullptr) return;
+    const Property& key = *property.qualifier;
+    const Position& at = property.row->qualifier->at;
+    const bool isKey = isString(*key.type) && key.shape == Shape::single;
+    if (!isKey) {
+      refuse(at, property, "has the qualifier '" + key.qualifiedName + "'", "a single property of type String");
+    } else if (property.isElement() && key.owner->package->model != property.owner->package->model) {
+      // The setter of the key keeps the map sound, and is generated with the model that declares the key.
+      refuse(at, property, "has the qualifier '" + key.qualifiedName + "' of an imported model",
+             "a qualifier that this model declares");
+    }
+  }
+
+  Diagnostics& m_diagnostics;
+};
+
+}  // namespace
+
+void checkLinks(const Model& model, Diagnostics& diagnostics) {
+  LinkChecks checks(diagnostics);
+  for (const Package& package : model.packages) {
+    for (const Class& owner : package.classes) {
+      checks.chain(owner);
+      for (const Property& each : owner.properties) checks.property(each);
+    }
+  }
+}
+
+}  // namespace modelgen

@@ -1,0 +1,403 @@
+#include "modelgen/context.hpp"
+
+#include <cctype>
+#include <filesystem>
+#include <map>
+#include <set>
+
+#include "modelgen/data_object.hpp"
+#include "modelgen/default_value.hpp"
+#include "modelgen/naming.hpp"
+#include "modelgen/primitive.hpp"
+#include "modelgen/summary.hpp"
+#include "modelgen/text.hpp"
+#include "modelgen/uuid.hpp"
+
+namespace modelgen {
+namespace {
+
+// Leaves room for the indentation of a member and "/// " within 120 columns.
+constexpr std::size_t docWidth = 110;
+
+std::string tableName(const std::string& file, const std::string& root) {
+  return std::filesystem::path(file).lexically_normal().lexically_proximate(root).generic_string();
+}
+
+void setDoc(Data& object, const Text& doc) { setLines(object, "doc", wrap(doc.value, docWidth)); }
+
+void setTypeNames(Data& object, const Type& type) {
+  object.set("name", type.name);
+  object.set("qualifiedName", type.qualifiedName);
+  object.set("cppName", naming::cppTypeName(type));
+  object.set("isPrimitive", type.kind == TypeKind::primitive);
+  object.set("isClass", type.kind == TypeKind::classType);
+  object.set("isDataType", type.kind == TypeKind::dataType);
+  object.set("isEnum", type.kind == TypeKind::enumeration);
+}
+
+// A type as something that a thing of the package `from` points at. Its handle is a slot of the own meta package, or
+// has to be looked up by name.
+Data typeReference(const Type& type, const Package& from) {
+  Data result;
+  setTypeNames(result, type);
+  const Primitive* const primitive = asPrimitive(&type);
+  const bool kept = primitive != nullptr && primitive->keepsHandle;
+  const bool hasSlot = kept || (type.package != nullptr && type.package->model == from.model);
+  result.set("hasSlot", hasSlot);
+  result.set("slot", kept ? naming::typeSlot(from, type.name) : type.slot);
+  result.set("header", type.package == nullptr ? "" : naming::typeHeader(type));
+  result.set("namespace", type.package == nullptr ? "" : naming::cppNamespace(type.package->name));
+  return result;
+}
+
+// A property as something that another thing points at.
+Data propertyReference(const Property& property) {
+  Data result;
+  result.set("name", property.name);
+  result.set("qualifiedName", property.qualifiedName);
+  result.set("slot", property.slot);
+  result.set("getter", naming::getter(property.name));
+  result.set("setter", naming::setter(property.name));
+  result.set("field", naming::field(property.name));
+  result.set("accessor", naming::lowerCamel(property.name));
+  result.set("ownerName", property.owner->name);
+  result.set("ownerCppName", naming::cppTypeName(*property.owner));
+  result.set("ownerHeader", naming::typeHeader(*property.owner));
+  setNumber(result, "index", property.index);
+  setNumber(result, "position", positionAmongSiblings(property));
+  return result;
+}
+
+Data referenceOrFalse(const Property* property) {
+  return property == nullptr ? Data(false) : propertyReference(*property);
+}
+
+// A fact as a flag for sections and, under the key with "Text" behind it, as a C++ literal.
+void setFact(Data& object, const std::string& key, bool fact) {
+  object.set(key, fact);
+  object.set(key + "Text", fact ? "true" : "false");
+}
+
+void setMemberNames(Data& object, const std::string& property) {
+  object.set("field", naming::field(property));
+  object.set("accessor", naming::lowerCamel(property));
+  object.set("getter", naming::getter(property));
+  object.set("mutableGetter", naming::mutableGetter(property));
+  object.set("setter", naming::setter(property));
+  object.set("basicSetter", naming::basicSetter(property));
+  object.set("presenceTest", naming::presenceTest(property));
+  object.set("childCreator", naming::childCreator(property));
+  object.set("builderSetter", naming::builderSetter(property));
+  object.set("adder", naming::adder(property));
+  object.set("builderAdder", naming::builderAdder(property));
+  object.set("builderClearer", naming::builderClearer(property));
+}
+
+void setShape(Data& object, const Property& property) {
+  object.set("shape", naming::shapeName(property.shape));
+  object.set("kind", naming::kindName(property.kind));
+  object.set("scheme", naming::schemeName(property.scheme));
+  object.set("rowKind", naming::rowKind(property));
+  object.set("elementSetter", naming::elementSetter(property));
+  object.set("parameterType", naming::parameterType(property));
+  object.set("builderField", naming::builderFieldType(property));
+  object.set("implField", naming::implFieldType(property));
+  object.set("oldField", naming::oldFieldType(property));
+  object.set("isOwnQualifier", !property.keyedMaps.empty() && !property.virtualSetter);
+  object.set("isPlain", (property.scheme == Scheme::attribute || property.scheme == Scheme::optionalAttribute) &&
+                            (property.keyedMaps.empty() || property.virtualSetter));
+  object.set("hasOpposite", property.opposite != nullptr);
+  setNumber(object, "position", positionAmongSiblings(property));
+  setNumber(object, "valueFlags", static_cast<int>(property.shape));
+  object.set("isOptional", property.shape == Shape::optional);
+  object.set("isSequence", property.shape == Shape::sequence);
+  object.set("isSet", property.shape == Shape::set);
+  object.set("isMap", property.shape == Shape::map);
+  object.set("isMany", property.isMany());
+  object.set("isElement", property.isElement());
+  setFact(object, "isComposite", property.kind == Kind::containment);
+  for (const Scheme scheme :
+       {Scheme::attribute, Scheme::optionalAttribute, Scheme::hostArray, Scheme::valueCollection, Scheme::valueMap,
+        Scheme::reference, Scheme::containment, Scheme::elementCollection, Scheme::elementMap, Scheme::derivedView}) {
+    std::string key = naming::schemeName(scheme);
+    key.front() = static_cast<char>(std::toupper(static_cast<unsigned char>(key.front())));
+    object.set("scheme" + key, property.scheme == scheme);
+  }
+}
+
+void setDefault(Data& object, const Property& property) {
+  const auto& text = property.row->defaultText;
+  object.set("hasDefault", text.has_value());
+  object.set("defaultLiteral", text ? utf16Literal(text->value) : "");
+  const bool isValue = property.scheme == Scheme::attribute;
+  std::string initializer = isValue ? zeroInitializer(*property.type) : "";
+  if (text) initializer = defaultInitializer(*property.type, text->value).value_or("");
+  object.set("initializer", initializer);
+}
+
+Data propertyData(const Property& property) {
+  Data result;
+  result.set("name", property.name);
+  result.set("qualifiedName", property.qualifiedName);
+  result.set("uuid", toText(property.uuid));
+  result.set("slot", property.slot);
+  result.set("collectionName", property.name);
+  setDoc(result, property.row->doc);
+  setMemberNames(result, property.name);
+  setShape(result, property);
+  setDefault(result, property);
+  result.set("ownerName", property.owner->name);
+  result.set("ownerCppName", naming::cppTypeName(*property.owner));
+  result.set("type", typeReference(*property.type, *property.owner->package));
+  result.set("cppType", naming::cppTypeName(*property.type));
+  result.set("valueType", naming::valueType(property));
+  result.set("fieldType", naming::fieldType(property));
+  result.set("isString", isString(*property.type));
+  result.set("hasIndex", property.index != 0);
+  setNumber(result, "index", property.index);
+  setFact(result, "isOrdered", property.ordered);
+  setFact(result, "isUnique", property.unique);
+  setFact(result, "isDerived", property.isDerived());
+  setFact(result, "isTransient", property.row->transient);
+  setFact(result, "isHidden", property.row->hidden);
+  result.set("isQueryable", property.queryable);
+  result.set("isVirtual", property.virtualSetter);
+  result.set("source", referenceOrFalse(property.source));
+  result.set("opposite", referenceOrFalse(property.opposite));
+  result.set("qualifier", referenceOrFalse(property.qualifier));
+  setList(result, "keyedMaps",
+          objectsOf(property.keyedMaps, [](const Property* map) { return propertyReference(*map); }));
+  return result;
+}
+
+std::vector<Data> propertyList(const std::vector<const Property*>& properties) {
+  return objectsOf(properties, [](const Property* each) { return propertyData(*each); });
+}
+
+template <typename Accept>
+std::vector<Data> ownProperties(const Class& type, const Accept& accept) {
+  std::vector<Data> result;
+  for (const Property& each : type.properties) {
+    if (accept(each)) result.push_back(propertyData(each));
+  }
+  return result;
+}
+
+Data packageReference(const Package& package, const std::string& root) {
+  Data result;
+  result.set("name", package.node->name);
+  result.set("qualifiedName", package.name);
+  result.set("folder", package.folder);
+  result.set("namespace", naming::cppNamespace(package.name));
+  result.set("uri", package.node->uri);
+  result.set("slot", package.node->slot);
+  result.set("table", tableName(package.row->file, root));
+  return result;
+}
+
+Data modelReference(const Model& model, const std::string& root) {
+  Data result;
+  result.set("name", model.name);
+  result.set("include", model.include);
+  result.set("uuid", toText(model.uuid));
+  result.set("uri", model.packageTree.front().uri);
+  result.set("metaPackageClass", naming::metaPackageClass(model.name));
+  result.set("metaPackageHeader", naming::metaPackageHeader(model));
+  result.set("initializeEntryPoint", naming::initializeEntryPoint(model.name));
+  result.set("terminateEntryPoint", naming::terminateEntryPoint(model.name));
+  result.set("table", tableName(model.row->file, root));
+  return result;
+}
+
+// What every type of the model has.
+Data typeData(const Type& type, const std::string& root) {
+  Data result;
+  setTypeNames(result, type);
+  result.set("uuid", toText(type.uuid));
+  result.set("slot", type.slot);
+  result.set("namespace", naming::cppNamespace(type.package->name));
+  result.set("header", naming::typeHeader(type));
+  result.set("table", tableName(type.package->row->file, root));
+  setDoc(result, *type.doc);
+  result.set("package", packageReference(*type.package, root));
+  result.set("model", modelReference(*type.package->model, root));
+  return result;
+}
+
+// The types that the properties mention, split by what a header needs of them: values must be complete, elements are
+// handles that may be declared ahead. Neither names the class itself or its base.
+void setMentionedTypes(Data& object, const Class& owner) {
+  std::map<std::string, const Type*> values;
+  std::map<std::string, const Type*> elements;
+  const auto mention = [&](const Property& each) {
+    if (each.type->kind == TypeKind::primitive || each.type == &owner || each.type == owner.base) return;
+    (each.isElement() ? elements : values).emplace(each.type->qualifiedName, each.type);
+  };
+  for (const Property& each : owner.properties) mention(each);
+  for (const Property* each : owner.chainQueryable) mention(*each);
+  const auto reference = [&owner](const auto& entry) { return typeReference(*entry.second, *owner.package); };
+  setList(object, "valueTypes", objectsOf(values, reference));
+  setList(object, "elementTypes", objectsOf(elements, reference));
+  std::set<std::string> foreign;
+  for (const auto* const types : {&values, &elements}) {
+    for (const auto& [name, type] : *types) {
+      if (type->package->model != owner.package->model) foreign.insert(naming::typeHeader(*type));
+    }
+  }
+  setLines(object, "foreignHeaders", {foreign.begin(), foreign.end()});
+}
+
+Data overrideData(const QualifierOverride& override) {
+  Data result = propertyData(*override.property);
+  setList(result, "maps", objectsOf(override.maps, [](const Property* map) { return propertyReference(*map); }));
+  return result;
+}
+
+Data stampData(const Stamp& stamp) {
+  Data result = propertyReference(*stamp.property);
+  result.set("literal", stamp.literal->name);
+  setNumber(result, "value", stamp.literal->row->value.value);
+  result.set("initializer", naming::cppTypeName(*stamp.property->type) + "::" + stamp.literal->name);
+  result.set("builderSetter", naming::builderSetter(stamp.property->name));
+  return result;
+}
+
+Data operationData(const Operation& operation, const DataType& owner) {
+  Data result;
+  result.set("name", operation.name);
+  result.set("qualifiedName", operation.qualifiedName);
+  result.set("uuid", toText(operation.uuid));
+  result.set("slot", operation.slot);
+  result.set("type", typeReference(*operation.type, *owner.package));
+  setDoc(result, operation.row->doc);
+  return result;
+}
+
+Data literalData(const Literal& literal) {
+  Data result;
+  result.set("name", literal.name);
+  result.set("qualifiedName", literal.qualifiedName);
+  result.set("uuid", toText(literal.uuid));
+  result.set("slot", literal.slot);
+  setNumber(result, "value", literal.row->value.value);
+  setDoc(result, literal.row->doc);
+  return result;
+}
+
+Data nodeData(const PackageNode& node) {
+  Data result;
+  result.set("name", node.name);
+  result.set("qualifiedName", node.qualifiedName);
+  result.set("uri", node.uri);
+  result.set("slot", node.slot);
+  result.set("isRoot", node.parent == nullptr);
+  result.set("isNamespace", node.parent != nullptr && node.package == nullptr);
+  result.set("isPackage", node.package != nullptr);
+  result.set("parentSlot", node.parent == nullptr ? "" : node.parent->slot);
+  result.set("instantiateFunction", naming::instantiateFunction(node.qualifiedName));
+  result.set("weaveFunction", naming::weaveFunction(node.qualifiedName));
+  return result;
+}
+
+}  // namespace
+
+Data classData(const Class& type, const std::string& root) {
+  Data result = typeData(type, root);
+  result.set("className", type.name);
+  setFact(result, "isAbstract", type.row->abstract);
+  result.set("isConcrete", !type.row->abstract);
+  setFact(result, "isHidden", type.row->hidden);
+  result.set("base", type.base == nullptr ? Data(false) : typeReference(*type.base, *type.package));
+  result.set("baseCppName", naming::cppBaseTypeName(type));
+  setList(result, "bases",
+          objectsOf(type.bases, [&type](const Class* each) { return typeReference(*each, *type.package); }));
+  setNumber(result, "lastIndex", type.lastIndex);
+  setNumber(result, "storageCount", type.lastIndex + 1);
+  setList(result, "properties", ownProperties(type, [](const Property&) { return true; }));
+  setList(result, "indexedProperties", ownProperties(type, [](const Property& each) { return each.index != 0; }));
+  setList(result, "attributes",
+          ownProperties(type, [](const Property& each) { return !each.isElement() && !each.isMany(); }));
+  setList(result, "valueCollections",
+          ownProperties(type, [](const Property& each) { return !each.isElement() && each.isMany(); }));
+  setList(result, "singleElements",
+          ownProperties(type, [](const Property& each) { return each.isElement() && !each.isMany(); }));
+  setList(result, "elementCollections",
+          ownProperties(type, [](const Property& each) { return each.isElement() && each.isMany(); }));
+  setList(result, "containments",
+          ownProperties(type, [](const Property& each) { return each.kind == Kind::containment; }));
+  setList(result, "references", ownProperties(type, [](const Property& each) { return each.kind == Kind::reference; }));
+  setList(result, "queryables", ownProperties(type, [](const Property& each) { return each.queryable; }));
+  setList(result, "chainQueryables", propertyList(type.chainQueryable));
+  setList(result, "fields", propertyList(type.fields));
+  setList(result, "storageSlots", propertyList(type.storageSlots));
+  setList(result, "stamps", objectsOf(type.stamps, stampData));
+  setList(result, "overrides", objectsOf(type.overrides, overrideData));
+  setMentionedTypes(result, type);
+  return result;
+}
+
+Data dataTypeData(const DataType& type, const std::string& root) {
+  Data result = typeData(type, root);
+  setList(result, "properties", objectsOf(type.properties, propertyData));
+  setList(result, "operations",
+          objectsOf(type.operations, [&type](const Operation& each) { return operationData(each, type); }));
+  std::map<std::string, const Type*> enums;
+  for (const Property& each : type.properties) {
+    if (each.type->kind == TypeKind::enumeration) enums.emplace(each.type->qualifiedName, each.type);
+  }
+  setList(result, "valueTypes",
+          objectsOf(enums, [&type](const auto& each) { return typeReference(*each.second, *type.package); }));
+  return result;
+}
+
+Data enumData(const Enum& type, const std::string& root) {
+  Data result = typeData(type, root);
+  setList(result, "literals", objectsOf(type.literals, literalData));
+  return result;
+}
+
+Data packageData(const Package& package, const std::string& root) {
+  Data result = nodeData(*package.node);
+  result.set("folder", package.folder);
+  result.set("namespace", naming::cppNamespace(package.name));
+  result.set("table", tableName(package.row->file, root));
+  result.set("model", modelReference(*package.model, root));
+  setDoc(result, package.row->doc);
+  setList(result, "classes", objectsOf(package.classes, [&root](const Class& each) { return classData(each, root); }));
+  setList(result, "dataTypes",
+          objectsOf(package.dataTypes, [&root](const DataType& each) { return dataTypeData(each, root); }));
+  setList(result, "enums", objectsOf(package.enumOrder, [&root](const Enum* each) { return enumData(*each, root); }));
+  setList(result, "instantiationOrder", objectsOf(package.instantiationOrder, [&root](const Type* each) {
+            const Class* const type = asClass(each);
+            return type != nullptr ? classData(*type, root) : dataTypeData(*asDataType(each), root);
+          }));
+  setList(result, "keptPrimitives",
+          objectsOf(package.keptPrimitives, [&package](const Type* each) { return typeReference(*each, package); }));
+  return result;
+}
+
+Data modelData(const Model& model, const std::string& root) {
+  Data result = modelReference(model, root);
+  setList(result, "imports",
+          objectsOf(model.imports, [&root](const Model* each) { return modelReference(*each, root); }));
+  setList(result, "packageTree", objectsOf(model.packageTree, nodeData));
+  setList(result, "packages",
+          objectsOf(model.packages, [&root](const Package& each) { return packageData(each, root); }));
+  setList(result, "handles", objectsOf(model.handles, [](const Handle& each) {
+            Data handle;
+            handle.set("slot", each.slot);
+            handle.set("type", naming::handleType(each.kind));
+            return handle;
+          }));
+  const Counts counts = countModel(model);
+  setNumber(result, "classCount", counts.classes);
+  setNumber(result, "dataTypeCount", counts.dataTypes);
+  setNumber(result, "enumCount", counts.enums);
+  setNumber(result, "literalCount", counts.literals);
+  setNumber(result, "propertyCount", counts.properties);
+  setNumber(result, "operationCount", counts.operations);
+  setNumber(result, "handleCount", counts.handles);
+  return result;
+}
+
+}  // namespace modelgen

@@ -1,0 +1,27 @@
+// Building blocks of template data. Free functions without state.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "modelgen/template_set.hpp"
+
+namespace modelgen {
+
+// Sets `key` to the list, and the flag "has<Key>" beside it; gives each object of the list the flags first and last.
+void setList(Data& object, const std::string& key, std::vector<Data> items);
+
+// The same for a list of plain texts, which a template reads as {{.}}.
+void setLines(Data& object, const std::string& key, const std::vector<std::string>& lines);
+
+void setNumber(Data& object, const std::string& key, long long number);
+
+// Maps a sequence to a list of objects.
+template <typename Range, typename Make>
+std::vector<Data> objectsOf(const Range& range, const Make& make) {
+  std::vector<Data> result;
+  for (const auto& each : range) result.push_back(make(each));
+  return result;
+}
+
+}  // namespace modelgen

@@ -1,0 +1,252 @@
+#include "modelgen/derivation.hpp"
+
+#include <algorithm>
+#include <set>
+
+#include "modelgen/naming.hpp"
+#include "modelgen/primitive.hpp"
+#include "modelgen/rules.hpp"
+#include "modelgen/uuid.hpp"
+
+namespace modelgen {
+namespace {
+
+template <typename Range>
+auto byName(Range range) {
+  std::sort(range.begin(), range.end(), [](const auto* a, const auto* b) { return a->name < b->name; });
+  return range;
+}
+
+// Fields stand in groups, whatever their indexes: values, then single elements, then collections of elements.
+int fieldGroup(const Property& property) {
+  switch (property.scheme) {
+    case Scheme::reference:
+    case Scheme::containment:
+      return 1;
+    case Scheme::elementCollection:
+    case Scheme::elementMap:
+    case Scheme::derivedView:
+      return 2;
+    default:
+      return 0;
+  }
+}
+
+class Derivation {
+ public:
+  explicit Derivation(ModelSet& set) : m_set(set) {}
+
+  void run() {
+    for (Model& model : m_set.models) {
+      model.uuid = uuidOf(model.name);
+      for (Package& package : model.packages) derivePackage(package);
+    }
+    forEachClass([](Class& type) { deriveChain(type); });
+    for (Model& model : m_set.models) deriveKeyedMaps(model);
+    for (Model& model : m_set.models) {
+      derivePackageTree(model);
+      for (const PackageNode& node : model.packageTree) addHandles(model, node);
+    }
+  }
+
+ private:
+  template <typename Action>
+  void forEachClass(const Action& action) {
+    for (Model& model : m_set.models) {
+      for (Package& package : model.packages) {
+        for (Class& type : package.classes) action(type);
+      }
+    }
+  }
+
+  static void deriveType(Type& type) {
+    type.uuid = uuidOf(type.qualifiedName);
+    type.slot = naming::typeSlot(*type.package, type.name);
+  }
+
+  template <typename Member>
+  static void deriveMember(Member& member, const Type& owner) {
+    member.uuid = uuidOf(member.qualifiedName);
+    member.slot = naming::memberSlot(*owner.package, owner.name, member.name);
+  }
+
+  static void deriveProperty(Property& property) {
+    deriveMember(property, *property.owner);
+    property.scheme = schemeOf(property);
+    property.ordered = orderedByRule(property);
+    property.unique = uniqueByRule(property);
+    if (mayChooseUnique(property) && property.row->unique) property.unique = property.row->unique->value;
+    property.queryable = queryableByRule(property) && (!property.row->queryable || property.row->queryable->value);
+  }
+
+  static void derivePackage(Package& package) {
+    for (Class& type : package.classes) {
+      deriveType(type);
+      for (Property& each : type.properties) deriveProperty(each);
+      package.instantiationOrder.push_back(&type);
+    }
+    for (DataType& type : package.dataTypes) {
+      deriveType(type);
+      for (Property& each : type.properties) deriveProperty(each);
+      for (Operation& each : type.operations) deriveMember(each, type);
+      package.instantiationOrder.push_back(&type);
+    }
+    for (Enum& type : package.enums) {
+      deriveType(type);
+      for (Literal& each : type.literals) deriveMember(each, type);
+      package.enumOrder.push_back(&type);
+    }
+    package.instantiationOrder = byName(package.instantiationOrder);
+    package.enumOrder = byName(package.enumOrder);
+    package.keptPrimitives = keptPrimitives(package);
+  }
+
+  // A package keeps handles on those primitive types that have them and that its properties and operations mention.
+  static std::vector<const Type*> keptPrimitives(const Package& package) {
+    std::set<const Type*> used;
+    const auto use = [&used](const Type* type) {
+      const Primitive* const primitive = asPrimitive(type);
+      if (primitive != nullptr && primitive->keepsHandle) used.insert(primitive);
+    };
+    for (const Class& type : package.classes) {
+      for (const Property& each : type.properties) use(each.type);
+    }
+    for (const DataType& type : package.dataTypes) {
+      for (const Property& each : type.properties) use(each.type);
+      for (const Operation& each : type.operations) use(each.type);
+    }
+    return byName(std::vector<const Type*>(used.begin(), used.end()));
+  }
+
+  static void deriveChain(Class& type) {
+    for (const Class* each = type.base; each != nullptr; each = each->base) type.bases.push_back(each);
+    std::reverse(type.bases.begin(), type.bases.end());
+    for (const Class* each : type.bases) {
+      for (const Property& property : each->properties) {
+        type.lastIndex += property.isDerived() ? 0 : 1;
+        if (property.queryable) type.chainQueryable.push_back(&property);
+      }
+    }
+    for (Property& property : type.properties) {
+      if (!property.isDerived()) property.index = ++type.lastIndex;
+      if (property.queryable) type.chainQueryable.push_back(&property);
+      type.fields.push_back(&property);
+    }
+    std::stable_sort(type.fields.begin(), type.fields.end(),
+                     [](const Property* a, const Property* b) { return fieldGroup(*a) < fieldGroup(*b); });
+    for (const Property* each : type.fields) {
+      if (!each->isDerived()) type.storageSlots.push_back(each);
+    }
+  }
+
+  // Qualifiers are declared in the model whose maps they key, so that one model is enough to know all maps of a key.
+  static void deriveKeyedMaps(Model& model) {
+    for (const Package& package : model.packages) {
+      for (const Type* owner : package.instantiationOrder) {
+        const Class* const type = asClass(owner);
+        if (type == nullptr) continue;
+        for (const Property& map : type->properties) {
+          if (map.scheme == Scheme::elementMap) addKeyedMap(model, map);
+        }
+      }
+    }
+  }
+
+  static void addKeyedMap(Model& model, const Property& map) {
+    for (Package& package : model.packages) {
+      for (Class& type : package.classes) {
+        if (map.qualifier->owner == &type) markKey(type, map);
+        if (map.type == &type && map.qualifier->owner != &type) overrideFor(type, *map.qualifier).maps.push_back(&map);
+      }
+    }
+  }
+
+  static void markKey(Class& owner, const Property& map) {
+    for (Property& key : owner.properties) {
+      if (&key != map.qualifier) continue;
+      if (map.type == &owner) {
+        key.keyedMaps.push_back(&map);
+      } else {
+        key.virtualSetter = true;
+      }
+    }
+  }
+
+  static QualifierOverride& overrideFor(Class& type, const Property& key) {
+    for (QualifierOverride& each : type.overrides) {
+      if (each.property == &key) return each;
+    }
+    return type.overrides.emplace_back(QualifierOverride{&key, {}});
+  }
+
+  static void derivePackageTree(Model& model) {
+    addNode(model, "");
+    std::set<std::string> packages;
+    for (const Package& package : model.packages) packages.insert(package.name);
+    for (const Package& package : model.packages) {
+      for (std::size_t point = package.name.find('.'); point != std::string::npos;
+           point = package.name.find('.', point + 1)) {
+        const std::string prefix = package.name.substr(0, point);
+        if (packages.insert(prefix).second) addNode(model, prefix);
+      }
+    }
+    for (Package& package : model.packages) {
+      PackageNode& node = addNode(model, package.name);
+      node.package = &package;
+      package.node = &node;
+    }
+    for (PackageNode& node : model.packageTree) node.parent = parentOf(model, node);
+  }
+
+  static PackageNode& addNode(Model& model, const std::string& qualifiedName) {
+    PackageNode& node = model.packageTree.emplace_back();
+    node.qualifiedName = qualifiedName;
+    node.name = qualifiedName.substr(qualifiedName.rfind('.') + 1);
+    node.uri = naming::packageUri(*model.row, qualifiedName);
+    node.slot = naming::packageSlot(qualifiedName);
+    return node;
+  }
+
+  static const PackageNode* parentOf(const Model& model, const PackageNode& node) {
+    if (node.qualifiedName.empty()) return nullptr;
+    const std::size_t point = node.qualifiedName.rfind('.');
+    const std::string above = point == std::string::npos ? "" : node.qualifiedName.substr(0, point);
+    const auto found = std::find_if(model.packageTree.begin(), model.packageTree.end(),
+                                    [&above](const PackageNode& each) { return each.qualifiedName == above; });
+    return &*found;
+  }
+
+  static void addHandles(Model& model, const PackageNode& node) {
+    const Package* const package = node.package;
+    const auto add = [&model, package](HandleKind kind, const std::string& slot) {
+      model.handles.push_back({kind, slot, package});
+    };
+    add(HandleKind::package, node.slot);
+    if (package == nullptr) return;
+    for (const Type* type : package->instantiationOrder) {
+      if (const Class* const owner = asClass(type)) {
+        add(HandleKind::classType, type->slot);
+        for (const Property& each : owner->properties) add(HandleKind::property, each.slot);
+      } else if (const DataType* const value = asDataType(type)) {
+        add(HandleKind::dataType, type->slot);
+        for (const Property& each : value->properties) add(HandleKind::property, each.slot);
+        for (const Operation& each : value->operations) add(HandleKind::operation, each.slot);
+      }
+    }
+    for (const Type* type : package->keptPrimitives) {
+      add(HandleKind::primitive, naming::typeSlot(*package, type->name));
+    }
+    for (const Enum* type : package->enumOrder) {
+      add(HandleKind::enumeration, type->slot);
+      for (const Literal& each : type->literals) add(HandleKind::literal, each.slot);
+    }
+  }
+
+  ModelSet& m_set;
+};
+
+}  // namespace
+
+void deriveModels(ModelSet& set) { Derivation(set).run(); }
+
+}  // namespace modelgen

@@ -1,0 +1,36 @@
+#include "modelgen/diagnostic.hpp"
+
+#include <algorithm>
+#include <ostream>
+
+namespace modelgen {
+
+std::ostream& operator<<(std::ostream& stream, const Diagnostic& diagnostic) {
+  const Position& at = diagnostic.at;
+  return stream << at.file << ':' << at.line << ':' << at.column << ": " << diagnostic.text;
+}
+
+void Diagnostics::report(const Position& at, const std::string& wrong, const std::string& expected) {
+  m_all.push_back({at, wrong + ", expected " + expected});
+}
+
+std::vector<Diagnostic> Diagnostics::sorted() const {
+  std::vector<Diagnostic> result = m_all;
+  std::stable_sort(result.begin(), result.end(), [](const Diagnostic& a, const Diagnostic& b) { return a.at < b.at; });
+  const auto same = [](const Diagnostic& a, const Diagnostic& b) {
+    return !(a.at < b.at) && !(b.at < a.at) && a.text == b.text;
+  };
+  result.erase(std::unique(result.begin(), result.end(), same), result.end());
+  return result;
+}
+
+std::string alternatives(const std::vector<std::string>& words) {
+  std::string result;
+  for (std::size_t i = 0; i < words.size(); ++i) {
+    if (i != 0) result += i + 1 == words.size() ? " or " : ", ";
+    result += words[i];
+  }
+  return result;
+}
+
+}  // namespace modelgen

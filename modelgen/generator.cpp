@@ -1,0 +1,128 @@
+#include "modelgen/generator.hpp"
+
+#include <exception>
+#include <filesystem>
+#include <optional>
+#include <ostream>
+#include <utility>
+
+#include "modelgen/checks.hpp"
+#include "modelgen/derivation.hpp"
+#include "modelgen/linker.hpp"
+#include "modelgen/output_folder.hpp"
+#include "modelgen/output_plan.hpp"
+#include "modelgen/summary.hpp"
+#include "modelgen/table_reader.hpp"
+#include "modelgen/template_set.hpp"
+
+namespace modelgen {
+namespace {
+
+ExitStatus refuse(const Diagnostics& diagnostics, std::ostream& err) {
+  for (const Diagnostic& each : diagnostics.sorted()) err << each << '\n';
+  return ExitStatus::refused;
+}
+
+std::string rootOf(const Options& options) {
+  const auto modelFolder = std::filesystem::path(options.model).parent_path();
+  const auto root = options.root.empty() ? modelFolder / ".." : std::filesystem::path(options.root);
+  return root.lexically_normal().generic_string();
+}
+
+// Escapes what separates names in a makefile.
+std::string escapedForMake(const std::string& path) {
+  std::string result;
+  for (const char c : path) {
+    if (c == ' ' || c == '#') result += '\\';
+    if (c == '$') result += '$';
+    result += c;
+  }
+  return result;
+}
+
+void writeDepfile(const Options& options, const std::vector<OutputFile>& files,
+                  const std::vector<std::string>& filesRead) {
+  std::string text;
+  for (const OutputFile& each : files) text += escapedForMake(options.out + "/" + each.path) + " ";
+  text += ":";
+  for (const std::string& each : filesRead) text += " \\\n  " + escapedForMake(each);
+  writeIfChanged(options.depfile, text + '\n');
+}
+
+const char* describe(Difference::Kind kind) {
+  if (kind == Difference::Kind::missing) return "missing";
+  return kind == Difference::Kind::changed ? "changed" : "stale";
+}
+
+ExitStatus checkFolder(const OutputFolder& folder, const std::vector<OutputFile>& files, std::ostream& out) {
+  const std::vector<Difference> differences = folder.compare(files);
+  for (const Difference& each : differences) out << describe(each.kind) << ' ' << each.path << '\n';
+  return differences.empty() ? ExitStatus::done : ExitStatus::outOfDate;
+}
+
+ExitStatus runChecked(const Options& options, std::ostream& out, std::ostream& err) {
+  Diagnostics diagnostics;
+  std::vector<std::string> filesRead;
+  ModelSet set;
+  loadModels(options, set, diagnostics, filesRead);
+  if (!diagnostics.empty()) return refuse(diagnostics, err);
+  const Model& model = set.generated();
+  if (options.mode == Mode::summary) {
+    writeSummary(model, out);
+    return ExitStatus::done;
+  }
+
+  const std::vector<PlanRow> plan = readPlan(options.templates, diagnostics);
+  if (!diagnostics.empty()) return refuse(diagnostics, err);
+  TemplateSet templates(options.templates, diagnostics);
+  const bool withText = options.mode != Mode::listOutputs;
+  const auto files = renderPlan(plan, model, rootOf(options), withText, templates, diagnostics);
+  if (!diagnostics.empty()) return refuse(diagnostics, err);
+
+  if (options.mode == Mode::listOutputs) {
+    for (const OutputFile& each : files) out << each.path << '\n';
+    return ExitStatus::done;
+  }
+  const OutputFolder folder(options.out, model.name);
+  if (options.mode == Mode::check) return checkFolder(folder, files, out);
+  folder.write(files);
+  if (!options.depfile.empty()) {
+    filesRead.push_back(options.templates + "/outputs.yaml");
+    for (const std::string& each : templates.filesRead()) filesRead.push_back(each);
+    writeDepfile(options, files, filesRead);
+  }
+  return ExitStatus::done;
+}
+
+}  // namespace
+
+void loadModels(const Options& options, ModelSet& set, Diagnostics& diagnostics, std::vector<std::string>& filesRead) {
+  bool complete = true;
+  std::vector<std::string> files = options.imports;
+  files.push_back(options.model);
+  for (const std::string& file : files) {
+    std::optional<ModelRow> row = readModel(file, diagnostics, filesRead);
+    complete = complete && row.has_value();
+    if (row) set.rows.push_back(std::move(*row));
+  }
+  // Without a whole file every name of it would be reported as unknown, which helps nobody.
+  if (!checkPackages(set.rows, diagnostics) || !complete) return;
+  linkModels(set, diagnostics);
+  for (const Model& each : set.models) {
+    checkNames(each, diagnostics);
+    checkProperties(each, diagnostics);
+    checkLinks(each, diagnostics);
+  }
+  if (diagnostics.empty()) deriveModels(set);
+}
+
+ExitStatus run(const Options& options, std::ostream& out, std::ostream& err) {
+  try {
+    return runChecked(options, out, err);
+  } catch (const std::exception& error) {
+    err << "modelgen: " << error.what() << '\n';
+    return ExitStatus::refused;
+  }
+}
+
+}  // namespace modelgen

@@ -1,0 +1,48 @@
+// The command line of the generator.
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <exception>
+#include <iostream>
+
+#include "modelgen/generator.hpp"
+
+namespace {
+
+int runCommandLine(int argc, char** argv) {
+  CLI::App app{"Generates the C++ code of a model from its tables."};
+  modelgen::Options options;
+  app.add_option("--model", options.model, "model.yaml of the model to generate")->required();
+  app.add_option("--import", options.imports, "model.yaml of a model whose types are used; given before its users");
+  app.add_option("--templates", options.templates, "folder with outputs.yaml and the templates");
+  app.add_option("--out", options.out, "folder to write to");
+  app.add_option("--root", options.root, "folder that generated files name their tables by (default: above the model)");
+  app.add_option("--depfile", options.depfile, "file to write the dependencies to, in the form of make");
+  CLI::Option_group* const modes = app.add_option_group("mode", "what to do instead of writing");
+  const CLI::Option* const check = modes->add_flag("--check", "tell what is not up to date (exit 1) and write nothing");
+  const CLI::Option* const list = modes->add_flag("--list-outputs", "print the output files, relative to --out");
+  const CLI::Option* const summary = modes->add_flag("--summary", "print what the model holds, counted");
+  modes->require_option(0, 1);
+  CLI11_PARSE(app, argc, argv);
+
+  if (check->count() != 0) options.mode = modelgen::Mode::check;
+  if (list->count() != 0) options.mode = modelgen::Mode::listOutputs;
+  if (summary->count() != 0) options.mode = modelgen::Mode::summary;
+  const bool needsTemplates = options.mode != modelgen::Mode::summary;
+  const bool needsFolder = needsTemplates && options.mode != modelgen::Mode::listOutputs;
+  if ((needsTemplates && options.templates.empty()) || (needsFolder && options.out.empty())) {
+    std::cerr << "modelgen: --templates and --out are needed to write or check\n";
+    return static_cast<int>(modelgen::ExitStatus::refused);
+  }
+  return static_cast<int>(modelgen::run(options, std::cout, std::cerr));
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return runCommandLine(argc, argv);
+  } catch (const std::exception& error) {
+    std::fputs(error.what(), stderr);
+    return static_cast<int>(modelgen::ExitStatus::refused);
+  }
+}

@@ -1,0 +1,339 @@
+#include "modelgen/naming.hpp"
+
+#include <algorithm>
+#include <cctype>
+#include <set>
+
+#include "modelgen/primitive.hpp"
+
+namespace modelgen::naming {
+namespace {
+
+constexpr const char* schemaHost = "https://schema.tessel.invalid";
+
+bool isUpper(char c) { return c >= 'A' && c <= 'Z'; }
+bool isLower(char c) { return c >= 'a' && c <= 'z'; }
+bool isDigit(char c) { return c >= '0' && c <= '9'; }
+bool isAlphanumeric(char c) { return isUpper(c) || isLower(c) || isDigit(c); }
+
+bool allAlphanumeric(const std::string& name) { return std::all_of(name.begin(), name.end(), isAlphanumeric); }
+
+// Words of one case, joined by single underscores; the first begins with a letter.
+bool isSnake(const std::string& name, bool (*isLetter)(char)) {
+  if (name.empty() || !isLetter(name.front()) || name.back() == '_') return false;
+  if (name.find("__") != std::string::npos) return false;
+  return std::all_of(name.begin(), name.end(), [isLetter](char c) { return isLetter(c) || isDigit(c) || c == '_'; });
+}
+
+std::string replaceAll(const std::string& text, char from, const std::string& to) {
+  std::string result;
+  for (const char c : text) {
+    if (c == from) {
+      result += to;
+    } else {
+      result += c;
+    }
+  }
+  return result;
+}
+
+std::string withLowerFirst(std::string name) {
+  if (!name.empty()) name.front() = static_cast<char>(std::tolower(static_cast<unsigned char>(name.front())));
+  return name;
+}
+
+std::string withUpperFirst(std::string name) {
+  if (!name.empty()) name.front() = static_cast<char>(std::toupper(static_cast<unsigned char>(name.front())));
+  return name;
+}
+
+std::string elementCollectionType(const Property& property) {
+  const char* const collection = property.shape == Shape::sequence ? "ElementSequence" : "UnorderedElementSet";
+  return "plinth::" + std::string(collection) + "<" + cppTypeName(*property.type) + ">";
+}
+
+std::string valueCollectionType(const Property& property) {
+  const char* const collection = property.shape == Shape::sequence ? "PrimitiveSequence" : "PrimitiveSet";
+  return "plinth::" + std::string(collection) + "<" + cppTypeName(*property.type) + ">";
+}
+
+}  // namespace
+
+bool isUpperCamel(const std::string& name) { return !name.empty() && isUpper(name.front()) && allAlphanumeric(name); }
+
+bool isLowerCamel(const std::string& name) { return !name.empty() && isLower(name.front()) && allAlphanumeric(name); }
+
+bool isUpperSnake(const std::string& name) { return isSnake(name, isUpper); }
+
+bool isLowerSnake(const std::string& name) { return isSnake(name, isLower); }
+
+bool isPackageName(const std::string& name) {
+  std::size_t start = 0;
+  while (true) {
+    const std::size_t point = name.find('.', start);
+    const std::string component = name.substr(start, point == std::string::npos ? point : point - start);
+    if (component.find('_') != std::string::npos || !isLowerSnake(component) || isReservedWord(component)) return false;
+    if (point == std::string::npos) return true;
+    start = point + 1;
+  }
+}
+
+bool isReservedWord(const std::string& word) {
+  static const std::set<std::string> words{
+      "alignas",       "alignof",     "and",         "and_eq",    "asm",       "auto",         "bitand",
+      "bitor",         "bool",        "break",       "case",      "catch",     "char",         "char16_t",
+      "char32_t",      "char8_t",     "class",       "co_await",  "co_return", "co_yield",     "compl",
+      "concept",       "const",       "const_cast",  "consteval", "constexpr", "constinit",    "continue",
+      "decltype",      "default",     "delete",      "do",        "double",    "else",         "enum",
+      "explicit",      "export",      "extern",      "false",     "float",     "for",          "friend",
+      "goto",          "if",          "import",      "inline",    "int",       "long",         "module",
+      "mutable",       "namespace",   "new",         "noexcept",  "not",       "not_eq",       "nullptr",
+      "operator",      "or",          "or_eq",       "private",   "protected", "public",       "register",
+      "requires",      "return",      "short",       "signed",    "sizeof",    "static",       "struct",
+      "switch",        "template",    "this",        "throw",     "true",      "try",          "typedef",
+      "typeid",        "typename",    "union",       "unsigned",  "using",     "virtual",      "void",
+      "volatile",      "wchar_t",     "while",       "xor",       "xor_eq",    "dynamic_cast", "reinterpret_cast",
+      "static_assert", "static_cast", "thread_local"};
+  return words.count(word) != 0;
+}
+
+bool isMacro(const std::string& name) {
+  static const std::set<std::string> macros{
+      "BUFSIZ",    "CHAR_BIT", "CHAR_MAX", "CHAR_MIN", "CLOCKS_PER_SEC", "DBL_MAX",      "DBL_MIN",      "DOMAIN",
+      "EDOM",      "EILSEQ",   "EOF",      "ERANGE",   "EXIT_FAILURE",   "EXIT_SUCCESS", "FILENAME_MAX", "FLT_MAX",
+      "FOPEN_MAX", "HUGE_VAL", "INFINITY", "INT_MAX",  "INT_MIN",        "LC_ALL",       "LC_NUMERIC",   "LONG_MAX",
+      "LONG_MIN",  "NAN",      "NDEBUG",   "NULL",     "OVERFLOW",       "RAND_MAX",     "SEEK_CUR",     "SEEK_END",
+      "SEEK_SET",  "SHRT_MAX", "SIGABRT",  "SIGINT",   "SIGTERM",        "SIZE_MAX",     "TMP_MAX",      "UNDERFLOW",
+      "EACCES",    "EAGAIN",   "EBADF",    "EBUSY",    "EEXIST",         "EINTR",        "EINVAL",       "EIO",
+      "EMFILE",    "ENOENT",   "ENOMEM",   "ENOSPC",   "EPERM",          "EPIPE"};
+  return macros.count(name) != 0;
+}
+
+bool isFamilyName(const std::string& name) {
+  static const std::set<std::string> names{"Builder", "BuilderBase",    "BuilderImpl", "BuilderWrapper",
+                                           "Changes", "Constrainables", "Impl",        "Storage"};
+  return names.count(name) != 0;
+}
+
+bool isElementOperation(const std::string& property) {
+  static const std::set<std::string> names{
+      "AddRef",          "Create",        "Impl",    "MetaClass", "Model", "PersistentProxyId",
+      "PropertyByIndex", "PropertyValue", "ProxyId", "RemoveRef", "This",  "Uuid"};
+  return names.count(property) != 0;
+}
+
+std::string lowerCamel(const std::string& name) {
+  const std::string result = withLowerFirst(name);
+  return isReservedWord(result) ? result + '_' : result;
+}
+
+std::string field(const std::string& property) { return "m_" + withLowerFirst(property); }
+std::string getter(const std::string& property) { return "get" + property; }
+std::string mutableGetter(const std::string& property) { return "get" + property + "Mutable"; }
+std::string setter(const std::string& property) { return "set" + property; }
+std::string basicSetter(const std::string& property) { return "basicSet" + property; }
+std::string presenceTest(const std::string& property) { return "has" + property; }
+std::string childCreator(const std::string& property) { return "createInto" + property; }
+std::string builderSetter(const std::string& property) { return "doSet" + property; }
+std::string adder(const std::string& property) { return "add" + property; }
+
+std::string builderAdder(const std::string& property) { return "doAdd" + property; }
+std::string builderClearer(const std::string& property) { return "doClear" + property; }
+
+std::string cppNamespace(const std::string& package) { return replaceAll(package, '.', "::"); }
+
+std::string cppTypeName(const Type& type) {
+  if (const Primitive* const primitive = asPrimitive(&type)) return primitive->cppType;
+  return cppNamespace(type.package->name) + "::" + type.name;
+}
+
+std::string cppBaseTypeName(const Class& type) {
+  return type.base == nullptr ? "plinth::ModelElement" : cppTypeName(*type.base);
+}
+
+std::string valueType(const Property& property) {
+  const std::string type = cppTypeName(*property.type);
+  return property.scheme == Scheme::optionalAttribute ? "boost::optional<" + type + ">" : type;
+}
+
+std::string fieldType(const Property& property) {
+  const std::string type = cppTypeName(*property.type);
+  switch (property.scheme) {
+    case Scheme::valueCollection:
+      return valueCollectionType(property);
+    case Scheme::valueMap:
+      return "plinth::PrimitiveMap<std::u16string, " + type + ">";
+    case Scheme::elementCollection:
+      return elementCollectionType(property);
+    case Scheme::elementMap:
+      return "plinth::ElementMap<std::u16string, " + type + ">";
+    case Scheme::derivedView:
+      return "plinth::SubsettedElementSet<" + type + ", " + elementCollectionType(*property.source) + ">";
+    default:
+      return valueType(property);
+  }
+}
+
+std::string implFieldType(const Property& property) {
+  if (property.scheme == Scheme::hostArray) return "tessel::frame::HostArrayField";
+  if (property.isMany()) return "tessel::frame::CollectionField";
+  return property.isElement() ? "tessel::frame::ElementField" : valueType(property);
+}
+
+std::string oldFieldType(const Property& property) {
+  return property.isMany() ? "plinth::OldCollection" : implFieldType(property);
+}
+
+std::string builderFieldType(const Property& property) {
+  const bool isContainment = property.kind == Kind::containment;
+  if (!property.isMany()) return isContainment ? "tessel::frame::ChildBuilder" : implFieldType(property);
+  if (!property.isElement()) return "std::vector<" + cppTypeName(*property.type) + ">";
+  return isContainment ? "tessel::frame::ChildBuilders" : "tessel::frame::ReferenceTargets";
+}
+
+std::string parameterType(const Property& property) {
+  const bool isScalar = property.scheme == Scheme::attribute && !isString(*property.type) &&
+                        property.type->kind != TypeKind::dataType;
+  return isScalar ? valueType(property) : valueType(property) + " const&";
+}
+
+std::string elementSetter(const Property& property) {
+  if (property.kind == Kind::containment) return "setContainment";
+  return property.opposite != nullptr ? "setOppositeReference" : "setReference";
+}
+
+std::string rowKind(const Property& property) {
+  const std::string type = cppTypeName(*property.type);
+  switch (property.scheme) {
+    case Scheme::attribute:
+      if (property.virtualSetter) return "textKeyKind";
+      return property.keyedMaps.empty() ? "attributeKind<" + type + ">" : "qualifierKind";
+    case Scheme::optionalAttribute:
+      return "optionalKind<" + type + ">";
+    case Scheme::hostArray:
+      return "hostArrayKind";
+    case Scheme::valueCollection:
+      return "value" + withUpperFirst(shapeName(property.shape)) + "Kind<" + type + ">";
+    case Scheme::valueMap:
+      return "valueMapKind<" + type + ", &" + type + "::" + getter(property.qualifier->name) + ">";
+    case Scheme::reference:
+      return property.opposite != nullptr ? "oppositeReferenceKind" : "referenceKind";
+    case Scheme::containment:
+      return "containmentKind";
+    case Scheme::elementCollection:
+      return shapeName(property.shape) + "Kind<" + type + ">";
+    case Scheme::elementMap:
+      return "mapKind<" + type + ", keyOf" + property.name + ">";
+    case Scheme::derivedView:
+      return "subsetKind<" + type + ", " + elementCollectionType(*property.source) + ", " +
+             std::to_string(positionAmongSiblings(*property.source)) + ">";
+  }
+  return "";
+}
+
+std::string typeHeader(const Type& type) {
+  return type.package->model->include + "/" + type.package->folder + "/" + type.name + ".hpp";
+}
+
+std::string metaPackageHeader(const Model& model) {
+  return model.include + "/meta/" + metaPackageClass(model.name) + ".hpp";
+}
+
+std::string metaPackageClass(const std::string& model) { return "MetaPackage" + withUpperFirst(model); }
+std::string instantiateFunction(const std::string& package) { return "instantiate_" + replaceAll(package, '.', "_"); }
+std::string weaveFunction(const std::string& package) { return "weave_" + replaceAll(package, '.', "_"); }
+std::string initializeEntryPoint(const std::string& model) { return "MLInitialize_" + model; }
+std::string terminateEntryPoint(const std::string& model) { return "MLTerminate_" + model; }
+
+std::string packageSlot(const std::string& package) {
+  return package.empty() ? "rootPackage" : replaceAll(package, '.', "_");
+}
+
+std::string typeSlot(const Package& package, const std::string& type) { return package.folder + "_" + type; }
+
+std::string memberSlot(const Package& package, const std::string& type, const std::string& member) {
+  return typeSlot(package, type) + "_" + member;
+}
+
+std::string handleType(HandleKind kind) {
+  switch (kind) {
+    case HandleKind::package:
+      return "Package";
+    case HandleKind::classType:
+      return "Class";
+    case HandleKind::dataType:
+      return "DataType";
+    case HandleKind::enumeration:
+      return "Enum";
+    case HandleKind::literal:
+      return "EnumLiteral";
+    case HandleKind::property:
+      return "Property";
+    case HandleKind::operation:
+      return "Operation";
+    case HandleKind::primitive:
+      break;
+  }
+  return "PrimitiveType";
+}
+
+std::string packageUri(const ModelRow& model, const std::string& package) {
+  const std::string root = schemaHost + ("/plinth/" + model.name.value + "/" + model.release.value + model.revision);
+  return package.empty() ? root : root + "/" + package;
+}
+
+std::string shapeName(Shape shape) {
+  switch (shape) {
+    case Shape::optional:
+      return "optional";
+    case Shape::single:
+      return "single";
+    case Shape::sequence:
+      return "sequence";
+    case Shape::set:
+      return "set";
+    case Shape::map:
+      break;
+  }
+  return "map";
+}
+
+std::string kindName(Kind kind) {
+  switch (kind) {
+    case Kind::attribute:
+      return "attribute";
+    case Kind::reference:
+      return "reference";
+    case Kind::containment:
+      break;
+  }
+  return "containment";
+}
+
+std::string schemeName(Scheme scheme) {
+  switch (scheme) {
+    case Scheme::attribute:
+      return "attribute";
+    case Scheme::optionalAttribute:
+      return "optionalAttribute";
+    case Scheme::hostArray:
+      return "hostArray";
+    case Scheme::valueCollection:
+      return "valueCollection";
+    case Scheme::valueMap:
+      return "valueMap";
+    case Scheme::reference:
+      return "reference";
+    case Scheme::containment:
+      return "containment";
+    case Scheme::elementCollection:
+      return "elementCollection";
+    case Scheme::elementMap:
+      return "elementMap";
+    case Scheme::derivedView:
+      break;
+  }
+  return "derivedView";
+}
+
+}  // namespace modelgen::naming

@@ -1,0 +1,53 @@
+#include "modelgen/primitive.hpp"
+
+#include <array>
+
+namespace modelgen {
+namespace {
+
+Primitive primitive(const std::string& name, const std::string& cppType, bool queryable, bool keepsHandle) {
+  Primitive result;
+  result.kind = TypeKind::primitive;
+  result.name = name;
+  result.qualifiedName = name;
+  result.cppType = cppType;
+  result.queryable = queryable;
+  result.keepsHandle = keepsHandle;
+  return result;
+}
+
+const std::array<Primitive, 8>& primitives() {
+  static const std::array<Primitive, 8> all{primitive("Boolean", "bool", true, false),
+                                            primitive("Integer", "std::int32_t", true, false),
+                                            primitive("Integer64", "std::int64_t", true, true),
+                                            primitive("KestrelArray", "kestrel_array", false, true),
+                                            primitive("Real", "double", true, false),
+                                            primitive("String", "std::u16string", true, false),
+                                            primitive("UInteger64", "std::uint64_t", true, true),
+                                            primitive("UnlimitedNatural", "std::uint32_t", true, false)};
+  return all;
+}
+
+}  // namespace
+
+const Primitive* findPrimitive(const std::string& name) {
+  for (const Primitive& each : primitives()) {
+    if (each.name == name) return &each;
+  }
+  return nullptr;
+}
+
+std::vector<std::string> primitiveNames() {
+  std::vector<std::string> result;
+  for (const Primitive& each : primitives()) result.push_back(each.name);
+  return result;
+}
+
+const Primitive* asPrimitive(const Type* type) {
+  return type != nullptr && type->kind == TypeKind::primitive ? static_cast<const Primitive*>(type) : nullptr;
+}
+
+bool isHostArray(const Type& type) { return type.kind == TypeKind::primitive && type.name == "KestrelArray"; }
+bool isString(const Type& type) { return type.kind == TypeKind::primitive && type.name == "String"; }
+
+}  // namespace modelgen

@@ -1,0 +1,72 @@
+#include "modelgen/text.hpp"
+
+#include <cstdint>
+#include <sstream>
+
+namespace modelgen {
+namespace {
+
+// Decodes one character of well-formed UTF-8 and moves `at` behind it.
+std::uint32_t nextCharacter(const std::string& text, std::size_t& at) {
+  const auto lead = static_cast<std::uint8_t>(text[at++]);
+  if (lead < 0x80) return lead;
+  const unsigned following = lead >= 0xf0 ? 3 : lead >= 0xe0 ? 2 : 1;
+  std::uint32_t character = lead & (0x3fu >> following);
+  for (unsigned i = 0; i < following && at < text.size(); ++i, ++at) {
+    character = (character << 6) | (static_cast<std::uint8_t>(text[at]) & 0x3fu);
+  }
+  return character;
+}
+
+std::string digits(std::uint32_t number, unsigned base, std::size_t count) {
+  std::string result(count, '0');
+  for (std::size_t i = count; i-- > 0; number /= base) result[i] = "0123456789abcdef"[number % base];
+  return result;
+}
+
+std::string escaped(std::uint32_t character) {
+  if (character == '\n') return "\\n";
+  if (character == '\t') return "\\t";
+  if (character == '"' || character == '\\') return {'\\', static_cast<char>(character)};
+  if (character >= 0x20 && character < 0x7f) return {static_cast<char>(character)};
+  // Universal character names may not stand for control characters; octal escapes may.
+  if (character < 0xa0) return "\\" + digits(character, 8, 3);
+  return character > 0xffff ? "\\U" + digits(character, 16, 8) : "\\u" + digits(character, 16, 4);
+}
+
+}  // namespace
+
+std::string utf16Literal(const std::string& utf8) {
+  std::string result = "u\"";
+  for (std::size_t at = 0; at < utf8.size();) result += escaped(nextCharacter(utf8, at));
+  return result + '"';
+}
+
+std::vector<std::string> wrap(const std::string& text, std::size_t width) {
+  std::vector<std::string> lines;
+  bool paragraphOpen = false;
+  std::istringstream source(text);
+  for (std::string line; std::getline(source, line);) {
+    std::istringstream words(line);
+    std::string word;
+    if (!(words >> word)) {
+      paragraphOpen = false;
+      continue;
+    }
+    if (!paragraphOpen) lines.insert(lines.end(), lines.empty() ? 1 : 2, std::string());
+    paragraphOpen = true;
+    do {
+      std::string& last = lines.back();
+      if (last.empty()) {
+        last = word;
+      } else if (last.size() + 1 + word.size() <= width) {
+        last += ' ' + word;
+      } else {
+        lines.push_back(word);
+      }
+    } while (words >> word);
+  }
+  return lines;
+}
+
+}  // namespace modelgen

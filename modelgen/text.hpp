@@ -1,0 +1,18 @@
+// Texts on their way into C++ source. Free functions without state.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace modelgen {
+
+// A C++ literal u"..." for a well-formed UTF-8 text, as the YAML reader gives it. Characters beyond printable ASCII are
+// written as universal character names, so that the result does not depend on the compiler's idea of the source
+// encoding.
+std::string utf16Literal(const std::string& utf8);
+
+// The text as lines of at most `width` characters, broken at spaces; a blank line parts paragraphs and stands for
+// itself. A word longer than the width has a line of its own.
+std::vector<std::string> wrap(const std::string& text, std::size_t width);
+
+}  // namespace modelgen

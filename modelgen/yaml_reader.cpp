@@ -1,0 +1,172 @@
+#include "modelgen/yaml_reader.hpp"
+
+#include <charconv>
+#include <filesystem>
+#include <fstream>
+#include <utility>
+
+namespace modelgen {
+namespace {
+
+Position positionOfMark(const std::string& file, const YAML::Mark& mark) {
+  return mark.is_null() ? Position{file, 1, 1} : Position{file, mark.line + 1, mark.column + 1};
+}
+
+}  // namespace
+
+MapReader::MapReader(const YAML::Node& node, Position start, std::string what, Diagnostics& diagnostics)
+    : m_node(node), m_start(std::move(start)), m_what(std::move(what)), m_diagnostics(&diagnostics) {
+  if (!m_node.IsMap()) m_diagnostics->report(m_start, "this is not a map", m_what + ", written as key: value");
+}
+
+Position MapReader::positionOf(const YAML::Node& node) const { return positionOfMark(m_start.file, node.Mark()); }
+
+std::optional<MapReader::Entry> MapReader::find(const std::string& key) {
+  m_known.insert(key);
+  if (!m_node.IsMap()) return std::nullopt;
+  for (const auto& pair : m_node) {
+    if (!pair.first.IsScalar() || pair.first.Scalar() != key) continue;
+    const Position keyAt = positionOf(pair.first);
+    return Entry{keyAt, pair.second.IsNull() ? keyAt : positionOf(pair.second), pair.second};
+  }
+  return std::nullopt;
+}
+
+std::optional<Text> MapReader::scalar(const Entry& entry, const std::string& key) {
+  if (entry.value.IsScalar()) return Text{entry.value.Scalar(), entry.valueAt};
+  m_diagnostics->report(entry.valueAt, "'" + key + "' of " + m_what + " has no text",
+                        "a text (in quotes where it is empty or reads as null)");
+  return std::nullopt;
+}
+
+std::optional<Text> MapReader::text(const std::string& key) {
+  const auto entry = find(key);
+  return entry ? scalar(*entry, key) : std::nullopt;
+}
+
+Text MapReader::requiredText(const std::string& key) {
+  const auto entry = find(key);
+  if (!entry) {
+    if (m_node.IsMap()) m_diagnostics->report(m_start, m_what + " has no '" + key + "'", "the key '" + key + "'");
+    return {"", m_start};
+  }
+  const auto found = scalar(*entry, key);
+  if (!found) return {"", m_start};
+  if (found->value.find_first_not_of(" \t\r\n") == std::string::npos) {
+    m_diagnostics->report(found->at, "'" + key + "' of " + m_what + " is empty", "a text");
+  }
+  return *found;
+}
+
+std::optional<Flag> MapReader::flag(const std::string& key) {
+  const auto found = text(key);
+  if (!found) return std::nullopt;
+  if (found->value == "true" || found->value == "false") return Flag{found->value == "true", found->at};
+  m_diagnostics->report(found->at, "'" + key + "' is '" + found->value + "'", "true or false");
+  return std::nullopt;
+}
+
+bool MapReader::flagOr(const std::string& key, bool absent) {
+  const auto found = flag(key);
+  return found ? found->value : absent;
+}
+
+std::optional<Located<std::int32_t>> MapReader::requiredInteger(const std::string& key) {
+  const Text found = requiredText(key);
+  if (found.value.empty()) return std::nullopt;
+  const char* const end = found.value.data() + found.value.size();
+  std::int32_t number = 0;
+  const auto read = std::from_chars(found.value.data(), end, number);
+  if (read.ec == std::errc() && read.ptr == end) return Located<std::int32_t>{number, found.at};
+  m_diagnostics->report(found.at, "'" + key + "' is '" + found.value + "'", "a whole number of 32 bits");
+  return std::nullopt;
+}
+
+std::vector<Text> MapReader::textList(const std::string& key) {
+  std::vector<Text> result;
+  const auto entry = find(key);
+  if (!entry) return result;
+  if (!entry->value.IsSequence()) {
+    m_diagnostics->report(entry->valueAt, "'" + key + "' of " + m_what + " is not a list", "a list of names");
+    return result;
+  }
+  for (const YAML::Node& node : entry->value) {
+    if (node.IsScalar()) {
+      result.push_back({node.Scalar(), positionOf(node)});
+    } else {
+      m_diagnostics->report(positionOf(node), "an entry of '" + key + "' is not a text", "a name");
+    }
+  }
+  return result;
+}
+
+std::vector<std::pair<Text, Text>> MapReader::textMap(const std::string& key) {
+  std::vector<std::pair<Text, Text>> result;
+  const auto entry = find(key);
+  if (!entry) return result;
+  if (!entry->value.IsMap()) {
+    m_diagnostics->report(entry->valueAt, "'" + key + "' of " + m_what + " is not a map", "a map of names");
+    return result;
+  }
+  for (const auto& pair : entry->value) {
+    if (pair.first.IsScalar() && pair.second.IsScalar()) {
+      result.push_back(
+          {{pair.first.Scalar(), positionOf(pair.first)}, {pair.second.Scalar(), positionOf(pair.second)}});
+    } else {
+      m_diagnostics->report(positionOf(pair.first), "an entry of '" + key + "' is not a pair of texts", "name: name");
+    }
+  }
+  return result;
+}
+
+std::vector<MapReader> MapReader::rows(const std::string& key, const std::string& what) {
+  std::vector<MapReader> result;
+  const auto entry = find(key);
+  if (!entry) return result;
+  if (!entry->value.IsSequence()) {
+    m_diagnostics->report(entry->valueAt, "'" + key + "' of " + m_what + " is not a list",
+                          "a list in which each entry is " + what);
+    return result;
+  }
+  for (const YAML::Node& node : entry->value) result.emplace_back(node, positionOf(node), what, *m_diagnostics);
+  return result;
+}
+
+std::vector<MapReader> MapReader::requiredRows(const std::string& key, const std::string& what) {
+  const auto entry = find(key);
+  if (m_node.IsMap() && (!entry || (entry->value.IsSequence() && entry->value.size() == 0))) {
+    m_diagnostics->report(entry ? entry->valueAt : m_start, m_what + " has no '" + key + "'",
+                          "a list with at least one entry");
+  }
+  return rows(key, what);
+}
+
+void MapReader::refuseOtherKeys() const {
+  if (!m_node.IsMap()) return;
+  std::set<std::string> seen;
+  for (const auto& pair : m_node) {
+    const std::string key = pair.first.IsScalar() ? pair.first.Scalar() : "?";
+    if (m_known.count(key) == 0) {
+      m_diagnostics->report(positionOf(pair.first), "unknown key '" + key + "' in " + m_what,
+                            alternatives({m_known.begin(), m_known.end()}));
+    } else if (!seen.insert(key).second) {
+      m_diagnostics->report(positionOf(pair.first), "the key '" + key + "' stands twice in " + m_what, "it once");
+    }
+  }
+}
+
+std::optional<YAML::Node> loadYaml(const std::string& file, const Position& namedAt, Diagnostics& diagnostics) {
+  std::ifstream stream(file);
+  if (!stream || !std::filesystem::is_regular_file(file)) {
+    diagnostics.report(namedAt, "cannot read the file " + file, "a readable file");
+    return std::nullopt;
+  }
+  try {
+    return YAML::Load(stream);
+  } catch (const YAML::Exception& error) {
+    diagnostics.report(positionOfMark(file, error.mark), "not well-formed: " + error.msg, "YAML");
+  }
+  return std::nullopt;
+}
+
+}  // namespace modelgen

@@ -1,0 +1,65 @@
+// Reads one YAML map key by key and remembers which keys were asked for, so that a row's reader is at the same time the
+// list of the keys that a row may have. Every departure from the expected form is reported with its position.
+#pragma once
+
+#include <yaml-cpp/yaml.h>
+
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "modelgen/diagnostic.hpp"
+#include "modelgen/tables.hpp"
+
+namespace modelgen {
+
+class MapReader {
+ public:
+  // `what` names the row in messages, with its article: "a class". `node` need not be a map; that is reported, and all
+  // keys then read as absent.
+  MapReader(const YAML::Node& node, Position start, std::string what, Diagnostics& diagnostics);
+
+  // An absent key gives nothing; a key without a text is reported and gives nothing.
+  std::optional<Text> text(const std::string& key);
+  // Absent or empty is reported; the result is then the empty text at the row's own position.
+  Text requiredText(const std::string& key);
+  std::optional<Flag> flag(const std::string& key);
+  bool flagOr(const std::string& key, bool absent);
+  std::optional<Located<std::int32_t>> requiredInteger(const std::string& key);
+  std::vector<Text> textList(const std::string& key);
+  std::vector<std::pair<Text, Text>> textMap(const std::string& key);
+
+  // One reader for each entry of a list of maps; `what` names an entry.
+  std::vector<MapReader> rows(const std::string& key, const std::string& what);
+  // The same; an absent or empty list is reported.
+  std::vector<MapReader> requiredRows(const std::string& key, const std::string& what);
+
+  // To be called after the last read: reports each key that nobody asked for, and each key given twice.
+  void refuseOtherKeys() const;
+
+  const Position& start() const { return m_start; }
+
+ private:
+  struct Entry {
+    Position keyAt;
+    Position valueAt;
+    YAML::Node value;
+  };
+
+  std::optional<Entry> find(const std::string& key);
+  Position positionOf(const YAML::Node& node) const;
+  std::optional<Text> scalar(const Entry& entry, const std::string& key);
+
+  YAML::Node m_node;
+  Position m_start;
+  std::string m_what;
+  Diagnostics* m_diagnostics;
+  std::set<std::string> m_known;
+};
+
+// The document of a file. An unreadable file and a syntax error are reported and give nothing.
+std::optional<YAML::Node> loadYaml(const std::string& file, const Position& namedAt, Diagnostics& diagnostics);
+
+}  // namespace modelgen

@@ -1,0 +1,59 @@
+#include "modelgen/naming.hpp"
+
+#include <gtest/gtest.h>
+
+#include "modelgen/text.hpp"
+
+namespace modelgen::naming {
+namespace {
+
+TEST(Naming, PropertiesBecomeLowerCamelAndStepAsideForReservedWords) {
+  EXPECT_EQ(lowerCamel("ExprType"), "exprType");
+  for (const char* const word : {"Operator", "Import", "Export", "Static", "Default", "Class", "Xor", "Requires"}) {
+    const std::string accessor = lowerCamel(word);
+    EXPECT_EQ(accessor.back(), '_') << word;
+    EXPECT_FALSE(isReservedWord(accessor)) << word;
+  }
+  // Only the bare name can clash.
+  EXPECT_EQ(field("Operator"), "m_operator");
+  EXPECT_EQ(getter("Operator"), "getOperator");
+}
+
+TEST(Naming, FormsOfNamesAreTold) {
+  EXPECT_TRUE(isUpperCamel("A1b") && isUpperCamel("URL"));
+  EXPECT_FALSE(isUpperCamel("") || isUpperCamel("a") || isUpperCamel("A_b") || isUpperCamel("1A") ||
+               isUpperCamel("\xc3\x89tat"));
+  EXPECT_TRUE(isUpperSnake("NOT_EQ") && isUpperSnake("A1_2"));
+  EXPECT_FALSE(isUpperSnake("_A") || isUpperSnake("A_") || isUpperSnake("A__B") || isUpperSnake("Eq") ||
+               isUpperSnake("1A") || isUpperSnake(""));
+  EXPECT_TRUE(isPackageName("tessel.internal.ext") && isPackageName("a1"));
+  EXPECT_FALSE(isPackageName("") || isPackageName("a..b") || isPackageName(".a") || isPackageName("a.") ||
+               isPackageName("a_b") || isPackageName("a.new") || isPackageName("A"));
+}
+
+TEST(Naming, NamespacesFilesAndFunctionsFollowThePackage) {
+  EXPECT_EQ(cppNamespace("tessel.internal.ext"), "tessel::internal::ext");
+  EXPECT_EQ(instantiateFunction("tessel.internal.ext"), "instantiate_tessel_internal_ext");
+  EXPECT_EQ(weaveFunction("tessel"), "weave_tessel");
+  EXPECT_EQ(metaPackageClass("tessel_config_datamodel"), "MetaPackageTessel_config_datamodel");
+  EXPECT_EQ(initializeEntryPoint("m"), "MLInitialize_m");
+}
+
+TEST(Naming, SlotsOfDifferentThingsDiffer) {
+  Package package;
+  package.folder = "a";
+  EXPECT_EQ(memberSlot(package, "Operator", "NOT_EQ"), "a_Operator_NOT_EQ");
+  EXPECT_NE(typeSlot(package, "B"), packageSlot("a.b"));
+  EXPECT_NE(packageSlot("root"), packageSlot(""));
+}
+
+TEST(Text, BecomesALiteralOfAnyEncodingAndLinesOfAnyWidth) {
+  EXPECT_EQ(utf16Literal(""), "u\"\"");
+  EXPECT_EQ(utf16Literal("a\"\\\n\x01"), "u\"a\\\"\\\\\\n\\001\"");
+  EXPECT_EQ(utf16Literal("\xc3\xa9\xf0\x9f\x98\x80"), "u\"\\u00e9\\U0001f600\"");
+  EXPECT_EQ(wrap("one two\nthree\n\nfour", 7), (std::vector<std::string>{"one two", "three", "", "four"}));
+  EXPECT_EQ(wrap("unbreakable", 3), (std::vector<std::string>{"unbreakable"}));
+}
+
+}  // namespace
+}  // namespace modelgen::naming

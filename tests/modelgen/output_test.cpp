@@ -1,0 +1,213 @@
+// Templates and the output folder: what is written, left alone, deleted, and refused.
+#include <gmock/gmock.h>
+
+#include "modelgen/template_set.hpp"
+#include "workspace.hpp"
+
+namespace modelgen::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+using testing::HasSubstr;
+
+class Templates : public testing::Test {
+ protected:
+  std::string render(const std::string& text, const Data& data) {
+    workspace.write("t.mustache", text);
+    TemplateSet templates(workspace.path("").string(), diagnostics);
+    return templates.render("t.mustache", {"outputs.yaml", 1, 1}, data);
+  }
+
+  // The messages of a template that must not render, without the folder.
+  std::string refusal(const std::string& text, const Data& data) {
+    diagnostics = Diagnostics();
+    EXPECT_EQ(render(text, data), "");
+    std::string result;
+    for (const Diagnostic& each : diagnostics.sorted()) {
+      result += fs::path(each.at.file).filename().string() + ":" + std::to_string(each.at.line) + ":" +
+                std::to_string(each.at.column) + ": " + each.text + "\n";
+    }
+    return result;
+  }
+
+  static Data sample() {
+    Data data;
+    data.set("name", "x<y>&\"z\"");
+    data.set("yes", true);
+    data.set("no", false);
+    Data list(Data::type::list);
+    for (const char* const each : {"a", "b"}) list.push_back(Data("item", each));
+    data.set("list", list);
+    return data;
+  }
+
+  Workspace workspace;
+  Diagnostics diagnostics;
+};
+
+TEST_F(Templates, PrintTextAsItIs) { EXPECT_EQ(render("{{name}}|{{&name}}\n", sample()), "x<y>&\"z\"|x<y>&\"z\"\n"); }
+
+TEST_F(Templates, TagsAloneOnTheirLineLeaveNoLineAndBlankLinesStay) {
+  workspace.write("part.mustache", "\n[{{item}}]\n");
+  EXPECT_EQ(render("{{! two\n lines }}\n"
+                   "first\n"
+                   "  {{#no}}\n  gone\n  {{/no}}\n"
+                   "{{#list}}\n{{>part}}\n{{^last}}\n{{/last}}\n{{/list}}\n"
+                   "\n"
+                   "{{#yes}}\n\n  kept {{! inline }}\n{{/yes}}\n"
+                   "last",
+                   [] {
+                     Data data = sample();
+                     data.set("last", true);
+                     return data;
+                   }()),
+            "first\n\n[a]\n\n[b]\n\n\n  kept \nlast");
+  EXPECT_TRUE(diagnostics.empty());
+}
+
+TEST_F(Templates, AnswerEveryTagOrNameIt) {
+  EXPECT_EQ(refusal("one\n  {{nmae}} {{#list}}{{itme}}{{/list}}\n", sample()),
+            "t.mustache:2:3: undefined key 'nmae', expected a key of the data in this place\n"
+            "t.mustache:2:21: undefined key 'itme', expected a key of the data in this place\n");
+  EXPECT_EQ(refusal("{{#yes}}\n  {{^absent}}\n  {{/absent}}\n{{/yes}}", sample()),
+            "t.mustache:2:3: undefined key 'absent', expected a key of the data in this place\n");
+  EXPECT_EQ(refusal("{{list}}{{#name}}{{/name}}", sample()),
+            "t.mustache:1:1: the key 'list' is no text, expected a text\n"
+            "t.mustache:1:9: the key 'name' is a text, expected a list, an object or a flag for a section\n");
+  workspace.write("part.mustache", "\n{{gone}}");
+  EXPECT_THAT(refusal("{{>part}}{{>absent}}", sample()),
+              testing::StartsWith("part.mustache:2:1: undefined key 'gone', expected a key of the data in this place\n"
+                                  "t.mustache:1:10: cannot read the template "));
+  EXPECT_THAT(refusal("a\n{{#yes}}", sample()), HasSubstr("t.mustache:2:1: not a template: Unclosed section \"yes\""));
+  EXPECT_THAT(refusal("{{=<% %>=}}", sample()), HasSubstr("t.mustache:1:1: the delimiters of tags are changed"));
+  workspace.write("loop.mustache", "{{>loop}}");
+  EXPECT_THAT(refusal("{{>loop}}", sample()), HasSubstr("the partial 'loop' reaches itself"));
+}
+
+class Output : public testing::Test {
+ protected:
+  void SetUp() override {
+    options = goodOptions(workspace);
+    options.templates = workspace.path("templates").string();
+    plan(
+        "- {template: class, for: class, path: \"c/{{name}}.txt\", when: isConcrete}\n"
+        "- {template: model, for: model, path: \"model.txt\"}\n");
+    workspace.write("templates/class", "class {{qualifiedName}} {{lastIndex}}\n");
+    workspace.write("templates/model", "{{name}}\n");
+  }
+
+  void plan(const std::string& rows) const { workspace.write("templates/outputs.yaml", "outputs:\n" + rows); }
+
+  Result run(Mode mode) {
+    options.mode = mode;
+    return generate(options);
+  }
+
+  Workspace workspace;
+  Options options;
+};
+
+TEST_F(Output, IsWhatThePlanSays) {
+  ASSERT_EQ(run(Mode::write).status, ExitStatus::done);
+  EXPECT_EQ(read(workspace.path("out/c/Archive.txt")), "class tessel.good.shop.Archive 17\n");
+  EXPECT_FALSE(fs::exists(workspace.path("out/c/SmallItem.txt"))) << "abstract";
+  EXPECT_EQ(run(Mode::listOutputs).out, "c/Archive.txt\nc/Depot.txt\nc/Item.txt\nc/Shop.txt\nmodel.txt\n");
+}
+
+TEST_F(Output, LeavesWhatDidNotChangeAndDeletesWhatIsNoLongerMade) {
+  ASSERT_EQ(run(Mode::write).status, ExitStatus::done);
+  workspace.write("out/c/mine.txt", "not generated");
+  const auto before = workspace.snapshot("out");
+  ASSERT_EQ(run(Mode::write).status, ExitStatus::done);
+  EXPECT_EQ(workspace.snapshot("out"), before);
+
+  plan("- {template: model, for: model, path: \"m/{{name}}.txt\"}\n");
+  workspace.write("out/c/Item.txt", "changed by hand");
+  const Result check = run(Mode::check);
+  EXPECT_EQ(check.status, ExitStatus::outOfDate);
+  EXPECT_EQ(check.out,
+            "stale c/Archive.txt\nstale c/Depot.txt\nstale c/Item.txt\nstale c/Shop.txt\n"
+            "missing m/good_datamodel.txt\nstale model.txt\n");
+  ASSERT_EQ(run(Mode::write).status, ExitStatus::done);
+  EXPECT_EQ(workspace.snapshot("out/c").size(), 1u) << "the file of somebody else stays";
+  EXPECT_TRUE(fs::exists(workspace.path("out/m/good_datamodel.txt")));
+  EXPECT_FALSE(fs::exists(workspace.path("out/model.txt")));
+}
+
+TEST_F(Output, CheckFindsAChangedFileAndWritesNothing) {
+  ASSERT_EQ(run(Mode::write).status, ExitStatus::done);
+  EXPECT_EQ(run(Mode::check).status, ExitStatus::done);
+  workspace.write("out/model.txt", "changed by hand");
+  const auto before = workspace.snapshot("out");
+  EXPECT_EQ(run(Mode::check).out, "changed model.txt\n");
+  EXPECT_EQ(workspace.snapshot("out"), before);
+}
+
+TEST_F(Output, OfTwoModelsSharesAFolder) {
+  ASSERT_EQ(run(Mode::write).status, ExitStatus::done);
+  Options base = options;
+  base.model = base.imports.front();
+  base.imports.clear();
+  plan("- {template: model, for: model, path: \"{{name}}.txt\"}\n");
+  ASSERT_EQ(generate(base).status, ExitStatus::done);
+  EXPECT_TRUE(fs::exists(workspace.path("out/c/Archive.txt")));
+}
+
+TEST_F(Output, OutsideTheFolderIsNeitherWrittenNorDeleted) {
+  workspace.write("victim.txt", "stays");
+  workspace.write("out/.modelgen-good_datamodel.list", "../victim.txt\n/etc/hostname\n");
+  ASSERT_EQ(run(Mode::write).status, ExitStatus::done);
+  EXPECT_EQ(read(workspace.path("victim.txt")), "stays");
+  plan("- {template: model, for: model, path: \"../victim.txt\"}\n");
+  EXPECT_THAT(run(Mode::write).err, HasSubstr("outputs.yaml:2:39: the path '../victim.txt' leaves the output folder"));
+  EXPECT_EQ(read(workspace.path("victim.txt")), "stays");
+}
+
+TEST_F(Output, IsNotTouchedWhereATemplateIsWrong) {
+  ASSERT_EQ(run(Mode::write).status, ExitStatus::done);
+  const auto before = workspace.snapshot("out");
+  workspace.write("templates/model", "changed {{name}}\n");
+  workspace.write("templates/class", "{{nmae}}");
+  const Result result = run(Mode::write);
+  EXPECT_EQ(result.status, ExitStatus::refused);
+  EXPECT_THAT(result.err,
+              testing::EndsWith("/class:1:1: undefined key 'nmae', expected a key of the data in this place\n"));
+  EXPECT_EQ(workspace.snapshot("out"), before);
+}
+
+TEST_F(Output, PlanThatMakesNoSenseIsRefused) {
+  const auto refused = [this](const std::string& row) {
+    plan(row);
+    const Result result = run(Mode::write);
+    EXPECT_EQ(result.status, ExitStatus::refused) << row;
+    return result.err;
+  };
+  EXPECT_THAT(refused("- {template: model, for: family, path: \"x\"}\n"),
+              HasSubstr(":2:26: unknown scope 'family', expected model, package, class, datatype or enum"));
+  EXPECT_THAT(refused("- {template: class, for: class, path: \"same\"}\n"), HasSubstr("the path 'same' is made twice"));
+  EXPECT_THAT(refused("- {template: class, for: class, path: \"{{name}}\", when: name}\n"),
+              HasSubstr("'name' is no flag of the data"));
+  EXPECT_THAT(refused("- {template: absent, for: model, path: \"x\"}\n"), HasSubstr(":2:14: cannot read the template"));
+}
+
+TEST_F(Output, DepfileNamesEveryFileThatWasRead) {
+  options.depfile = workspace.path("files.d").string();
+  ASSERT_EQ(run(Mode::write).status, ExitStatus::done);
+  const std::string text = read(options.depfile);
+  EXPECT_THAT(text, HasSubstr("out/model.txt "));
+  for (const char* const file : {"good/model.yaml", "good/good/package.yaml", "base/base/package.yaml",
+                                 "templates/outputs.yaml", "templates/class", "templates/model"}) {
+    EXPECT_THAT(text, HasSubstr(file));
+  }
+}
+
+TEST_F(Output, FolderThatCannotBeWrittenIsAFailureWithItsName) {
+  workspace.write("out", "a file");
+  const Result result = run(Mode::write);
+  EXPECT_EQ(result.status, ExitStatus::refused);
+  EXPECT_THAT(result.err, HasSubstr(workspace.path("out").string()));
+}
+
+}  // namespace
+}  // namespace modelgen::test

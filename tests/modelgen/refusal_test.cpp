@@ -1,0 +1,88 @@
+// Bad tables, one file per rule: each is refused with exactly the messages that stand beside it, and nothing is
+// written. <rule>.yaml is the only package of a model; <rule>.model.yaml is a model whose folder "good" is a good
+// package.
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <filesystem>
+
+#include "workspace.hpp"
+
+namespace modelgen::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+fs::path badTables() { return fs::path(MODELGEN_TEST_DIR) / "bad"; }
+
+std::vector<std::string> rules() {
+  std::vector<std::string> result;
+  for (const auto& each : fs::directory_iterator(badTables())) {
+    if (each.path().extension() == ".yaml") result.push_back(each.path().stem().string());
+  }
+  std::sort(result.begin(), result.end());
+  return result;
+}
+
+std::string replaceAll(std::string text, const std::string& from, const std::string& to) {
+  for (auto at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size())) {
+    text.replace(at, from.size(), to);
+  }
+  return text;
+}
+
+class BadTable : public testing::TestWithParam<std::string> {
+ protected:
+  // Lays the bad table out as part of a model that is fine otherwise.
+  Options prepare() const {
+    const std::string table = GetParam() + ".yaml";
+    if (fs::path(GetParam()).extension() == ".model") {
+      workspace.copy(badTables() / table, "model.yaml");
+      workspace.copy(testTables() / "good/good/package.yaml", "good/package.yaml");
+    } else {
+      workspace.write("model.yaml",
+                      "model: bad_datamodel\nrelease: R1\nimports: [base_datamodel]\n"
+                      "packages: [{name: tessel.bad, folder: bad}]\n");
+      workspace.copy(badTables() / table, "bad/package.yaml");
+    }
+    Options options = goodOptions(workspace);
+    options.model = workspace.path("model.yaml").string();
+    return options;
+  }
+
+  // The messages with the table called by its name in the corpus.
+  std::string named(std::string text) const {
+    const std::string table = GetParam() + ".yaml";
+    text = replaceAll(text, workspace.path("bad/package.yaml").string(), table);
+    text = replaceAll(text, workspace.path("model.yaml").string(), table);
+    text = replaceAll(text, testTables().string() + "/", "");
+    return replaceAll(text, workspace.path("").string(), "");
+  }
+
+  Workspace workspace;
+};
+
+TEST_P(BadTable, IsRefusedWithItsMessageAndWritesNothing) {
+  Options options = prepare();
+  // The folder holds an earlier good state, so that a file changed or deleted would show as well as a new one.
+  ASSERT_EQ(generate(goodOptions(workspace)).status, ExitStatus::done);
+  const auto before = workspace.snapshot("");
+  ASSERT_THAT(before, testing::Not(testing::IsEmpty()));
+  options.depfile = workspace.path("out/depfile").string();
+
+  const Result result = generate(options);
+
+  EXPECT_EQ(result.status, ExitStatus::refused);
+  EXPECT_EQ(named(result.err), read(badTables() / (GetParam() + ".expected")));
+  EXPECT_EQ(result.out, "");
+  EXPECT_EQ(workspace.snapshot(""), before);
+}
+
+std::string caseName(const testing::TestParamInfo<std::string>& info) {
+  return replaceAll(replaceAll(info.param, "-", "_"), ".", "_");
+}
+
+INSTANTIATE_TEST_SUITE_P(Corpus, BadTable, testing::ValuesIn(rules()), caseName);
+
+}  // namespace
+}  // namespace modelgen::test
