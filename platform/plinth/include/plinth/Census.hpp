@@ -40,20 +40,4 @@ TESSEL_EXPORT Census census();
 /// What `after` has beyond `before`, class by class.
 TESSEL_EXPORT Census surplus(Census const& before, Census const& after);
 
-namespace detail {
-
-/// An object of the counted kinds is there from `add` to `remove`; each costs one relaxed addition to a counter.
-class LiveObjects {
- public:
-  static void addElement() noexcept;
-  static void removeElement() noexcept;
-  /// A metamodel's object, which has been added as an element too.
-  static void addMetaElement() noexcept;
-  static void removeMetaElement() noexcept;
-  /// Raises std::bad_alloc.
-  static void enter(ModelImpl& model);
-  static void leave(ModelImpl& model) noexcept;
-};
-
-}  // namespace detail
 }  // namespace plinth
