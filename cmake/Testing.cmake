@@ -30,6 +30,10 @@ function(tessel_add_test name)
   else()
     target_link_libraries(${name} PRIVATE tessel::config_datamodel)
   endif()
+  # What sees the foundation is held to leave no element behind.
+  if(TARGET tessel_test_census AND (NOT test_LAYERS OR "plinth" IN_LIST layers))
+    target_link_libraries(${name} PRIVATE tessel_test_census)
+  endif()
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
 
   set(properties TIMEOUT 300)

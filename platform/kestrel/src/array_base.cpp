@@ -90,7 +90,7 @@ OwnedArray createEmpty(ClassId id) {
 }
 
 OwnedArray createBuiltInBased(Identifier className, OwnedArray representation) {
-  if (className.empty() || representation->id == ClassId::Object)
+  if (className.empty() || representation == nullptr || representation->id == ClassId::Object)
     throw ArrayError("Kestrel:array:NotBuiltIn", "A built-in based array needs a class name and a built-in array.");
   representation->ownClass = className;
   return representation;

@@ -1,4 +1,6 @@
 // Equality of contents, store by store.
+#include <cmath>
+
 #include "array_data.hpp"
 #include "kestrel/array_base.hpp"
 #include "kestrel/numeric_array.hpp"
@@ -10,7 +12,7 @@ template <typename T>
 bool equalFloating(kestrel_array const& left, kestrel_array const& right) {
   T const* const first = data<T>(left);
   return std::equal(first, first + numberOfElements(left), data<T>(right),
-                    [](T a, T b) { return a == b || (a != a && b != b); });
+                    [](T a, T b) { return a == b || (std::isnan(a) && std::isnan(b)); });
 }
 
 bool equalCells(detail::Cells const& left, detail::Cells const& right) {

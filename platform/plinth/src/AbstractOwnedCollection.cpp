@@ -36,9 +36,15 @@ void CollectionJournal::forget() noexcept {
 AbstractOwnedCollection::~AbstractOwnedCollection() = default;
 
 CollectionJournal* AbstractOwnedCollection::modifying() {
-  if (m_owner == nullptr || m_owner->needsNoOldValues()) return nullptr;
+  if (m_owner == nullptr) return nullptr;
+  if (m_owner->needsNoOldValues()) {
+    // Steps that an inner transaction handed over don't fit what comes now. The owner ends with the level that created
+    // it, so nobody needs them.
+    if (m_journal != nullptr) m_journal->forget();
+    return nullptr;
+  }
   failurePoint("collection-modifying");
-  m_owner->notifyModifying(static_cast<unsigned long>(m_property->index()));
+  m_owner->notifyJournaling(static_cast<unsigned long>(m_property->index()));
   if (m_journal == nullptr) m_journal = makeJournal();
   if (OldCollection* const sealed = m_journal->m_sealed) {  // a listener changes what it is being told about
     sealed->contents();

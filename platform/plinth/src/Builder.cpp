@@ -1,5 +1,8 @@
 #include "plinth/Builder.hpp"
 
+#include <boost/container/small_vector.hpp>
+#include <utility>
+
 #include "plinth/FailurePoint.hpp"
 #include "plinth/Value.hpp"
 
@@ -8,8 +11,8 @@ namespace plinth {
 struct Orchestrator::Frame {
   ModelElementBuilder* builder;
   ModelElement element;
-  std::vector<CascadeStep> steps;
-  std::size_t next = 0;
+  std::size_t first;  ///< its steps begin here; those of the innermost frame are the last
+  std::size_t next;
 };
 
 Orchestrator::Orchestrator(ModelElementBuilder* root)
@@ -18,7 +21,9 @@ Orchestrator::Orchestrator(ModelElementBuilder* root)
 }
 
 Orchestrator::~Orchestrator() {
-  for (ModelElementBuilder* builder : m_builders) {
+  while (m_builders != nullptr) {
+    ModelElementBuilder* const builder = std::exchange(m_builders, m_builders->m_addedBefore);
+    builder->m_addedBefore = nullptr;
     builder->m_orchestrator = nullptr;
     builder->m_created = ModelElement();
   }
@@ -26,7 +31,7 @@ Orchestrator::~Orchestrator() {
 
 void Orchestrator::addBuilder(ModelElementBuilder* builder) {
   if (builder->m_orchestrator == this) return;
-  m_builders.push_back(builder);
+  builder->m_addedBefore = std::exchange(m_builders, builder);
   builder->m_orchestrator = this;
   builder->m_model = m_root->model();
 }
@@ -36,24 +41,26 @@ ModelElement Orchestrator::getCreatedElement(ModelElementBuilder const* builder)
 }
 
 ModelElement Orchestrator::run(boost::uuids::uuid const& uuid) {
-  std::vector<Frame> frames;
+  boost::container::small_vector<Frame, 8> frames;
+  std::vector<CascadeStep> steps;
   auto const enter = [&](ModelElementBuilder* builder, boost::uuids::uuid const& childUuid) {
     addBuilder(builder);
-    frames.push_back({builder, builder->make(childUuid), {}});
-    builder->cascadeCreation(*frames.back().element, frames.back().steps);
+    frames.push_back({builder, builder->make(childUuid), steps.size(), steps.size()});
+    builder->cascadeCreation(*frames.back().element, steps);
   };
   enter(m_root, uuid);
   while (true) {
-    Frame& frame = frames.back();
-    if (frame.next < frame.steps.size()) {
-      enter(frame.steps[frame.next].child, {});
+    Frame const& frame = frames.back();
+    if (frame.next < steps.size()) {
+      enter(steps[frame.next].child, {});
       continue;
     }
     ModelElement const made = frame.element;
+    steps.resize(frame.first);
     frames.pop_back();
     if (frames.empty()) return made;
     Frame& parent = frames.back();
-    parent.builder->attach(*parent.element, *parent.steps[parent.next].property, made);
+    parent.builder->attach(*parent.element, *steps[parent.next].property, made);
     ++parent.next;
   }
 }

@@ -7,6 +7,7 @@
 #include <numeric>
 #include <unordered_set>
 
+#include "LiveObjects.hpp"
 #include "plinth/meta/MetaRegistry.hpp"
 
 namespace plinth {

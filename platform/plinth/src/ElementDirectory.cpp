@@ -24,7 +24,10 @@ ModelElementImpl* ElementDirectory::find(boost::uuids::uuid const& uuid) const n
 
 void ElementDirectory::reserve(ModelElementImpl const& element) {
   if (m_byUuid.size() >= m_bucketCount) growBuckets();
-  auto& extent = extentOf(element);
+  meta::ClassImpl const* const metaClass = element.getMetaClass().impl();
+  if (metaClass->ordinal() >= m_extents.size()) m_extents.resize(metaClass->ordinal() + 1);
+  m_extents[metaClass->ordinal()].metaClass = metaClass;
+  auto& extent = m_extents[metaClass->ordinal()].elements;
   if (extent.size() == extent.capacity()) extent.reserve(std::max<std::size_t>(8, 2 * extent.capacity()));
 }
 
@@ -37,12 +40,7 @@ void ElementDirectory::growBuckets() {
 }
 
 std::vector<ModelElementImpl*>& ElementDirectory::extentOf(ModelElementImpl const& element) {
-  meta::ClassImpl const* const metaClass = element.getMetaClass().impl();
-  if (metaClass != m_lastClass) {
-    m_lastExtent = &m_extents[metaClass];
-    m_lastClass = metaClass;
-  }
-  return *m_lastExtent;
+  return m_extents[element.getMetaClass().impl()->ordinal()].elements;
 }
 
 bool ElementDirectory::add(ModelElementImpl& element) noexcept {
@@ -63,14 +61,13 @@ void ElementDirectory::remove(ModelElementImpl& element) noexcept {
 
 std::vector<ModelElementImpl*> const& ElementDirectory::elementsOf(meta::ClassImpl const& metaClass) const {
   static std::vector<ModelElementImpl*> const none;
-  auto const found = m_extents.find(&metaClass);
-  return found == m_extents.end() ? none : found->second;
+  return metaClass.ordinal() < m_extents.size() ? m_extents[metaClass.ordinal()].elements : none;
 }
 
 std::vector<meta::ClassImpl const*> ElementDirectory::classes() const {
   std::vector<meta::ClassImpl const*> result;
-  for (auto const& [metaClass, extent] : m_extents) {
-    if (!extent.empty()) result.push_back(metaClass);
+  for (Extent const& extent : m_extents) {
+    if (!extent.elements.empty()) result.push_back(extent.metaClass);
   }
   std::sort(result.begin(), result.end(),
             [](auto const* a, auto const* b) { return a->getQualifiedName() < b->getQualifiedName(); });

@@ -3,6 +3,7 @@
 #include <limits>
 
 #include "ChangePublisher.hpp"
+#include "LiveObjects.hpp"
 #include "plinth/FailurePoint.hpp"
 #include "plinth/Messages.hpp"
 #include "plinth/ModelDirectory.hpp"
@@ -26,10 +27,12 @@ ListenerRegistration Model::addListener(ChangeListener listener) const {
 
 ModelImpl::ModelImpl()
     : ElementImpl(this, generateNewUuid()), m_log(*this), m_publisher(std::make_unique<ChangePublisher>(*this)) {
+  detail::LiveObjects::enter(*this);
   m_live = 1;
 }
 
 ModelImpl::~ModelImpl() {
+  detail::LiveObjects::leave(*this);
   if (!m_name.empty()) ModelDirectory::getInstance().leave(m_name);
   for (auto const& [proxy, id] : m_proxyIds) {
     auto* const element = const_cast<ModelElementImpl*>(proxy);
@@ -40,7 +43,8 @@ ModelImpl::~ModelImpl() {
   for (ModelElementImpl* element : elements) {
     m_directory.remove(*element);
     element->m_live = 0;
-    element->m_state = DESTROYED;  // not announced any more: nothing below keeps old values
+    // Not announced any more: nothing below keeps old values, or is a step of this model.
+    element->m_state = DESTROYED | TEARING_DOWN;
     element->invalidate();
   }
   for (ModelElementImpl* element : elements) {
@@ -48,32 +52,27 @@ ModelImpl::~ModelImpl() {
     element->m_container = nullptr;
     element->m_containmentProperty = nullptr;
   }
-  for (ModelElementImpl* element : elements) element->removeRef();
+  for (ModelElementImpl* element : elements) {
+    element->m_state = DESTROYED;
+    element->removeRef();
+  }
 }
 
 void ModelImpl::removeRef() noexcept { ElementImpl::removeRef(); }
 
 Transaction ModelImpl::beginTransaction(bool thawed) {
   begin(thawed);
-  return Transaction(*this, level(), m_serials.back());
+  return Transaction(*this, level(), m_log.serialAt(level()));
 }
 
 void ModelImpl::begin(bool thawed) {
   if (m_frozen && !thawed) reportException(messages::CannotModifyFrozenModel());
   if (level() + 1 >= NO_LEVEL) throw std::length_error("transactions are nested too deeply");
-  m_serials.push_back(m_nextSerial);
-  try {
-    m_log.begin();
-  } catch (...) {
-    m_serials.pop_back();
-    throw;
-  }
-  ++m_nextSerial;
+  m_log.begin();
 }
 
 void ModelImpl::commit() {
   if (level() > 1) {
-    m_serials.pop_back();
     m_log.commitInner();
   } else {
     commitOutermost();
@@ -82,22 +81,17 @@ void ModelImpl::commit() {
 
 void ModelImpl::commitOutermost() {
   if (!m_publisher->isWatched()) {
-    m_serials.pop_back();
     m_log.commitOutermost();
     return;
   }
   Model const hold(this);  // a listener may let go of the last handle
   m_publisher->collect(m_log);
-  m_serials.pop_back();
   m_publisher->takeOver(m_log);
   m_log.commitOutermost();
   m_publisher->publish();
 }
 
-void ModelImpl::rollBack() noexcept {
-  m_serials.pop_back();
-  m_log.rollBack();
-}
+void ModelImpl::rollBack() noexcept { m_log.rollBack(); }
 
 void ModelImpl::announce(ModelElementImpl& element) {
   if (level() == 0) reportException(messages::CannotModifyOutsideTransaction());
@@ -135,20 +129,23 @@ Transaction::Transaction(Transaction&& other) noexcept
       m_open(std::exchange(other.m_open, false)) {}
 
 Transaction::~Transaction() {
-  if (!m_open) return;
+  if (!isOpen()) return;
   auto& model = static_cast<ModelImpl&>(*m_model.elementImpl());
-  // Inner transactions that outlive this one end with it; their own destructors find another serial and do nothing.
-  if (model.level() < m_level || model.m_serials[m_level - 1] != m_serial) return;
   while (model.level() >= m_level) model.rollBack();
 }
 
 void Transaction::commit() {
-  auto& model = static_cast<ModelImpl&>(*m_model.elementImpl());
-  if (!m_open || model.level() != m_level || model.m_serials.back() != m_serial) {
-    reportException(messages::TransactionNotInnermost());
-  }
-  model.commit();
+  auto* const model = static_cast<ModelImpl*>(m_model.elementImpl());
+  if (!isOpen() || model->level() != m_level) reportException(messages::TransactionNotInnermost());
+  model->commit();
   m_open = false;
+}
+
+bool Transaction::isOpen() const noexcept {
+  if (!m_open) return false;
+  // Inner transactions that outlive an outer one ended with it: their level has another serial by then, or is gone.
+  auto const& model = static_cast<ModelImpl const&>(*m_model.elementImpl());
+  return model.level() >= m_level && model.m_log.serialAt(m_level) == m_serial;
 }
 
 void Transaction::commit(boost::optional<Value> const&) { commit(); }

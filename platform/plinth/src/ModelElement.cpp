@@ -3,6 +3,7 @@
 #include <boost/uuid/uuid_io.hpp>
 #include <type_traits>
 
+#include "LiveObjects.hpp"
 #include "Teardown.hpp"
 #include "plinth/Changes.hpp"
 #include "plinth/FailurePoint.hpp"
@@ -37,10 +38,13 @@ ModelElementImpl::ModelElementImpl(Model const& model, boost::uuids::uuid const&
     : ModelElementImpl(requireModel(model), uuid) {}
 
 ModelElementImpl::ModelElementImpl(ModelImpl& model, boost::uuids::uuid const& uuid)
-    : ElementImpl(&model, uuid.is_nil() ? generateNewUuid() : uuid) {}
+    : ElementImpl(&model, uuid.is_nil() ? generateNewUuid() : uuid) {
+  detail::LiveObjects::addElement();
+}
 
 ModelElementImpl::~ModelElementImpl() {
   if (isProxy()) m_model->m_proxyIds.erase(this);
+  detail::LiveObjects::removeElement();
 }
 
 Model ModelElementImpl::getModel() const noexcept {
@@ -144,6 +148,14 @@ void ModelElementImpl::basicSetContainer(ModelElementImpl* container, meta::Prop
 void ModelElementImpl::notifyModifying(unsigned long index) {
   if (needsNoOldValues()) return;
   if (m_record != nullptr && m_record->m_level == m_model->level() && m_record->isChanged(index)) return;
+  recordOldValue(index);
+}
+
+void ModelElementImpl::notifyJournaling(unsigned long index) {
+  if (needsNoOldValues()) return;
+  for (Storage const* record = m_record; record != nullptr; record = record->m_outer) {
+    if (record->isChanged(index)) return;
+  }
   recordOldValue(index);
 }
 

@@ -58,8 +58,16 @@ void ReferenceCollection::inverseBeforeRemoving(ModelElementImpl& element) {
 ModelElement ReferenceCollection::resolved(ModelElement const& proxy) const {
   ModelElement const found = resolveProxy(proxy);
   if (!found || found->isProxy()) return {};
-  if (opposite() != nullptr && !isComposite() && !owner()->_inverseContainsThis(found.impl(), *opposite())) return {};
+  if (opposite() != nullptr && !isComposite() && !listsOwner(*found)) return {};
   return found;
+}
+
+bool ReferenceCollection::listsOwner(ModelElementImpl& element) const {
+  return opposite() != nullptr && owner()->_inverseContainsThis(&element, *opposite());
+}
+
+bool ReferenceCollection::hasSameMembers(ReferenceCollection const& other) const {
+  return getAllValuesAndProxies() == other.getAllValuesAndProxies();
 }
 
 }  // namespace plinth

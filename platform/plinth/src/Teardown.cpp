@@ -19,7 +19,7 @@ void Teardown::destroyContained(ModelElementImpl& element, bool flag1, bool deta
   if (!element.isLive() || (element.m_state & ElementImpl::TEARING_DOWN) != 0) return;
   ModelImpl& model = element.model();
   if (detachFirst) detach(element);
-  model.m_teardown.emplace_back(&element);
+  model.m_teardown.push_back(&element);
   element.m_state |= ElementImpl::TEARING_DOWN;
   if (!model.m_tearingDown) drain(model, flag1, flag2);
 }
@@ -28,7 +28,7 @@ void Teardown::drain(ModelImpl& model, bool flag1, bool flag2) {
   struct Running {
     explicit Running(ModelImpl& running) : m_model(running) { m_model.m_tearingDown = true; }
     ~Running() {
-      for (ModelElement const& waiting : m_model.m_teardown) {
+      for (ModelElementImpl* waiting : m_model.m_teardown) {
         waiting->m_state &= static_cast<std::uint8_t>(~ElementImpl::TEARING_DOWN);
       }
       m_model.m_teardown.clear();
@@ -37,7 +37,7 @@ void Teardown::drain(ModelImpl& model, bool flag1, bool flag2) {
     ModelImpl& m_model;
   } const running(model);
   while (!model.m_teardown.empty()) {
-    ModelElement const next = model.m_teardown.back();
+    ModelElementImpl* const next = model.m_teardown.back();  // the model holds it, and then the undo log
     model.m_teardown.pop_back();
     next->m_state &= static_cast<std::uint8_t>(~ElementImpl::TEARING_DOWN);
     end(*next, flag1, flag2);

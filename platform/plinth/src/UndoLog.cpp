@@ -13,7 +13,6 @@ Undoable::~Undoable() = default;
 void UndoLog::grow() {
   failurePoint("undo-log-grow");
   m_entries.reserve(std::max<std::size_t>(64, 2 * m_entries.capacity()));
-  m_gone.reserve(m_entries.capacity());
 }
 
 void UndoLog::touch(Undoable& journal) {
@@ -24,14 +23,14 @@ void UndoLog::touch(Undoable& journal) {
 }
 
 void UndoLog::begin() {
-  m_levels.push_back(m_entries.size());
-  ++m_level;
+  m_levels.push_back({m_entries.size(), m_lastSerial + 1});
+  ++m_lastSerial;
 }
 
 void UndoLog::commitInner() noexcept {
-  std::size_t const mark = m_levels.back();
+  std::size_t const mark = m_levels.back().mark;
   m_levels.pop_back();
-  auto const outer = --m_level;
+  auto const outer = level();
   for (std::size_t i = mark; i < m_entries.size(); ++i) {
     Entry& entry = m_entries[i];
     if (entry.kind == Kind::RECORD) {
@@ -71,9 +70,9 @@ void UndoLog::dropRecord(ModelElementImpl& element) noexcept {
 
 void UndoLog::commitOutermost() noexcept {
   m_levels.pop_back();
-  --m_level;
   std::vector<Entry> entries;  // burying runs destructors, which must find the log empty
   entries.swap(m_entries);
+  bool anyDestroyed = false;
   for (Entry const& entry : entries) {
     if (entry.kind == Kind::RECORD) {
       dropRecord(*static_cast<ModelElementImpl*>(entry.object));
@@ -84,29 +83,26 @@ void UndoLog::commitOutermost() noexcept {
     } else if (entry.kind == Kind::CREATED) {
       static_cast<ModelElementImpl*>(entry.object)->m_createdLevel = ElementImpl::NO_LEVEL;
     } else if (entry.kind == Kind::DESTROYED) {
-      m_gone.push_back(static_cast<ModelElementImpl*>(entry.object));
+      anyDestroyed = true;
     }
   }
-  if (!m_gone.empty()) bury(m_gone);
-  entries.clear();
+  if (anyDestroyed) bury(entries, 0, Kind::DESTROYED);
+  forgetSteps(entries);
   if (m_entries.empty()) m_entries.swap(entries);
 }
 
 void UndoLog::rollBack() noexcept {
-  std::size_t const mark = m_levels.back();
+  std::size_t const mark = m_levels.back().mark;
   m_replaying = true;
-  while (m_entries.size() > mark) {
-    Entry const entry = m_entries.back();
-    m_entries.pop_back();
-    undo(entry, m_gone);
-  }
+  for (std::size_t i = m_entries.size(); i > mark; --i) undo(m_entries[i - 1]);
   m_levels.pop_back();
-  --m_level;
-  if (!m_gone.empty()) bury(m_gone);
+  bury(m_entries, mark, Kind::CREATED);
+  m_entries.resize(mark);
+  if (mark == 0) forgetSteps(m_entries);
   m_replaying = false;
 }
 
-void UndoLog::undo(Entry const& entry, std::vector<ModelElementImpl*>& gone) noexcept {
+void UndoLog::undo(Entry const& entry) noexcept {
   switch (entry.kind) {
     case Kind::RECORD: {
       auto& element = *static_cast<ModelElementImpl*>(entry.object);
@@ -126,7 +122,6 @@ void UndoLog::undo(Entry const& entry, std::vector<ModelElementImpl*>& gone) noe
       if (element.isLive()) m_model->m_directory.remove(element);
       element.m_live = 0;
       element.m_state |= ElementImpl::DESTROYED;
-      gone.push_back(&element);
       break;
     }
     case Kind::DESTROYED: {
@@ -141,20 +136,23 @@ void UndoLog::undo(Entry const& entry, std::vector<ModelElementImpl*>& gone) noe
   }
 }
 
-void UndoLog::bury(std::vector<ModelElementImpl*>& elements) noexcept {
+void UndoLog::bury(std::vector<Entry> const& entries, std::size_t first, Kind kind) noexcept {
   // All links first, then the objects: each is still held while the others let go of it, so that nothing recurses.
-  std::vector<ModelElementImpl*> dead;
-  dead.swap(elements);
-  for (ModelElementImpl* element : dead) {
-    element->m_state &= static_cast<std::uint8_t>(~ElementImpl::ANNOUNCED);
-    element->invalidate();
-    element->basicDisassociateAll();
-    element->m_container = nullptr;
-    element->m_containmentProperty = nullptr;
+  for (std::size_t i = first; i < entries.size(); ++i) {
+    if (entries[i].kind != kind) continue;
+    auto& element = *static_cast<ModelElementImpl*>(entries[i].object);
+    element.m_state = ElementImpl::DESTROYED | ElementImpl::TEARING_DOWN;  // clears its links without a step
+    element.invalidate();
+    element.basicDisassociateAll();
+    element.m_container = nullptr;
+    element.m_containmentProperty = nullptr;
   }
-  for (ModelElementImpl* element : dead) element->removeRef();
-  dead.clear();
-  if (elements.empty()) elements.swap(dead);
+  for (std::size_t i = first; i < entries.size(); ++i) {
+    if (entries[i].kind != kind) continue;
+    auto& element = *static_cast<ModelElementImpl*>(entries[i].object);
+    element.m_state = ElementImpl::DESTROYED;
+    element.removeRef();
+  }
 }
 
 }  // namespace plinth

@@ -49,7 +49,7 @@ void Value::reset() noexcept {
 bool operator==(Value const& left, Value const& right) {
   if (left.m_meta.type() != right.m_meta.type() || left.m_meta.flags() != right.m_meta.flags()) return false;
   if (left.m_functions == nullptr || right.m_functions == nullptr) return left.m_content == right.m_content;
-  return left.m_functions == right.m_functions && left.m_functions->comparator(left.m_content, right.m_content);
+  return left.m_functions->comparator(left.m_content, right.m_content);  // one type and shape: one C++ type
 }
 
 std::uint64_t Value::hash() const {

@@ -33,8 +33,8 @@ class Verification {
 
   std::vector<Finding> run() {
     checkDirectory();
-    for (auto const& [element, facts] : m_elements) checkProperties(*element);
-    for (auto const& [element, facts] : m_elements) checkContainer(*element, facts);
+    for (ModelElementImpl const* element : m_order) checkProperties(*element);
+    for (ModelElementImpl const* element : m_order) checkContainer(*element, m_elements.at(element));
     checkCycles();
     checkOpposites();
     checkReferenceCounts();
@@ -92,6 +92,7 @@ class Verification {
   Model m_hold;
   ModelImpl& m_model;
   std::unordered_map<ModelElementImpl const*, Facts> m_elements;
+  std::vector<ModelElementImpl const*> m_order;  ///< that of the directory: findings come in the same order every time
   std::unordered_map<meta::ClassImpl const*, std::vector<meta::PropertyImpl*>> m_properties;
   std::unordered_set<Link, LinkHash> m_links;
   std::vector<Link> m_directLinks;  ///< those whose other end has to agree
@@ -125,10 +126,13 @@ std::string Verification::containment(ModelElementImpl const* container, meta::P
 void Verification::checkDirectory() {
   ElementDirectory const& directory = m_model.directory();
   m_elements.reserve(directory.size());
+  m_order.reserve(directory.size());
   auto const classes = directory.classes();
   for (meta::ClassImpl const* metaClass : classes) {
     for (ModelElementImpl const* element : directory.elementsOf(*metaClass)) {
-      if (!m_elements.try_emplace(element).second) {
+      if (m_elements.try_emplace(element).second) {
+        m_order.push_back(element);
+      } else {
         report("directory", *element, nullptr, "one entry in the lists of the classes", "two");
       }
     }
@@ -268,8 +272,7 @@ void Verification::checkContainer(ModelElementImpl const& element, Facts const& 
 
 void Verification::checkCycles() {
   std::vector<Facts*> path;
-  for (auto const& [start, unused] : m_elements) {
-    ModelElementImpl const* each = start;
+  for (ModelElementImpl const* each : m_order) {
     auto at = m_elements.find(each);
     while (at != m_elements.end() && at->second.walk == Facts::NEW) {
       at->second.walk = Facts::ON_PATH;
@@ -295,8 +298,8 @@ void Verification::checkOpposites() {
 }
 
 void Verification::checkReferenceCounts() {
-  for (auto const& [element, facts] : m_elements) {
-    std::uint32_t const atLeast = facts.handles + 1;  // the model's own
+  for (ModelElementImpl const* element : m_order) {
+    std::uint32_t const atLeast = m_elements.at(element).handles + 1;  // the model's own
     if (element->refCount() >= atLeast && element->refCount() < ElementImpl::REFCOUNT_DELETING) continue;
     report("reference count", *element, nullptr, "at least " + std::to_string(atLeast),
            std::to_string(element->refCount()));

@@ -11,9 +11,7 @@ void AssociativeJournal::clear() noexcept {
   m_order.clear();
 }
 
-void AssociativeJournal::reserve() {
-  if (m_order.size() == m_order.capacity()) m_order.reserve(m_order.empty() ? 64 : 2 * m_order.size());
-}
+void AssociativeJournal::reserve() { makeRoomForOne(m_order, 64); }
 
 void AssociativeJournal::undoTo(std::size_t mark) noexcept {
   while (m_order.size() > mark) {
@@ -57,6 +55,13 @@ void ReferenceAssociative::addProxy(ModelElement const& proxy) {
   operation.commit();
 }
 
+bool ReferenceAssociative::keeps(ModelElement const& proxy) const {
+  boost::optional<ProxyId> const id = proxy->getProxyId();
+  if (m_proxies == nullptr || !id) return false;
+  auto const found = m_proxies->find(*id);
+  return found != m_proxies->end() && found->second == proxy;
+}
+
 void ReferenceAssociative::removeProxy(ModelElement const& proxy) {
   boost::optional<ProxyId> const id = proxy->getProxyId();
   if (m_proxies == nullptr || !id || m_proxies->count(*id) == 0) return;
@@ -84,39 +89,37 @@ void ReferenceAssociative::copyProxies(ReferenceAssociative const* other, Collec
   }
 }
 
-void ReferenceAssociative::takeIn(ProxyId const& id, ModelElement const& real) {
+void ReferenceAssociative::takeIn(ModelElement const& proxy, ModelElement const& real) {
+  // A step like any other, so that taking back its transaction leaves the proxy and nothing else.
   Operation operation(*this, extent());
-  // Inside a transaction the step is kept like any other, so that taking it back leaves the proxy and nothing else.
-  bool const inTransaction = owner() != nullptr && owner()->model().level() > 0;
-  ModelElement const proxy = m_proxies->at(id);
-  if (resolveAdd(real)) {
-    if (inTransaction) {
-      removeProxy(proxy);
-    } else {
-      m_proxies->erase(id);
-    }
-    if (hasInverse()) inverseAfterAdding(*real);
-  }
+  bool const inserted = resolveAdd(real);
+  // A proxy goes when its element is in, also if it was before; it stays while another element bears the key.
+  if (inserted || holds(real)) removeProxy(proxy);
+  if (inserted && hasInverse() && !listsOwner(*real)) inverseAfterAdding(*real);
   operation.commit();
 }
 
 void ReferenceAssociative::replaceProxy(ModelElement const& element) {
   if (m_proxies == nullptr || m_proxies->empty()) return;
   for (bool const local : {true, false}) {
-    ProxyId const id = element->getPersistentProxyId(local);
-    if (m_proxies->count(id) == 0) continue;
-    takeIn(id, element);
+    auto const found = m_proxies->find(element->getPersistentProxyId(local));
+    if (found == m_proxies->end()) continue;
+    ModelElement const proxy = found->second;
+    takeIn(proxy, element);
     return;
   }
 }
 
 void ReferenceAssociative::resolve(bool localOnly) {
   if (m_proxies == nullptr || m_proxies->empty()) return;
-  ProxyTable const snapshot = *m_proxies;
-  for (auto const& [id, proxy] : snapshot) {
-    if (localOnly && !id.isLocal()) continue;
+  std::vector<ModelElement> waiting;  // taking one in changes the table, and so may a model that is loaded for it
+  waiting.reserve(m_proxies->size());
+  for (auto const& [id, proxy] : *m_proxies) {
+    if (!localOnly || id.isLocal()) waiting.push_back(proxy);
+  }
+  for (ModelElement const& proxy : waiting) {
     ModelElement const real = resolved(proxy);
-    if (!real.isEmpty() && m_proxies->count(id) != 0) takeIn(id, real);
+    if (!real.isEmpty() && keeps(proxy)) takeIn(proxy, real);
   }
 }
 
@@ -165,6 +168,11 @@ std::vector<ModelElement> ReferenceAssociative::getAllValuesAndProxies() const {
 void ReferenceAssociative::genericRemove(ModelElement const& element) {
   if (!element) return;
   requireFitting(element);
+  removeMember(element);
+}
+
+void ReferenceAssociative::removeMember(ModelElement const& element) {
+  if (element.isEmpty()) return;
   if (element->isProxy()) {
     removeProxy(element);
   } else {

@@ -69,7 +69,8 @@ void ReferenceMap::insertElement(ModelElement const& element, CollisionResolutio
     if (resolution == CollisionResolution::REPLACE) replaceEntry(at, element);
     return;
   }
-  Operation operation(*this, extent());
+  Operation operation(*this, extentOfAdding(*element));
+  announceAdding(*element);
   insertRaw(at, element, modifying());
   if (hasInverse()) inverseAfterAdding(*element);
   operation.commit();
@@ -105,6 +106,23 @@ std::vector<std::u16string> ReferenceMap::keys() const {
   return keys;
 }
 
+std::vector<Value> ReferenceMap::getAllKeys() const {
+  std::vector<Value> keys;
+  keys.reserve(m_elements.size());
+  ValueMeta const meta(StandardTypes::stringMeta(), meta::SINGLE);
+  for (auto const& entry : m_elements) keys.push_back(Value::make<std::u16string>(meta, entry.first));
+  return keys;
+}
+
+meta::Type ReferenceMap::getQualifierType() const {
+  if (property() == nullptr || property()->qualifiedBy() == nullptr) return meta::Type(StandardTypes::stringMeta());
+  return property()->qualifiedBy()->getType();
+}
+
+bool ReferenceMap::hasSameMembers(ReferenceCollection const& other) const {
+  return m_elements == static_cast<ReferenceMap const&>(other).m_elements && ReferenceCollection::hasSameMembers(other);
+}
+
 void ReferenceMap::genericAdd(ModelElement const& element) {
   if (!element) return;
   requireFitting(element);
@@ -129,8 +147,7 @@ void ReferenceMap::basicAdd(ModelElement const& element) {
 }
 
 bool ReferenceMap::resolveAdd(ModelElement const& element) {
-  bool const inTransaction = owner() != nullptr && owner()->model().level() > 0;
-  return insertRaw(m_elements.lower_bound(keyOf(*element)), element, inTransaction ? modifying() : nullptr);
+  return insertRaw(m_elements.lower_bound(keyOf(*element)), element, modifying());
 }
 
 void ReferenceMap::basicRemove(ModelElement const& element) {
@@ -219,17 +236,8 @@ class MapInterface final : public GenericMapInterface {
   ModelElement genericGet(Value const& key) const override {
     return m_map->findElement(key.getValue<std::u16string>());
   }
-  std::vector<Value> genericKeys() const override {
-    std::vector<Value> keys;
-    ValueMeta const meta(StandardTypes::stringMeta(), meta::SINGLE);
-    for (auto const& entry : m_map->raw()) keys.push_back(Value::make<std::u16string>(meta, entry.first));
-    return keys;
-  }
-  meta::Type getQualifierType() const override {
-    meta::PropertyImpl const* const property = m_map->property();
-    if (property == nullptr || property->qualifiedBy() == nullptr) return meta::Type(StandardTypes::stringMeta());
-    return property->qualifiedBy()->getType();
-  }
+  std::vector<Value> genericKeys() const override { return m_map->getAllKeys(); }
+  meta::Type getQualifierType() const override { return m_map->getQualifierType(); }
 
  private:
   ReferenceMap* m_map;

@@ -17,31 +17,58 @@ ReferenceSequence::ReferenceSequence(ModelElementImpl* owner, meta::PropertyImpl
                                      meta::PropertyImpl* opposite) noexcept
     : ReferenceCollection(owner, property, opposite), m_unique(property != nullptr && property->isUnique()) {}
 
-std::unique_ptr<CollectionJournal> ReferenceSequence::makeJournal() { return std::make_unique<Journal>(m_elements); }
+/// The undo of the slots; the filter follows them.
+class ReferenceSequence::Journal final : public detail::SequenceJournal<ModelElement> {
+ public:
+  explicit Journal(ReferenceSequence& sequence) noexcept
+      : SequenceJournal(sequence.m_elements), m_sequence(&sequence) {}
+  void undoTo(std::size_t mark) noexcept override {
+    SequenceJournal::undoTo(mark);
+    m_sequence->refillFilter();
+  }
+
+ private:
+  ReferenceSequence* m_sequence;
+};
+
+std::unique_ptr<CollectionJournal> ReferenceSequence::makeJournal() { return std::make_unique<Journal>(*this); }
 
 ReferenceSequence::Journal* ReferenceSequence::recordingJournal() { return static_cast<Journal*>(modifying()); }
 
-void ReferenceSequence::insertRaw(std::size_t position, ModelElement const& element) {
-  Journal* const journal = recordingJournal();
+void ReferenceSequence::insertRaw(std::size_t position, ModelElement const& element, Journal* journal) {
   if (journal != nullptr) journal->reserve();
   failurePoint("sequence-insert");
   m_elements.insert(m_elements.begin() + offset(position), element);
   if (journal != nullptr) journal->inserted(position);
-  if (m_filter != nullptr && isRealElement(element)) m_filter->add(element->getUuid());
+  addToFilter(m_elements[position]);  // `element` may have been a slot of this very sequence
+  noteRepetition(m_elements[position]);
 }
 
-void ReferenceSequence::eraseRaw(std::size_t position) {
-  Journal* const journal = recordingJournal();
+void ReferenceSequence::eraseRaw(std::size_t position, Journal* journal) {
   if (journal != nullptr) journal->reserve();
   ModelElement taken = std::move(m_elements[position]);
-  forgetInFilter(taken, journal);
+  removeFromFilter(taken);
   m_elements.erase(m_elements.begin() + offset(position));
   if (journal != nullptr) journal->erased(position, std::move(taken));
 }
 
-void ReferenceSequence::forgetInFilter(ModelElement const& element, Journal const* journal) {
-  // What a rollback may bring back stays in the filter: it may say yes for what has gone, never no for what is there.
-  if (m_filter != nullptr && journal == nullptr && isRealElement(element)) m_filter->remove(element->getUuid());
+void ReferenceSequence::noteRepetition(ModelElement const& element) noexcept {
+  if (m_unique || m_repeats || owner() == nullptr || !isComposite()) return;
+  m_repeats = element->basicContainer() == owner() && element->basicContainmentFeature() == property();
+}
+
+void ReferenceSequence::addToFilter(ModelElement const& element) noexcept {
+  if (m_filter != nullptr && isRealElement(element)) m_filter->add(element->getUuid());
+}
+
+void ReferenceSequence::removeFromFilter(ModelElement const& element) noexcept {
+  if (m_filter != nullptr && isRealElement(element)) m_filter->remove(element->getUuid());
+}
+
+void ReferenceSequence::refillFilter() noexcept {
+  if (m_filter == nullptr) return;
+  m_filter->clear();
+  for (ModelElement const& element : m_elements) addToFilter(element);
 }
 
 void ReferenceSequence::addElement(ModelElement const& element) { insertElement(m_elements.size(), element); }
@@ -49,17 +76,19 @@ void ReferenceSequence::addElement(ModelElement const& element) { insertElement(
 std::size_t ReferenceSequence::insertElement(std::size_t position, ModelElement const& element) {
   if (element.isEmpty()) return position;
   checkCompatibleModel(element.impl());
-  if (m_unique && containsElement(element)) return positionOf(element);
-  Operation operation(*this, extent());
-  insertRaw(position, element);
-  if (hasInverse() && !element->isProxy()) inverseAfterAdding(*element);
+  if (m_unique && containsElement(element)) return findResolving(element);
+  ModelElementImpl& added = *element;
+  Operation operation(*this, extentOfAdding(added));
+  announceAdding(added);
+  insertRaw(position, element, recordingJournal());
+  if (hasInverse() && !added.isProxy()) inverseAfterAdding(added);
   operation.commit();
   return position;
 }
 
 void ReferenceSequence::basicAdd(ModelElement const& element) {
   Operation operation(*this);
-  insertRaw(m_elements.size(), element);
+  insertRaw(m_elements.size(), element, recordingJournal());
   operation.commit();
 }
 
@@ -76,39 +105,46 @@ std::size_t ReferenceSequence::positionOf(ModelElement const& element) const {
   return static_cast<std::size_t>(std::find(m_elements.begin(), m_elements.end(), element) - m_elements.begin());
 }
 
-void ReferenceSequence::removeElement(ModelElement const& element) {
+/// The first position of the element, or size(); a proxy on the way that resolves to it counts as it.
+std::size_t ReferenceSequence::findResolving(ModelElement const& element) {
   for (std::size_t i = 0; i < m_elements.size(); ++i) {
     if (m_elements[i] != element) resolveSlot(i);
-    if (m_elements[i] == element) {
-      eraseAt(i);
-      return;
-    }
+    if (m_elements[i] == element) return i;
   }
+  return m_elements.size();
+}
+
+void ReferenceSequence::removeElement(ModelElement const& element) {
+  std::size_t const position = findResolving(element);
+  if (position != m_elements.size()) eraseAt(position);
 }
 
 void ReferenceSequence::basicRemove(ModelElement const& element) {
-  std::size_t const position = positionOf(element);
+  std::size_t position = positionOf(element);
   if (position == m_elements.size()) return;
-  Operation operation(*this);
-  eraseRaw(position);
+  Operation operation(*this, m_repeats ? Operation::WHOLE : Operation::SINGLE);
+  Journal* const journal = recordingJournal();
+  // An element that another container takes, or that ends, leaves every slot that it stands in.
+  do {
+    eraseRaw(position, journal);
+    if (m_repeats) position = positionOf(element);
+  } while (m_repeats && position != m_elements.size());
   operation.commit();
 }
 
 void ReferenceSequence::inverseBeforeErasing(std::size_t position) {
   ModelElement const element = m_elements[position];
   if (!isRealElement(element)) return;
-  if (!m_unique && opposite() == nullptr) {
-    // Another slot may hold the same element: it stays contained until the last one goes.
-    auto const count = std::count(m_elements.begin(), m_elements.end(), element);
-    if (count > 1) return;
-  }
+  // An element stays contained until it leaves its last slot.
+  if (m_repeats && std::count(m_elements.begin(), m_elements.end(), element) > 1) return;
   inverseBeforeRemoving(*element);
 }
 
 std::size_t ReferenceSequence::eraseAt(std::size_t position) {
   Operation operation(*this, extent());
+  Journal* const journal = recordingJournal();
   if (hasInverse()) inverseBeforeErasing(position);
-  eraseRaw(position);
+  eraseRaw(position, journal);
   operation.commit();
   return position;
 }
@@ -116,10 +152,12 @@ std::size_t ReferenceSequence::eraseAt(std::size_t position) {
 void ReferenceSequence::clear() {
   if (m_elements.empty()) return;
   Operation operation(*this, extent());
-  if (hasInverse()) {
+  modifying();
+  if (hasInverse() || m_filter != nullptr) {
     std::vector<ModelElement> const snapshot = m_elements;
     for (ModelElement const& element : snapshot) {
-      if (isRealElement(element)) inverseBeforeRemoving(*element);
+      if (hasInverse() && isRealElement(element)) inverseBeforeRemoving(*element);
+      removeFromFilter(element);
     }
   }
   basicClear();
@@ -143,6 +181,7 @@ void ReferenceSequence::basicCopyValues(ReferenceCollection const* other) {
   Operation operation(*this);
   Journal* const journal = recordingJournal();
   if (journal != nullptr) journal->reserveReset();
+  m_repeats = m_repeats || (source != nullptr && source->m_repeats);
   copy.swap(m_elements);
   if (journal != nullptr) journal->reset(std::move(copy));
   operation.commit();
@@ -159,8 +198,9 @@ void ReferenceSequence::replaceAt(std::size_t position, ModelElement const& elem
   if (journal != nullptr) journal->reserve();
   if (hasInverse()) inverseBeforeErasing(position);
   ModelElement former = std::exchange(m_elements[position], element);
-  forgetInFilter(former, journal);
-  if (m_filter != nullptr && isRealElement(element)) m_filter->add(element->getUuid());
+  removeFromFilter(former);
+  addToFilter(element);
+  noteRepetition(element);
   if (journal != nullptr) journal->replaced(position, std::move(former));
   if (hasInverse() && !element->isProxy()) inverseAfterAdding(*element);
   operation.commit();
@@ -168,7 +208,7 @@ void ReferenceSequence::replaceAt(std::size_t position, ModelElement const& elem
 
 void ReferenceSequence::ensureAt(std::size_t position, ModelElement const& element) {
   std::size_t const at = insertElement(position, element);
-  if (at == position || at >= m_elements.size()) return;
+  if (at == position || std::max(at, position) >= m_elements.size()) return;
   Operation operation(*this);
   Journal* const journal = recordingJournal();
   if (journal != nullptr) {
@@ -186,8 +226,20 @@ bool ReferenceSequence::resolveSlot(std::size_t position) {
   if (proxy.isEmpty() || !proxy->isProxy()) return false;
   ModelElement real = resolved(proxy);
   if (real.isEmpty()) return false;
-  m_elements[position] = std::move(real);  // no Operation: resolving is not a modification
+  takePlaceOfProxy(position, std::move(real));
   return true;
+}
+
+/// Resolving is no modification, with no Operation and no notice, as long as the element can't go back to where it came
+/// from.
+void ReferenceSequence::takePlaceOfProxy(std::size_t position, ModelElement real) {
+  Journal* const journal = real->isProvisional() && owner()->model().level() > 0 ? recordingJournal() : nullptr;
+  if (journal != nullptr) {
+    journal->reserve();
+    journal->replaced(position, m_elements[position]);
+  }
+  m_elements[position] = std::move(real);
+  addToFilter(m_elements[position]);
 }
 
 ModelElement const& ReferenceSequence::resolveAt(std::size_t position) {
@@ -197,10 +249,7 @@ ModelElement const& ReferenceSequence::resolveAt(std::size_t position) {
 
 void ReferenceSequence::useFilter(std::unique_ptr<SaturatedBloomFilter> filter) {
   m_filter = std::move(filter);
-  if (m_filter == nullptr) return;
-  for (ModelElement const& element : m_elements) {
-    if (isRealElement(element)) m_filter->add(element->getUuid());
-  }
+  refillFilter();
 }
 
 std::vector<ModelElement> ReferenceSequence::getAllValues() {
@@ -248,7 +297,8 @@ void ReferenceSequence::replaceProxy(ModelElement const& element) {
 
 void ReferenceSequence::replaceProxyAt(ModelElement const& element, std::size_t position) {
   m_elements[position] = element;
-  if (!hasInverse()) return;
+  addToFilter(element);
+  if (!hasInverse() || listsOwner(*element)) return;
   Operation operation(*this, Operation::WHOLE);
   inverseAfterAdding(*element);
   operation.commit();
@@ -279,12 +329,13 @@ void ReferenceSequence::convertToProxy(ModelElementImpl& element, ModelElement c
 
 bool ReferenceSequence::basicContainsProxyTo(ModelElementImpl& target) {
   if (owner() == nullptr) return false;
-  for (ModelElement& slot : m_elements) {
+  for (std::size_t i = 0; i < m_elements.size(); ++i) {
+    ModelElement const& slot = m_elements[i];
     if (slot.impl() == &target) return true;
     if (!slot->isProxy()) continue;
     ModelElement const found = peekResolveProxy(slot);
     if (found.impl() != &target || found->isProxy() || !fits(found)) continue;
-    slot = found;
+    takePlaceOfProxy(i, found);
     return true;
   }
   return false;

@@ -44,7 +44,8 @@ void ReferenceSet::addElement(ModelElement const& element) {
     return;
   }
   if (holds(element)) return;
-  Operation operation(*this, extent());
+  Operation operation(*this, extentOfAdding(*element));
+  announceAdding(*element);
   insertRaw(element, modifying());
   if (hasInverse()) inverseAfterAdding(*element);
   operation.commit();
@@ -59,9 +60,10 @@ void ReferenceSet::genericAdd(ModelElement const& element) {
 void ReferenceSet::removeElement(ModelElement const& element) {
   if (!holds(element)) return;
   Operation operation(*this, extent());
+  CollectionJournal* const journal = modifying();
   if (hasInverse()) inverseBeforeRemoving(*element);
   auto const at = m_elements.find(element);
-  if (at != m_elements.end()) eraseRaw(at, modifying());
+  if (at != m_elements.end()) eraseRaw(at, journal);
   operation.commit();
 }
 
@@ -71,10 +73,7 @@ void ReferenceSet::basicAdd(ModelElement const& element) {
   operation.commit();
 }
 
-bool ReferenceSet::resolveAdd(ModelElement const& element) {
-  bool const inTransaction = owner() != nullptr && owner()->model().level() > 0;
-  return insertRaw(element, inTransaction ? modifying() : nullptr);
-}
+bool ReferenceSet::resolveAdd(ModelElement const& element) { return insertRaw(element, modifying()); }
 
 void ReferenceSet::basicRemove(ModelElement const& element) {
   auto const at = m_elements.find(element);

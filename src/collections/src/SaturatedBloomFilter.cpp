@@ -1,5 +1,7 @@
 #include "plinth/collections/SaturatedBloomFilter.hpp"
 
+#include <algorithm>
+
 #include "plinth/ElementDirectory.hpp"
 
 namespace plinth {
@@ -28,6 +30,8 @@ void SaturatedBloomFilter::remove(boost::uuids::uuid const& uuid) noexcept {
     if (counter != SATURATED && counter != 0) --counter;
   }
 }
+
+void SaturatedBloomFilter::clear() noexcept { std::fill(m_counters.begin(), m_counters.end(), std::uint8_t{0}); }
 
 bool SaturatedBloomFilter::contains(boost::uuids::uuid const& uuid) const noexcept {
   for (int probe = 0; probe < PROBES; ++probe) {

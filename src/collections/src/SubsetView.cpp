@@ -14,19 +14,6 @@ void SubsetView::forEachReal(std::function<void(ModelElementImpl&)> const& visit
   });
 }
 
-bool SubsetView::empty() const {
-  // The walk costs what stands before the first member that qualifies.
-  bool found = false;
-  m_parent->forEachReal([&](ModelElementImpl& element) { found = found || shows(ModelElement(&element)); });
-  return !found;
-}
-
-std::size_t SubsetView::rawSize() const {
-  std::size_t count = 0;
-  forEachReal([&](ModelElementImpl&) { ++count; });
-  return count;
-}
-
 void SubsetView::addElement(ModelElement const& element) {
   if (m_filter && !element.isEmpty() && !m_filter(element)) {
     reportException(messages::CannotAddIncompatibleObjectSubset());
@@ -67,7 +54,7 @@ void SubsetView::genericRemove(ModelElement const& element) {
 }
 
 void SubsetView::clear() {
-  std::vector<ModelElement> const members = getAllValuesAndProxies();
+  std::vector<ModelElement> const members = shown();
   if (members.empty()) return;
   Operation operation(*this, Operation::WHOLE);
   for (ModelElement const& element : members) m_parent->genericRemove(element);

@@ -20,8 +20,8 @@ void stamp(Element& element, ClassTable const& table) {
 plinth::ModelElement createElement(ClassTable const& table, plinth::Model const& model,
                                    boost::uuids::uuid const& uuid) {
   if (model.isEmpty()) plinth::reportException(plinth::messages::CannotCreateWithoutModel());
-  table.metaClass();  // the metamodel stands before its first element
-  plinth::Step step(*model.impl(), plinth::Step::WHOLE);
+  table.metaClass();                 // the metamodel stands before its first element
+  plinth::Step step(*model.impl());  // announcing the element is the one thing that changes the model
   plinth::ModelElement element(table.allocate(*model.impl(), uuid), plinth::Adopt{});
   stamp(static_cast<Element&>(*element), table);
   element->notifyCreated();

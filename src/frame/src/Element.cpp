@@ -43,26 +43,22 @@ void Element::copyValue(plinth::Storage* storage, unsigned long index) const {
 
 void Element::copyStateFromStorage(plinth::Storage* storage) {
   auto& record = static_cast<ElementStorage&>(*storage);
-  for (ClassTable const* each = &classTable(); each != nullptr; each = each->base) {
-    for (PropertyDescriptor const& row : *each) {
-      if (row.index != 0 && record.isChanged(row.index)) row.kind->restoreOld(*this, record, row);
-    }
-  }
+  record.forEachChanged([&](PropertyDescriptor const& row) { row.kind->restoreOld(*this, record, row); });
   ModelElementImpl::copyStateFromStorage(storage);
 }
 
 void Element::doDestroy(bool flag1, bool flag2) {
-  forEachAlongChain(classTable(), [&](auto const& row) { row.kind->destroyContained(*this, row, flag1, flag2); });
+  forEachLink(classTable(), [&](auto const& row) { row.kind->destroyContained(*this, row, flag1, flag2); });
   ModelElementImpl::doDestroy(flag1, flag2);
 }
 
 void Element::disassociateIncoming() {
-  forEachAlongChain(classTable(), [&](auto const& row) { row.kind->disassociate(*this, row); });
+  forEachLink(classTable(), [&](auto const& row) { row.kind->disassociate(*this, row); });
   ModelElementImpl::disassociateIncoming();
 }
 
 void Element::basicDisassociateAll() {
-  forEachAlongChain(classTable(), [&](auto const& row) { row.kind->basicDisassociate(*this, row); });
+  forEachLink(classTable(), [&](auto const& row) { row.kind->basicDisassociate(*this, row); });
   ModelElementImpl::basicDisassociateAll();
 }
 
@@ -82,7 +78,7 @@ void Element::invalidate() {
 }
 
 void Element::collectContained(std::vector<plinth::ModelElementImpl*>& children) const {
-  forEachAlongChain(classTable(), [&](auto const& row) { row.kind->collectContained(*this, row, children); });
+  forEachLink(classTable(), [&](auto const& row) { row.kind->collectContained(*this, row, children); });
 }
 
 void Element::inverseAdd(plinth::ModelElementImpl& element, plinth::meta::PropertyImpl& property) {
@@ -108,7 +104,7 @@ bool Element::inverseContainsProxyTo(plinth::ModelElementImpl& element, plinth::
 }
 
 void Element::convertReferencesToProxies(bool convert, boost::optional<plinth::ProxyId>& id) {
-  forEachAlongChain(classTable(), [&](auto const& row) { row.kind->convertToProxies(*this, row, convert, id); });
+  forEachLink(classTable(), [&](auto const& row) { row.kind->convertToProxies(*this, row, convert, id); });
   ModelElementImpl::convertReferencesToProxies(convert, id);
 }
 

@@ -30,6 +30,7 @@ void ElementBuilder::giveStamps() {
 }
 
 void ElementBuilder::setOrAdd(plinth::meta::Property const& property, plinth::Value const& value) {
+  m_table->metaClass();
   auto const* const row = property.isEmpty() ? nullptr : findDescriptor(*m_table, *property.impl());
   if (row == nullptr || !row->kind->build(*this, *row, value)) {
     ModelElementBuilder::setOrAdd(property, value);
@@ -40,6 +41,7 @@ void ElementBuilder::setOrAdd(plinth::meta::Property const& property, plinth::Va
 
 void ElementBuilder::setOrAdd(plinth::meta::Property const& property,
                               std::unique_ptr<plinth::ModelElementBuilder> child) {
+  m_table->metaClass();
   auto const* const row = property.isEmpty() ? nullptr : findDescriptor(*m_table, *property.impl());
   bool const fits = row != nullptr && child != nullptr && child->getMetaClass()->conformsTo(*row->property->type());
   if (!fits || !row->kind->build(*this, *row, child)) {

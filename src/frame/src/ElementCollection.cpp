@@ -51,7 +51,7 @@ bool ElementCollectionKind::isUnchanged(Element const& element, ElementStorage c
   if (size > 1 || collection->oldSize() != size) return false;
   if (size == 0) return true;
   auto& old = const_cast<plinth::OldCollection&>(slotOf<plinth::OldCollection>(storage, row)).contents();
-  return static_cast<ReferenceCollection&>(old).getAllValuesAndProxies() == collection->getAllValuesAndProxies();
+  return collection->hasSameMembers(static_cast<ReferenceCollection&>(old));
 }
 
 void ElementCollectionKind::collectContained(Element const& element, Row const& row,
@@ -64,9 +64,10 @@ void ElementCollectionKind::collectContained(Element const& element, Row const& 
 void ElementCollectionKind::destroyContained(Element& element, Row const& row, bool flag1, bool flag2) const {
   auto* const collection = present(element, row);
   if (collection == nullptr || row.index == 0 || !collection->isComposite()) return;
-  for (ModelElement const& child : collection->getAllValuesAndProxies()) {
-    if (!child->isProxy()) child->destroyRecursively(flag1, false, flag2);
-  }
+  std::vector<ModelElementImpl*> children;  // the collection holds them, and afterwards the undo log
+  children.reserve(collection->rawSize());
+  collection->forEachReal([&](ModelElementImpl& child) { children.push_back(&child); });
+  for (ModelElementImpl* child : children) child->destroyRecursively(flag1, false, flag2);
   collection->basicClear();
 }
 
@@ -88,7 +89,7 @@ void ElementCollectionKind::basicDisassociate(Element& element, Row const& row) 
 
 void ElementCollectionKind::inverseAdd(Element& element, Row const& row, ModelElementImpl& far) const {
   ReferenceCollection& collection = require(element, row);
-  element.notifyModifying(row.index);
+  element.notifyJournaling(row.index);
   collection.basicAdd(ModelElement(&far));
 }
 

@@ -5,15 +5,21 @@
 
 namespace tessel::frame {
 
-PropertyDescriptor const* findDescriptor(ClassTable const& table, unsigned long index) noexcept {
+void bind(ClassTable& table, plinth::meta::Class const& metaClass) {
+  table.handle = &metaClass;
+  if (table.chain != nullptr) return;
+  auto chain = std::make_unique<ClassChain>();
+  chain->byIndex.resize(table.lastIndex + 1);
   for (ClassTable const* each = &table; each != nullptr; each = each->base) {
-    unsigned long const before = each->base == nullptr ? 0 : each->base->lastIndex;
-    if (index <= before || index > each->lastIndex) continue;
-    for (PropertyDescriptor const& row : *each) {
-      if (row.index == index) return &row;
+    for (FieldGroup const group : {FieldGroup::ATTRIBUTE, FieldGroup::SINGLE_ELEMENT, FieldGroup::COLLECTION}) {
+      for (PropertyDescriptor const& row : *each) {
+        if (row.index == 0 || row.kind->group() != group) continue;
+        chain->byIndex[row.index] = &row;
+        if (group != FieldGroup::ATTRIBUTE) chain->links.push_back(&row);
+      }
     }
   }
-  return nullptr;
+  table.chain = chain.release();
 }
 
 plinth::ModelElement elementFrom(plinth::Value const& value, PropertyDescriptor const& row) {

@@ -7,6 +7,16 @@ namespace tessel::frame {
 using plinth::ModelElement;
 using plinth::ModelElementImpl;
 
+namespace {
+
+/// Resolving is no modification and needs no notice, as long as the element can't go back to where it came from.
+void takePlaceOfProxy(Element& self, ElementField& field, PropertyDescriptor const& row, ModelElement real) {
+  if (real->isProvisional() && self.model().level() > 0) self.notifyModifying(row.index);
+  field = std::move(real);
+}
+
+}  // namespace
+
 void refreshElement(Element& self, ElementField& field, PropertyDescriptor const& row) {
   if (!field) {
     if (field.impl()->modelIdentity() != self.modelIdentity()) field = ModelElement();
@@ -16,7 +26,7 @@ void refreshElement(Element& self, ElementField& field, PropertyDescriptor const
   if (!resolved || resolved->isProxy()) return;
   auto* const opposite = row.property->opposite();
   if (opposite != nullptr && !self._inverseContainsThis(resolved.impl(), *opposite)) return;
-  field = std::move(resolved);
+  takePlaceOfProxy(self, field, row, std::move(resolved));
 }
 
 namespace {
@@ -52,7 +62,11 @@ void setOppositeReference(Element& self, ElementField& field, ModelElement const
 }
 
 void setContainment(Element& self, ElementField& field, ModelElement const& target, PropertyDescriptor const& row) {
-  setElement(self, field, target, row, plinth::Step::WHOLE, [&] {
+  // A child that no container gives up, for a field that is empty: once its link is announced, nothing can fail any
+  // more.
+  bool const isFirst = field.isEmpty() && target && target->basicContainer() == nullptr;
+  setElement(self, field, target, row, isFirst ? plinth::Step::SINGLE : plinth::Step::WHOLE, [&] {
+    if (isFirst) target->notifyModifying(0);
     if (field) self._basicSetUncontained(field.impl());
     basicSetElement(field, target);
     if (target) self._setContainedByThis(target.impl(), *row.property);
@@ -141,7 +155,7 @@ bool ReferenceKind::containsProxyTo(Element& element, Row const& row, ModelEleme
   if (!field || !field->isProxy()) return false;
   ModelElement const found = element.model().peekResolveProxy(&element, field);
   if (found.impl() != &far) return false;
-  field = found;
+  takePlaceOfProxy(element, field, row, found);
   return true;
 }
 

@@ -107,6 +107,7 @@ void weaveProperties(StructuredTypeRow const& row, plinth::meta::MetaRegistry co
     if (each.opposite != nullptr) property->setOpposite(*each.opposite);
     if (row.table != nullptr) row.table->properties[i].property = property.impl();
   }
+  if (row.table != nullptr) tessel::frame::bind(*row.table, *row.classHandle);
 }
 
 void weaveOperations(StructuredTypeRow const& row, plinth::meta::MetaRegistry const& registry) {

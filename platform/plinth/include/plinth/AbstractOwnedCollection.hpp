@@ -16,6 +16,16 @@ namespace plinth {
 class AbstractOwnedCollection;
 class GenericCollectionInterface;
 
+namespace detail {
+
+/// Sees to it that the next push_back allocates nothing. Amortized O(1).
+template <class V>
+void makeRoomForOne(V& steps, std::size_t first = 4) {
+  if (steps.size() == steps.capacity()) steps.reserve(steps.empty() ? first : 2 * steps.size());
+}
+
+}  // namespace detail
+
 /// Where the old value of a collection is: in the collection's journal, until somebody asks or the journal has to go.
 class TESSEL_EXPORT OldCollection {
  public:
@@ -93,11 +103,11 @@ class TESSEL_EXPORT AbstractOwnedCollection {
   std::unique_ptr<CollectionJournal> m_journal;
 };
 
-/// A step of the owner's model; a detached collection needs none.
+/// A step of the owner's model; a detached collection needs none. Raises CannotModifyDestroyedElement for a dead owner.
 class AbstractOwnedCollection::Operation : public Step {
  public:
   explicit Operation(AbstractOwnedCollection& collection, Extent extent = SINGLE)
-      : Step(collection.m_owner == nullptr ? nullptr : &collection.m_owner->model(), extent) {}
+      : Step(collection.m_owner == nullptr ? nullptr : collection.m_owner->changingModel(), extent) {}
 };
 
 }  // namespace plinth

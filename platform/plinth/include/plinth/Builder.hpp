@@ -33,7 +33,7 @@ class TESSEL_EXPORT Orchestrator {
  private:
   struct Frame;
   ModelElementBuilder* m_root;
-  std::vector<ModelElementBuilder*> m_builders;
+  ModelElementBuilder* m_builders = nullptr;  ///< the one added last; each knows the one before it
   Transaction m_transaction;
 };
 
@@ -92,7 +92,8 @@ class TESSEL_EXPORT ModelElementBuilder {
 
   Model m_model;
   Orchestrator* m_orchestrator = nullptr;
-  ModelElement m_created;  ///< what it made under m_orchestrator
+  ModelElementBuilder* m_addedBefore = nullptr;  ///< under m_orchestrator
+  ModelElement m_created;                        ///< what it made under m_orchestrator
   std::uint64_t m_setMask = 0;
   unsigned long m_bits;
 };

@@ -6,7 +6,6 @@
 #include <boost/intrusive/unordered_set.hpp>
 #include <cstring>
 #include <memory>
-#include <unordered_map>
 #include <vector>
 
 #include "plinth/ModelElement.hpp"
@@ -61,15 +60,19 @@ class TESSEL_EXPORT ElementDirectory {
                                       boost::intrusive::hash<UuidHash>, boost::intrusive::power_2_buckets<true>>;
   using Bucket = ByUuid::bucket_type;
 
+  /// The elements of one class; no class where it never had one.
+  struct Extent {
+    meta::ClassImpl const* metaClass = nullptr;
+    std::vector<ModelElementImpl*> elements;
+  };
+
   void growBuckets();
   std::vector<ModelElementImpl*>& extentOf(ModelElementImpl const& element);
 
   std::size_t m_bucketCount;
   std::unique_ptr<Bucket[]> m_buckets;
   ByUuid m_byUuid;
-  std::unordered_map<meta::ClassImpl const*, std::vector<ModelElementImpl*>> m_extents;
-  meta::ClassImpl const* m_lastClass = nullptr;  ///< the class looked up last: creations come in runs
-  std::vector<ModelElementImpl*>* m_lastExtent = nullptr;
+  std::vector<Extent> m_extents;  ///< by the ordinals of the classes
 };
 
 }  // namespace plinth

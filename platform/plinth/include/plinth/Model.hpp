@@ -112,9 +112,7 @@ class TESSEL_EXPORT ModelImpl : public ElementImpl {
   ElementDirectory m_directory;
   std::unique_ptr<ChangePublisher> m_publisher;
   std::unordered_map<ModelElementImpl const*, ProxyId> m_proxyIds;
-  std::vector<unsigned long> m_serials;  ///< for each open level, the serial of its transaction
-  unsigned long m_nextSerial = 1;
-  std::vector<ModelElement> m_teardown;  ///< elements whose teardown waits; see Teardown
+  std::vector<ModelElementImpl*> m_teardown;  ///< elements whose teardown waits; see Teardown
   std::u16string m_name;
   std::int32_t m_resolveSuppression = 0;
   bool m_frozen = false;

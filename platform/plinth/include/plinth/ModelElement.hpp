@@ -131,11 +131,22 @@ class TESSEL_EXPORT ModelElementImpl : public ElementImpl {
   void requireReal() const {
     if (isProxy()) reportRefusal();
   }
+  /// The model in which a change of a collection of this element is a step; null while its links are cleared for good.
+  /// Raises CannotModifyDestroyedElement.
+  ModelImpl* changingModel() const {
+    if ((m_state & DESTROYED) == 0) return m_model;
+    if ((m_state & TEARING_DOWN) == 0) reportRefusal();
+    return nullptr;
+  }
   /// Announces a change of the property with this index: the first time in a transaction level the old value is kept.
   void notifyModifying(unsigned long index);
+  /// The same for a property whose value keeps its own undo: an enclosing level's record serves inner ones too.
+  void notifyJournaling(unsigned long index);
   /// Refuses a target of another model, and for a containment one that this element lies in. Tolerates null.
   void checkCompatibleModel(ModelElementImpl* target, meta::PropertyImpl const& property) const;
   bool isAnnounced() const noexcept { return (m_state & ANNOUNCED) != 0; }
+  /// True while the transaction that created this element is open and may take it back.
+  bool isProvisional() const noexcept { return m_createdLevel != NO_LEVEL; }
   /// True when no old values are needed: the element is not announced yet, or new at the present transaction level.
   bool needsNoOldValues() const noexcept;
 

@@ -29,6 +29,9 @@ class TESSEL_EXPORT ReferenceCollection : public AbstractOwnedCollection {
   virtual std::vector<ModelElement> getAllValues() = 0;
   /// The members as they stand, proxies included.
   virtual std::vector<ModelElement> getAllValuesAndProxies() const = 0;
+  /// Whether `other`, which is of the same class, holds the same members and proxies, in the same order or under the
+  /// same keys. Linear.
+  virtual bool hasSameMembers(ReferenceCollection const& other) const;
   /// Calls `visit` for each real member, in order, without resolving and without counting.
   virtual void forEachReal(std::function<void(ModelElementImpl&)> const& visit) const = 0;
 
@@ -67,8 +70,19 @@ class TESSEL_EXPORT ReferenceCollection : public AbstractOwnedCollection {
   void inverseBeforeRemoving(ModelElementImpl& element);
   bool hasInverse() const noexcept { return owner() != nullptr && (opposite() != nullptr || isComposite()); }
   Operation::Extent extent() const noexcept { return hasInverse() ? Operation::WHOLE : Operation::SINGLE; }
+  /// The step in which `element` is added. One that no container gives up is only contained: once announceAdding has
+  /// been through, and room is made, nothing can fail any more.
+  Operation::Extent extentOfAdding(ModelElementImpl const& element) const noexcept {
+    return opposite() == nullptr && element.basicContainer() == nullptr ? Operation::SINGLE : extent();
+  }
+  /// Announces what will change in `element` itself; call before the addition, inside its Operation.
+  void announceAdding(ModelElementImpl& element) {
+    if (owner() != nullptr && opposite() == nullptr && isComposite()) element.notifyModifying(0);
+  }
   /// The element that a proxy stands for, if it is there and, for an opposite, lists the owner; else an empty handle.
   ModelElement resolved(ModelElement const& proxy) const;
+  /// Whether the far end of an opposite lists the owner, by a proxy if need be; false where there is no opposite.
+  bool listsOwner(ModelElementImpl& element) const;
 
  private:
   std::unique_ptr<GenericCollectionInterface> m_generic;

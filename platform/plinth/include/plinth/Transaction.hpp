@@ -23,8 +23,8 @@ class TESSEL_EXPORT Transaction {
   void commit();
   /// The same; the value is the foundation's and is empty throughout.
   void commit(boost::optional<Value> const& value);
-  /// True until the transaction has been committed or taken back.
-  bool isOpen() const noexcept { return m_open; }
+  /// True until the transaction has been committed or taken back, by itself or with an outer one.
+  bool isOpen() const noexcept;
 
  private:
   friend class ModelImpl;

@@ -14,6 +14,14 @@
 
 namespace plinth {
 
+/// Empties what a transaction has written down, and keeps its room for the next one unless it is much.
+template <class T>
+void forgetSteps(std::vector<T>& steps) noexcept {
+  constexpr std::size_t KEPT_BYTES = 64 * 1024;
+  steps.clear();
+  if (steps.capacity() * sizeof(T) > KEPT_BYTES) std::vector<T>().swap(steps);
+}
+
 /// A thing that keeps its own undo, such as a collection's journal. The log knows how far to take it back.
 class TESSEL_EXPORT Undoable {
  public:
@@ -35,7 +43,9 @@ class UndoLog {
   UndoLog(UndoLog const&) = delete;
   UndoLog& operator=(UndoLog const&) = delete;
 
-  std::uint32_t level() const noexcept { return m_level; }
+  std::uint32_t level() const noexcept { return static_cast<std::uint32_t>(m_levels.size()); }
+  /// What tells the transaction at this open level from all others of the model.
+  unsigned long serialAt(std::uint32_t level) const noexcept { return m_levels[level - 1].serial; }
   bool isReplaying() const noexcept { return m_replaying; }
   std::size_t size() const noexcept { return m_entries.size(); }
 
@@ -79,18 +89,22 @@ class UndoLog {
     std::uint32_t mark;
   };
 
+  struct Level {
+    std::size_t mark;  ///< the number of entries at its begin
+    unsigned long serial;
+  };
+
   void grow();
   void handRecordOver(Entry& entry, std::uint32_t level) noexcept;
-  void undo(Entry const& entry, std::vector<ModelElementImpl*>& gone) noexcept;
-  static void bury(std::vector<ModelElementImpl*>& elements) noexcept;
+  void undo(Entry const& entry) noexcept;
+  /// Lets go of the elements that the entries from `first` on are about, if they are of that kind.
+  static void bury(std::vector<Entry> const& entries, std::size_t first, Kind kind) noexcept;
   static void dropRecord(ModelElementImpl& element) noexcept;
 
   ModelImpl* m_model;
   std::vector<Entry> m_entries;
-  std::vector<std::size_t> m_levels;  ///< for each open level, the number of entries at its begin
-  std::vector<ModelElementImpl*>
-      m_gone;  ///< elements to let go at the end; room is made when they are created or destroyed
-  std::uint32_t m_level = 0;
+  std::vector<Level> m_levels;
+  unsigned long m_lastSerial = 0;
   bool m_replaying = false;
 };
 

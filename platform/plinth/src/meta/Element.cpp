@@ -1,13 +1,21 @@
 #include "plinth/meta/Element.hpp"
 
+#include "LiveObjects.hpp"
 #include "plinth/Changes.hpp"
 #include "plinth/Messages.hpp"
 #include "plinth/meta/MetaRegistry.hpp"
 
 namespace plinth::meta {
 
+MetaElementImpl::MetaElementImpl(Model const& model, boost::uuids::uuid const& uuid, CoreClass coreClass)
+    : ModelElementImpl(model, uuid), m_coreClass(coreClass) {
+  detail::LiveObjects::addMetaElement();
+}
+
+MetaElementImpl::~MetaElementImpl() { detail::LiveObjects::removeMetaElement(); }
+
 Class const& MetaElementImpl::getMetaClass() const {
-  return MetaRegistry::getInstance().coreClass(static_cast<std::size_t>(m_coreClass));
+  return MetaRegistry::coreClass(static_cast<std::size_t>(m_coreClass));
 }
 
 Changes* MetaElementImpl::createChanges() const {

@@ -24,15 +24,19 @@ std::u16string simpleName(std::string const& qualifiedName) {
 
 }  // namespace
 
+MetaRegistry* MetaRegistry::s_current = nullptr;
+
 MetaRegistry& MetaRegistry::getInstance() {
   static MetaRegistry* const instance = new MetaRegistry();  // never destroyed: the metamodel outlives static objects
   return *instance;
 }
 
-MetaRegistry::MetaRegistry() : m_model(Model::create()), m_freezer(m_model) { buildCore(); }
+MetaRegistry::MetaRegistry() : m_model(Model::create()), m_freezer(m_model) {
+  s_current = this;  // the core elements ask for their classes while this constructor runs
+  buildCore();
+}
 
 void MetaRegistry::buildCore() {
-  // These elements are announced once all of them stand: the directory asks each for its class, which is one of them.
   auto const thawer = m_freezer.thaw();
   Transaction transaction = m_model->beginTransaction(true);
   for (char const* name : CORE_CLASSES) {
@@ -51,6 +55,9 @@ void MetaRegistry::buildCore() {
     m_primitives.emplace(name, primitive);
     m_types.emplace(name, primitive);
   }
+  // Announced once all of them stand: each is of a class that is one of them.
+  for (Class const& core : m_coreClasses) core->notifyCreated();
+  for (auto const& [name, primitive] : m_primitives) primitive->notifyCreated();
   transaction.commit();
 }
 

@@ -1,5 +1,7 @@
 #include "plinth/meta/Type.hpp"
 
+#include <atomic>
+
 #include "groundwork/unicode.hpp"
 #include "plinth/Builder.hpp"
 #include "plinth/meta/Enum.hpp"
@@ -34,6 +36,11 @@ void TypeImpl::basicDisassociateAll() {
 void TypeImpl::doDestroy(bool flag1, bool flag2) {
   for (PropertyImpl* property : m_properties) property->destroyRecursively(flag1, false, flag2);
   for (OperationImpl* operation : m_operations) operation->destroyRecursively(flag1, false, flag2);
+}
+
+std::uint32_t ClassImpl::nextOrdinal() noexcept {
+  static std::atomic<std::uint32_t> next{0};
+  return next.fetch_add(1, std::memory_order_relaxed);
 }
 
 void ClassImpl::setSuperclass(Class const& superclass) {

@@ -27,8 +27,8 @@ class TESSEL_EXPORT MetaElementImpl : public ModelElementImpl {
   /// The core classes of the metamodel's own elements, in the order of the registry's table.
   enum class CoreClass { PACKAGE, CLASS, DATATYPE, ENUM, ENUM_LITERAL, PRIMITIVE, PROPERTY, OPERATION };
 
-  MetaElementImpl(Model const& model, boost::uuids::uuid const& uuid, CoreClass coreClass)
-      : ModelElementImpl(model, uuid), m_coreClass(coreClass) {}
+  MetaElementImpl(Model const& model, boost::uuids::uuid const& uuid, CoreClass coreClass);
+  ~MetaElementImpl() override;
   /// Raises CannotModifyFrozenModel once the element's own transaction has ended.
   void requireNew() const;
   void becomePartOf(ModelElementImpl& owner);

@@ -45,12 +45,14 @@ class TESSEL_EXPORT MetaRegistry {
   /// The foundation's own classes: plinth.ModelElement, plinth.Model and those of the metamodel's objects.
   Class const& modelElementClass() const noexcept { return m_coreClasses.front(); }
   Class const& modelClass() const noexcept { return m_coreClasses[1]; }
-  Class const& coreClass(std::size_t which) const noexcept { return m_coreClasses[2 + which]; }
+  static Class const& coreClass(std::size_t which) noexcept { return s_current->m_coreClasses[2 + which]; }
 
  private:
   friend class AbstractMetaPackage;
   MetaRegistry();
   void buildCore();
+
+  static MetaRegistry* s_current;
 
   Model m_model;
   Model::Freezer m_freezer;

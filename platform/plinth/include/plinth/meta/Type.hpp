@@ -109,6 +109,8 @@ class TESSEL_EXPORT ClassImpl : public TypeImpl {
       : TypeImpl(model, uuid, CoreClass::CLASS, qualifiedName), m_abstract(isAbstract) {}
 
   bool isAbstract() const noexcept { return m_abstract; }
+  /// Numbers the classes of the process from 0 in the order in which they were made: a place in tables by class.
+  std::uint32_t ordinal() const noexcept { return m_ordinal; }
   Class getSuperclass() const noexcept { return Class(m_superclass); }
   ClassImpl* superclass() const noexcept { return m_superclass; }
   void setSuperclass(Class const& superclass);
@@ -124,8 +126,11 @@ class TESSEL_EXPORT ClassImpl : public TypeImpl {
 
  private:
   friend class MetaRegistry;
+  static std::uint32_t nextOrdinal() noexcept;
+
   ClassImpl* m_superclass = nullptr;
   BuilderFactory m_builderFactory = nullptr;
+  std::uint32_t m_ordinal = nextOrdinal();
   bool m_abstract;
 };
 

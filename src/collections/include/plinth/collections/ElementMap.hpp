@@ -21,6 +21,8 @@ class ElementMap final : public ReferenceMap {
   using Element = T;
   /// Iterates over the elements in key order.
   using Iterator = detail::HandleIterator<T, Container::const_iterator, Second>;
+  using value_type = T;
+  using const_iterator = Iterator;
 
   explicit ElementMap(KeyExtractor keyExtractor, ModelElementImpl* owner = nullptr,
                       meta::PropertyImpl* property = nullptr, meta::PropertyImpl* opposite = nullptr) noexcept
@@ -31,7 +33,7 @@ class ElementMap final : public ReferenceMap {
   void insert(T const& element, CollisionResolution resolution = CollisionResolution::RAISE) {
     insertElement(element, resolution);
   }
-  void remove(T const& element) { genericRemove(element); }
+  void remove(T const& element) { removeMember(element); }
   bool contains(T const& element) const { return !element.isEmpty() && holds(element); }
   /// The element of that key, or an empty handle.
   T find(std::u16string_view key) const {

@@ -12,6 +12,8 @@ class ElementSequence final : public ReferenceSequence {
  public:
   using Element = T;
   using Iterator = detail::HandleIterator<T, std::vector<ModelElement>::const_iterator, detail::Itself>;
+  using value_type = T;
+  using const_iterator = Iterator;
 
   /// A slot that can be assigned: `sequence[3] = element`.
   class IndexedReference {
@@ -19,6 +21,8 @@ class ElementSequence final : public ReferenceSequence {
     IndexedReference(ElementSequence& sequence, std::size_t index) noexcept : m_sequence(&sequence), m_index(index) {}
     // NOLINTNEXTLINE(google-explicit-constructor): a slot reads as its element
     operator T() const { return m_sequence->at(m_index); }
+    IndexedReference(IndexedReference const&) = default;
+    IndexedReference& operator=(IndexedReference const& other) { return *this = static_cast<T>(other); }
     IndexedReference& operator=(T const& element) {
       m_sequence->replaceAt(m_index, element);
       return *this;

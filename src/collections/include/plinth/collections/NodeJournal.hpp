@@ -31,12 +31,10 @@ class NodeSteps {
   using Mapped = typename MappedType<C>::type;
   static constexpr bool IS_MAP = !std::is_same_v<Mapped, std::monostate>;
 
-  void reserve() {
-    if (m_steps.size() == m_steps.capacity()) m_steps.reserve(m_steps.empty() ? 4 : 2 * m_steps.size());
-  }
+  void reserve() { makeRoomForOne(m_steps); }
   void reserveReset() {
     reserve();
-    m_former.reserve(m_former.size() + 1);
+    makeRoomForOne(m_former, 1);
   }
   /// `key` stands in the node that was inserted: its address stays good wherever the node goes.
   void inserted(Key const& key) noexcept { m_steps.push_back(Step{Node(), &key, Mapped(), Kind::INSERTED}); }
@@ -51,7 +49,7 @@ class NodeSteps {
 
   std::size_t size() const noexcept { return m_steps.size(); }
   void clear() noexcept {
-    m_steps.clear();
+    forgetSteps(m_steps);
     m_former.clear();
   }
 

@@ -8,8 +8,8 @@
 
 #include "plinth/FailurePoint.hpp"
 #include "plinth/Messages.hpp"
+#include "plinth/PrimitiveCollection.hpp"
 #include "plinth/collections/NodeJournal.hpp"
-#include "plinth/collections/PrimitiveCollection.hpp"
 #include "plinth/collections/ReferenceMap.hpp"
 
 namespace plinth {
@@ -19,6 +19,8 @@ template <class T, class C>
 class PrimitiveAssociative : public AbstractPrimitiveCollection {
  public:
   using Element = T;
+  using value_type = typename C::value_type;
+  using const_iterator = typename C::const_iterator;
 
   std::size_t size() const noexcept { return m_values.size(); }
   bool empty() const noexcept override { return m_values.empty(); }

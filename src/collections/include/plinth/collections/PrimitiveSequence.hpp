@@ -6,7 +6,7 @@
 #include <initializer_list>
 
 #include "plinth/FailurePoint.hpp"
-#include "plinth/collections/PrimitiveCollection.hpp"
+#include "plinth/PrimitiveCollection.hpp"
 #include "plinth/collections/SequenceJournal.hpp"
 
 namespace plinth {
@@ -16,6 +16,8 @@ class PrimitiveSequence final : public AbstractPrimitiveCollection {
  public:
   using Element = T;
   using Iterator = typename std::vector<T>::const_iterator;
+  using value_type = T;
+  using const_iterator = Iterator;
   static constexpr std::uint32_t ABSENT = 0xFFFFFFFFU;
 
   explicit PrimitiveSequence(ModelElementImpl* owner = nullptr, meta::PropertyImpl* property = nullptr) noexcept
@@ -164,10 +166,10 @@ std::unique_ptr<AbstractOwnedCollection> PrimitiveSequence<T>::detachedCopy() co
   return copy;
 }
 
-extern template class PrimitiveSequence<bool>;
-extern template class PrimitiveSequence<double>;
-extern template class PrimitiveSequence<long>;
-extern template class PrimitiveSequence<unsigned int>;
-extern template class PrimitiveSequence<std::u16string>;
+extern template class TESSEL_EXPORT PrimitiveSequence<bool>;
+extern template class TESSEL_EXPORT PrimitiveSequence<double>;
+extern template class TESSEL_EXPORT PrimitiveSequence<long>;
+extern template class TESSEL_EXPORT PrimitiveSequence<unsigned int>;
+extern template class TESSEL_EXPORT PrimitiveSequence<std::u16string>;
 
 }  // namespace plinth

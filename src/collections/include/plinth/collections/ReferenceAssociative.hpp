@@ -20,6 +20,8 @@ class TESSEL_EXPORT ReferenceAssociative : public ReferenceCollection {
   /// another model.
   void addProxy(ModelElement const& proxy);
   void removeProxy(ModelElement const& proxy);
+  /// Removes a member, which may be dead, or a proxy; one that is not there is ignored.
+  void removeMember(ModelElement const& element);
 
   std::vector<ModelElement> getAllValues() override;
   std::vector<ModelElement> getAllValuesAndProxies() const override;
@@ -52,7 +54,8 @@ class TESSEL_EXPORT ReferenceAssociative : public ReferenceCollection {
 
  private:
   void resolve(bool localOnly);
-  void takeIn(ProxyId const& id, ModelElement const& real);
+  bool keeps(ModelElement const& proxy) const;
+  void takeIn(ModelElement const& proxy, ModelElement const& real);
   std::unique_ptr<ProxyTable> m_proxies;
 };
 

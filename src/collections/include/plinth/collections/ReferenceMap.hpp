@@ -2,8 +2,12 @@
 // code units. Each key has one element at most. Ownership and thread rule: see AbstractOwnedCollection.hpp.
 #pragma once
 
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
 #include <map>
 #include <string>
+#include <string_view>
 
 #include "plinth/collections/ReferenceAssociative.hpp"
 
@@ -19,9 +23,25 @@ enum class CollisionResolution : int {
 /// Reads the key of an element.
 using KeyExtractor = std::u16string const& (*)(ModelElementImpl const& element);
 
+/// The order of the keys' code units; compares four at a time, since keys often begin alike.
+struct CodeUnitOrder {
+  using is_transparent = void;
+  bool operator()(std::u16string_view left, std::u16string_view right) const noexcept {
+    std::size_t const common = std::min(left.size(), right.size());
+    std::size_t i = 0;
+    for (std::uint64_t l = 0, r = 0; i + 4 <= common; i += 4) {
+      std::memcpy(&l, left.data() + i, sizeof l);
+      std::memcpy(&r, right.data() + i, sizeof r);
+      if (l != r) break;
+    }
+    while (i < common && left[i] == right[i]) ++i;
+    return i < common ? left[i] < right[i] : left.size() < right.size();
+  }
+};
+
 class TESSEL_EXPORT ReferenceMap : public ReferenceAssociative {
  public:
-  using Container = std::map<std::u16string, ModelElement, std::less<>>;
+  using Container = std::map<std::u16string, ModelElement, CodeUnitOrder>;
 
   std::size_t size() const noexcept { return m_elements.size(); }
   bool empty() const noexcept override { return m_elements.empty(); }
@@ -33,8 +53,13 @@ class TESSEL_EXPORT ReferenceMap : public ReferenceAssociative {
   /// The element of that key, or an empty handle. Logarithmic.
   ModelElement findElement(std::u16string_view key) const;
   std::vector<std::u16string> keys() const;
+  /// The keys in order, each a `String` value. Linear.
+  std::vector<Value> getAllKeys() const;
+  /// The type of the property that qualifies; `String` for a map of no property.
+  meta::Type getQualifierType() const;
   std::u16string const& keyOf(ModelElementImpl const& element) const;
 
+  bool hasSameMembers(ReferenceCollection const& other) const override;
   void forEachReal(std::function<void(ModelElementImpl&)> const& visit) const override;
   void genericAdd(ModelElement const& element) override;
   void basicAdd(ModelElement const& element) override;

@@ -73,17 +73,23 @@ class TESSEL_EXPORT ReferenceSequence : public ReferenceCollection {
   std::unique_ptr<CollectionJournal> makeJournal() override;
 
  private:
-  using Journal = detail::SequenceJournal<ModelElement>;
+  class Journal;
   Journal* recordingJournal();
   bool resolveSlot(std::size_t position);
+  void takePlaceOfProxy(std::size_t position, ModelElement real);
+  std::size_t findResolving(ModelElement const& element);
   void inverseBeforeErasing(std::size_t position);
-  void insertRaw(std::size_t position, ModelElement const& element);
-  void eraseRaw(std::size_t position);
-  void forgetInFilter(ModelElement const& element, Journal const* journal);
+  void insertRaw(std::size_t position, ModelElement const& element, Journal* journal);
+  void eraseRaw(std::size_t position, Journal* journal);
+  void noteRepetition(ModelElement const& element) noexcept;
+  void addToFilter(ModelElement const& element) noexcept;
+  void removeFromFilter(ModelElement const& element) noexcept;
+  void refillFilter() noexcept;
 
   std::vector<ModelElement> m_elements;
   std::unique_ptr<SaturatedBloomFilter> m_filter;
   bool m_unique;
+  bool m_repeats = false;  ///< a contained element may stand in more than one slot
 };
 
 }  // namespace plinth

@@ -22,8 +22,6 @@ class TESSEL_EXPORT ReferenceSet : public ReferenceAssociative {
   /// Adds; an empty handle or a member is ignored, a proxy goes to the proxies. Raises what checkCompatibleModel
   /// raises.
   void addElement(ModelElement const& element);
-  /// Removes a member or a proxy; one that is not there is ignored.
-  void removeMember(ModelElement const& element) { genericRemove(element); }
   bool containsElement(ModelElement const& element) const { return holds(element); }
 
   void forEachReal(std::function<void(ModelElementImpl&)> const& visit) const override;

@@ -16,6 +16,7 @@ class TESSEL_EXPORT SaturatedBloomFilter {
   explicit SaturatedBloomFilter(std::size_t expected);
   void add(boost::uuids::uuid const& uuid) noexcept;
   void remove(boost::uuids::uuid const& uuid) noexcept;
+  void clear() noexcept;
   bool contains(boost::uuids::uuid const& uuid) const noexcept;
 
  private:

@@ -11,17 +11,15 @@
 namespace plinth::detail {
 
 template <class T>
-class SequenceJournal final : public CollectionJournal {
+class SequenceJournal : public CollectionJournal {
  public:
   explicit SequenceJournal(std::vector<T>& container) noexcept : m_container(&container) {}
 
   /// Makes room for one step; call before the change.
-  void reserve() {
-    if (m_steps.size() == m_steps.capacity()) m_steps.reserve(m_steps.empty() ? 4 : 2 * m_steps.size());
-  }
+  void reserve() { makeRoomForOne(m_steps); }
   void reserveReset() {
     reserve();
-    m_former.reserve(m_former.size() + 1);
+    makeRoomForOne(m_former, 1);
   }
   void inserted(std::size_t position) noexcept { add(Kind::INSERTED, position, T()); }
   void erased(std::size_t position, T value) noexcept { add(Kind::ERASED, position, std::move(value)); }
@@ -34,7 +32,7 @@ class SequenceJournal final : public CollectionJournal {
 
   std::size_t steps() const noexcept override { return m_steps.size(); }
   void clear() noexcept override {
-    m_steps.clear();
+    forgetSteps(m_steps);
     m_former.clear();
   }
 

@@ -15,9 +15,7 @@ class TESSEL_EXPORT SubsetView : public ReferenceCollection {
 
   ReferenceCollection& parent() const noexcept { return *m_parent; }
   /// By walking the parent.
-  bool empty() const override;
   std::size_t size() const { return rawSize(); }
-  std::size_t rawSize() const override;
 
   /// Adds to the parent. Raises CannotAddIncompatibleObjectSubset for an element that the filter rejects.
   void addElement(ModelElement const& element);
@@ -48,6 +46,8 @@ class TESSEL_EXPORT SubsetView : public ReferenceCollection {
   SubsetView(ReferenceCollection& parent, Filter filter, ModelElementImpl* owner, meta::PropertyImpl* property);
   std::unique_ptr<GenericCollectionInterface> makeGenericInterface() override;
   std::unique_ptr<CollectionJournal> makeJournal() override { return nullptr; }
+  /// What a walk over the view meets.
+  virtual std::vector<ModelElement> shown() const = 0;
   bool shows(ModelElement const& element) const { return fits(element) && (!m_filter || m_filter(element)); }
 
  private:

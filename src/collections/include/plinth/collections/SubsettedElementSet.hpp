@@ -10,12 +10,16 @@ template <class S, class P>
 class SubsettedElementSet final : public SubsetView {
  public:
   using Element = S;
+  using value_type = S;
 
   explicit SubsettedElementSet(P& parent, ModelElementImpl* owner = nullptr, meta::PropertyImpl* property = nullptr,
                                Filter filter = {})
       : SubsetView(parent, std::move(filter), owner, property), m_typedParent(&parent) {}
 
   meta::Class const& getCollectionType() const override { return S::metaClass(); }
+
+  bool empty() const override { return begin() == end(); }
+  std::size_t rawSize() const override { return static_cast<std::size_t>(std::distance(begin(), end())); }
 
   void add(S const& element) { addElement(element); }
   void remove(S const& element) { genericRemove(element); }
@@ -53,8 +57,12 @@ class SubsettedElementSet final : public SubsetView {
     SubsettedElementSet const* m_view;
     typename P::Iterator m_at;
   };
+  using const_iterator = Iterator;
   Iterator begin() const { return Iterator(*this, m_typedParent->begin()); }
   Iterator end() const { return Iterator(*this, m_typedParent->end()); }
+
+ protected:
+  std::vector<ModelElement> shown() const override { return {begin(), end()}; }
 
  private:
   P* m_typedParent;

@@ -12,6 +12,8 @@ class UnorderedElementSet final : public ReferenceSet {
  public:
   using Element = T;
   using Iterator = detail::HandleIterator<T, Container::const_iterator, detail::Itself>;
+  using value_type = T;
+  using const_iterator = Iterator;
 
   explicit UnorderedElementSet(ModelElementImpl* owner = nullptr, meta::PropertyImpl* property = nullptr,
                                meta::PropertyImpl* opposite = nullptr) noexcept

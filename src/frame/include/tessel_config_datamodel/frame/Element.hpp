@@ -20,7 +20,7 @@ class TESSEL_EXPORT Element : public plinth::ModelElementImpl {
 
   virtual ClassTable const& classTable() const noexcept = 0;
 
-  plinth::meta::Class const& getMetaClass() const final { return classTable().metaClass(); }
+  plinth::meta::Class const& getMetaClass() const final { return *classTable().handle; }
   bool hasPropertyValue(plinth::meta::Property const& property, Tag const& tag) const final;
   plinth::Value getPropertyValue(plinth::meta::Property const& property, Tag const& tag) const final;
   void setPropertyValue(plinth::meta::Property const& property, plinth::Value const& value, Tag const& tag) final;
@@ -62,20 +62,11 @@ T const& fieldOf(Element const& element, PropertyDescriptor const& row) noexcept
   return *reinterpret_cast<T const*>(reinterpret_cast<std::byte const*>(&element) + row.field);
 }
 
-/// Calls `visit(row)` for each of the class's own rows in the order of its fields.
+/// Calls `visit(row)` for each row of the class and its bases whose property holds elements: in the order of the
+/// fields, the class itself first. Derived ones are left out.
 template <class Visitor>
-void forEachInFieldOrder(ClassTable const& table, Visitor visit) {
-  for (FieldGroup const group : {FieldGroup::ATTRIBUTE, FieldGroup::SINGLE_ELEMENT, FieldGroup::COLLECTION}) {
-    for (PropertyDescriptor const& row : table) {
-      if (row.kind->group() == group) visit(row);
-    }
-  }
-}
-
-/// The same along the base chain, the class itself first.
-template <class Visitor>
-void forEachAlongChain(ClassTable const& table, Visitor visit) {
-  for (ClassTable const* each = &table; each != nullptr; each = each->base) forEachInFieldOrder(*each, visit);
+void forEachLink(ClassTable const& table, Visitor visit) {
+  for (PropertyDescriptor const* row : table.chain->links) visit(*row);
 }
 
 }  // namespace tessel::frame

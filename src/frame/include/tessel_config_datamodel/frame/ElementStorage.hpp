@@ -27,6 +27,14 @@ class TESSEL_EXPORT ElementStorage : public plinth::Storage {
                             plinth::ReflectionPrivateTag const& tag) const override;
   void sealOldValues() noexcept override;
 
+  /// Calls `visit(row)` for each property whose bit is set, by rising index; `visit` may clear that bit.
+  template <class Visitor>
+  void forEachChanged(Visitor visit) const {
+    for (std::uint64_t left = bits() & ~std::uint64_t{1}; left != 0; left &= left - 1) {
+      visit(*m_table->chain->byIndex[static_cast<std::size_t>(__builtin_ctzll(left))]);
+    }
+  }
+
  protected:
   void mergeInto(plinth::Storage& outer) noexcept override;
 

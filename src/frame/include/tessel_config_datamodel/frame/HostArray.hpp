@@ -26,7 +26,7 @@ class TESSEL_EXPORT HostArray {
   kestrel_array const* get() const noexcept { return m_array.get(); }
   /// Null when `array` is null.
   static HostArrayField copyOf(kestrel_array const* array);
-  friend bool operator==(HostArray const& left, HostArray const& right) noexcept;
+  friend TESSEL_EXPORT bool operator==(HostArray const& left, HostArray const& right) noexcept;
 
  private:
   HostArrayField m_array;
@@ -65,6 +65,6 @@ struct MetaTypeOf<tessel::frame::HostArray> {
 /// Arrays are told apart by their contents' size alone: equal ones hash alike, which is all that is asked of a hash.
 template <>
 struct ValueHash<tessel::frame::HostArray> {
-  std::uint64_t operator()(tessel::frame::HostArray const& array) const noexcept;
+  TESSEL_EXPORT std::uint64_t operator()(tessel::frame::HostArray const& array) const noexcept;
 };
 }  // namespace plinth

@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "plinth/Model.hpp"
 #include "plinth/meta/Property.hpp"
@@ -41,6 +42,14 @@ struct TypeStamp {
   int value;
 };
 
+/// The rows of a class and of its bases in one, for what is done often.
+struct ClassChain {
+  std::vector<PropertyDescriptor const*> byIndex;  ///< the row of each index; null at 0
+  /// Rows of properties that hold elements, without the derived ones: in the order of the fields, the class itself
+  /// first.
+  std::vector<PropertyDescriptor const*> links;
+};
+
 struct ClassTable {
   ClassTable* base;  ///< null at a root class
   plinth::meta::Class const& (*metaClass)();
@@ -52,21 +61,36 @@ struct ClassTable {
   /// Makes an element with its fields at their defaults, not yet announced; null for an abstract class.
   Element* (*allocate)(plinth::ModelImpl& model, boost::uuids::uuid const& uuid);
 
+  // Set when the metamodel is woven.
+  plinth::meta::Class const* handle = nullptr;
+  ClassChain const* chain = nullptr;  ///< until the process ends
+
   PropertyDescriptor* begin() const noexcept { return properties; }
   PropertyDescriptor* end() const noexcept { return properties + count; }
 };
 
-/// The row of `property` in the chain of `table`, or null. Compares identities. O(length of the chain).
+/// Ties the table to its class, which the metamodel has woven.
+void bind(ClassTable& table, plinth::meta::Class const& metaClass);
+
+/// The row of that index in the chain of `table`, or null. O(1).
+inline PropertyDescriptor const* findDescriptor(ClassTable const& table, unsigned long index) noexcept {
+  auto const& byIndex = table.chain->byIndex;
+  return index < byIndex.size() ? byIndex[index] : nullptr;
+}
+
+/// The row of `property` in the chain of `table`, or null. Compares identities. O(1); for a derived one O(length of the
+/// chain).
 inline PropertyDescriptor const* findDescriptor(ClassTable const& table,
                                                 plinth::meta::PropertyImpl const& property) noexcept {
+  if (int const index = property.index(); index != 0) {
+    auto const* const row = findDescriptor(table, static_cast<unsigned long>(index));
+    return row != nullptr && row->property == &property ? row : nullptr;
+  }
   std::size_t const position = property.position();
   for (ClassTable const* each = &table; each != nullptr; each = each->base) {
     if (position < each->count && each->properties[position].property == &property) return &each->properties[position];
   }
   return nullptr;
 }
-
-/// The row of that index in the chain of `table`, or null.
-PropertyDescriptor const* findDescriptor(ClassTable const& table, unsigned long index) noexcept;
 
 }  // namespace tessel::frame

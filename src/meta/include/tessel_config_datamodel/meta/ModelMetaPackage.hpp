@@ -5,6 +5,9 @@
 // rule: immutable once it stands.
 #pragma once
 
+#include <atomic>
+#include <mutex>
+
 #include "tessel_config_datamodel/meta/MetaRows.hpp"
 
 namespace tessel::metamodel {
@@ -14,6 +17,17 @@ class TESSEL_EXPORT ModelMetaPackage : public plinth::meta::AbstractMetaPackage 
   using MetaRegistry = plinth::meta::MetaRegistry;
   using PropertySerializerRegistry = plinth::meta::PropertySerializerRegistry;
 
+  /// The one instance of meta package P, built at the first call. Callers that come meanwhile wait; a build that fails
+  /// is tried again by the next call. The registry's mutex is the only lock, so that meta packages which need each
+  /// other can be asked for in any order.
+  template <class P>
+  static P& instance() {
+    static std::atomic<P*> built{nullptr};
+    if (P* const present = built.load(std::memory_order_acquire)) return *present;
+    std::lock_guard const lock(MetaRegistry::getInstance().mutex());
+    if (built.load(std::memory_order_relaxed) == nullptr) built.store(P::build(), std::memory_order_release);
+    return *built.load(std::memory_order_relaxed);
+  }
   /// Replaces an older incarnation of the model, makes and weaves all packages, commits, and registers the root.
   void initialize(RootRow const& root);
   /// Makes a package, its types, properties, operations and literals, unconnected. Raises NoSuchType.

@@ -1,0 +1,59 @@
+// The host's error channel. The host raises HostError; natives raise what they like, and a front end asks describeError
+// for the identifier and the sentence to show to a script. Thread rule: plain values.
+#pragma once
+
+#include <exception>
+#include <string>
+
+#include "corvid/export.hpp"
+#include "groundwork/except.hpp"
+
+namespace corvid {
+
+/// An error of the host itself, of the catalogue "Kestrel:class". The keys stand in ErrorKey.
+class CORVID_EXPORT HostError : public groundwork::except::Exception<groundwork::MessageRecord, std::exception> {
+ public:
+  /// `sentence` is a whole English sentence; what() heads it by the key.
+  HostError(char const* key, std::string const& sentence);
+
+  std::string const& key() const noexcept { return get_error_id().key; }
+};
+
+namespace ErrorKey {
+/// The native behind a script object is gone, or there is none.
+constexpr char const* INVALID_HANDLE = "InvalidHandle";
+constexpr char const* NO_SUCH_PACKAGE = "NoSuchPackage";
+constexpr char const* NO_SUCH_CLASS = "NoSuchClass";
+constexpr char const* NO_SUCH_MEMBER = "NoSuchMember";
+constexpr char const* NO_SUCH_TYPE = "NoSuchType";
+/// A package, class or member is described twice under one name.
+constexpr char const* DUPLICATE_NAME = "DuplicateName";
+/// A description does not hold together: a class that is its own superclass, a method without signature.
+constexpr char const* BAD_DESCRIPTION = "BadDescription";
+constexpr char const* READ_ONLY_PROPERTY = "ReadOnlyProperty";
+/// Construction of an abstract class, or of a class that has no constructor.
+constexpr char const* ABSTRACT_CLASS = "AbstractClass";
+constexpr char const* NO_CONSTRUCTOR = "NoConstructor";
+constexpr char const* WRONG_ARGUMENT_COUNT = "WrongArgumentCount";
+constexpr char const* WRONG_TYPE = "WrongType";
+/// A number that the wanted numeric class cannot hold exactly.
+constexpr char const* VALUE_OUT_OF_RANGE = "ValueOutOfRange";
+/// A method that is announced by name only.
+constexpr char const* NOT_IMPLEMENTED = "NotImplemented";
+/// The host is shut down while script objects exist.
+constexpr char const* HOST_IN_USE = "HostInUse";
+}  // namespace ErrorKey
+
+/// What a script is told of an error.
+struct ErrorDescription {
+  /// "catalogue:key", such as "Kestrel:class:InvalidHandle".
+  std::string identifier;
+  /// The sentence of the error.
+  std::string sentence;
+};
+
+/// Describes any exception: those with a message identifier under that, out of memory and all others under identifiers
+/// of the catalogue "Kestrel:native".
+CORVID_EXPORT ErrorDescription describeError(std::exception const& error);
+
+}  // namespace corvid

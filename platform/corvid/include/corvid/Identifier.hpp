@@ -1,0 +1,20 @@
+// Names given to the host: of packages, classes, members and data types. Interned, so that the host compares addresses.
+// Thread rule: any thread.
+#pragma once
+
+#include <string_view>
+
+#include "corvid/export.hpp"
+#include "kestrel/identifier.hpp"
+
+namespace corvid {
+
+using kestrel::Identifier;
+
+namespace internal {
+
+/// The one identifier of that text. Costs a hash look-up under a lock: keep the result where the name is used often.
+CORVID_EXPORT Identifier makeInterned(std::string_view text);
+
+}  // namespace internal
+}  // namespace corvid

@@ -1,0 +1,34 @@
+#include "EnumConstructor.hpp"
+
+#include "corvid/CorvidClass.hpp"
+#include "corvid/CorvidTypeRepository.hpp"
+#include "corvid/HostError.hpp"
+#include "groundwork/unicode.hpp"
+#include "kestrel/array.hpp"
+
+namespace corvid {
+
+EnumConstructor::EnumConstructor(CorvidClass const& hostClass) : m_class(hostClass) {
+  m_signature.addInput(internal::makeInterned("any"));
+  m_signature.addOutput(hostClass.getName());
+}
+
+Identifier EnumConstructor::getName() const { return m_class.getShortName(); }
+
+void EnumConstructor::invoke(MethodCall& call) const {
+  kestrel_array const& value = call.input(0);
+  if (kestrel::className(value) == m_class.getName()) return call.setOutput(kestrel::deepCopy(&value));
+  if (kestrel::isText(value)) {
+    std::string const literal = groundwork::toUtf8(kestrel::scalarText(value));
+    CorvidEnumInfo const* const member = m_class.findEnumValue(internal::makeInterned(literal));
+    if (member == nullptr)
+      throw HostError(ErrorKey::WRONG_TYPE, "'" + literal + "' is no literal of " + m_class.getName().text() + ".");
+    return call.setOutput(kestrel::deepCopy(&member->getValue()));
+  }
+  kestrel::OwnedArray converted;
+  kestrel_array const& number = CorvidTypeRepository::coerce(
+      internal::makeInterned(m_class.getUnderlyingType().text() + " vector"), value, converted);
+  call.setOutput(kestrel::createBuiltInBased(m_class.getName(), kestrel::deepCopy(&number)));
+}
+
+}  // namespace corvid

@@ -1,0 +1,24 @@
+#include "corvid/HostError.hpp"
+
+#include <new>
+
+#include "kestrel/array_error.hpp"
+
+namespace corvid {
+
+HostError::HostError(char const* key, std::string const& sentence)
+    : Exception({{}, "Kestrel:class", key}, std::string(key) + ": " + sentence) {
+  get_error_id() = {"Kestrel:class", key};
+}
+
+ErrorDescription describeError(std::exception const& error) {
+  if (auto const* withIdentifier = dynamic_cast<groundwork::except::IMsgIDException const*>(&error))
+    return {withIdentifier->GetID(), error.what()};
+  if (auto const* arrayError = dynamic_cast<kestrel::ArrayError const*>(&error))
+    return {arrayError->identifier(), error.what()};
+  if (dynamic_cast<std::bad_alloc const*>(&error) != nullptr)
+    return {"Kestrel:native:OutOfMemory", "There is not enough memory."};
+  return {"Kestrel:native:Exception", error.what()};
+}
+
+}  // namespace corvid

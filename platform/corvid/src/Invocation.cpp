@@ -1,0 +1,186 @@
+#include "corvid/Invocation.hpp"
+
+#include "Coercion.hpp"
+#include "ScriptObject.hpp"
+#include "corvid/CorvidTypeRepository.hpp"
+#include "corvid/HostError.hpp"
+#include "corvid/factory/SelfTraits.hpp"
+#include "kestrel/array.hpp"
+
+namespace corvid {
+namespace {
+
+// One object whose native can be used.
+void checkSelf(kestrel_array const& self) {
+  kestrel::Object const* const object = kestrel::soleObject(self);
+  if (object != nullptr && object->isLive()) return;
+  if (object == nullptr)
+    throw HostError(ErrorKey::WRONG_TYPE, "Expected one object, not " +
+                                              std::to_string(kestrel::numberOfElements(self)) +
+                                              " elements of the class '" + kestrel::className(self).text() + "'.");
+  factory::impl::reportInvalidSelf(kestrel::className(self));
+}
+
+bool has(CorvidMethodInfo const& method, unsigned attribute) { return (method.getAttributes() & attribute) != 0; }
+
+// Inputs as a method's signature wants them, with the arrays that had to be made for it. Optional ones, and a self that
+// its method judges, stay as they are where they can't be converted.
+class CoercedInputs {
+ public:
+  CoercedInputs(CorvidMethodInfo const& method, Inputs const& inputs) : m_inputs(inputs) {
+    std::vector<Identifier> const& types = method.getSignature().inputs();
+    m_made.resize(inputs.size());
+    for (std::size_t i = 0; i < inputs.size(); ++i) {
+      bool const isLenientSelf = i == 0 && has(method, MethodAttribute::LENIENT_SELF);
+      bool const lenient = isLenientSelf || i >= method.getSignature().minimumInputs();
+      m_inputs[i] = lenient ? &coerceIfPossible(types[i], *inputs[i], m_made[i])
+                            : &CorvidTypeRepository::coerce(types[i], *inputs[i], m_made[i]);
+    }
+  }
+
+  Inputs const& get() const noexcept { return m_inputs; }
+
+ private:
+  static kestrel_array const& coerceIfPossible(Identifier type, kestrel_array const& value, kestrel::OwnedArray& made) {
+    try {
+      return CorvidTypeRepository::coerce(type, value, made);
+    } catch (HostError const&) {
+      return value;
+    }
+  }
+
+  Inputs m_inputs;
+  std::vector<kestrel::OwnedArray> m_made;
+};
+
+[[noreturn]] void reportCount(Identifier name, CorvidMethodSignature const& signature, std::size_t inputs) {
+  std::string expected = std::to_string(signature.minimumInputs());
+  if (signature.maximumInputs() != signature.minimumInputs())
+    expected += " to " + std::to_string(signature.maximumInputs());
+  throw HostError(ErrorKey::WRONG_ARGUMENT_COUNT,
+                  "'" + name.text() + "' takes " + expected + " arguments, not " + std::to_string(inputs) + ".");
+}
+
+// The last method of a name that takes the number of inputs; null when the class has no method of that name.
+CorvidMethodInfo const* findMethod(CorvidClass const& hostClass, Identifier name, std::size_t inputs) {
+  auto const& methods = hostClass.getMethods(name);
+  for (auto method = methods.rbegin(); method != methods.rend(); ++method)
+    if ((*method)->getSignature().accepts(inputs)) return *method;
+  if (methods.empty()) return nullptr;
+  reportCount(name, methods.back()->getSignature(), inputs);
+}
+
+[[noreturn]] void reportWrongValue(CorvidPropInfo const& property, kestrel_array const& value) {
+  throw HostError(ErrorKey::WRONG_TYPE,
+                  "The property '" + property.getName().text() + "' can't be " + describeValue(value) + ".");
+}
+
+kestrel::OwnedArray newObject(CorvidClass& hostClass) {
+  return kestrel::createObject(kestrel::ObjectRef(new ScriptObject(hostClass)));
+}
+
+void constructDefault(CorvidClass& hostClass, kestrel_array& self) {
+  void* const native = hostClass.getInfo().createDefaultInstance();
+  if (native == nullptr)
+    throw HostError(ErrorKey::NO_CONSTRUCTOR, "Class '" + hostClass.getName().text() + "' has no constructor.");
+  bool const stored = hostClass.getInfo().isHandle();
+  factory::basic::BindingRegistry::announceForConstructor(native, hostClass.getName(), self, stored);
+}
+
+}  // namespace
+
+CorvidClass* classOf(kestrel_array const& array) {
+  bool const builtInBased = (kestrel::classIdentifier(array) & kestrel::BUILT_IN_BASED_FLAG) != 0;
+  return builtInBased || kestrel::isObject(array) ? CorvidClass::getClass(kestrel::className(array)) : nullptr;
+}
+
+kestrel::OwnedArray construct(CorvidClass& hostClass, Inputs const& inputs) {
+  CorvidClassInfo const& info = hostClass.getInfo();
+  if (info.isAbstract())
+    throw HostError(ErrorKey::ABSTRACT_CLASS,
+                    "Class '" + hostClass.getName().text() + "' is abstract: only its subclasses have objects.");
+  CorvidMethodInfo const* const constructor = findMethod(hostClass, hostClass.getShortName(), inputs.size());
+  if (info.isEnumeration()) {
+    MethodCall call(inputs, true);
+    constructor->invoke(call);
+    return call.takeOutput();
+  }
+  kestrel::OwnedArray self = newObject(hostClass);
+  if (constructor == nullptr) {
+    constructDefault(hostClass, *self);
+    return self;
+  }
+  CoercedInputs const coerced(*constructor, inputs);
+  MethodCall call(coerced.get(), false, self.get());
+  constructor->invoke(call);
+  if (!isLive(*self))
+    throw HostError(ErrorKey::BAD_DESCRIPTION,
+                    "The constructor of class '" + hostClass.getName().text() + "' made no object.");
+  return self;
+}
+
+CorvidPropInfo const& requireProperty(CorvidClass const& hostClass, Identifier name) {
+  if (CorvidPropInfo const* const property = hostClass.findProperty(name)) return *property;
+  throw HostError(ErrorKey::NO_SUCH_MEMBER,
+                  "Class '" + hostClass.getName().text() + "' has no property '" + name.text() + "'.");
+}
+
+kestrel::OwnedArray getProperty(kestrel_array const& self, CorvidPropInfo const& property) {
+  checkSelf(self);
+  return property.getValue(self);
+}
+
+void setProperty(kestrel_array const& self, CorvidPropInfo const& property, kestrel_array const& value) {
+  if (property.isReadOnly())
+    throw HostError(ErrorKey::READ_ONLY_PROPERTY, "The property '" + property.getName().text() + "' can't be set.");
+  checkSelf(self);
+  bool const isMany = property.getMultiplicity() == Multiplicity::Many;
+  if (!isMany && kestrel::isObject(value) && kestrel::numberOfElements(value) > 1) reportWrongValue(property, value);
+  kestrel::OwnedArray made;
+  bool const clears = property.getMultiplicity() == Multiplicity::Optional && kestrel::isEmpty(value);
+  kestrel_array const& coerced = clears ? value : CorvidTypeRepository::coerce(property.getDataType(), value, made);
+  if (!property.isCorrectType(coerced)) reportWrongValue(property, value);
+  if (!isLive(coerced)) factory::impl::reportInvalidSelf(kestrel::className(coerced));
+  property.setValue(self, coerced);
+}
+
+CorvidMethodInfo const& requireMethod(CorvidClass const& hostClass, Identifier name, std::size_t inputs) {
+  if (CorvidMethodInfo const* const method = findMethod(hostClass, name, inputs)) return *method;
+  throw HostError(ErrorKey::NO_SUCH_MEMBER,
+                  "Class '" + hostClass.getName().text() + "' has no method '" + name.text() + "'.");
+}
+
+kestrel::OwnedArray invoke(CorvidClass const& hostClass, Identifier method, Inputs const& inputs, bool wantsOutput) {
+  CorvidMethodInfo const& reached = requireMethod(hostClass, method, inputs.size());
+  bool const judgesSelf = has(reached, MethodAttribute::STATIC) || has(reached, MethodAttribute::LENIENT_SELF);
+  if (!judgesSelf && !inputs.empty()) checkSelf(*inputs.front());
+  CoercedInputs const coerced(reached, inputs);
+  MethodCall call(coerced.get(), wantsOutput);
+  reached.invoke(call);
+  return call.takeOutput();
+}
+
+bool isLive(kestrel_array const& objects) {
+  if (!kestrel::isObject(objects)) return true;
+  for (std::size_t i = 0; i < kestrel::numberOfElements(objects); ++i) {
+    kestrel::ObjectRef const& object = kestrel::object(objects, i);
+    if (!object || !object->isLive()) return false;
+  }
+  return true;
+}
+
+void settleClass(kestrel_array& objects) {
+  std::vector<CorvidClass const*> common;
+  for (std::size_t i = 0; i < kestrel::numberOfElements(objects); ++i) {
+    kestrel::ObjectRef const& object = kestrel::object(objects, i);
+    if (!object) continue;
+    CorvidClass const& hostClass = CorvidClass::requireClass(object->className());
+    if (common.empty()) common = hostClass.lineage();
+    while (!common.empty() && !hostClass.isSubclassOf(common.front()->getName())) common.erase(common.begin());
+    if (common.empty()) break;
+  }
+  kestrel::setObjectClass(objects,
+                          common.empty() ? internal::makeInterned(kestrel::HETEROGENEOUS) : common.front()->getName());
+}
+
+}  // namespace corvid
