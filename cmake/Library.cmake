@@ -4,11 +4,9 @@ add_library(tessel_config_datamodel SHARED)
 add_library(tessel::config_datamodel ALIAS tessel_config_datamodel)
 
 # File sets want their files by name. Generated headers are known by the generator's list, the others by looking.
-set(header_roots "")
 get_property(header_files GLOBAL PROPERTY TESSEL_GENERATED_HEADERS)
-if(header_files)
-  list(APPEND header_roots ${TESSEL_GENERATED_INCLUDE_DIR})
-endif()
+get_property(header_roots GLOBAL PROPERTY TESSEL_GENERATED_ROOTS)
+list(REMOVE_DUPLICATES header_roots)
 foreach(layer IN LISTS TESSEL_LAYERS)
   if(NOT TARGET ${layer})
     continue()

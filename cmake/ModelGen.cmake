@@ -33,27 +33,32 @@ function(tessel_build_modelgen)
   set(TESSEL_MODELGEN ${build_dir}/bin/modelgen CACHE INTERNAL "The generator of model code")
 endfunction()
 
-# tessel_generate_model(NAME MODEL FILE [IMPORTS FILE...] [TOTALS N...]): generates the code of the model whose chief table is FILE;
-# IMPORTS are those of the models it takes types from, each behind the ones it needs itself. Gives NAME_SOURCES and
-# NAME_HEADERS, adds the headers to the global property TESSEL_GENERATED_HEADERS, and adds a target NAME_code that
-# generates and a test that what it wrote is up to date. TOTALS are the numbers in the last line of the generator's
-# summary (classes, datatypes, enumerations, literals, properties, operations, handles); a test holds the tables to them.
-# To be called in the folder whose target compiles the sources.
+# tessel_generate_model(NAME MODEL FILE [IMPORTS FILE...] [TEMPLATES FOLDER OUTPUT FOLDER] [TOTALS N...]): generates the code
+# of the model whose chief table is FILE; IMPORTS are those of the models it takes types from, each behind the ones it needs
+# itself. TEMPLATES other than those of the model itself write to a folder of their own. Gives NAME_SOURCES and NAME_HEADERS,
+# adds the headers to the global property TESSEL_GENERATED_HEADERS and their root to TESSEL_GENERATED_ROOTS, and adds a target
+# NAME_code that generates and a test that what it wrote is up to date. TOTALS are the numbers in the last line of the
+# generator's summary (classes, datatypes, enumerations, literals, properties, operations, handles); a test holds the tables
+# to them. To be called in the folder whose target compiles the sources.
 function(tessel_generate_model name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "MODEL" "IMPORTS;TOTALS")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "MODEL;TEMPLATES;OUTPUT" "IMPORTS;TOTALS")
+  if(NOT arg_TEMPLATES)
+    set(arg_TEMPLATES ${PROJECT_SOURCE_DIR}/modelgen/templates)
+    set(arg_OUTPUT ${TESSEL_GENERATED_DIR})
+  endif()
 
   set(tables "")
   set(command ${TESSEL_MODELGEN} --model ${arg_MODEL})
   foreach(import IN LISTS arg_IMPORTS)
     list(APPEND command --import ${import})
   endforeach()
-  list(APPEND command --templates ${PROJECT_SOURCE_DIR}/modelgen/templates --out ${TESSEL_GENERATED_DIR})
+  list(APPEND command --templates ${arg_TEMPLATES} --out ${arg_OUTPUT})
   foreach(model IN LISTS arg_MODEL arg_IMPORTS)
     cmake_path(GET model PARENT_PATH folder)
     file(GLOB packages CONFIGURE_DEPENDS ${folder}/*/package.yaml)
     list(APPEND tables ${model} ${packages})
   endforeach()
-  file(GLOB_RECURSE templates CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/modelgen/templates/*)
+  file(GLOB templates LIST_DIRECTORIES FALSE CONFIGURE_DEPENDS ${arg_TEMPLATES}/*)
   set_property(DIRECTORY ${PROJECT_SOURCE_DIR} APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${tables})
 
   execute_process(COMMAND ${command} --list-outputs
@@ -62,10 +67,10 @@ function(tessel_generate_model name)
     message(FATAL_ERROR "The tables of ${name} are refused:\n${log}")
   endif()
   string(REPLACE "\n" ";" outputs "${outputs}")
-  list(TRANSFORM outputs PREPEND "${TESSEL_GENERATED_DIR}/" REGEX "^[^/]")
+  list(TRANSFORM outputs PREPEND "${arg_OUTPUT}/" REGEX "^[^/]")
 
   # The stamp tells ninja that the command ran; the files are by-products, so that an untouched one counts as unchanged.
-  set(stamp ${TESSEL_GENERATED_DIR}/${name}.stamp)
+  set(stamp ${arg_OUTPUT}/${name}.stamp)
   add_custom_command(
     OUTPUT ${stamp}
     BYPRODUCTS ${outputs}
@@ -93,6 +98,7 @@ function(tessel_generate_model name)
   set(${name}_HEADERS ${headers} PARENT_SCOPE)
   set(${name}_SOURCES ${sources} PARENT_SCOPE)
   set_property(GLOBAL APPEND PROPERTY TESSEL_GENERATED_HEADERS ${headers})
+  set_property(GLOBAL APPEND PROPERTY TESSEL_GENERATED_ROOTS ${arg_OUTPUT}/include)
 endfunction()
 
 tessel_build_modelgen()

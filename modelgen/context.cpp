@@ -133,6 +133,7 @@ void setDefault(Data& object, const Property& property) {
   std::string initializer = isValue ? zeroInitializer(*property.type) : "";
   if (text) initializer = defaultInitializer(*property.type, text->value).value_or("");
   object.set("initializer", initializer);
+  object.set("fieldStart", initializer.empty() ? "{}" : initializer);
 }
 
 Data propertyData(const Property& property) {
@@ -332,6 +333,11 @@ Data classData(const Class& type, const std::string& root) {
   setList(result, "storageSlots", propertyList(type.storageSlots));
   setList(result, "stamps", objectsOf(type.stamps, stampData));
   setList(result, "overrides", objectsOf(type.overrides, overrideData));
+  bool needsHelpers = !type.overrides.empty();
+  for (const Property& each : type.properties) {
+    needsHelpers = needsHelpers || each.virtualSetter || each.scheme == Scheme::elementMap;
+  }
+  result.set("needsHelpers", needsHelpers);
   setMentionedTypes(result, type);
   return result;
 }
@@ -367,6 +373,7 @@ Data packageData(const Package& package, const std::string& root) {
   setList(result, "dataTypes",
           objectsOf(package.dataTypes, [&root](const DataType& each) { return dataTypeData(each, root); }));
   setList(result, "enums", objectsOf(package.enumOrder, [&root](const Enum* each) { return enumData(*each, root); }));
+  result.set("hasMarshaledTypes", !package.dataTypes.empty() || !package.enumOrder.empty());
   setList(result, "instantiationOrder", objectsOf(package.instantiationOrder, [&root](const Type* each) {
             const Class* const type = asClass(each);
             return type != nullptr ? classData(*type, root) : dataTypeData(*asDataType(each), root);
