@@ -1,0 +1,102 @@
+// The metamodel comes up once, at first use: whole or not at all, whatever was there before. Each case wants a process
+// of its own, as ctest gives it.
+#include <gmock/gmock.h>
+
+#include <tessel_config_datamodel/ext/ConfigEntry.hpp>
+#include <tessel_config_datamodel/ext/ConfigProfile.hpp>
+#include <tessel_config_datamodel/meta/MetaPackageTessel_config_datamodel.hpp>
+#include <thread>
+
+#include "plinth/FailurePoint.hpp"
+#include "plinth/meta/MetaRegistry.hpp"
+#include "support/checks.hpp"
+
+using MetaPackage = MetaPackageTessel_config_datamodel;
+using plinth::meta::MetaRegistry;
+using support::isSound;
+using support::raised;
+using tessel::internal::ext::ConfigEntry;
+using tessel::internal::ext::ConfigProfile;
+
+namespace {
+
+std::ptrdiff_t rootPackages() {
+  auto const packages = MetaRegistry::getInstance().rootPackages();
+  return std::count_if(packages.begin(), packages.end(), [](auto const& package) {
+    return package->uri() == u"https://schema.tessel.invalid/plinth/tessel_config_datamodel/Ed0417c.001";
+  });
+}
+
+void expectWholeMetamodel() {
+  auto& registry = MetaRegistry::getInstance();
+  MetaPackage::getInstance();
+  EXPECT_EQ(rootPackages(), 1);
+  EXPECT_TRUE(registry.model()->isFrozen());
+  EXPECT_EQ(registry.model()->level(), 0U);
+  EXPECT_TRUE(isSound(registry.model()));
+  EXPECT_EQ(registry.getType(u"tessel::internal::ext::ConfigEntry"), ConfigEntry::metaClass());
+  EXPECT_EQ(registry.getType(u"tessel.internal.ext.ConfigEntry"), ConfigEntry::metaClass());
+  EXPECT_EQ(raised([&] { registry.getType(u"tessel.internal.ext.Nothing"); }), "NoSuchType");
+  // It serves: a tree is built, keyed, and taken down.
+  auto const model = plinth::Model::create();
+  ConfigProfile::Builder profile(model);
+  auto entry = std::make_unique<ConfigEntry::Builder>();
+  entry->setKey(u"k");
+  profile.addValues(std::move(entry));
+  auto const made = plinth::element_cast<ConfigProfile>(profile.create());
+  made->getValues()->find(u"k")->setKey(u"l");
+  EXPECT_TRUE(made->getValues()->find(u"l"));
+  made->destroy();
+  EXPECT_EQ(model->elementCount(), 0U);
+}
+
+#ifdef TESSEL_FAILURE_POINTS
+
+TEST(MetaPackage, ThatFailsToComeUpLeavesNothingAndIsTriedAgain) {
+  auto& registry = MetaRegistry::getInstance();
+  // The first passages are those of the packages that this one takes types from; they stay once they stand.
+  std::vector<std::pair<char const*, std::size_t>> const failures{
+      {"create-package", 1}, {"create-package", 3}, {"create-class", 1}, {"create-class", 60},
+      {"announce", 1},       {"announce", 200},     {"announce", 330},
+  };
+  for (auto const& [point, passage] : failures) {
+    SCOPED_TRACE(point + std::to_string(passage));
+    plinth::armFailurePoint(point, passage);
+    EXPECT_EQ(raised([] { ConfigEntry::metaClass(); }), "std::bad_alloc");
+    EXPECT_TRUE(plinth::disarmFailurePoint());
+    EXPECT_EQ(rootPackages(), 0);
+    EXPECT_EQ(registry.model()->level(), 0U);
+    EXPECT_TRUE(registry.model()->isFrozen());
+    EXPECT_TRUE(isSound(registry.model()));
+    std::thread([&] { EXPECT_TRUE(registry.mutex().try_lock() && (registry.mutex().unlock(), true)); }).join();
+  }
+  expectWholeMetamodel();
+}
+
+#endif
+
+TEST(MetaPackage, ReplacesAnOlderIncarnation) {
+  auto* const older = MetaPackage::build();
+  auto const olderClass = older->ext_ConfigEntry;
+  EXPECT_TRUE(olderClass);
+  auto const elements = MetaRegistry::getInstance().model()->elementCount();
+  EXPECT_NE(ConfigEntry::metaClass(), olderClass);
+  EXPECT_FALSE(older->rootPackage || olderClass || older->ext_ConfigEntry_Key);
+  EXPECT_EQ(MetaRegistry::getInstance().model()->elementCount(), elements) << "all of the old is gone";
+  EXPECT_EQ(olderClass->narrowName(), "tessel.internal.ext.ConfigEntry") << "what still refers to it can read it";
+  expectWholeMetamodel();
+  delete older;
+  expectWholeMetamodel();
+}
+
+TEST(MetaPackage, IsFrozenOnceItStands) {
+  auto const& type = ConfigEntry::metaClass();
+  EXPECT_EQ(raised([&] { type->setIsCorvidHidden(true); }), "CannotModifyFrozenModel");
+  EXPECT_EQ(raised([&] { type->findProperty(u"Key")->setDefaultValue(std::u16string(u"x")); }),
+            "CannotModifyFrozenModel");
+  EXPECT_EQ(raised([&] { MetaRegistry::getInstance().model().beginTransaction(); }), "CannotModifyFrozenModel");
+  EXPECT_EQ(&MetaPackage::getInstance(), &MetaPackage::getInstance());
+  expectWholeMetamodel();
+}
+
+}  // namespace

@@ -1,0 +1,268 @@
+// Proxies: names of elements that are not in memory, resolved on demand, within a model and across models.
+#include <gmock/gmock.h>
+
+#include <boost/uuid/uuid_io.hpp>
+
+#include "plinth/ModelDirectory.hpp"
+#include "plinth/sample_model.hpp"
+#include "support/checks.hpp"
+
+using plinth::Model;
+using plinth::ModelDirectory;
+using plinth::ProxyId;
+using plinth::ReflectionPrivateTag;
+using sample::SampleModel;
+using support::isSound;
+using support::raised;
+using support::Snapshot;
+using testing::ElementsAre;
+
+namespace {
+
+template <class T>
+T proxyOf(Model const& model, T const& target, bool local = false) {
+  return plinth::element_cast<T>(model->createProxy(T::metaClass(), target->getPersistentProxyId(local)));
+}
+
+template <class T>
+T proxyOf(Model const& model, char16_t const* modelName, char const* element) {
+  std::string const uuid = boost::uuids::to_string(sample::nameUuid(element));
+  return plinth::element_cast<T>(model->createProxy(
+      T::metaClass(),
+      ProxyId{T::metaClass()->getQualifiedName(), {uuid.begin(), uuid.end()}, std::u16string(modelName)}));
+}
+
+/// Gives the models that a loader has been told of, and counts how often it was asked.
+class Library {
+ public:
+  Library() {
+    ModelDirectory::getInstance().setLoader([this](std::u16string const& name) {
+      ++m_asked;
+      if (name != u"library") return Model();
+      m_model = Model::create();
+      m_model->setName(name);
+      profile = sample::ext::ConfigProfile::create(m_model, sample::nameUuid("profile"));
+      return m_model;
+    });
+  }
+  Library(Library const&) = delete;
+  Library& operator=(Library const&) = delete;
+  ~Library() { ModelDirectory::getInstance().setLoader({}); }
+  int asked() const { return m_asked; }
+
+  sample::ext::ConfigProfile profile;
+
+ private:
+  Model m_model;
+  int m_asked = 0;
+};
+
+TEST(ModelDirectory, FindsModelsByNameForAsLongAsTheyHaveIt) {
+  auto const& directory = ModelDirectory::getInstance();
+  auto model = Model::create();
+  model->setName(u"one");
+  auto const other = Model::create();
+  EXPECT_EQ(directory.find(u"one", false), model);
+  EXPECT_EQ(raised([&] { other->setName(u"one"); }), "UniquenessConstraint");
+  EXPECT_EQ(other->name(), u"");
+  model->setName(u"two");
+  other->setName(u"one");
+  EXPECT_EQ(directory.find(u"one", false), other);
+  EXPECT_EQ(directory.find(u"two", false), model);
+  model = Model();
+  EXPECT_TRUE(directory.find(u"two", true).isEmpty());
+}
+
+TEST(Proxy, LoadsItsModelWhenAGetterAsksAndNotWhenOnePeeks) {
+  SampleModel s;
+  Library library;
+  auto const proxy = proxyOf<sample::ext::ConfigProfile>(s.model, u"library", "profile");
+  s.store->setActiveProfile({});
+  s.store->basicSetActiveProfile(proxy);
+  EXPECT_EQ(s.model->peekResolveProxy(s.store.impl(), proxy), proxy);
+  auto const property = tessel::frame::propertyOf(sample::ext::ConfigStore::metaClass(), u"ActiveProfile");
+  for (auto const* tag : {&ReflectionPrivateTag::IN_MEMORY_ONLY, &ReflectionPrivateTag::NO_PROXY_RESOLVE}) {
+    EXPECT_EQ(s.store->getPropertyValue(property, *tag).getValue<plinth::ModelElement>(), proxy);
+  }
+  EXPECT_TRUE(s.store->hasActiveProfile());
+  EXPECT_TRUE(isSound(s.model));
+  EXPECT_EQ(library.asked(), 0);
+  EXPECT_EQ(s.store->getActiveProfile(), library.profile);
+  EXPECT_EQ(library.asked(), 1);
+  s.store->getActiveProfile();
+  EXPECT_EQ(library.asked(), 1) << "the element has taken the proxy's place";
+  EXPECT_TRUE(proxy->isProxy()) << "the proxy itself never turns into it";
+}
+
+TEST(Proxy, StaysVisibleWhereItCannotBeResolved) {
+  SampleModel s;
+  Library library;
+  for (auto const& [model, element] : {std::pair(u"nowhere", "profile"), std::pair(u"library", "no such profile")}) {
+    auto const proxy = proxyOf<sample::ext::ConfigProfile>(s.model, model, element);
+    s.store->basicSetActiveProfile(proxy);
+    EXPECT_EQ(s.store->getActiveProfile(), proxy);
+    EXPECT_TRUE(s.store->getActiveProfile()->isProxy());
+  }
+  EXPECT_EQ(raised([&] { s.model->createProxy(sample::data::ParamData::metaClass(), {}); }),
+            "CannotCreateAbstractClass");
+}
+
+TEST(Proxy, IsResolvedByTheNoChangeTestAndNotByAReflectiveSetWithoutResolution) {
+  SampleModel s;
+  support::CommitCount commits(s.model);
+  s.store->basicSetActiveProfile(proxyOf(s.model, s.night, true));
+  s.store->setActiveProfile(s.night);
+  EXPECT_EQ(commits.take(), 0);
+  EXPECT_EQ(s.store->getActiveProfile(), s.night);
+
+  Library library;
+  s.store->basicSetActiveProfile(proxyOf<sample::ext::ConfigProfile>(s.model, u"library", "profile"));
+  auto const property = tessel::frame::propertyOf(sample::ext::ConfigStore::metaClass(), u"ActiveProfile");
+  s.store->setPropertyValue(property, plinth::Value::createElementValue(property, plinth::ModelElement(s.day)),
+                            ReflectionPrivateTag::NO_PROXY_RESOLVE);
+  EXPECT_EQ(library.asked(), 0);
+  EXPECT_EQ(s.store->getActiveProfile(), s.day);
+}
+
+TEST(Proxy, InAContainmentPropertyResolvesInPlace) {
+  SampleModel s;
+  auto const data = s.volume->getData();
+  auto const proxy = s.model->createProxy(data->getMetaClass(), data->getPersistentProxyId(true));
+  s.volume->basicSetData(static_cast<sample::data::ParamData const&>(proxy));
+  s.volume->setData(data);
+  EXPECT_EQ(s.volume->getData(), data);
+  EXPECT_TRUE(isSound(s.model));
+}
+
+/// Two models with a parameter in one and its category and tag in the other, linked at both ends.
+class Across : public testing::Test {
+ protected:
+  Across() {
+    near->setName(u"near");
+    far->setName(u"far");
+    param->basicSetCategory(proxyOf(near, category));
+    category->getContents()->add(proxyOf(far, param));
+    param->getTags()->add(proxyOf(near, tag));
+    tag->getTagged()->add(proxyOf(far, param));
+    EXPECT_EQ(param->getCategory(), category);
+    EXPECT_THAT(category->getContents()->getAllValues(), ElementsAre(param));
+    param->getTags()->resolveAll();
+    tag->getTagged()->resolveAll();
+    EXPECT_TRUE(isSound(near) && isSound(far));
+  }
+
+  Model const near = Model::create();
+  Model const far = Model::create();
+  sample::runtime::ParamState const param = sample::runtime::ParamState::create(near, sample::nameUuid("param"));
+  sample::runtime::CategoryState const category = sample::runtime::CategoryState::create(far);
+  sample::runtime::TagState const tag = sample::runtime::TagState::create(far);
+};
+
+TEST_F(Across, AnElementThatIsUnloadedLeavesProxiesAtItsFarEnds) {
+  ProxyId const id = param->getPersistentProxyId(false);
+  near->unload(param);
+  EXPECT_FALSE(param);
+  auto const left = category->getContents()->getAllValuesAndProxies();
+  ASSERT_EQ(left.size(), 1U);
+  EXPECT_TRUE(left[0]->isProxy());
+  EXPECT_TRUE(left[0]->getProxyId() == id);
+  EXPECT_THAT(category->getContents()->getAllValues(), ElementsAre());
+  EXPECT_TRUE(tag->getTagged()->empty());
+  EXPECT_EQ(tag->getTagged()->getAllValuesAndProxies().size(), 1U);
+  EXPECT_TRUE(isSound(near) && isSound(far));
+
+  // Back in memory under its old name, it takes the proxy's place once it lists the far end.
+  auto const again = sample::runtime::ParamState::create(near, sample::nameUuid("param"));
+  EXPECT_THAT(category->getContents()->getAllValues(), ElementsAre());
+  again->basicSetCategory(category);
+  EXPECT_THAT(category->getContents()->getAllValues(), ElementsAre(again));
+}
+
+TEST_F(Across, ConvertReferencesToProxiesComputesOneIdAndOnlyForFarEndsInOtherModels) {
+  auto const local = sample::runtime::CategoryState::create(near);
+  auto const neighbour = sample::runtime::ParamState::create(near);
+  neighbour->setCategory(local);
+  auto transaction = near.beginTransaction();
+  boost::optional<ProxyId> id;
+  neighbour->convertReferencesToProxies(true, id);
+  EXPECT_FALSE(id);
+  EXPECT_FALSE(neighbour->hasCategory());
+  id = ProxyId{u"x", u"given", std::u16string(u"near")};
+  param->convertReferencesToProxies(true, id);
+  auto const left = category->getContents()->getAllValuesAndProxies().front();
+  EXPECT_TRUE(left->getProxyId() == id) << "the one that was handed in";
+  EXPECT_FALSE(param->hasCategory() || param->hasTags());
+}
+
+TEST_F(Across, ConvertReferencesToProxiesWithoutConversionJustDropsThem) {
+  auto transaction = near.beginTransaction();
+  boost::optional<ProxyId> id;
+  param->convertReferencesToProxies(false, id);
+  EXPECT_FALSE(id);
+  EXPECT_FALSE(param->hasCategory() || param->hasTags());
+  EXPECT_EQ(category->getContents()->getAllValuesAndProxies().front(), param);
+}
+
+TEST_F(Across, AProxyInASequenceStaysOneMemberThroughARollback) {
+  auto const second = sample::runtime::ParamState::create(far);
+  category->getContents()->add(second);
+  near->unload(param);
+  auto const again = sample::runtime::ParamState::create(near, sample::nameUuid("param"));
+  again->basicSetCategory(category);
+  {
+    auto const transaction = far.beginTransaction();
+    category->getContents()->remove(second);
+    EXPECT_EQ(category->getContents()->at(0), again) << "resolved inside the transaction";
+  }
+  EXPECT_THAT(category->getContents()->getAllValuesAndProxies(), ElementsAre(again, second));
+  EXPECT_TRUE(isSound(far));
+}
+
+TEST(Proxy, InAMapIsNoEntryUntilItResolvesAndStaysOutWhenItsKeyIsTaken) {
+  SampleModel s;
+  auto const entry = sample::ext::ConfigEntry::create(s.model);
+  entry->setKey(u"k");
+  auto* const values = s.night->getValues();
+  values->basicAddWithProxy(proxyOf(s.model, entry, true));
+  s.model->suppressResolve(true);
+  EXPECT_EQ(s.night->getValues()->size(), 0U);
+  EXPECT_EQ(values->getAllValuesAndProxies().size(), 1U);
+  s.model->suppressResolve(false);
+  EXPECT_EQ(s.night->getValues()->find(u"k"), entry) << "the getter of a map resolves";
+  EXPECT_EQ(entry->container(), s.night);
+  EXPECT_TRUE(isSound(s.model));
+  values->remove(entry);
+
+  auto const usurper = sample::ext::ConfigEntry::create(s.model);
+  values->basicAddWithProxy(proxyOf(s.model, entry, true));
+  usurper->setKey(u"k");
+  values->insert(usurper);
+  EXPECT_EQ(s.night->getValues()->find(u"k"), usurper);
+  EXPECT_EQ(values->getAllValuesAndProxies().size(), 2U) << "the proxy stays in the table";
+}
+
+TEST(Proxy, TellsWhetherItStandsForAnElement) {
+  SampleModel s;
+  auto& active = *tessel::frame::propertyOf(sample::ext::ConfigStore::metaClass(), u"ActiveProfile").impl();
+  EXPECT_TRUE(s.store->inverseContainsProxyTo(*s.day.impl(), active));
+  EXPECT_FALSE(s.store->inverseContainsProxyTo(*s.night.impl(), active));
+  auto const proxy = proxyOf(s.model, s.night, true);
+  s.store->basicSetActiveProfile(proxy);
+  EXPECT_FALSE(s.store->inverseContainsProxyTo(*s.day.impl(), active));
+  EXPECT_TRUE(s.store->inverseContainsProxyTo(*s.night.impl(), active));
+  s.store->basicSetActiveProfile({});
+  EXPECT_FALSE(s.store->inverseContainsProxyTo(*s.night.impl(), active));
+}
+
+TEST(Proxy, EndsWithItsModelAndLeavesNothing) {
+  sample::ext::ConfigProfile proxy;
+  {
+    SampleModel s;
+    proxy = proxyOf(s.model, s.day, true);
+    EXPECT_TRUE(proxy);
+  }
+  EXPECT_FALSE(proxy);
+  EXPECT_FALSE(proxy->getProxyId());
+}
+
+}  // namespace

@@ -1,0 +1,365 @@
+// What holds for every class of the model, checked on every class that can be instantiated, by reflection.
+#include <gmock/gmock.h>
+
+#include <tessel_config_datamodel/meta/MetaPackageTessel_config_datamodel.hpp>
+
+#include "plinth/Census.hpp"
+#include "plinth/ValueText.hpp"
+#include "support/checks.hpp"
+#include "support/specimens.hpp"
+
+using namespace support;  // NOLINT: the vocabulary of these checks
+
+namespace {
+
+namespace meta = plinth::meta;
+using plinth::ReflectionPrivateTag;
+using plinth::Storage;
+using tessel::frame::ClassTable;
+
+/// A fresh element of each class in a model of its own.
+struct Specimen {
+  explicit Specimen(ClassImpl const& metaClassOf) : metaClass(metaClassOf) {}
+  ClassImpl const& metaClass;
+  Model model = Model::create();
+  Specimens specimens{model};
+  ModelElement element = specimens.element(metaClass);
+  std::vector<PropertyImpl*> properties = metaClass.allProperties();
+
+  Value get(PropertyImpl& property) const { return element->getPropertyValue(Property(&property)); }
+  /// The state of one property, so that states can be compared.
+  std::string text(PropertyImpl& property) const { return textOf(get(property), property); }
+  static std::string textOf(Value const& value, PropertyImpl const& property) {
+    if (!property.isMany() && !isElementTyped(property)) return plinth::valueText(value);
+    std::string text;
+    auto const append = [&](ModelElement const& member) {
+      text += member.isEmpty() ? "none " : boost::uuids::to_string(member->getUuid()) + ' ';
+    };
+    if (!property.isMany()) {
+      append(value.getValue<ModelElement>());
+    } else if (isElementTyped(property)) {
+      for (auto const& each :
+           static_cast<plinth::ReferenceCollection const*>(value.content())->getAllValuesAndProxies())
+        append(each);
+    } else {
+      auto const* const values = static_cast<plinth::AbstractPrimitiveCollection const*>(value.content());
+      for (auto const& each : values->getAllValues()) text += plinth::valueText(each) + ' ';
+    }
+    return text;
+  }
+};
+
+/// Runs `check` on a fresh specimen of every class.
+template <class Check>
+void forEveryClass(Check const& check) {
+  MetaPackageTessel_config_datamodel::getInstance();
+  auto const classes = concreteClasses();
+  EXPECT_GE(classes.size(), 50U);
+  for (ClassImpl const* metaClass : classes) {
+    SCOPED_TRACE(metaClass->narrowName());
+    Specimen specimen(*metaClass);
+    check(specimen);
+    EXPECT_TRUE(isSound(specimen.model));
+  }
+}
+
+/// Runs `check` on every property that holds something of its own, each time on a fresh specimen.
+template <class Check>
+void forEveryProperty(Check const& check) {
+  forEveryClass([&](Specimen& prototype) {
+    for (PropertyImpl* property : prototype.properties) {
+      if (property->isDerived()) continue;
+      std::string const name(property->getName().begin(), property->getName().end());
+      SCOPED_TRACE(name);
+      Specimen specimen(prototype.metaClass);
+      check(specimen, *property);
+      EXPECT_TRUE(isSound(specimen.model));
+    }
+  });
+}
+
+ClassTable const& tableOf(ModelElement const& element) {
+  return static_cast<tessel::frame::Element const&>(*element).classTable();
+}
+
+/// The value that a class stamps on the property, where it does; `withBases` also looks at what its bases stamp.
+boost::optional<int> stampOf(ClassTable const& table, PropertyImpl const& property, bool withBases) {
+  for (ClassTable const* each = &table; each != nullptr; each = withBases ? each->base : nullptr) {
+    for (std::size_t i = 0; i < each->stampCount; ++i) {
+      auto const& stamp = each->stamps[i];
+      if (stamp.declaringClass->properties[stamp.position].property == &property) return stamp.value;
+    }
+  }
+  return boost::none;
+}
+
+/// The text of the value that a new element of this class has: the stamp, the metamodel's default, or the type's zero.
+std::string expectedText(PropertyImpl const& property, boost::optional<int> const& stamp) {
+  auto const& text = property.defaultValue();
+  if (auto const* const enumeration = dynamic_cast<meta::EnumImpl const*>(property.type())) {
+    auto const& first = enumeration->getLiterals().front()->getName();
+    std::u16string const name = stamp ? enumeration->findByValue(*stamp)->getName() : text ? *text : first;
+    return {name.begin(), name.end()};
+  }
+  if (property.valueFlags() == meta::OPTIONAL) return "none";
+  if (property.type() == plinth::StandardTypes::stringMeta()) return plinth::quoted(text ? *text : u"");
+  if (property.type() == plinth::StandardTypes::booleanMeta()) return text && *text == u"true" ? "true" : "false";
+  double const number = text ? std::stod(std::string(text->begin(), text->end())) : 0.0;
+  return plinth::valueText(Value::make<double>({plinth::StandardTypes::realMeta(), meta::SINGLE}, number));
+}
+
+TEST(EveryClass, MadeByCreateOrByABuilderStandsAtTheDefaultsOfTheMetamodel) {
+  forEveryClass([](Specimen& s) {
+    ClassTable const& table = tableOf(s.element);
+    Specimen created(s.metaClass);
+    created.element = tessel::frame::createElement(table, created.model, {});
+    for (PropertyImpl* property : s.properties) {
+      SCOPED_TRACE(plinth::quoted(property->getName()));
+      if (property->isMany() || isElementTyped(*property) || isHostArray(*property)) {
+        EXPECT_EQ(s.text(*property), created.text(*property));
+        EXPECT_FALSE(s.element->hasPropertyValue(Property(property)));
+        continue;
+      }
+      EXPECT_EQ(s.text(*property), expectedText(*property, stampOf(table, *property, false)));
+      EXPECT_EQ(created.text(*property), expectedText(*property, stampOf(table, *property, true)));
+    }
+  });
+}
+
+TEST(EveryClass, NumbersItsPropertiesAlongItsBases) {
+  forEveryClass([](Specimen& s) {
+    int index = 0;
+    for (PropertyImpl* property : s.properties) {
+      EXPECT_EQ(property->index(), property->isDerived() ? 0 : ++index);
+      if (!property->isDerived()) {
+        EXPECT_EQ(s.element->getPropertyByIndex(static_cast<unsigned long>(index)).impl(), property);
+      }
+      EXPECT_NE(property->owningType(), nullptr);
+      EXPECT_NE(property->type(), nullptr);
+      EXPECT_TRUE(property->isQualificationUnique());
+    }
+    auto const last = static_cast<unsigned long>(index);
+    EXPECT_TRUE(s.element->getPropertyByIndex(0).isEmpty());
+    EXPECT_TRUE(s.element->getPropertyByIndex(last + 1).isEmpty());
+    std::unique_ptr<plinth::Changes> const changes(s.element->createChanges());
+    EXPECT_EQ(changes->changeBits().size(), last);
+    std::unique_ptr<Storage> const storage(s.element->createStorage());
+    EXPECT_EQ(storage->changeBits().size(), last + 1);
+    EXPECT_EQ(s.metaClass.instantiateBuilder(s.model)->setMask().size(), last + 1);
+  });
+}
+
+TEST(EveryProperty, HoldsWhatItIsGivenAndSaysSo) {
+  forEveryProperty([](Specimen& s, PropertyImpl& property) {
+    bool const isPlain = !property.isMany() && !isElementTyped(property);
+    bool const alwaysHas = isPlain && property.valueFlags() == meta::SINGLE && !isHostArray(property);
+    EXPECT_EQ(s.element->hasPropertyValue(Property(&property)), alwaysHas);
+    std::string const before = s.text(property);
+    s.specimens.change(s.element, property);
+    EXPECT_NE(s.text(property), before);
+    EXPECT_TRUE(s.element->hasPropertyValue(Property(&property)));
+    if (property.isMany()) return;
+    Value const value = s.specimens.forProperty(property, s.element);
+    s.element->setPropertyValue(Property(&property), value);
+    EXPECT_EQ(s.text(property), Specimen::textOf(value, property));
+  });
+}
+
+TEST(EveryProperty, GivenTheValueThatItHoldsOpensNothing) {
+  forEveryProperty([](Specimen& s, PropertyImpl& property) {
+    if (property.isMany() || isHostArray(property)) return;
+    for (int round = 0; round < 2; ++round) {  // at its default, then at another value
+      CommitCount commits(s.model);
+      s.element->setPropertyValue(Property(&property), s.get(property));
+      EXPECT_EQ(commits.take(), 0);
+      auto transaction = s.model.beginTransaction();
+      s.element->setPropertyValue(Property(&property), s.get(property));
+      EXPECT_EQ(s.model->undoLog().size(), 0U);
+      s.specimens.change(s.element, property);
+      transaction.commit();
+    }
+  });
+}
+
+TEST(EveryProperty, TellsItsOldValueAndIsTakenBack) {
+  forEveryProperty([](Specimen& s, PropertyImpl& property) {
+    s.specimens.change(s.element, property);
+    std::string const old = s.text(property);
+    auto const index = static_cast<unsigned long>(property.index());
+    int told = 0;
+    auto const listening = s.model.addListener([&](plinth::ChangeSet const& changes) {
+      for (Storage const* record : changes.changed()) {
+        if (record->element() != s.element) continue;
+        ++told;
+        EXPECT_EQ(record->bits(), std::uint64_t{1} << index);
+        Value const value = record->getOldValue(Property(&property), ReflectionPrivateTag::PUBLIC_ACCESS);
+        EXPECT_EQ(Specimen::textOf(value, property), old);
+      }
+    });
+    Snapshot const before(s.model);
+    {
+      auto const transaction = s.model.beginTransaction();
+      s.specimens.change(s.element, property);
+      EXPECT_NE(s.text(property), old);
+    }
+    EXPECT_TRUE(before.isBack());
+    EXPECT_EQ(told, 0);
+    auto transaction = s.model.beginTransaction();
+    s.specimens.change(s.element, property);
+    transaction.commit();
+    EXPECT_EQ(told, 1);
+  });
+}
+
+TEST(EveryProperty, ThatComesBackToItsOldValueIsNotTold) {
+  forEveryProperty([](Specimen& s, PropertyImpl& property) {
+    bool told = false;
+    auto const listening = s.model.addListener([&](plinth::ChangeSet const& changes) {
+      for (Storage const* record : changes.changed()) told = told || record->element() == s.element;
+    });
+    Value const old = s.get(property);
+    auto transaction = s.model.beginTransaction();
+    s.specimens.change(s.element, property);
+    if (!property.isMany()) {
+      s.element->setPropertyValue(Property(&property), old);
+    } else if (isElementTyped(property)) {
+      Specimens::membersOf(s.element, property).clear();
+    } else {
+      Specimens::valuesOf(s.element, property).clear();
+    }
+    transaction.commit();
+    EXPECT_FALSE(told);
+  });
+}
+
+TEST(EveryProperty, RefusesOtherTypesShapesAndOwnersWithNothingChanged) {
+  forEveryProperty([](Specimen& s, PropertyImpl& property) {
+    Snapshot const before(s.model);
+    Property const handle(&property);
+    bool const isReal = property.type() == plinth::StandardTypes::realMeta();
+    auto* const otherType = isReal ? plinth::StandardTypes::stringMeta() : plinth::StandardTypes::realMeta();
+    Value const wrongType = s.specimens.plain(*otherType);
+    Value const wrongShape = Value::make<std::vector<bool>>({property.type(), meta::SEQUENCE}, {});
+    if (property.isMany()) {
+      EXPECT_EQ(raised([&] { s.element->setPropertyValue(handle, wrongType); }), "NoSuchProperty");
+    } else {
+      EXPECT_EQ(raised([&] { s.element->setPropertyValue(handle, wrongType); }), "CannotCastIncompatibleTypes");
+      EXPECT_EQ(raised([&] { s.element->setPropertyValue(handle, wrongShape); }), "CannotCastIncompatibleTypes");
+    }
+    auto const builder = s.metaClass.instantiateBuilder(s.model);
+    auto const mask = builder->setMask();
+    EXPECT_THAT(raised([&] { builder->setOrAdd(handle, wrongType); }),
+                testing::AnyOf("CannotCastIncompatibleTypes", "NoSuchProperty"));
+    EXPECT_EQ(builder->setMask(), mask);
+    EXPECT_TRUE(before.isBack());
+  });
+  forEveryClass([](Specimen& s) {
+    auto const* const foreign = plinth::meta::MetaRegistry::getInstance()
+                                    .findType("tessel.internal.config.data.EnumOption")
+                                    ->ownProperties()
+                                    .front();
+    for (Property const& property : {Property(const_cast<PropertyImpl*>(foreign)), Property()}) {
+      EXPECT_EQ(raised([&] { s.element->hasPropertyValue(property); }), "NoSuchProperty");
+      EXPECT_EQ(raised([&] { s.element->getPropertyValue(property); }), "NoSuchProperty");
+      EXPECT_EQ(raised([&] { s.element->setPropertyValue(property, Value()); }), "NoSuchProperty");
+    }
+    for (PropertyImpl* property : s.properties) {
+      if (!property->isDerived()) continue;
+      EXPECT_EQ(raised([&] { s.element->setPropertyValue(Property(property), Value()); }), "CannotSetReadOnlyProperty");
+    }
+  });
+}
+
+TEST(EveryProperty, OfAProxyOrADeadElementRefusesToBeSet) {
+  forEveryProperty([](Specimen& s, PropertyImpl& property) {
+    if (property.isMany()) return;
+    Value const value = s.specimens.forProperty(property, s.element);
+    auto const proxy = s.model->createProxy(s.element->getMetaClass(), s.element->getPersistentProxyId(true));
+    EXPECT_EQ(raised([&] { proxy->setPropertyValue(Property(&property), value); }), "CannotModifyProxy");
+    EXPECT_EQ(s.model->level(), 0U);
+    s.element->destroy();
+    EXPECT_EQ(raised([&] { s.element->setPropertyValue(Property(&property), value); }), "CannotModifyDestroyedElement");
+  });
+}
+
+TEST(EveryClass, BuiltWithAllItsPropertiesEqualsOneThatWasSet) {
+  forEveryClass([](Specimen& s) {
+    auto const builder = s.metaClass.instantiateBuilder(s.model);
+    Specimens twin(s.model);  // counts as the other does
+    for (PropertyImpl* property : s.properties) {
+      if (property->isDerived()) continue;
+      if (isElementTyped(*property) && property->isComposite()) {
+        builder->setOrAdd(Property(property), twin.builder(*property->type()));
+      } else if (isElementTyped(*property)) {
+        builder->setOrAdd(Property(property),
+                          Value::createElementValue(Property(property), twin.builder(*property->type())->create()));
+      } else if (property->isMany()) {
+        builder->setOrAdd(Property(property), s.specimens.plain(*property->type()));
+      } else {
+        builder->setOrAdd(Property(property), s.specimens.forProperty(*property, s.element));
+      }
+    }
+    ModelElement const built = builder->create();
+    for (PropertyImpl* property : s.properties) {
+      SCOPED_TRACE(plinth::quoted(property->getName()));
+      if (property->isDerived()) continue;
+      EXPECT_TRUE(built->hasPropertyValue(Property(property)));
+      EXPECT_EQ(builder->isSet(static_cast<unsigned long>(property->index())), true);
+      if (isElementTyped(*property)) continue;
+      Value const present = built->getPropertyValue(Property(property));
+      if (property->isMany()) {
+        for (auto const& each :
+             static_cast<plinth::AbstractPrimitiveCollection const*>(present.content())->getAllValues()) {
+          Specimens::valuesOf(s.element, *property).genericAdd(each);
+        }
+      } else {
+        s.element->setPropertyValue(Property(property), present);
+      }
+      EXPECT_EQ(s.text(*property), Specimen::textOf(present, *property));
+    }
+  });
+}
+
+TEST(EveryClass, TornDownTakesItsChildrenAndLeavesNoLinkBehind) {
+  forEveryClass([](Specimen& s) {
+    s.specimens.changeAll(s.element);
+    std::vector<plinth::ModelElementImpl*> contained;
+    s.element->collectContained(contained);
+    std::vector<ModelElement> children;
+    for (auto* child : contained) children.emplace_back(child);
+    Snapshot const before(s.model);
+    {
+      auto const transaction = s.model.beginTransaction();
+      s.element->destroy();
+      EXPECT_TRUE(isSound(s.model));
+    }
+    EXPECT_TRUE(before.isBack());
+    EXPECT_TRUE(s.element);
+    std::size_t const count = s.model->elementCount();
+    s.element->destroy();
+    EXPECT_EQ(s.model->elementCount(), count - 1 - children.size());
+    for (auto const& child : children) EXPECT_FALSE(child);
+    EXPECT_EQ(s.element.impl()->refCount(), 1U) << "only the handle of this test is left";
+  });
+}
+
+TEST(EveryClass, GivesCollectionsByTheShapeOfAProperty) {
+  MetaPackageTessel_config_datamodel::getInstance();
+  for (ClassImpl const* metaClass : concreteClasses()) {
+    for (PropertyImpl* property : metaClass->allProperties()) {
+      auto const factory = property->type()->collectionFactory();
+      if (factory == nullptr) continue;
+      std::unique_ptr<plinth::AbstractOwnedCollection> const collection(factory({}, Property(property)));
+      if (isElementTyped(*property)) {
+        auto* const view = collection->getGenericInterface();
+        EXPECT_EQ(view->isSequenceInterface(), property->isOrdered());
+        EXPECT_FALSE(view->isMapInterface());
+      } else {
+        auto const kind = static_cast<plinth::AbstractPrimitiveCollection&>(*collection).getKind();
+        EXPECT_EQ(kind, property->isOrdered() ? plinth::PrimitiveKind::SEQUENCE : plinth::PrimitiveKind::SET);
+      }
+    }
+  }
+}
+
+}  // namespace
