@@ -1,0 +1,161 @@
+// Collections of plain values.
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <tessel_config_datamodel/data/BooleanParamData.hpp>
+#include <tessel_config_datamodel/data/EnumOption.hpp>
+#include <tessel_config_datamodel/data/StringParamData.hpp>
+#include <tessel_config_datamodel/schema/ControllerDef.hpp>
+#include <tessel_config_datamodel/schema/SchemaData.hpp>
+
+#include "plinth/FailurePoint.hpp"
+#include "plinth/sample_model.hpp"
+#include "refusal.hpp"
+
+namespace collections_test {
+namespace {
+
+using plinth::CollisionResolution;
+using plinth::PrimitiveKind;
+using plinth::Value;
+using tessel::internal::config::schema::ControllerDef;
+using testing::ElementsAre;
+using testing::IsEmpty;
+namespace data = tessel::internal::config::data;
+
+template <class T>
+Value valueOf(T const& content) {
+  return Value::make<T>({plinth::MetaTypeOf<T>::type(), plinth::meta::SINGLE}, content);
+}
+
+class PrimitiveCollection : public testing::Test {
+ protected:
+  plinth::Model model = plinth::Model::create();
+  data::DoubleParamData number = data::DoubleParamData::create(model);
+  data::StringParamData text = data::StringParamData::create(model);
+};
+
+TEST_F(PrimitiveCollection, SequencesKeepDuplicatesAndRemoveTheFirst) {
+  auto& allowed = *text->getAllowedValues();
+  for (auto const* value : {u"a", u"b", u"a"}) allowed.push_back(value);
+  EXPECT_THAT(allowed, ElementsAre(u"a", u"b", u"a"));
+  allowed.genericRemove(valueOf<std::u16string>(u"a"));
+  EXPECT_THAT(allowed, ElementsAre(u"b", u"a"));
+  EXPECT_EQ(allowed.genericIndexOf(valueOf<std::u16string>(u"a")), 1U);
+  EXPECT_EQ(allowed.genericIndexOf(valueOf<std::u16string>(u"c")), 0xFFFFFFFFU);
+  allowed.genericInsert(valueOf<std::u16string>(u"c"), 1);
+  allowed.genericReplace(valueOf<std::u16string>(u"d"), 0);
+  EXPECT_EQ(*allowed.insert(allowed.begin(), allowed[2]), u"a") << "a value of its own";
+  EXPECT_EQ(*allowed.erase(allowed.begin()), u"d");
+  allowed.genericRemoveAt(2);
+  EXPECT_THAT(allowed.getAllValues(), ElementsAre(valueOf<std::u16string>(u"d"), valueOf<std::u16string>(u"c")));
+  EXPECT_EQ(allowed.genericAt(1).getValue<std::u16string>(), u"c");
+  EXPECT_EQ(allowed.getKind(), PrimitiveKind::SEQUENCE);
+}
+
+TEST_F(PrimitiveCollection, ANaNIsAddedAndNeverFound) {
+  auto& allowed = *number->getAllowedValues();
+  allowed.push_back(std::nan(""));
+  allowed.genericRemove(valueOf(std::nan("")));
+  EXPECT_EQ(allowed.size(), 1U);
+  EXPECT_EQ(allowed.genericIndexOf(valueOf(std::nan(""))), 0xFFFFFFFFU);
+  allowed.genericAdd(Value({plinth::StandardTypes::realMeta(), plinth::meta::SINGLE}));
+  EXPECT_EQ(allowed[1], 0) << "a value with no content is the zero";
+}
+
+TEST_F(PrimitiveCollection, AValueOfAnotherTypeIsRefusedAndChangesNothing) {
+  auto& allowed = *number->getAllowedValues();
+  allowed.push_back(1);
+  Value const wrong = valueOf<std::u16string>(u"1");
+  std::string const refusal = "CannotCastIncompatibleTypes(String, Real)";
+  EXPECT_EQ(raised([&] { allowed.genericAdd(wrong); }), refusal);
+  EXPECT_EQ(raised([&] { allowed.genericRemove(wrong); }), refusal);
+  EXPECT_EQ(raised([&] { allowed.genericInsert(wrong, 0); }), refusal);
+  EXPECT_EQ(raised([&] { allowed.genericReplace(wrong, 0); }), refusal);
+  EXPECT_EQ(raised([&] { allowed.genericIndexOf(wrong); }), refusal);
+  EXPECT_EQ(raised([&] {
+              allowed.genericAdd(Value({plinth::StandardTypes::realMeta(), plinth::meta::SEQUENCE}));
+            }),
+            "CannotCastIncompatibleTypes(Real, Real)");
+  EXPECT_THAT(allowed, ElementsAre(1));
+}
+
+TEST_F(PrimitiveCollection, AUniqueSequenceLeavesWhatItHas) {
+  plinth::PrimitiveSequence<std::u16string> unique;
+  unique.makeUnique();
+  for (auto const* value : {u"a", u"b", u"a"}) unique.push_back(value);
+  unique.push_back(u"b");
+  EXPECT_EQ(unique.insert(unique.begin(), u"b") - unique.begin(), 1);
+  unique.genericReplace(valueOf<std::u16string>(u"a"), 1);
+  EXPECT_THAT(unique, ElementsAre(u"a", u"b"));
+}
+
+TEST_F(PrimitiveCollection, EveryChangeIsTakenBackAtItsLevel) {
+  auto const flags = data::BooleanParamData::create(model);
+  auto& bits = *flags->getAllowedValues();
+  bits.assign({true, false, true});
+  auto outer = model.beginTransaction();
+  bits.push_back(true);
+  {
+    auto inner = model.beginTransaction();
+    bits.genericReplace(valueOf(true), 1);
+    bits.erase(bits.begin());
+    bits.insert(bits.begin(), false);
+    bits.clear();
+    bits.push_back(false);
+  }
+  EXPECT_THAT(bits, ElementsAre(true, false, true, true));
+#ifdef TESSEL_FAILURE_POINTS
+  plinth::armFailurePoint("primitive-insert", 1);
+  EXPECT_THROW(bits.push_back(true), std::bad_alloc);
+  EXPECT_TRUE(plinth::disarmFailurePoint());
+  EXPECT_EQ(bits.size(), 4U);
+#endif
+}
+
+TEST_F(PrimitiveCollection, AMapIsUniqueByKeyAndInKeyOrder) {
+  auto const schema = tessel::internal::config::schema::SchemaData::create(model);
+  auto& controllers = *schema->getControllers();
+  auto const controller = [](std::u16string const& id, std::u16string const& name) {
+    ControllerDef made;
+    made.setId(id);
+    made.setClass(name);
+    return made;
+  };
+  controllers.insert(controller(u"b", u"B"));
+  controllers.insert(controller(u"a", u"A"));
+  controllers.insert(controller(u"a", u"A"));
+  EXPECT_EQ(raised([&] { controllers.genericAdd(valueOf(controller(u"a", u"X"))); }), "UniquenessConstraint");
+  controllers.insert(controller(u"a", u"X"), CollisionResolution::KEEP);
+  EXPECT_EQ(controllers.find(u"a")->getClass(), u"A");
+  {
+    auto transaction = model.beginTransaction();
+    controllers.insert(controller(u"a", u"X"), CollisionResolution::REPLACE);
+    EXPECT_EQ(controllers.find(u"a")->getClass(), u"X");
+    controllers.genericRemove(valueOf(controller(u"b", u"other")));
+    controllers.genericRemove(valueOf(controller(u"b", u"B")));
+    controllers.clear();
+  }
+  EXPECT_THAT(controllers.getAllValues(),
+              ElementsAre(valueOf(controller(u"a", u"A")), valueOf(controller(u"b", u"B"))));
+  EXPECT_EQ(controllers.getKind(), PrimitiveKind::MAP);
+
+  plinth::PrimitiveMap<std::u16string, ControllerDef> keyless{{}};
+  EXPECT_THROW(keyless.insert(controller(u"a", u"A")), std::bad_function_call);
+}
+
+TEST_F(PrimitiveCollection, ASetIsOrderedAndDropsWhatIsEqual) {
+  plinth::PrimitiveSet<data::EnumOption> options;
+  data::EnumOption low, high;
+  low.setValue(u"low");
+  high.setValue(u"high");
+  for (auto const& option : {low, high, low}) options.insert(option);
+  EXPECT_THAT(options, ElementsAre(high, low));
+  options.genericRemove(valueOf(high));
+  options.genericRemove(valueOf(high));
+  EXPECT_THAT(options, ElementsAre(low));
+  EXPECT_EQ(options.getKind(), PrimitiveKind::SET);
+}
+
+}  // namespace
+}  // namespace collections_test
