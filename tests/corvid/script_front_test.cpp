@@ -1,0 +1,232 @@
+// Scripts on the host: construction, properties, methods, arrays, collections, enumerations, errors, and letting go.
+#include "corvid/CorvidClass.hpp"
+#include "corvid/Invocation.hpp"
+#include "kestrel/array.hpp"
+#include "script_fixture.hpp"
+
+namespace luafront {
+namespace {
+
+TEST_F(ScriptTest, findsPackagesAndClassesByTheirNames) {
+  run(R"(
+    assert(tostring(zoo.residents) == "zoo.residents" and zoo.residents == residents)
+    assert(tostring(Cat) == "zoo.residents.Cat" and residents.Cat == Cat and Cat ~= Animal)
+    assert(undefined_name == nil)
+    local names = table.concat(host.classes(residents), " ")
+    assert(names == "Animal Cat Herd Place Diet", names)
+    assert(table.concat(host.properties(Cat), " ") == "Name Weight Tame Age Diet Mother Offspring Herd")
+    assert(table.concat(host.methods(Cat()), " ") == "purr feed die trial sing")
+  )");
+  EXPECT_NE(failureOf("local x = residents.Dodo").find("script:1: NoSuchClass: Package 'zoo.residents'"),
+            std::string::npos);
+  EXPECT_NE(failureOf("residents.Dodo = 1").find("ReadOnlyProperty"), std::string::npos);
+}
+
+TEST_F(ScriptTest, constructsFromATableAndReadsAndWritesEveryShapeOfProperty) {
+  run(R"(
+    local tom = Cat({Name = "Tom"}, 4.5)
+    assert(tom.Name == "Tom" and tom.Weight == 4.5 and tom.Tame == false and tom.Age == nil and tom.Mother == nil)
+    tom.Name, tom.Weight, tom.Tame, tom.Age, tom.Diet = "Größe 🐈", 3, 1, 4, "MEAT"
+    assert(tom.Name == "Größe 🐈" and math.type(tom.Weight) == "float" and tom.Tame == true)
+    assert(math.type(tom.Age) == "integer" and tom.Age == 4 and tom.Diet == "MEAT")
+    tom.Age = nil
+    assert(tom.Age == nil)
+    local mother = Cat()
+    tom.Mother = mother
+    assert(tom.Mother == mother and rawequal(tom.Mother, mother) and tom.Mother ~= tom)
+    assert(host.class(mother) == "zoo.residents.Cat" and host.isa(mother, "zoo.residents.Animal"))
+    assert(not host.isa(Animal(), "zoo.residents.Cat") and host.isa(1.5, "double") and host.class("x") == "char")
+    tom.Mother = nil
+    assert(tom.Mother == nil)
+  )");
+}
+
+TEST_F(ScriptTest, walksArraysOfObjectsAndAssignsThemWhole) {
+  run(R"(
+    local mother = Cat()
+    assert(#mother.Offspring == 0 and host.class(mother.Offspring) == "zoo.residents.Animal")
+    local one, two = Cat({Name = "one"}), Animal({Name = "two"})
+    mother.Offspring = {one}
+    assert(#mother.Offspring == 1 and mother.Offspring[1] == one, "a sequence of one is a sequence")
+    mother.Offspring = {one, two}
+    local names = {}
+    for i, child in ipairs(mother.Offspring) do names[i] = child.Name end
+    assert(table.concat(names, " ") == "one two")
+    for i, child in pairs(mother.Offspring) do assert(child.Name == names[i]) end
+    assert(select("#", table.unpack(mother.Offspring)) == 2 and mother.Offspring[3] == nil)
+    assert(mother.Offspring == mother.Offspring)
+    mother.Offspring = mother.Offspring
+    assert(#mother.Offspring == 2)
+    local ok, message = pcall(function() mother.Offspring[1] = two end)
+    assert(not ok and message.identifier == "Kestrel:class:ReadOnlyProperty")
+    mother.Offspring = {}
+    assert(#mother.Offspring == 0)
+  )");
+}
+
+TEST_F(ScriptTest, walksCollectionObjectsByTheirMethods) {
+  run(R"(
+    local mother = Cat()
+    mother.Offspring = {Cat({Name = "a"}), Cat({Name = "b"})}
+    local herd = mother.Herd
+    assert(#herd == 2 and herd[2].Name == "b" and herd[3] == nil and herd:at(1).Name == "a")
+    local seen = ""
+    for position, child in pairs(herd) do seen = seen .. position .. child.Name end
+    for _, child in ipairs(herd) do seen = seen .. child.Name end
+    assert(seen == "1a2bab", seen)
+    do local scope <close> = mother.Herd end
+    assert(#herd == 0, "a class with the method close is closed at the end of the block")
+    assert(not pcall(function() for _ in pairs(mother) do end end))
+  )");
+}
+
+TEST_F(ScriptTest, usesEnumerationsByTheTextOfTheirLiterals) {
+  run(R"(
+    local Diet = residents.Diet
+    assert(Diet.MEAT == "MEAT" and Diet(2) == "MEAT" and Diet("PLANTS") == "PLANTS" and Diet.getValue("EVERYTHING") == 5)
+    local cat = Cat()
+    cat.Diet = Diet.EVERYTHING
+    assert(cat.Diet == Diet.EVERYTHING)
+    assert(not pcall(function() return Diet.STONES end))
+  )");
+  std::string const failure = failureOf("local cat = Cat()\ncat.Diet = 'STONES'");
+  EXPECT_NE(
+      failure.find("script:2: WrongType: Expected a value of the type 'zoo.residents.Diet scalar', not 'STONES'."),
+      std::string::npos)
+      << failure;
+}
+
+TEST_F(ScriptTest, callsMethodsOfObjectsAndClasses) {
+  run(R"(
+    local cat = Cat()
+    assert(cat:feed(2) == 3 and cat:feed(1, "supper") == 4 and cat:purr() == "purr")
+    assert(Animal.count() == 1 and Animal:count() == 1 and cat:count() == 1)
+    assert(select("#", cat:die()) == 0)
+  )");
+}
+
+TEST_F(ScriptTest, aFunctionGivenToAMethodRunsInItsScopeAndItsErrorComesBackAsItWas) {
+  run(R"(
+    local cat = Cat()
+    assert(cat:trial(function(same) same.Weight = 9 return same == cat end) == true and cat.Weight == 9)
+    local mine = {}
+    local ok, got = pcall(cat.trial, cat, function() cat.Weight = 100 error(mine) end)
+    assert(not ok and rawequal(got, mine) and cat.Weight == 9)
+    ok, got = pcall(cat.trial, cat, function() cat.Weight = 100 cat.Age = -1 end)
+    assert(not ok and got.identifier == "Kestrel:class:ValueOutOfRange" and cat.Weight == 9)
+    ok, got = pcall(cat.trial, cat, function() cat:trial(function() cat.Weight = 50 end) error("outer") end)
+    assert(not ok and tostring(got):find("outer") and cat.Weight == 9)
+    local routine = coroutine.wrap(function() return cat:trial(function() return "in a coroutine" end) end)
+    assert(routine() == "in a coroutine")
+  )");
+}
+
+TEST_F(ScriptTest, errorsOfNativesCarryIdentifierSentenceAndTheLineOfTheScript) {
+  run(R"(
+    local cat = Cat()
+    local ok, failure = pcall(function()
+      cat.Name = "Nobody"
+    end)
+    assert(not ok and failure.identifier == "Kestrel:native:Exception", failure.identifier)
+    assert(failure.sentence == "An animal can't be called Nobody." and failure.where == "script:4: ", failure.where)
+    assert(tostring(failure) == "script:4: An animal can't be called Nobody.")
+    local function identifier(...) local _, raised = pcall(...) return raised.identifier end
+    assert(identifier(cat.feed, cat) == "Kestrel:class:WrongArgumentCount")
+    assert(identifier(cat.feed, cat, "much") == "Kestrel:class:WrongType")
+    assert(identifier(function() return cat.Colour end) == "Kestrel:class:NoSuchMember")
+    assert(identifier(function() cat.Colour = 1 end) == "Kestrel:class:NoSuchMember")
+    assert(identifier(function() cat.feed = 1 end) == "Kestrel:class:ReadOnlyProperty")
+    assert(identifier(function() cat.Herd = nil end) == "Kestrel:class:ReadOnlyProperty")
+    assert(identifier(residents.Ghost) == "Kestrel:class:AbstractClass")
+    assert(identifier(cat.sing, cat) == "Kestrel:class:NotImplemented")
+    assert(identifier(function() cat.Mother = Place() end) == "Kestrel:class:WrongType")
+  )");
+  std::string const failure =
+      failureOf("local cat = Cat()\nlocal function rename()\n  cat.Name = 'Nobody'\nend\nrename()");
+  EXPECT_EQ(failure.find("tessel-script: script:3: An animal can't be called Nobody.\nstack traceback:"), 0u)
+      << failure;
+  EXPECT_NE(failure.find("script:5: in main chunk"), std::string::npos) << failure;
+}
+
+TEST_F(ScriptTest, anObjectWhoseNativeDiedIsANamedErrorAndNeverACrash) {
+  run(R"(
+    local cat, child = Cat(), Cat()
+    child.Mother = cat
+    cat:die()
+    assert(not host.isvalid(cat) and host.isvalid(child))
+    local function identifier(...) local _, raised = pcall(...) return raised.identifier end
+    assert(identifier(function() return cat.Name end) == "Kestrel:class:InvalidHandle")
+    assert(identifier(function() cat.Name = "x" end) == "Kestrel:class:InvalidHandle")
+    assert(identifier(cat.purr, cat) == "Kestrel:class:InvalidHandle")
+    assert(tostring(cat):find("destroyed"))
+    assert(cat == cat and cat ~= child)
+  )");
+}
+
+TEST_F(ScriptTest, lettingGoOfAnObjectLetsGoOfItsNative) {
+  run(R"(
+    local before = host.census().objects
+    local cat = Cat()
+    cat.Mother = Cat()
+    assert(Animal.count() == 2 and host.census().objects == before + 1, "the mother lives in the cat alone")
+    cat = nil
+    assert(host.census().objects == before and Animal.count() == 0)
+  )");
+}
+
+TEST_F(ScriptTest, valuesAreComparedByContentAndKeptAsObjects) {
+  run(R"(
+    local here, there = Place(), Place()
+    assert(here == there and not rawequal(here, there))
+    here.Latitude = 52.5
+    assert(here ~= there and here.Latitude == 52.5)
+  )");
+}
+
+TEST_F(ScriptTest, hostArraysKeepTheirClassAndTheirElements) {
+  run(R"(
+    local bytes = host.array("uint8", {1, 2, 255})
+    assert(#bytes == 3 and bytes[3] == 255 and host.class(bytes) == "uint8" and bytes == host.array("uint8", {1, 2, 255}))
+    assert(tostring(bytes) == "1 by 3 uint8 [1, 2, 255]")
+    assert(#host.array("double", {}) == 0 and host.class(host.array("string", {"a"})) == "string")
+    assert(not pcall(host.array, "uint8", {256}))
+    assert(not pcall(host.array, "uint8", {"x"}))
+  )");
+}
+
+TEST_F(ScriptTest, tablesThatHaveNoHostValueAreRefusedByName) {
+  for (char const* table : {"{1, Name = 'x'}", "{[1] = 1, [3] = 3}", "{[true] = 1}", "{coroutine.create(print)}",
+                            "(function() local t = {} t.self = t return t end)()", "'\\xff'", "Cat"}) {
+    std::string const failure = failureOf(std::string("Cat(") + table + ")");
+    EXPECT_NE(failure.find("WrongType: "), std::string::npos) << table << ": " << failure;
+  }
+}
+
+TEST_F(ScriptTest, nestedTablesCrossToTheHostAndBack) {
+  run(R"(
+    local cat = Cat()
+    local function there_and_back(value) return cat:trial(function() return value end) end
+    local record = there_and_back({name = "a", list = {1, 2, 3}, flags = {true, false}, texts = {"x", "y"},
+                                   nested = {{k = 1}, {k = 2.5}}, object = cat, empty = {}})
+    assert(record.name == "a" and #record.list == 3 and record.list[3] == 3 and record.flags[2] == false)
+    assert(record.texts[2] == "y" and record.nested[2].k == 2.5 and record.object == cat and next(record.empty) == nil)
+    local double = there_and_back(function(x) return 2 * x end)
+    assert(double(21) == 42, "a function comes back as itself")
+    assert(there_and_back(math.maxinteger) == math.maxinteger and there_and_back(nil) == nil)
+  )");
+}
+
+TEST_F(ScriptTest, aFunctionThatANativeKeepsBeyondTheScriptIsANamedError) {
+  run("kept = Cat() kept:trial(function() end)");
+  lua_State* const state = m_interpreter->state();
+  ASSERT_EQ(luaL_loadstring(state, "return 1"), LUA_OK);
+  {
+    auto reference = std::make_unique<LuaReference>(state);
+    m_interpreter.reset();
+    EXPECT_THROW(reference->push(nullptr), corvid::HostError);
+  }
+  m_interpreter = std::make_unique<Interpreter>(m_output, m_errors);
+}
+
+}  // namespace
+}  // namespace luafront

@@ -1,0 +1,106 @@
+#include "Calls.hpp"
+
+#include <algorithm>
+#include <new>
+#include <type_traits>
+#include <vector>
+
+#include "Context.hpp"
+#include "Namespaces.hpp"
+#include "Objects.hpp"
+#include "ToHost.hpp"
+#include "ToLua.hpp"
+#include "corvid/Invocation.hpp"
+
+namespace luafront {
+namespace {
+
+constexpr char const* METHOD_TYPE = "host method";
+
+struct MethodName {
+  corvid::CorvidClass const* hostClass;
+  corvid::Identifier method;
+  NamedOn namedOn;
+};
+
+// Arguments off the stack, kept for the length of a call.
+class Arguments {
+ public:
+  /// `types` may be fewer than the arguments: the rest is converted as "any".
+  Arguments(lua_State* state, int first, std::vector<corvid::Identifier> const& types) {
+    int const top = lua_gettop(state);
+    m_values.reserve(static_cast<std::size_t>(std::max(top - first + 1, 0)));
+    for (int index = first; index <= top; ++index) {
+      std::size_t const position = m_values.size();
+      EmptyTable const empty = position < types.size() ? emptyTableFor(types[position]) : EmptyTable::AsStruct;
+      m_values.push_back(toHost(state, index, empty));
+    }
+    for (HostValue const& value : m_values) m_inputs.push_back(&value.get());
+  }
+
+  corvid::Inputs const& inputs() const noexcept { return m_inputs; }
+
+ private:
+  std::vector<HostValue> m_values;
+  corvid::Inputs m_inputs;
+};
+
+std::size_t countArguments(lua_State* state, int first) {
+  return static_cast<std::size_t>(std::max(lua_gettop(state) - first + 1, 0));
+}
+
+bool givesVector(corvid::CorvidMethodInfo const& method) {
+  auto const& outputs = method.getSignature().outputs();
+  std::string const ending = " vector";
+  if (outputs.empty()) return false;
+  std::string const& type = outputs.front().text();
+  return type.size() > ending.size() && type.compare(type.size() - ending.size(), ending.size(), ending) == 0;
+}
+
+bool isStatic(corvid::CorvidClass const& hostClass, corvid::Identifier method) {
+  auto const& methods = hostClass.getMethods(method);
+  return !methods.empty() && (methods.back()->getAttributes() & corvid::MethodAttribute::STATIC) != 0;
+}
+
+int invokeNamed(lua_State* state) {
+  auto const& name = *static_cast<MethodName const*>(lua_touserdata(state, lua_upvalueindex(1)));
+  bool dropsFirst = false;
+  if (name.namedOn == NamedOn::Class) {
+    dropsFirst = toClass(state, 1) == name.hostClass;
+  } else if (isStatic(*name.hostClass, name.method)) {
+    dropsFirst = toObject(state, 1) != nullptr;
+  }
+  return callMethod(state, *name.hostClass, name.method, dropsFirst ? 2 : 1);
+}
+
+}  // namespace
+
+void registerCalls(lua_State* state) {
+  luaL_newmetatable(state, METHOD_TYPE);
+  lua_pop(state, 1);
+}
+
+void pushMethod(lua_State* state, corvid::CorvidClass const& hostClass, corvid::Identifier method, NamedOn namedOn) {
+  // The name needs no finalizer: identifiers live as long as the process.
+  static_assert(std::is_trivially_destructible_v<MethodName>);
+  new (lua_newuserdatauv(state, sizeof(MethodName), 0)) MethodName{&hostClass, method, namedOn};
+  lua_pushcclosure(state, guarded<invokeNamed>, 1);
+}
+
+int constructObject(lua_State* state, corvid::CorvidClass& hostClass, int firstArgument) {
+  Arguments const arguments(state, firstArgument, {});
+  pushValue(state, corvid::construct(hostClass, arguments.inputs()), Arity::Single);
+  return 1;
+}
+
+int callMethod(lua_State* state, corvid::CorvidClass const& hostClass, corvid::Identifier method, int firstArgument) {
+  std::size_t const count = countArguments(state, firstArgument);
+  corvid::CorvidMethodInfo const& reached = corvid::requireMethod(hostClass, method, count);
+  Arguments const arguments(state, firstArgument, reached.getSignature().inputs());
+  kestrel::OwnedArray result = corvid::invoke(hostClass, method, arguments.inputs());
+  if (result == nullptr) return 0;
+  pushValue(state, std::move(result), givesVector(reached) ? Arity::Many : Arity::Single);
+  return 1;
+}
+
+}  // namespace luafront

@@ -1,0 +1,97 @@
+// One interpreter's shared state, and the crossing of errors: every C++ function that Lua calls goes through guarded,
+// which turns a C++ exception into a Lua error with the script's line, and back into the script's own error where it
+// began there. Ownership: the interpreter owns the context; what natives keep of a script holds on to it and finds it
+// closed later. Thread rule: the host's thread.
+#pragma once
+
+#include <exception>
+#include <lua.hpp>
+#include <memory>
+#include <utility>
+
+#include "corvid/HostError.hpp"
+
+namespace luafront {
+
+struct Context : std::enable_shared_from_this<Context> {
+  /// Null once the interpreter is closed.
+  lua_State* main = nullptr;
+  /// The Lua thread that runs now.
+  lua_State* current = nullptr;
+
+  static Context& of(lua_State* state);
+};
+
+/// A Lua value that C++ keeps alive.
+class LuaReference {
+ public:
+  /// Takes the value off the top of the stack.
+  explicit LuaReference(lua_State* state);
+  ~LuaReference();
+  LuaReference(LuaReference const&) = delete;
+  LuaReference& operator=(LuaReference const&) = delete;
+
+  /// Pushes the value. Raises HostError when the script has ended.
+  void push(lua_State* state) const;
+  Context& context() const noexcept { return *m_context; }
+
+ private:
+  std::shared_ptr<Context> m_context;
+  int m_reference;
+};
+
+/// An error of a script on its way through native code: carries the script's own error value.
+class ScriptFailure final : public std::exception {
+ public:
+  /// Takes the error value off the top of the stack.
+  explicit ScriptFailure(lua_State* state);
+  char const* what() const noexcept override { return m_sentence.c_str(); }
+  void push(lua_State* state) const { m_value->push(state); }
+
+ private:
+  std::shared_ptr<LuaReference> m_value;
+  std::string m_sentence;
+};
+
+/// Pushes the Lua form of an error: a table with `identifier`, `sentence` and `where` (file and line of the script),
+/// whose text is where and sentence together.
+void pushError(lua_State* state, corvid::ErrorDescription const& error);
+void registerErrors(lua_State* state);
+
+/// Sets the running Lua thread for the length of a call.
+class RunningThread {
+ public:
+  explicit RunningThread(lua_State* state) : m_context(Context::of(state)), m_outer(m_context.current) {
+    m_context.current = state;
+  }
+  ~RunningThread() { m_context.current = m_outer; }
+  RunningThread(RunningThread const&) = delete;
+  RunningThread& operator=(RunningThread const&) = delete;
+
+ private:
+  Context& m_context;
+  lua_State* m_outer;
+};
+
+/// What Lua is given in place of `function`.
+template <lua_CFunction function>
+int guarded(lua_State* state) {
+  try {
+    RunningThread const running(state);
+    return function(state);
+  } catch (ScriptFailure const& failure) {
+    failure.push(state);
+  } catch (std::exception const& error) {
+    pushError(state, corvid::describeError(error));
+  }
+  return lua_error(state);
+}
+
+/// Adds guarded functions to the table on top of the stack.
+template <lua_CFunction function>
+void setFunction(lua_State* state, char const* name) {
+  lua_pushcfunction(state, guarded<function>);
+  lua_setfield(state, -2, name);
+}
+
+}  // namespace luafront

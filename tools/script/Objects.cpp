@@ -1,0 +1,236 @@
+#include "Objects.hpp"
+
+#include <new>
+
+#include "Calls.hpp"
+#include "Context.hpp"
+#include "Functions.hpp"
+#include "ToHost.hpp"
+#include "ToLua.hpp"
+#include "corvid/Invocation.hpp"
+
+namespace luafront {
+namespace {
+
+using corvid::CorvidClass;
+using corvid::CorvidPropInfo;
+using corvid::internal::makeInterned;
+
+constexpr char const* OBJECT_TYPE = "host object";
+// Addresses of these are keys of the registry: the userdata by object, and the members by class.
+char const OBJECTS_KEY = 0;
+char const MEMBERS_KEY = 0;
+
+ObjectBox& checkObject(lua_State* state, int index) {
+  auto* const box = static_cast<ObjectBox*>(luaL_checkudata(state, index, OBJECT_TYPE));
+  if (box->self == nullptr) throw corvid::HostError(corvid::ErrorKey::INVALID_HANDLE, "The object has been collected.");
+  return *box;
+}
+
+bool hasMethod(ObjectBox const& box, char const* name) {
+  return !box.hostClass->getMethods(makeInterned(name)).empty();
+}
+
+// Pushes the table of a class's members: property by name as a light userdata, method by name as a function.
+void pushMembers(lua_State* state, CorvidClass const& hostClass) {
+  lua_rawgetp(state, LUA_REGISTRYINDEX, &MEMBERS_KEY);
+  if (lua_rawgetp(state, -1, &hostClass) == LUA_TNIL) {
+    lua_pop(state, 1);
+    lua_newtable(state);
+    lua_pushvalue(state, -1);
+    lua_rawsetp(state, -3, &hostClass);
+  }
+  lua_remove(state, -2);
+}
+
+// Pushes the member of an object's class under the name at stack index 2, as it stands in the table of members.
+void pushMember(lua_State* state, CorvidClass const& hostClass) {
+  pushMembers(state, hostClass);
+  lua_pushvalue(state, 2);
+  if (lua_rawget(state, -2) != LUA_TNIL) return lua_remove(state, -2);
+  lua_pop(state, 1);
+
+  corvid::Identifier const name = makeInterned(lua_tostring(state, 2));
+  if (CorvidPropInfo const* const property = hostClass.findProperty(name)) {
+    lua_pushlightuserdata(state, const_cast<CorvidPropInfo*>(property));
+  } else if (!hostClass.getMethods(name).empty()) {
+    pushMethod(state, hostClass, name, NamedOn::Object);
+  } else {
+    throw corvid::HostError(corvid::ErrorKey::NO_SUCH_MEMBER, "Class '" + hostClass.getName().text() +
+                                                                  "' has no property or method '" + name.text() + "'.");
+  }
+  lua_pushvalue(state, 2);
+  lua_pushvalue(state, -2);
+  lua_rawset(state, -4);
+  lua_remove(state, -2);
+}
+
+int callWith(lua_State* state, char const* method) {
+  return callMethod(state, *checkObject(state, 1).hostClass, makeInterned(method), 1);
+}
+
+int index(lua_State* state) {
+  ObjectBox const& box = checkObject(state, 1);
+  if (lua_type(state, 2) != LUA_TSTRING) return callWith(state, corvid::ContainerMethod::AT);
+  pushMember(state, *box.hostClass);
+  if (lua_islightuserdata(state, -1) == 0) return 1;
+  auto const& property = *static_cast<CorvidPropInfo const*>(lua_touserdata(state, -1));
+  bool const isMany = property.getMultiplicity() == corvid::Multiplicity::Many;
+  pushValue(state, corvid::getProperty(*box.self, property), isMany ? Arity::Many : Arity::Single);
+  return 1;
+}
+
+int newIndex(lua_State* state) {
+  ObjectBox const& box = checkObject(state, 1);
+  luaL_checktype(state, 2, LUA_TSTRING);
+  pushMember(state, *box.hostClass);
+  if (lua_islightuserdata(state, -1) == 0)
+    throw corvid::HostError(corvid::ErrorKey::READ_ONLY_PROPERTY,
+                            "'" + std::string(lua_tostring(state, 2)) + "' is a method and can't be assigned.");
+  auto const& property = *static_cast<CorvidPropInfo const*>(lua_touserdata(state, -1));
+  bool const isMany = property.getMultiplicity() == corvid::Multiplicity::Many;
+  EmptyTable const empty = isMany ? EmptyTable::AsList : emptyTableFor(property.getDataType());
+  corvid::setProperty(*box.self, property, toHost(state, 3, empty).get());
+  return 0;
+}
+
+int length(lua_State* state) {
+  lua_settop(state, 1);
+  return callWith(state, corvid::ContainerMethod::SIZE);
+}
+
+// Upvalues: the keys, an array or nil, and the position reached.
+int nextElement(lua_State* state) {
+  int const keys = lua_upvalueindex(1);
+  bool const isKeyed = !lua_isnil(state, keys);
+  lua_settop(state, 1);
+  lua_Integer const position = lua_tointeger(state, lua_upvalueindex(2)) + 1;
+  if (position > luaL_len(state, isKeyed ? keys : 1)) return 0;
+  lua_pushinteger(state, position);
+  lua_replace(state, lua_upvalueindex(2));
+  if (isKeyed) {
+    lua_geti(state, keys, position);
+  } else {
+    lua_pushinteger(state, position);
+  }
+  // The key stays at the bottom, above it the arguments: object and key.
+  lua_pushvalue(state, 2);
+  lua_insert(state, 1);
+  int const results = callMethod(state, *checkObject(state, 2).hostClass, makeInterned(corvid::ContainerMethod::AT), 2);
+  if (results == 0) lua_pushnil(state);
+  lua_pushvalue(state, 1);
+  lua_insert(state, -2);
+  return 2;
+}
+
+// The walk of the array of all elements.
+int pairsOfValues(lua_State* state) {
+  callWith(state, corvid::ContainerMethod::VALUES);
+  luaL_getmetafield(state, -1, "__pairs");
+  lua_insert(state, -2);
+  lua_call(state, 1, 3);
+  return 3;
+}
+
+int pairs(lua_State* state) {
+  lua_settop(state, 1);
+  ObjectBox const& box = checkObject(state, 1);
+  bool const isKeyed = hasMethod(box, corvid::ContainerMethod::KEYS);
+  if (!isKeyed && hasMethod(box, corvid::ContainerMethod::VALUES)) return pairsOfValues(state);
+  if (!hasMethod(box, corvid::ContainerMethod::AT))
+    throw corvid::HostError(
+        corvid::ErrorKey::NO_SUCH_MEMBER,
+        "An object of the class '" + box.hostClass->getName().text() + "' has no elements to walk.");
+  if (!isKeyed || callWith(state, corvid::ContainerMethod::KEYS) == 0) lua_pushnil(state);
+  lua_pushinteger(state, 0);
+  lua_pushcclosure(state, guarded<nextElement>, 2);
+  lua_pushvalue(state, 1);
+  lua_pushnil(state);
+  return 3;
+}
+
+int equal(lua_State* state) {
+  ObjectBox const* const left = toObject(state, 1);
+  ObjectBox const* const right = toObject(state, 2);
+  lua_pushboolean(state,
+                  left != nullptr && right != nullptr && kestrel::equalContents(left->self.get(), right->self.get()));
+  return 1;
+}
+
+int lessThan(lua_State* state) {
+  lua_settop(state, 2);
+  return callWith(state, "lt");
+}
+
+int toString(lua_State* state) {
+  ObjectBox const& box = checkObject(state, 1);
+  lua_pushfstring(state, "%s%s: %p", box.hostClass->getName().c_str(), corvid::isLive(*box.self) ? "" : " (destroyed)",
+                  static_cast<void const*>(kestrel::object(*box.self).get()));
+  return 1;
+}
+
+int close(lua_State* state) {
+  lua_settop(state, 1);
+  ObjectBox const& box = checkObject(state, 1);
+  if (corvid::isLive(*box.self) && hasMethod(box, corvid::CLOSE_METHOD)) callWith(state, corvid::CLOSE_METHOD);
+  return 0;
+}
+
+int collect(lua_State* state) {
+  static_cast<ObjectBox*>(luaL_checkudata(state, 1, OBJECT_TYPE))->self.reset();
+  return 0;
+}
+
+void createRegistryTable(lua_State* state, char const* key, char const* mode) {
+  lua_newtable(state);
+  if (mode != nullptr) {
+    lua_createtable(state, 0, 1);
+    lua_pushstring(state, mode);
+    lua_setfield(state, -2, "__mode");
+    lua_setmetatable(state, -2);
+  }
+  lua_rawsetp(state, LUA_REGISTRYINDEX, key);
+}
+
+}  // namespace
+
+void registerObjects(lua_State* state) {
+  createRegistryTable(state, &OBJECTS_KEY, "v");
+  createRegistryTable(state, &MEMBERS_KEY, nullptr);
+  luaL_newmetatable(state, OBJECT_TYPE);
+  setFunction<index>(state, "__index");
+  setFunction<newIndex>(state, "__newindex");
+  setFunction<length>(state, "__len");
+  setFunction<pairs>(state, "__pairs");
+  setFunction<equal>(state, "__eq");
+  setFunction<lessThan>(state, "__lt");
+  setFunction<toString>(state, "__tostring");
+  setFunction<close>(state, "__close");
+  setFunction<collect>(state, "__gc");
+  lua_pushstring(state, OBJECT_TYPE);
+  lua_setfield(state, -2, "__metatable");
+  lua_pop(state, 1);
+}
+
+void pushObject(lua_State* state, kestrel::ObjectRef const& object) {
+  if (!object) return lua_pushnil(state);
+  lua_rawgetp(state, LUA_REGISTRYINDEX, &OBJECTS_KEY);
+  if (lua_rawgetp(state, -1, object.get()) == LUA_TUSERDATA) return lua_remove(state, -2);
+  lua_pop(state, 1);
+  if (pushFunction(state, *object)) return lua_remove(state, -2);
+
+  CorvidClass const& hostClass = CorvidClass::requireClass(object->className());
+  auto* const box = new (lua_newuserdatauv(state, sizeof(ObjectBox), 0)) ObjectBox{nullptr, &hostClass};
+  luaL_setmetatable(state, OBJECT_TYPE);
+  box->self = kestrel::createObject(object);
+  lua_pushvalue(state, -1);
+  lua_rawsetp(state, -3, object.get());
+  lua_remove(state, -2);
+}
+
+ObjectBox* toObject(lua_State* state, int index) {
+  auto* const box = static_cast<ObjectBox*>(luaL_testudata(state, index, OBJECT_TYPE));
+  return box != nullptr && box->self != nullptr ? box : nullptr;
+}
+
+}  // namespace luafront

@@ -1,0 +1,39 @@
+// The interactive prompt: lines off the terminal with history and completion, or off any other input without.
+#pragma once
+
+#include <istream>
+#include <optional>
+#include <string>
+
+#include "Interpreter.hpp"
+
+namespace luafront {
+
+/// Where a prompt gets its lines from.
+class LineSource {
+ public:
+  virtual ~LineSource() = default;
+  /// The next line without its end; nothing at the end of input.
+  virtual std::optional<std::string> readLine(char const* prompt) = 0;
+  /// Keeps an entry for the user to come back to.
+  virtual void remember(std::string const&) {}
+};
+
+/// Lines off a stream; shows no prompt.
+class StreamLines final : public LineSource {
+ public:
+  explicit StreamLines(std::istream& input) : m_input(input) {}
+  std::optional<std::string> readLine(char const* prompt) override;
+
+ private:
+  std::istream& m_input;
+};
+
+/// Lines off the terminal with editing, the completion of names and a history that is kept in a file (none for an empty
+/// path). Without the line editing library: lines off standard input behind a prompt. One at a time.
+std::unique_ptr<LineSource> terminalLines(lua_State* state, std::string const& historyFile);
+
+/// Runs entries until the input ends. False when the last entry was not complete.
+bool runPrompt(Interpreter& interpreter, LineSource& lines);
+
+}  // namespace luafront
