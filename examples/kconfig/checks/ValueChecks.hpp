@@ -1,0 +1,19 @@
+// Looks through an evaluated configuration for values that were not to be had as asked.
+#pragma once
+
+#include <string_view>
+
+#include "evaluation/Evaluator.hpp"
+#include "language/Diagnostics.hpp"
+
+namespace kconfig {
+
+// A warning for each symbol that is selected although its own dependencies do not hold, placed at the select.
+void checkSelections(const MenuTree& tree, const CompiledTree& compiled, Evaluator& evaluator,
+                     Diagnostics& diagnostics);
+
+// A warning for each value of the profile that lies outside the range of its symbol.
+void checkRanges(const MenuTree& tree, const Evaluator& evaluator, const UserValues& users,
+                 std::string_view profileName, Diagnostics& diagnostics);
+
+}  // namespace kconfig

@@ -1,0 +1,95 @@
+// What every command works on: a model that holds the definitions of a tree, the state of one configuration and a store
+// of profiles, and the compact form of the definitions on which values are worked out. It owns all of it and stays
+// where it was made, since its parts refer to each other. Used from one thread at a time.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "commands/Progress.hpp"
+#include "evaluation/Evaluator.hpp"
+#include "language/Diagnostics.hpp"
+#include "profiles/ProfileStore.hpp"
+#include "reader/TreeReader.hpp"
+#include "state/StateWriter.hpp"
+#include "writing/OutputItems.hpp"
+
+namespace kconfig {
+
+class Workspace {
+ public:
+  // A symbol and the value to give it, as a profile would write it.
+  struct Setting {
+    std::string symbol;
+    std::string value;
+  };
+
+  // Reads the tree whose first file is root, writes it to a new model and works out all values without a profile. What
+  // is wrong with the tree goes to diagnostics().
+  Workspace(const std::string& root, const Surroundings& surroundings, Progress& progress);
+  Workspace(const Workspace&) = delete;
+  Workspace& operator=(const Workspace&) = delete;
+
+  // Reads a saved configuration into a profile of the store; an empty one if the file can't be read.
+  ext::ConfigProfile load(const std::string& file);
+  // The saved configuration that the tree itself names ("option defconfig_list"), empty if it names none that is there.
+  std::string defaultProfile();
+  // Makes the profile the active one, works out all values and writes them to the state, in one transaction.
+  void apply(const ext::ConfigProfile& profile);
+  // Adds settings to what a profile asks for and applies that as a new profile, calls look, and, unless keep, takes all
+  // of it back. Settings that make no sense go to diagnostics().
+  void tryOut(const ext::ConfigProfile& base, const std::vector<Setting>& settings, bool keep,
+              const std::function<void()>& look);
+  // Writes the productions, whose scripts are the files.
+  void produce();
+  // Puts the diagnostics that are not there yet into the state's global messages.
+  void publishMessages();
+
+  const plinth::Model& model() const { return m_model; }
+  const schema::SchemaData& schema() const { return m_schema; }
+  const States& states() const { return m_states; }
+  const StateWriter& writer() const { return m_writer; }
+  const MenuTree& tree() const { return m_definitions.tree; }
+  const Definitions& definitions() const { return m_definitions; }
+  const CompiledTree& compiled() const { return m_compiled; }
+  Evaluator& values() { return m_evaluator; }
+  Diagnostics& diagnostics() { return m_diagnostics; }
+  // What stands in front of every symbol in a file: "CONFIG_", or what the environment variable of that name says.
+  const std::string& prefix() const { return m_prefix; }
+  // The line that the configuration has for a symbol, by what the state says of it; empty for none.
+  std::string settingOf(SymbolId symbol, const ShownValue& value) const;
+
+ private:
+  // What reading the files gives, kept until the state has its texts.
+  struct Source {
+    MenuTree tree;
+    schema::SchemaData schema;
+  };
+
+  Source read(const std::string& root);
+  States buildStates(Source& source);
+  void evaluate(const UserValues& users, std::string_view profileName);
+  void activate(const ext::ConfigProfile& profile);
+
+  Diagnostics m_diagnostics;
+  const Surroundings& m_surroundings;
+  Progress& m_progress;
+  std::string m_prefix;
+  plinth::Model m_model;
+  // Open while the constructor works: what comes into being inside it needs no old values.
+  std::optional<plinth::Transaction> m_loading;
+  Source m_source;
+  schema::SchemaData m_schema;
+  Definitions m_definitions;
+  CompiledTree m_compiled;
+  EvaluationOrder m_order;
+  Evaluator m_evaluator;
+  States m_states;
+  ext::ConfigStore m_store;
+  StateWriter m_writer;
+  std::size_t m_published = 0;
+};
+
+}  // namespace kconfig

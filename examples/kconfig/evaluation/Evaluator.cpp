@@ -1,0 +1,352 @@
+#include "evaluation/Evaluator.hpp"
+
+#include <cstdio>
+
+#include "evaluation/Comparison.hpp"
+
+namespace kconfig {
+
+Evaluator::Evaluator(const MenuTree& tree, const CompiledTree& compiled, const EvaluationOrder& order)
+    : m_tree(tree), m_compiled(compiled), m_order(order) {}
+
+void Evaluator::evaluate(const UserValues& users) {
+  reset(users);
+  calculate(m_compiled.modules);
+  for (const SymbolId symbol : m_order.symbols) {
+    calculate(symbol);
+  }
+  dropOutOfRange();
+  for (const SymbolId symbol : m_order.symbols) {
+    calculate(symbol);
+  }
+}
+
+void Evaluator::reset(const UserValues& users) {
+  const SymbolId count = m_tree.symbols.size();
+  m_values.assign(count, SymbolValue());
+  m_valid.assign(count, false);
+  m_users.resize(count);
+  for (SymbolId symbol = 0; symbol < count; ++symbol) {
+    m_users[symbol] = users[symbol];
+  }
+  for (const SymbolId constant : {symbolNo, symbolMod, symbolYes}) {
+    m_values[constant].tristate = static_cast<Tristate>(constant);
+    m_values[constant].text = m_tree.symbols[constant].name;
+    m_valid[constant] = true;
+  }
+}
+
+// A calculation that reaches itself again finds the value as it stands at that moment.
+void Evaluator::calculate(SymbolId symbol) {
+  if (m_valid[symbol] || m_depth == deepest) {
+    return;
+  }
+  m_valid[symbol] = true;
+  const SymbolType type = typeOf(symbol);
+  SymbolValue& value = m_values[symbol];
+  if (type == SymbolType::Unknown) {
+    value.text = m_tree.symbols[symbol].name;
+    return;
+  }
+  ++m_depth;
+  value.written = value.written && isMember(symbol);
+  calculateVisibility(symbol);
+  value.text = {};
+  value.tristate = Tristate::No;
+  value.origin = Origin::Nothing;
+  value.source = noProperty;
+  if (isLogical(type)) {
+    calculateLogical(symbol);
+  } else {
+    calculateText(symbol);
+  }
+  if (isChoice(symbol)) {
+    markMembersWritten(symbol);
+  }
+  if (m_tree.symbols[symbol].automatic) {
+    value.written = false;
+  }
+  --m_depth;
+}
+
+void Evaluator::calculateVisibility(SymbolId symbol) {
+  const SymbolRules& rules = m_compiled.symbols[symbol];
+  SymbolValue& value = m_values[symbol];
+  Tristate visible = Tristate::No;
+  for (const EffectiveProperty& property : m_compiled.propertiesOf(symbol)) {
+    if (property.kind != PropertyKind::Prompt) {
+      continue;
+    }
+    Tristate shown = valueOf(property.condition);
+    // While one member of a choice is y, those that could only be m are hidden.
+    if (rules.choice != noSymbol && typeOf(symbol) == SymbolType::Tristate && shown == Tristate::Mod &&
+        m_values[rules.choice].tristate == Tristate::Yes) {
+      shown = Tristate::No;
+    }
+    visible = either(visible, shown);
+  }
+  if (visible == Tristate::Mod && (typeOf(symbol) != SymbolType::Tristate || !modulesOn())) {
+    visible = Tristate::Yes;
+  }
+  value.visible = visible;
+  if (rules.choice != noSymbol) {
+    return;
+  }
+  value.direct = limited(symbol, valueOf(rules.direct));
+  value.reverse = rules.reverse != noExpression ? limited(symbol, valueOf(rules.reverse)) : Tristate::No;
+  value.implied = rules.implied != noExpression && value.direct != Tristate::No
+                      ? limited(symbol, valueOf(rules.implied))
+                      : Tristate::No;
+}
+
+// m is y for a symbol that can't be m.
+Tristate Evaluator::limited(SymbolId symbol, Tristate value) const {
+  return value == Tristate::Mod && effectiveType(symbol) == SymbolType::Boolean ? Tristate::Yes : value;
+}
+
+SymbolType Evaluator::effectiveType(SymbolId symbol) const {
+  const SymbolType type = typeOf(symbol);
+  const bool restricted = (isMember(symbol) && m_values[symbol].visible == Tristate::Yes) || !modulesOn();
+  return type == SymbolType::Tristate && restricted ? SymbolType::Boolean : type;
+}
+
+void Evaluator::calculateLogical(SymbolId symbol) {
+  SymbolValue& value = m_values[symbol];
+  Tristate result = Tristate::No;
+  if (isMember(symbol) && value.visible == Tristate::Yes) {
+    result = m_values[m_compiled.symbols[symbol].choice].chosen == symbol ? Tristate::Yes : Tristate::No;
+    value.origin = Origin::Choice;
+  } else {
+    result = askedOrDefault(symbol);
+    if (value.reverse > result) {
+      result = value.reverse;
+      value.origin = isChoice(symbol) ? value.origin : Origin::Selected;
+    }
+  }
+  if (result == Tristate::Mod && (effectiveType(symbol) == SymbolType::Boolean || value.implied == Tristate::Yes)) {
+    result = Tristate::Yes;
+  }
+  value.tristate = result;
+  value.chosen = noSymbol;
+  if (isChoice(symbol) && result == Tristate::Yes) {
+    chooseMember(symbol);
+  }
+}
+
+// What the user wants, where he may want it; else the first default in force, and what others suggest.
+Tristate Evaluator::askedOrDefault(SymbolId symbol) {
+  SymbolValue& value = m_values[symbol];
+  value.written = value.written || value.visible != Tristate::No || value.reverse != Tristate::No;
+  if (value.visible != Tristate::No && m_users[symbol].present) {
+    value.origin = Origin::User;
+    return both(m_users[symbol].tristate, value.visible);
+  }
+  if (isChoice(symbol)) {
+    return Tristate::No;
+  }
+  Tristate result = Tristate::No;
+  if (const EffectiveProperty* property = firstInForce(symbol, PropertyKind::Default)) {
+    value.written = true;
+    value.origin = Origin::Default;
+    value.source = property->source;
+    result = both(valueOf(property->value), valueOf(property->condition));
+  }
+  if (value.implied != Tristate::No) {
+    value.written = true;
+    value.origin = value.implied > result ? Origin::Implied : value.origin;
+    result = either(result, value.implied);
+  }
+  return result;
+}
+
+void Evaluator::calculateText(SymbolId symbol) {
+  SymbolValue& value = m_values[symbol];
+  value.written = value.visible != Tristate::No;
+  if (value.written && m_users[symbol].present) {
+    value.origin = Origin::User;
+    value.text = m_users[symbol].text;
+  } else if (const EffectiveProperty* property = firstInForce(symbol, PropertyKind::Default)) {
+    if (m_tree.expressions.op(property->value) == Operator::Symbol) {
+      value.written = true;
+      value.origin = Origin::Default;
+      value.source = property->source;
+      const SymbolId other = m_tree.expressions.left(property->value);
+      calculate(other);
+      value.text = textTakenFrom(other);
+    }
+  }
+  clampToRange(symbol);
+}
+
+// A text can take over a text or a constant. Of a bool or tristate symbol it gets n, whatever the symbol's value.
+std::string_view Evaluator::textTakenFrom(SymbolId symbol) const {
+  return isLogical(typeOf(symbol)) ? "n" : m_values[symbol].text;
+}
+
+void Evaluator::chooseMember(SymbolId choice) {
+  for (const SymbolId member : m_compiled.membersOf(choice)) {
+    calculateVisibility(member);
+  }
+  const SymbolId wanted = m_users[choice].member;
+  const bool possible = wanted != noSymbol && m_values[wanted].visible != Tristate::No;
+  const SymbolId chosen = possible ? wanted : defaultMember(choice);
+  m_values[choice].chosen = chosen;
+  if (chosen == noSymbol) {
+    m_values[choice].tristate = Tristate::No;
+  }
+}
+
+SymbolId Evaluator::defaultMember(SymbolId choice) {
+  for (const EffectiveProperty& property : m_compiled.propertiesOf(choice)) {
+    if (property.kind == PropertyKind::Default && valueOf(property.condition) != Tristate::No) {
+      const SymbolId member = m_tree.expressions.left(property.value);
+      if (m_values[member].visible != Tristate::No) {
+        return member;
+      }
+    }
+  }
+  for (const SymbolId member : m_compiled.membersOf(choice)) {
+    if (m_values[member].visible != Tristate::No) {
+      return member;
+    }
+  }
+  return noSymbol;
+}
+
+void Evaluator::markMembersWritten(SymbolId choice) {
+  if (m_values[choice].written) {
+    for (const SymbolId member : m_compiled.membersOf(choice)) {
+      m_values[member].written = m_values[member].written || m_values[member].visible != Tristate::No;
+    }
+  }
+}
+
+// Ranges
+
+void Evaluator::clampToRange(SymbolId symbol) {
+  const SymbolType type = typeOf(symbol);
+  const EffectiveProperty* range = isNumeric(type) ? firstInForce(symbol, PropertyKind::Range) : nullptr;
+  if (range == nullptr) {
+    return;
+  }
+  const int base = type == SymbolType::Integer ? 10 : 16;
+  const long long number = leadingNumber(m_values[symbol].text, base);
+  long long bound = boundOf(range->lower, base);
+  if (number >= bound) {
+    bound = boundOf(range->upper, base);
+    if (number <= bound) {
+      return;
+    }
+  }
+  char text[32];
+  std::snprintf(text, sizeof text, type == SymbolType::Integer ? "%lld" : "0x%llx", bound);
+  SymbolValue& value = m_values[symbol];
+  value.text = m_texts.intern(text);
+  value.origin = Origin::Range;
+  value.source = range->source;
+}
+
+long long Evaluator::boundOf(SymbolId symbol, int base) {
+  calculate(symbol);
+  const SymbolType type = typeOf(symbol);
+  if (isNumeric(type)) {
+    base = type == SymbolType::Integer ? 10 : 16;
+  }
+  return leadingNumber(isLogical(type) ? std::string_view() : m_values[symbol].text, base);
+}
+
+// A number out of its range counts as not given, once all values are known. Symbols that saw it keep the value that
+// they worked out from it brought into range.
+void Evaluator::dropOutOfRange() {
+  for (const SymbolId symbol : m_order.visiting) {
+    if (m_users[symbol].present && isNumeric(typeOf(symbol)) && !isMember(symbol) &&
+        !isWithinRange(symbol, m_users[symbol].text)) {
+      m_users[symbol].present = false;
+      m_valid[symbol] = false;
+      m_values[symbol].outOfRange = true;
+    }
+  }
+}
+
+bool Evaluator::isWithinRange(SymbolId symbol, std::string_view text) {
+  const std::optional<Limits> limits = limitsOf(symbol);
+  const long long number = leadingNumber(text, typeOf(symbol) == SymbolType::Integer ? 10 : 16);
+  return !limits || (number >= limits->lower && number <= limits->upper);
+}
+
+std::optional<Limits> Evaluator::limitsOf(SymbolId symbol) {
+  const EffectiveProperty* range = isNumeric(typeOf(symbol)) ? firstInForce(symbol, PropertyKind::Range) : nullptr;
+  if (range == nullptr) {
+    return std::nullopt;
+  }
+  const int base = typeOf(symbol) == SymbolType::Integer ? 10 : 16;
+  const long long lower = boundOf(range->lower, base);
+  return Limits{lower, boundOf(range->upper, base)};
+}
+
+// Conditions
+
+const EffectiveProperty* Evaluator::firstInForce(SymbolId symbol, PropertyKind kind) {
+  for (const EffectiveProperty& property : m_compiled.propertiesOf(symbol)) {
+    if (property.kind == kind && valueOf(property.condition) != Tristate::No) {
+      return &property;
+    }
+  }
+  return nullptr;
+}
+
+Tristate Evaluator::valueOf(ExpressionId id) {
+  const ExpressionPool& pool = m_tree.expressions;
+  const Operator op = pool.op(id);
+  switch (op) {
+    case Operator::None:
+      return Tristate::Yes;
+    case Operator::Symbol:
+      calculate(pool.left(id));
+      return m_values[pool.left(id)].tristate;
+    case Operator::Not:
+    case Operator::And:
+    case Operator::Or: {
+      ++m_depth;
+      const Tristate result = op == Operator::Not ? negated(valueOf(pool.operand(id))) : valueOfList(id);
+      --m_depth;
+      return result;
+    }
+    default:
+      return compare(id) ? Tristate::Yes : Tristate::No;
+  }
+}
+
+// Every operand is looked at: asking for values in another order could change those of a group.
+Tristate Evaluator::valueOfList(ExpressionId id) {
+  const bool all = m_tree.expressions.op(id) == Operator::And;
+  Tristate result = all ? Tristate::Yes : Tristate::No;
+  for (const ExpressionId operand : m_tree.expressions.operands(id)) {
+    const Tristate value = valueOf(operand);
+    result = all ? both(result, value) : either(result, value);
+  }
+  return result;
+}
+
+bool Evaluator::compare(ExpressionId id) {
+  const ExpressionPool& pool = m_tree.expressions;
+  const SymbolId left = pool.left(id);
+  const SymbolId right = pool.right(id);
+  calculate(left);
+  calculate(right);
+  return holds(pool.op(id), {textOf(left), typeOf(left)}, {textOf(right), typeOf(right)});
+}
+
+std::string_view Evaluator::textOf(SymbolId symbol) {
+  const SymbolValue& value = m_values[symbol];
+  if (!isLogical(typeOf(symbol))) {
+    return value.text;
+  }
+  if (value.tristate == Tristate::Mod) {
+    calculate(m_compiled.modules);
+    return modulesOn() ? "m" : "n";
+  }
+  return value.tristate == Tristate::Yes ? "y" : "n";
+}
+
+}  // namespace kconfig

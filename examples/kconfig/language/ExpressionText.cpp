@@ -1,0 +1,92 @@
+#include "language/ExpressionText.hpp"
+
+namespace kconfig {
+
+namespace {
+
+const char* signOf(Operator op) {
+  switch (op) {
+    case Operator::Equal:
+      return " = ";
+    case Operator::Unequal:
+      return " != ";
+    case Operator::Less:
+      return " < ";
+    case Operator::LessEqual:
+      return " <= ";
+    case Operator::Greater:
+      return " > ";
+    case Operator::GreaterEqual:
+      return " >= ";
+    case Operator::And:
+      return " && ";
+    default:
+      return " || ";
+  }
+}
+
+class Printer {
+ public:
+  Printer(const ExpressionPool& pool, const SymbolTable& symbols) : m_pool(pool), m_symbols(symbols) {}
+
+  void print(ExpressionId id);
+  std::string take() { return std::move(m_text); }
+
+ private:
+  void printSymbol(SymbolId id);
+  void printList(ExpressionId id);
+
+  const ExpressionPool& m_pool;
+  const SymbolTable& m_symbols;
+  std::string m_text;
+};
+
+void Printer::print(ExpressionId id) {
+  const Operator op = m_pool.op(id);
+  if (isList(op)) {
+    printList(id);
+  } else if (op == Operator::Not) {
+    const bool single = m_pool.op(m_pool.operand(id)) == Operator::Symbol;
+    m_text += single ? "!" : "!(";
+    print(m_pool.operand(id));
+    m_text += single ? "" : ")";
+  } else if (op != Operator::None) {
+    printSymbol(m_pool.left(id));
+    if (op != Operator::Symbol) {
+      m_text += signOf(op);
+      printSymbol(m_pool.right(id));
+    }
+  }
+}
+
+void Printer::printSymbol(SymbolId id) {
+  const Symbol& symbol = m_symbols[id];
+  const bool quoted = symbol.kind == SymbolKind::Constant && !isTristateConstant(id);
+  const bool nameless = symbol.kind == SymbolKind::Choice && symbol.name.empty();
+  m_text += quoted ? "\"" : "";
+  m_text += nameless ? std::string_view("<choice>") : symbol.name;
+  m_text += quoted ? "\"" : "";
+}
+
+void Printer::printList(ExpressionId id) {
+  const Operator op = m_pool.op(id);
+  const char* separator = "";
+  for (const ExpressionId operand : m_pool.operands(id)) {
+    const bool inner = isList(m_pool.op(operand));
+    m_text += separator;
+    m_text += inner ? "(" : "";
+    print(operand);
+    m_text += inner ? ")" : "";
+    separator = signOf(op);
+  }
+}
+
+}  // namespace
+
+std::string textOf(const ExpressionPool& pool, const SymbolTable& symbols, ExpressionId id) {
+  Printer printer(pool, symbols);
+  printer.print(id);
+  return printer.take();
+}
+
+}  // namespace kconfig

@@ -1,0 +1,106 @@
+// A configuration tree as its files declare it: entries in the order of the text, each with its properties, nothing
+// inherited or worked out yet. It is what the reader makes and what dependency propagation starts from. The tree owns
+// all texts, symbols and expressions that its rows name. Used from one thread at a time.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+#include "language/ExpressionPool.hpp"
+#include "language/StringPool.hpp"
+#include "language/SymbolTable.hpp"
+
+namespace kconfig {
+
+using EntryId = std::uint32_t;
+using PropertyId = std::uint32_t;
+
+constexpr EntryId rootEntry = 0;
+constexpr EntryId noEntry = ~EntryId{0};
+constexpr PropertyId noProperty = ~PropertyId{0};
+
+// Where something stands; file is an index into MenuTree::files.
+struct Position {
+  std::uint32_t file = 0;
+  std::uint32_t line = 0;
+};
+
+enum class EntryKind : std::uint8_t { Root, Config, MenuConfig, Choice, Menu, If, Comment };
+
+enum class PropertyKind : std::uint8_t {
+  Type,
+  Prompt,  // also the title of a menu and the text of a comment
+  Default,
+  Select,
+  Imply,
+  Range,
+  DependsOn,
+  VisibleIf,
+  Help,
+  Optional,
+  Environment,    // option env="text"
+  Modules,        // option modules
+  DefconfigList,  // option defconfig_list
+  AllNoConfigY    // option allnoconfig_y
+};
+
+struct Property {
+  PropertyKind kind = PropertyKind::Type;
+  SymbolType type = SymbolType::Unknown;  // of Type
+  Position position;
+  SymbolId symbol = noSymbol;             // target of Select and Imply, lower bound of Range
+  SymbolId upper = noSymbol;              // upper bound of Range
+  ExpressionId value = noExpression;      // of Default
+  ExpressionId condition = noExpression;  // what stands behind "if", or the condition itself
+  std::string_view text;                  // of Prompt, Help and Environment
+};
+
+struct Entry {
+  EntryKind kind = EntryKind::Root;
+  Position position;
+  SymbolId symbol = noSymbol;  // of Config, MenuConfig and Choice
+  EntryId parent = noEntry;
+  EntryId end = 0;  // one past the last entry inside this one
+  PropertyId firstProperty = 0;
+  std::uint32_t propertyCount = 0;
+};
+
+struct SourceFile {
+  std::string_view name;  // as it was asked for
+  Position sourcedFrom;   // line 0 for the first file
+};
+
+struct MenuTree {
+  StringPool texts;
+  SymbolTable symbols;
+  ExpressionPool expressions;
+  std::vector<SourceFile> files;
+  std::vector<Entry> entries;                // parents before their contents; the first is the root
+  std::vector<Property> properties;          // those of one entry stand together
+  std::vector<Property> predefined;          // values of symbols that exist without an entry; symbol names the owner
+  std::string_view title = "Configuration";  // of the whole configuration
+  SymbolId modules = noSymbol;               // the symbol that switches the third value on
+};
+
+// The properties of an entry, for a range-based for.
+struct PropertyRange {
+  const Property* first;
+  std::uint32_t count;
+
+  const Property* begin() const { return first; }
+  const Property* end() const { return first + count; }
+};
+
+inline PropertyRange propertiesOf(const MenuTree& tree, const Entry& entry) {
+  return {tree.properties.data() + entry.firstProperty, entry.propertyCount};
+}
+
+// The folder at the top of the tree in which an entry stands; empty at the top itself and outside of the tree.
+inline std::string_view ownerOf(const MenuTree& tree, const Entry& entry) {
+  const std::string_view file = tree.files[entry.position.file].name;
+  const std::size_t slash = file.find('/');
+  return slash != std::string_view::npos ? file.substr(0, slash) : std::string_view();
+}
+
+}  // namespace kconfig

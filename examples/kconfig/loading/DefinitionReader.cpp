@@ -1,0 +1,304 @@
+#include "loading/DefinitionReader.hpp"
+
+#include <kestrel/array.hpp>
+#include <stdexcept>
+#include <tessel_config_datamodel/runtime/Metadata.hpp>
+#include <tessel_config_datamodel/schema/CategoryDef.hpp>
+#include <tessel_config_datamodel/schema/FollowsDef.hpp>
+
+#include "loading/ExpressionElements.hpp"
+#include "loading/ModelText.hpp"
+#include "loading/Vocabulary.hpp"
+
+namespace kconfig {
+
+namespace {
+
+constexpr bool startsWith(std::string_view text, std::string_view beginning) {
+  return text.substr(0, beginning.size()) == beginning;
+}
+
+EntryKind kindOf(std::string_view key) {
+  constexpr std::pair<std::string_view, EntryKind> kinds[] = {{key::menu, EntryKind::Menu},
+                                                              {key::comment, EntryKind::Comment},
+                                                              {key::conditional, EntryKind::If},
+                                                              {key::choice, EntryKind::Choice},
+                                                              {key::entry, EntryKind::Config}};
+  for (const auto& [beginning, kind] : kinds) {
+    if (startsWith(key, beginning)) {
+      return kind;
+    }
+  }
+  if (key == key::tree) {
+    return EntryKind::Root;
+  }
+  throw std::runtime_error("the definitions have a category of an unknown kind, '" + std::string(key) + "'");
+}
+
+SymbolType typeOf(std::string_view keyword) {
+  for (const SymbolType type :
+       {SymbolType::Boolean, SymbolType::Tristate, SymbolType::Integer, SymbolType::Hexadecimal, SymbolType::String}) {
+    if (keyword == keywordOf(type)) {
+      return type;
+    }
+  }
+  throw std::runtime_error("the definitions have a parameter of an unknown type, '" + std::string(keyword) + "'");
+}
+
+class DefinitionReader {
+ public:
+  explicit DefinitionReader(const schema::SchemaData& schema) : m_schema(schema), m_expressions(m_result.tree) {}
+
+  Definitions read();
+
+ private:
+  void readMetadata();
+  void collectNodes();
+  void addSymbols();
+  void addEntry(const schema::ControllableDef& definition, EntryId parent);
+  void addContents(const schema::CategoryDef& category, EntryId id);
+  SymbolId symbolOf(const schema::ControllableDef& definition, EntryKind kind);
+  void readFollows(const schema::FollowsDef& row, EntryId id);
+  void readLogic(const schema::ControllableDef& definition, EntryId id);
+  void readOption(std::string_view option, EntryId id);
+  void addPredefined();
+  void add(EntryId id, const Property& property);
+  Position nextPosition();
+  kestrel_array const* metadataOf(std::u16string_view name) const;
+  std::string_view intern(std::u16string_view text) { return m_result.tree.texts.intern(fromModel(text)); }
+
+  schema::SchemaData m_schema;
+  Definitions m_result;
+  ExpressionReader m_expressions;
+  std::vector<schema::ControllableDef> m_nodes;  // by ordinal
+  std::vector<SymbolId> m_symbols;               // by ordinal
+  const std::uint32_t* m_position = nullptr;
+  const std::uint32_t* m_lastPosition = nullptr;
+};
+
+Definitions DefinitionReader::read() {
+  readMetadata();
+  collectNodes();
+  addSymbols();
+  addEntry(m_schema->getCategoriesMutable()->at(0), noEntry);
+  addPredefined();
+  m_result.params.resize(m_result.tree.symbols.size());
+  return std::move(m_result);
+}
+
+void DefinitionReader::readMetadata() {
+  MenuTree& tree = m_result.tree;
+  tree.title = intern(kestrel::charText(*metadataOf(metadata::title)));
+  const kestrel_array& files = *metadataOf(metadata::files);
+  const std::uint32_t* from = kestrel::data<std::uint32_t>(*metadataOf(metadata::sourcedFrom));
+  for (std::size_t file = 0; file < kestrel::numberOfElements(files); ++file) {
+    tree.files.push_back({intern(*kestrel::stringElement(files, file)), {from[2 * file], from[2 * file + 1]}});
+  }
+  const kestrel_array& positions = *metadataOf(metadata::positions);
+  m_position = kestrel::data<std::uint32_t>(positions);
+  m_lastPosition = m_position + kestrel::numberOfElements(positions);
+}
+
+kestrel_array const* DefinitionReader::metadataOf(std::u16string_view name) const {
+  const runtime::Metadata row = m_schema->getMetadata()->find(name);
+  if (!row || row->getValue() == nullptr) {
+    throw std::runtime_error("the definitions lack the metadata '" + fromModel(name) + "'");
+  }
+  return row->getValue();
+}
+
+Position DefinitionReader::nextPosition() {
+  if (m_position == m_lastPosition) {
+    throw std::runtime_error("the definitions have fewer positions than entries and properties");
+  }
+  const Position position{m_position[0], m_position[1]};
+  m_position += 2;
+  return position;
+}
+
+void DefinitionReader::collectNodes() {
+  m_nodes.resize(m_schema->getNodeCount());
+  const auto enter = [this](const schema::ControllableDef& definition) {
+    m_nodes.at(definition->getOrdinal()) = definition;
+  };
+  for (const schema::ParamDef& param : *m_schema->getParams()) {
+    enter(param);
+  }
+  for (const schema::CategoryDef& category : *m_schema->getCategories()) {
+    enter(category);
+  }
+}
+
+// Symbols get their numbers in the order in which the text mentions them: the order of evaluation hangs on it.
+void DefinitionReader::addSymbols() {
+  SymbolTable& symbols = m_result.tree.symbols;
+  m_symbols.resize(m_nodes.size(), noSymbol);
+  for (std::size_t ordinal = 0; ordinal < m_nodes.size(); ++ordinal) {
+    const auto param = plinth::element_cast<schema::ParamDef>(m_nodes[ordinal]);
+    if (!param) {
+      continue;
+    }
+    const std::string_view name = intern(param->getKey());
+    SymbolId symbol = noSymbol;
+    if (startsWith(name, key::choice)) {
+      symbol = symbols.choice(startsWith(name, key::nameless) ? "" : name.substr(key::choice.size()));
+    } else {
+      symbol = symbols.plain(name);
+    }
+    m_symbols[ordinal] = symbol;
+    m_result.params.resize(symbols.size());
+    m_result.params[symbol] = param;
+    for (const schema::EvalDef& row : *param->getLogic()) {
+      if (row.getAttribute() == logic::type) {
+        symbols[symbol].type = typeOf(fromModel(row.getCode()));
+      }
+    }
+  }
+}
+
+void DefinitionReader::addEntry(const schema::ControllableDef& definition, EntryId parent) {
+  MenuTree& tree = m_result.tree;
+  const auto id = static_cast<EntryId>(tree.entries.size());
+  const auto category = plinth::element_cast<schema::CategoryDef>(definition);
+  Entry entry;
+  entry.kind = category ? kindOf(fromModel(definition->getKey())) : EntryKind::Config;
+  entry.position = nextPosition();
+  entry.symbol = symbolOf(definition, entry.kind);
+  entry.parent = parent;
+  entry.firstProperty = static_cast<PropertyId>(tree.properties.size());
+  if (entry.symbol != noSymbol) {
+    tree.symbols[entry.symbol].defined = true;
+  }
+  tree.entries.push_back(entry);
+  m_result.entries.push_back(definition);
+  if (definition->hasFollows()) {
+    for (const schema::FollowsDef& row : *definition->getFollows()) {
+      readFollows(row, id);
+    }
+  }
+  readLogic(definition, id);
+  if (category && entry.kind != EntryKind::Config) {
+    addContents(category, id);
+  }
+  tree.entries[id].end = static_cast<EntryId>(tree.entries.size());
+}
+
+void DefinitionReader::addContents(const schema::CategoryDef& category, EntryId id) {
+  if (category->hasContents()) {
+    for (const schema::GlobalNodeRef& ref : *category->getContents()) {
+      addEntry(m_nodes.at(ref.getOrdinal()), id);
+    }
+  }
+}
+
+SymbolId DefinitionReader::symbolOf(const schema::ControllableDef& definition, EntryKind kind) {
+  if (kind == EntryKind::Choice) {
+    const schema::ParamDef param = m_schema->getParams()->find(definition->getKey());
+    return param ? m_symbols[param->getOrdinal()] : noSymbol;
+  }
+  if (kind != EntryKind::Config) {
+    return noSymbol;
+  }
+  const auto category = plinth::element_cast<schema::CategoryDef>(definition);
+  return m_symbols.at(category ? (*category->getContents())[0].getOrdinal() : definition->getOrdinal());
+}
+
+void DefinitionReader::readFollows(const schema::FollowsDef& row, EntryId id) {
+  const std::u16string& attribute = row->getAttribute();
+  Property property;
+  property.position = nextPosition();
+  if (attribute == follows::enabled || attribute == follows::contentsVisible) {
+    property.kind = attribute == follows::enabled ? PropertyKind::DependsOn : PropertyKind::VisibleIf;
+    property.condition = m_expressions.read(row->getExpr());
+    add(id, property);
+    return;
+  }
+  const ConditionalElements parts = m_expressions.readConditional(row->getExpr());
+  property.condition = parts.condition;
+  const expr::ExprValue& value = parts.values.at(0);
+  if (attribute == follows::name) {
+    property.kind = PropertyKind::Prompt;
+    property.text = m_result.tree.texts.intern(textOf(value));
+  } else if (attribute == follows::value || attribute == follows::imported) {
+    property.kind = attribute == follows::value ? PropertyKind::Default : PropertyKind::Environment;
+    property.value = m_expressions.read(value);
+  } else if (attribute == follows::range) {
+    property.kind = PropertyKind::Range;
+    property.symbol = m_expressions.readSymbol(value);
+    property.upper = m_expressions.readSymbol(parts.values.at(1));
+  } else {
+    property.kind = attribute == follows::select ? PropertyKind::Select : PropertyKind::Imply;
+    property.symbol = m_expressions.readSymbol(value);
+  }
+  add(id, property);
+}
+
+void DefinitionReader::readLogic(const schema::ControllableDef& definition, EntryId id) {
+  if (!definition->hasLogic()) {
+    return;
+  }
+  for (const schema::EvalDef& row : *definition->getLogic()) {
+    if (row.getAttribute() == logic::name) {
+      Property prompt;
+      prompt.kind = PropertyKind::Prompt;
+      prompt.position = m_result.tree.entries[id].position;
+      prompt.text = intern(row.getCode());
+      add(id, prompt);
+    } else if (row.getAttribute() == logic::entry) {
+      m_result.tree.entries[id].kind = EntryKind::MenuConfig;
+    } else if (row.getAttribute() == logic::option) {
+      readOption(fromModel(row.getCode()), id);
+    }
+  }
+}
+
+void DefinitionReader::readOption(std::string_view option, EntryId id) {
+  MenuTree& tree = m_result.tree;
+  const Entry& entry = tree.entries[id];
+  Property property;
+  property.position = entry.position;
+  if (startsWith(option, logic::environment)) {
+    tree.symbols[entry.symbol].automatic = true;
+    return;
+  }
+  if (option == logic::optional) {
+    property.kind = PropertyKind::Optional;
+    tree.symbols[entry.symbol].optional = true;
+  } else if (option == logic::modules) {
+    property.kind = PropertyKind::Modules;
+    tree.modules = entry.symbol;
+  } else {
+    property.kind = option == logic::defconfigList ? PropertyKind::DefconfigList : PropertyKind::AllNoConfigY;
+  }
+  add(id, property);
+}
+
+void DefinitionReader::add(EntryId id, const Property& property) {
+  m_result.tree.properties.push_back(property);
+  ++m_result.tree.entries[id].propertyCount;
+}
+
+// Parameters that no entry declares.
+void DefinitionReader::addPredefined() {
+  MenuTree& tree = m_result.tree;
+  for (std::size_t ordinal = 0; ordinal < m_nodes.size(); ++ordinal) {
+    const SymbolId symbol = m_symbols[ordinal];
+    if (symbol == noSymbol || tree.symbols[symbol].defined) {
+      continue;
+    }
+    tree.symbols[symbol].automatic = true;
+    for (const schema::FollowsDef& row : *m_nodes[ordinal]->getFollows()) {
+      Property property;
+      property.kind = PropertyKind::Environment;
+      property.symbol = symbol;
+      property.value = m_expressions.read(row->getExpr());
+      tree.predefined.push_back(property);
+    }
+  }
+}
+
+}  // namespace
+
+Definitions readDefinitions(const schema::SchemaData& schema) { return DefinitionReader(schema).read(); }
+
+}  // namespace kconfig

@@ -1,0 +1,58 @@
+// Expressions of a tree as expression elements of the model, and back. Operands of && and || stay one list. What is
+// written is new and in nobody's containment yet. Both refer to a tree that lives longer; the model's thread.
+#pragma once
+
+#include <initializer_list>
+#include <string_view>
+#include <tessel_config_datamodel/expr/ExprValue.hpp>
+#include <tessel_config_datamodel/expr/Operation.hpp>
+#include <vector>
+
+#include "language/MenuTree.hpp"
+#include "loading/ModelTypes.hpp"
+
+namespace kconfig {
+
+class ExpressionWriter {
+ public:
+  ExpressionWriter(const MenuTree& tree, plinth::Model model) : m_tree(tree), m_model(std::move(model)) {}
+
+  // Of any expression but noExpression.
+  expr::ExprValue write(ExpressionId id);
+  expr::ExprValue writeSymbol(SymbolId id);
+  expr::ExprValue writeText(std::string_view text);
+  // values, in force as far as condition holds: IF_THEN of both, or the one value itself without a condition.
+  expr::ExprValue writeConditional(ExpressionId condition, const std::vector<expr::ExprValue>& values);
+
+ private:
+  void addOperands(const expr::Operation& operation, const std::vector<expr::ExprValue>& operands);
+
+  const MenuTree& m_tree;
+  plinth::Model m_model;
+};
+
+// What stands under a FollowsDef, taken apart: a condition, noExpression where there is none, and what it governs.
+struct ConditionalElements {
+  ExpressionId condition = noExpression;
+  std::vector<expr::ExprValue> values;
+};
+
+class ExpressionReader {
+ public:
+  // Symbols and expressions that are read are entered into the tree.
+  explicit ExpressionReader(MenuTree& tree) : m_tree(tree) {}
+
+  ExpressionId read(const expr::ExprValue& value);
+  SymbolId readSymbol(const expr::ExprValue& value);
+  ConditionalElements readConditional(const expr::ExprValue& value);
+
+ private:
+  ExpressionId readOperation(const expr::Operation& operation);
+
+  MenuTree& m_tree;
+};
+
+// The text of a StringConstant; empty for any other element.
+std::string textOf(const expr::ExprValue& value);
+
+}  // namespace kconfig

@@ -1,0 +1,47 @@
+#include "profiles/ProfileApplication.hpp"
+
+#include <string>
+
+namespace kconfig {
+
+namespace {
+
+// What to say about an assignment, nothing if it went well.
+std::string complaintAbout(Assignment result, const ProfileLine& line, const Symbol& symbol) {
+  const std::string name = "'" + std::string(line.name) + "'";
+  switch (result) {
+    case Assignment::Override:
+      return name + " has a value from an earlier line already, this one replaces it";
+    case Assignment::Inconsistent:
+      return name + " contradicts what another member of its choice is given";
+    case Assignment::InvalidValue:
+      return "'" + std::string(line.value) + "' is no value for " + name + ", which is " + keywordOf(symbol.type);
+    case Assignment::InvalidString:
+      return "the string for " + name + " does not stand in quotes";
+    case Assignment::Untyped:
+      return name + " has no type and can't have a value";
+    case Assignment::Done:
+      break;
+  }
+  return {};
+}
+
+}  // namespace
+
+void applyProfile(const std::vector<ProfileLine>& lines, std::string_view fileName, const SymbolTable& symbols,
+                  UserValues& users, Diagnostics& diagnostics) {
+  for (const ProfileLine& line : lines) {
+    const SymbolId symbol = symbols.find(line.name);
+    if (symbol == noSymbol || isTristateConstant(symbol) || !symbols[symbol].defined) {
+      diagnostics.warning(fileName, line.line, "there is no symbol '" + std::string(line.name) + "'");
+      continue;
+    }
+    const Assignment result = line.set ? users.assign(symbol, line.value, line.line) : users.unset(symbol, line.line);
+    std::string complaint = complaintAbout(result, line, symbols[symbol]);
+    if (!complaint.empty()) {
+      diagnostics.warning(fileName, line.line, std::move(complaint));
+    }
+  }
+}
+
+}  // namespace kconfig

@@ -1,0 +1,18 @@
+// Brings the lines of a saved configuration to the symbols of a tree.
+#pragma once
+
+#include <string_view>
+#include <vector>
+
+#include "evaluation/UserValues.hpp"
+#include "language/Diagnostics.hpp"
+#include "profiles/ProfileFile.hpp"
+
+namespace kconfig {
+
+// Assigns each line in turn. Unknown symbols, values that do not fit and lines that contradict earlier ones are warned
+// of with their place in the file; the rest counts.
+void applyProfile(const std::vector<ProfileLine>& lines, std::string_view fileName, const SymbolTable& symbols,
+                  UserValues& users, Diagnostics& diagnostics);
+
+}  // namespace kconfig

@@ -1,0 +1,587 @@
+#include "reader/FileParser.hpp"
+
+#include <utility>
+
+namespace kconfig {
+
+namespace {
+
+constexpr std::size_t deepestBlock = 500;
+
+const char* openingWord(EntryKind kind) {
+  switch (kind) {
+    case EntryKind::Choice:
+      return "choice";
+    case EntryKind::Menu:
+      return "menu";
+    default:
+      return "if";
+  }
+}
+
+const char* closingWord(EntryKind kind) {
+  switch (kind) {
+    case EntryKind::Choice:
+      return "endchoice";
+    case EntryKind::Menu:
+      return "endmenu";
+    default:
+      return "endif";
+  }
+}
+
+std::string quotedName(std::string_view name) { return "'" + std::string(name) + "'"; }
+
+}  // namespace
+
+FileParser::FileParser(TreeBuilder& builder, std::uint32_t file, std::string_view text, Source source)
+    : m_builder(builder),
+      m_tree(builder.tree()),
+      m_file(file),
+      m_lexer(text, m_tree.texts,
+              [this](std::uint32_t line, std::string message) {
+                m_builder.warning({m_file, line}, std::move(message));
+              }),
+      m_source(std::move(source)),
+      m_outerBlocks(builder.openBlocks()) {}
+
+void FileParser::parse() {
+  for (advance(); m_token.kind != TokenKind::EndOfFile && !m_stopped; advance()) {
+    m_line = m_token.line;
+    m_failed = false;
+    parseLine();
+  }
+  endHost();
+  closeOwnBlocks(m_outerBlocks);
+}
+
+// One line, from its first token to its end of line.
+void FileParser::parseLine() {
+  const Token first = m_token;
+  if (first.kind == TokenKind::EndOfLine) {
+    return;  // all of the line was passed over
+  }
+  if (first.kind != TokenKind::Keyword) {
+    fail("unknown statement " + quotedName(first.text));
+    finishLine();
+    return;
+  }
+  advance();
+  if (!parseStatement(first.keyword) && !parseProperty(first.keyword)) {
+    fail(quotedName(first.text) + " has no place here");
+    passOverProperty(first.keyword);
+  }
+}
+
+bool FileParser::parseStatement(Keyword keyword) {
+  switch (keyword) {
+    case Keyword::Config:
+      return parseConfig(EntryKind::Config), true;
+    case Keyword::MenuConfig:
+      return parseConfig(EntryKind::MenuConfig), true;
+    case Keyword::Choice:
+      return parseChoice(), true;
+    case Keyword::Menu:
+      return parseMenu(), true;
+    case Keyword::Comment:
+      return parseComment(), true;
+    case Keyword::If:
+      return parseIf(), true;
+    case Keyword::EndChoice:
+      return parseEnd(EntryKind::Choice), true;
+    case Keyword::EndMenu:
+      return parseEnd(EntryKind::Menu), true;
+    case Keyword::EndIf:
+      return parseEnd(EntryKind::If), true;
+    case Keyword::Source:
+      return parseSource(), true;
+    case Keyword::MainMenu:
+      return parseMainMenu(), true;
+    default:
+      return false;
+  }
+}
+
+bool FileParser::parseProperty(Keyword keyword) {
+  if (m_host == Host::Unknown) {
+    m_failed = true;  // the entry is wrong itself and said so: its properties are passed over without a further word
+    passOverProperty(keyword);
+    return true;
+  }
+  if (!hostTakes(keyword)) {
+    return false;
+  }
+  switch (keyword) {
+    case Keyword::Boolean:
+      return parseType(SymbolType::Boolean), true;
+    case Keyword::Tristate:
+      return parseType(SymbolType::Tristate), true;
+    case Keyword::Integer:
+      return parseType(SymbolType::Integer), true;
+    case Keyword::Hexadecimal:
+      return parseType(SymbolType::Hexadecimal), true;
+    case Keyword::String:
+      return parseType(SymbolType::String), true;
+    case Keyword::Prompt:
+      return parsePrompt(), true;
+    case Keyword::Default:
+      return parseDefault(SymbolType::Unknown), true;
+    case Keyword::DefaultBoolean:
+      return parseDefault(SymbolType::Boolean), true;
+    case Keyword::DefaultTristate:
+      return parseDefault(SymbolType::Tristate), true;
+    case Keyword::Select:
+      return parseSelect(PropertyKind::Select), true;
+    case Keyword::Imply:
+      return parseSelect(PropertyKind::Imply), true;
+    case Keyword::Range:
+      return parseRange(), true;
+    case Keyword::Depends:
+      return parseDepends(), true;
+    case Keyword::Visible:
+      return parseVisible(), true;
+    case Keyword::Help:
+      return parseHelp(), true;
+    case Keyword::Option:
+      return parseOptions(), true;
+    case Keyword::Optional:
+      return parseOptional(), true;
+    default:
+      return false;
+  }
+}
+
+void FileParser::passOverProperty(Keyword keyword) {
+  finishLine();
+  if (keyword == Keyword::Help) {
+    m_lexer.helpText();
+  }
+}
+
+bool FileParser::hostTakes(Keyword keyword) const {
+  switch (m_host) {
+    case Host::Config:
+      return keyword != Keyword::Visible && keyword != Keyword::Optional;
+    case Host::Choice:
+      return keyword == Keyword::Prompt || keyword == Keyword::Default || keyword == Keyword::Boolean ||
+             keyword == Keyword::Tristate || keyword == Keyword::Optional || keyword == Keyword::Depends ||
+             keyword == Keyword::Help;
+    case Host::Menu:
+      return keyword == Keyword::Depends || (keyword == Keyword::Visible && !m_dependsSeen);
+    case Host::Comment:
+      return keyword == Keyword::Depends;
+    default:
+      return false;
+  }
+}
+
+// Statements
+
+void FileParser::parseConfig(EntryKind kind) {
+  endHost();
+  m_host = Host::Unknown;
+  const std::string_view name = parseWord("the name of a symbol");
+  if (!finishLine()) {
+    return;
+  }
+  const SymbolId symbol = m_tree.symbols.plain(name);
+  if (isTristateConstant(symbol)) {
+    m_builder.error(here(), quotedName(name) + " is a constant and can't be configured");
+    return;
+  }
+  m_builder.addEntry(kind, symbol, here());
+  m_host = Host::Config;
+}
+
+void FileParser::parseChoice() {
+  endHost();
+  checkPlace(Keyword::Choice);
+  const std::string_view name = m_token.kind == TokenKind::Word ? parseWord("a name") : std::string_view();
+  finishLine();
+  m_builder.openBlock(m_builder.addEntry(EntryKind::Choice, m_tree.symbols.choice(name), here()));
+  m_host = Host::Choice;
+}
+
+void FileParser::parseMenu() {
+  endHost();
+  checkPlace(Keyword::Menu);
+  const std::string_view title = parseText("a title");
+  finishLine();
+  m_builder.openBlock(m_builder.addEntry(EntryKind::Menu, noSymbol, here()));
+  m_builder.addProperty(prompt(title));
+  m_host = Host::Menu;
+}
+
+void FileParser::parseComment() {
+  endHost();
+  const std::string_view text = parseText("a text");
+  m_host = Host::Unknown;
+  if (finishLine()) {
+    m_builder.addEntry(EntryKind::Comment, noSymbol, here());
+    m_builder.addProperty(prompt(text));
+    m_host = Host::Comment;
+  }
+}
+
+void FileParser::parseIf() {
+  endHost();
+  checkPlace(Keyword::If);
+  Property condition = property(PropertyKind::DependsOn);
+  condition.condition = parseExpression();
+  // A condition that is wrong still opens its block, or the end of the block would be wrong too.
+  const bool understood = finishLine();
+  m_builder.openBlock(m_builder.addEntry(EntryKind::If, noSymbol, here()));
+  if (understood) {
+    m_builder.addProperty(condition);
+  }
+}
+
+void FileParser::parseEnd(EntryKind kind) {
+  endHost();
+  finishLine();
+  std::size_t depth = m_builder.openBlocks();
+  while (depth > m_outerBlocks && m_builder.openBlockAt(depth - 1).kind != kind) {
+    --depth;
+  }
+  if (depth == m_outerBlocks) {
+    m_builder.error(here(),
+                    quotedName(closingWord(kind)) + " without " + quotedName(openingWord(kind)) + " in this file");
+    return;
+  }
+  closeOwnBlocks(depth);
+  m_builder.closeBlock();
+}
+
+void FileParser::parseSource() {
+  endHost();
+  const std::string_view name = parseText("the name of a file");
+  if (finishLine()) {
+    m_source(name, here());
+  }
+}
+
+void FileParser::parseMainMenu() {
+  endHost();
+  const std::string_view title = parseText("a title");
+  if (!finishLine()) {
+    return;
+  }
+  if (m_file != 0 || m_tree.entries.size() > 1) {
+    m_builder.error(here(), "'mainmenu' has to be the first statement");
+    return;
+  }
+  m_builder.setTitle(title, here());
+}
+
+// Properties
+
+void FileParser::parseType(SymbolType type) {
+  if (m_token.kind != TokenKind::EndOfLine) {
+    parsePrompt();
+  } else {
+    finishLine();
+  }
+  if (!m_failed) {
+    m_builder.setType(type, here());
+    Property declaration = property(PropertyKind::Type);
+    declaration.type = type;
+    m_builder.addProperty(declaration);
+  }
+}
+
+void FileParser::parsePrompt() {
+  const std::string_view text = parseText("a prompt");
+  const ExpressionId condition = parseCondition();
+  if (finishLine()) {
+    if (m_promptSeen) {
+      m_builder.warning(here(), "the prompt is given twice");
+    }
+    m_promptSeen = true;
+    Property property = prompt(text);
+    property.condition = condition;
+    m_builder.addProperty(property);
+  }
+}
+
+void FileParser::parseDefault(SymbolType type) {
+  Property value = property(PropertyKind::Default);
+  if (m_host == Host::Choice) {
+    const std::string_view name = parseWord("the name of a member");
+    value.condition = parseCondition();
+    value.value = m_failed ? noExpression : m_tree.expressions.symbol(m_tree.symbols.plain(name));
+  } else {
+    value.value = parseExpression();
+    value.condition = parseCondition();
+  }
+  if (finishLine()) {
+    m_builder.addProperty(value);
+    if (type != SymbolType::Unknown) {
+      m_builder.setType(type, here());
+    }
+  }
+}
+
+void FileParser::parseSelect(PropertyKind kind) {
+  Property selection = property(kind);
+  const std::string_view name = parseWord("the name of a symbol");
+  selection.condition = parseCondition();
+  if (finishLine()) {
+    selection.symbol = m_tree.symbols.plain(name);
+    m_builder.addProperty(selection);
+  }
+}
+
+void FileParser::parseRange() {
+  Property range = property(PropertyKind::Range);
+  range.symbol = parseSymbol();
+  range.upper = m_failed ? noSymbol : parseSymbol();
+  range.condition = parseCondition();
+  if (finishLine()) {
+    m_builder.addProperty(range);
+  }
+}
+
+void FileParser::parseDepends() {
+  m_dependsSeen = true;
+  if (!accept(TokenKind::On)) {
+    fail("expected 'on' behind 'depends'");
+  }
+  Property condition = property(PropertyKind::DependsOn);
+  condition.condition = parseExpression();
+  if (finishLine()) {
+    m_builder.addProperty(condition);
+  }
+}
+
+void FileParser::parseVisible() {
+  Property condition = property(PropertyKind::VisibleIf);
+  condition.condition = parseCondition();
+  if (finishLine() && condition.condition != noExpression) {
+    m_builder.addProperty(condition);
+  }
+}
+
+void FileParser::parseHelp() {
+  const bool understood = finishLine();
+  Property help = property(PropertyKind::Help);
+  help.text = m_lexer.helpText();
+  if (understood) {
+    m_builder.addProperty(help);
+  }
+}
+
+void FileParser::parseOptions() {
+  while (!m_failed && m_token.kind == TokenKind::Word) {
+    const std::string_view name = parseWord("an option");
+    const bool hasArgument = accept(TokenKind::Equal);
+    const std::string_view argument = hasArgument ? parseText("a value") : std::string_view();
+    if (!m_failed) {
+      addOption(name, argument);
+    }
+  }
+  finishLine();
+}
+
+void FileParser::addOption(std::string_view name, std::string_view argument) {
+  if (name == "env") {
+    if (argument.empty()) {
+      fail("the option 'env' needs the name of a variable");
+    } else {
+      m_builder.importVariable(argument, here());
+    }
+  } else if (name == "modules") {
+    m_builder.declareModules(here());
+  } else if (name == "defconfig_list") {
+    m_builder.addProperty(property(PropertyKind::DefconfigList));
+  } else if (name == "allnoconfig_y") {
+    m_builder.addProperty(property(PropertyKind::AllNoConfigY));
+  } else {
+    m_builder.warning(here(), "the option " + quotedName(name) + " is not known and ignored");
+  }
+}
+
+void FileParser::parseOptional() {
+  if (finishLine()) {
+    m_tree.symbols[m_tree.entries.back().symbol].optional = true;
+    m_builder.addProperty(property(PropertyKind::Optional));
+  }
+}
+
+// Expressions: || binds less than &&, both less than !, and a comparison is an operand.
+
+ExpressionId FileParser::parseExpression() {
+  std::vector<ExpressionId> operands{parseConjunction()};
+  while (!m_failed && accept(TokenKind::Or)) {
+    operands.push_back(parseConjunction());
+  }
+  return m_failed ? noExpression : m_tree.expressions.list(Operator::Or, operands);
+}
+
+ExpressionId FileParser::parseConjunction() {
+  std::vector<ExpressionId> operands{parseOperand()};
+  while (!m_failed && accept(TokenKind::And)) {
+    operands.push_back(parseOperand());
+  }
+  return m_failed ? noExpression : m_tree.expressions.list(Operator::And, operands);
+}
+
+ExpressionId FileParser::parseOperand() {
+  constexpr unsigned deepest = 200;
+  if (m_token.kind != TokenKind::Not && m_token.kind != TokenKind::OpenParenthesis) {
+    return parseComparison();
+  }
+  if (m_depth == deepest) {
+    fail("the expression is nested too deeply");
+    return noExpression;
+  }
+  ++m_depth;
+  ExpressionId result = noExpression;
+  if (accept(TokenKind::Not)) {
+    const ExpressionId operand = parseOperand();
+    result = m_failed ? noExpression : m_tree.expressions.negation(operand);
+  } else {
+    result = parseParenthesis();
+  }
+  --m_depth;
+  return result;
+}
+
+ExpressionId FileParser::parseParenthesis() {
+  advance();
+  const ExpressionId inner = parseExpression();
+  if (!m_failed && !accept(TokenKind::CloseParenthesis)) {
+    fail("expected ')'");
+  }
+  return m_failed ? noExpression : inner;
+}
+
+ExpressionId FileParser::parseComparison() {
+  const SymbolId left = parseSymbol();
+  if (m_failed) {
+    return noExpression;
+  }
+  static constexpr std::pair<TokenKind, Operator> comparisons[] = {
+      {TokenKind::Equal, Operator::Equal},     {TokenKind::Unequal, Operator::Unequal},
+      {TokenKind::Less, Operator::Less},       {TokenKind::LessEqual, Operator::LessEqual},
+      {TokenKind::Greater, Operator::Greater}, {TokenKind::GreaterEqual, Operator::GreaterEqual}};
+  for (const auto& [token, op] : comparisons) {
+    if (accept(token)) {
+      const SymbolId right = parseSymbol();
+      return m_failed ? noExpression : m_tree.expressions.comparison(op, left, right);
+    }
+  }
+  return m_tree.expressions.symbol(left);
+}
+
+// The condition behind a property, if there is one.
+ExpressionId FileParser::parseCondition() {
+  return !m_failed && accept(TokenKind::If) ? parseExpression() : noExpression;
+}
+
+SymbolId FileParser::parseSymbol() {
+  const Token token = m_token;
+  if (token.kind == TokenKind::Word) {
+    advance();
+    return m_tree.symbols.plain(token.text);
+  }
+  if (token.kind == TokenKind::QuotedWord) {
+    advance();
+    return m_tree.symbols.constant(token.text);
+  }
+  fail("expected a symbol or a constant");
+  return noSymbol;
+}
+
+// Words and lines
+
+std::string_view FileParser::parseWord(const char* what) {
+  const std::string_view text = m_token.text;
+  if (!accept(TokenKind::Word)) {
+    fail(std::string("expected ") + what);
+  }
+  return text;
+}
+
+std::string_view FileParser::parseText(const char* what) {
+  const std::string_view text = m_token.text;
+  if (!accept(TokenKind::Word) && !accept(TokenKind::QuotedWord)) {
+    fail(std::string("expected ") + what);
+  }
+  return text;
+}
+
+bool FileParser::accept(TokenKind kind) {
+  if (m_token.kind != kind) {
+    return false;
+  }
+  advance();
+  return true;
+}
+
+// Only the first fault of a line is told.
+void FileParser::fail(std::string message) {
+  if (!m_failed) {
+    m_builder.error(here(), std::move(message));
+  }
+  m_failed = true;
+}
+
+// Goes to the end of the line; false if anything in it is wrong.
+bool FileParser::finishLine() {
+  if (m_token.kind != TokenKind::EndOfLine && m_token.kind != TokenKind::EndOfFile) {
+    fail("unexpected " + quotedName(m_token.text));
+    while (m_token.kind != TokenKind::EndOfLine && m_token.kind != TokenKind::EndOfFile) {
+      advance();
+    }
+  }
+  return !m_failed;
+}
+
+void FileParser::endHost() {
+  if (m_host == Host::Config && m_tree.entries.back().kind == EntryKind::MenuConfig && !m_promptSeen) {
+    m_builder.warning(m_tree.entries.back().position, "'menuconfig' without a prompt");
+  }
+  m_host = Host::Nothing;
+  m_promptSeen = false;
+  m_dependsSeen = false;
+}
+
+// Closes the blocks deeper than depth, each with an error.
+void FileParser::closeOwnBlocks(std::size_t depth) {
+  while (m_builder.openBlocks() > depth) {
+    const Entry& block = m_builder.openBlockAt(m_builder.openBlocks() - 1);
+    m_builder.error(block.position, quotedName(openingWord(block.kind)) + " without " +
+                                        quotedName(closingWord(block.kind)) + " in this file");
+    m_builder.closeBlock();
+  }
+}
+
+// Blocks may not stand directly in a choice, and not infinitely deep.
+void FileParser::checkPlace(Keyword keyword) {
+  const std::size_t depth = m_builder.openBlocks();
+  if (keyword != Keyword::If && m_builder.openBlockAt(depth - 1).kind == EntryKind::Choice) {
+    m_builder.error(here(), "a choice can't have a menu or another choice directly inside");
+  }
+  if (depth == deepestBlock) {
+    m_builder.error(here(), "blocks are nested too deeply, the rest of the file is left out");
+    m_stopped = true;
+  }
+}
+
+Property FileParser::property(PropertyKind kind) const {
+  Property property;
+  property.kind = kind;
+  property.position = here();
+  return property;
+}
+
+Property FileParser::prompt(std::string_view text) {
+  Property prompt = property(PropertyKind::Prompt);
+  prompt.text = text.substr(std::min(text.find_first_not_of(" \t"), text.size()));
+  if (prompt.text.size() != text.size()) {
+    m_builder.warning(here(), "the blanks before the prompt are ignored");
+  }
+  return prompt;
+}
+
+}  // namespace kconfig

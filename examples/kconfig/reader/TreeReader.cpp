@@ -1,0 +1,168 @@
+#include "reader/TreeReader.hpp"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <unordered_map>
+#include <vector>
+
+#include "reader/FileParser.hpp"
+#include "reader/TreeBuilder.hpp"
+
+namespace kconfig {
+
+namespace {
+
+// An open file, closed with the object.
+class Descriptor {
+ public:
+  explicit Descriptor(int descriptor) : m_descriptor(descriptor) {}
+  ~Descriptor() {
+    if (m_descriptor >= 0) {
+      ::close(m_descriptor);
+    }
+  }
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+
+  int get() const { return m_descriptor; }
+
+ private:
+  int m_descriptor;
+};
+
+// One reading: the files that are open inside each other, and the texts of those read before.
+class Reading {
+ public:
+  Reading(MenuTree& tree, const Surroundings& surroundings, Diagnostics& diagnostics)
+      : m_builder(tree, surroundings, diagnostics),
+        m_tree(tree),
+        m_surroundings(surroundings),
+        m_diagnostics(diagnostics) {}
+
+  void readRoot(const std::string& path);
+
+ private:
+  static constexpr std::size_t deepestFile = 100;
+
+  void parse(std::string_view name, std::string_view text, Position from);
+  void source(std::string_view name, Position from);
+  std::optional<std::string_view> textOf(const std::string& name, std::string& problem);
+
+  TreeBuilder m_builder;
+  MenuTree& m_tree;
+  const Surroundings& m_surroundings;
+  Diagnostics& m_diagnostics;
+  std::vector<std::string> m_open;
+  std::unordered_map<std::string, std::string_view> m_texts;
+};
+
+void Reading::readRoot(const std::string& path) {
+  std::string problem;
+  const std::optional<std::string_view> text = textOf(path, problem);
+  if (!text) {
+    m_diagnostics.error(path, 0, "the file can't be read: " + problem);
+  }
+  parse(path, text.value_or(""), {});
+  m_builder.finish();
+}
+
+void Reading::parse(std::string_view name, std::string_view text, Position from) {
+  const auto file = static_cast<std::uint32_t>(m_tree.files.size());
+  m_tree.files.push_back({m_tree.texts.intern(name), from});
+  m_open.emplace_back(name);
+  FileParser(m_builder, file, text, [this](std::string_view inner, Position position) {
+    source(inner, position);
+  }).parse();
+  m_open.pop_back();
+}
+
+void Reading::source(std::string_view name, Position from) {
+  const std::string expanded = m_builder.expand(name);
+  const std::string shown = "'" + expanded + "'" + (expanded == name ? "" : " ('" + std::string(name) + "')");
+  for (const std::string& open : m_open) {
+    if (open == expanded) {
+      m_builder.error(from, "the file " + shown + " sources itself, directly or through others");
+      return;
+    }
+  }
+  if (m_open.size() == deepestFile) {
+    m_builder.error(from, "files source each other too deeply, " + shown + " is left out");
+    return;
+  }
+  std::string problem;
+  const std::optional<std::string_view> text = textOf(expanded, problem);
+  if (!text) {
+    m_builder.error(from, "the file " + shown + " can't be read: " + problem);
+    return;
+  }
+  parse(expanded, *text, from);
+}
+
+std::optional<std::string_view> Reading::textOf(const std::string& name, std::string& problem) {
+  const auto known = m_texts.find(name);
+  if (known != m_texts.end()) {
+    return known->second;
+  }
+  std::optional<std::string> text = m_surroundings.file(name, problem);
+  const std::optional<std::string> sourceTree = m_surroundings.variable("srctree");
+  if (!text && sourceTree && !name.empty() && name.front() != '/') {
+    std::string other;
+    text = m_surroundings.file(*sourceTree + "/" + name, other);
+  }
+  if (!text) {
+    return std::nullopt;
+  }
+  return m_texts.emplace(name, m_tree.texts.adopt(std::move(*text))).first->second;
+}
+
+}  // namespace
+
+Surroundings processSurroundings() {
+  const auto variable = [](const std::string& name) -> std::optional<std::string> {
+    const char* value = std::getenv(name.c_str());
+    return value != nullptr ? std::optional<std::string>(value) : std::nullopt;
+  };
+  return {variable, readFile};
+}
+
+std::optional<std::string> readFile(const std::string& path, std::string& problem) {
+  const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+  struct stat status {};
+  if (file.get() < 0 || ::fstat(file.get(), &status) != 0) {
+    problem = std::strerror(errno);
+    return std::nullopt;
+  }
+  if (!S_ISREG(status.st_mode)) {
+    problem = "it is not a regular file";
+    return std::nullopt;
+  }
+  std::string text(static_cast<std::size_t>(status.st_size), '\0');
+  std::size_t length = 0;
+  while (length < text.size()) {
+    const ssize_t count = ::read(file.get(), &text[length], text.size() - length);
+    if (count < 0 && errno != EINTR) {
+      problem = std::strerror(errno);
+      return std::nullopt;
+    }
+    if (count == 0) {
+      break;
+    }
+    length += count > 0 ? static_cast<std::size_t>(count) : 0;
+  }
+  text.resize(length);
+  return text;
+}
+
+MenuTree readTree(const std::string& rootPath, const Surroundings& surroundings, Diagnostics& diagnostics) {
+  MenuTree tree;
+  Reading reading(tree, surroundings, diagnostics);
+  reading.readRoot(rootPath);
+  return tree;
+}
+
+}  // namespace kconfig

@@ -1,0 +1,26 @@
+// Makes the live state of a configuration from its definitions: a parameter with typed data for each symbol, the
+// categories of the menu, tags, perspectives and productions. Values are written later, by StateWriter.
+#pragma once
+
+#include <tessel_config_datamodel/runtime/CategoryState.hpp>
+#include <tessel_config_datamodel/runtime/ConfigurationState.hpp>
+#include <tessel_config_datamodel/runtime/ParamState.hpp>
+#include <vector>
+
+#include "evaluation/CompiledTree.hpp"
+#include "loading/DefinitionReader.hpp"
+
+namespace kconfig {
+
+struct States {
+  runtime::ConfigurationState root;
+  std::vector<runtime::ParamState> params;         // by SymbolId; empty for symbols without a definition
+  std::vector<runtime::CategoryState> categories;  // by EntryId; empty for entries that are no category
+};
+
+// Definitions also learn their initial states. To be called inside a transaction. texts is the tree that was read from
+// the files, entry for entry the one of definitions; only help texts are taken from it. Linear. The model's thread.
+States buildStates(const plinth::Model& model, const schema::SchemaData& schema, const Definitions& definitions,
+                   const CompiledTree& compiled, const MenuTree& texts);
+
+}  // namespace kconfig

@@ -1,0 +1,19 @@
+// The files that a configuration gives, as productions of the state: each owns its script. The model's thread.
+#pragma once
+
+#include <string>
+#include <tessel_config_datamodel/runtime/ConfigurationState.hpp>
+
+#include "loading/ModelTypes.hpp"
+#include "writing/OutputItems.hpp"
+
+namespace kconfig {
+
+// Writes the scripts of both productions in one transaction. A script that says the same as before stays untouched,
+// any other counts its revision up.
+void produce(const runtime::ConfigurationState& state, const Output& output);
+
+// The text of a production's script, empty before the first produce(). The keys stand in loading/Vocabulary.hpp.
+std::string scriptOf(const runtime::ConfigurationState& state, std::u16string_view production);
+
+}  // namespace kconfig

@@ -1,0 +1,260 @@
+// How a tree stands in the model: definitions give the tree back that they were written from, and state and profiles
+// hold typed values.
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <fstream>
+#include <sstream>
+#include <tessel_config_datamodel/data/BooleanParamData.hpp>
+#include <tessel_config_datamodel/data/EnumParamData.hpp>
+#include <tessel_config_datamodel/data/IntegerParamData.hpp>
+#include <tessel_config_datamodel/data/StringParamData.hpp>
+#include <tessel_config_datamodel/expr/UntypedOperation.hpp>
+#include <tessel_config_datamodel/ext/ConfigEntry.hpp>
+#include <tessel_config_datamodel/runtime/MetaMessage.hpp>
+#include <tessel_config_datamodel/runtime/PerspectiveState.hpp>
+#include <tessel_config_datamodel/runtime/TagState.hpp>
+#include <tessel_config_datamodel/schema/CategoryDef.hpp>
+#include <tessel_config_datamodel/schema/FollowsDef.hpp>
+
+#include "TreeFixture.hpp"
+#include "language/ExpressionText.hpp"
+#include "loading/ModelText.hpp"
+#include "loading/SchemaWriter.hpp"
+#include "profiles/ProfileApplication.hpp"
+
+namespace kconfig::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+std::string textOfFile(const std::string& name) {
+  std::ifstream file(std::string(KCONFIG_DEMO "/") + name);
+  std::ostringstream text;
+  text << file.rdbuf();
+  return text.str();
+}
+
+Input demo(const std::string& profile) {
+  Input input;
+  input.files = {{"Kconfig", textOfFile("Kconfig")}, {"radio/Kconfig", textOfFile("radio/Kconfig")}};
+  input.variables = {{"WEATHER_EDITION", "7"}};
+  input.profile = profile;
+  return input;
+}
+
+// Everything of a tree that values are worked out from, a line for each piece.
+std::vector<std::string> described(const MenuTree& tree) {
+  std::vector<std::string> lines{std::string(tree.title)};
+  const auto place = [&tree](Position position) {
+    return std::string(tree.files[position.file].name) + ":" + std::to_string(position.line) + " ";
+  };
+  const auto symbol = [&tree](SymbolId id) {
+    const bool quoted = id != noSymbol && tree.symbols[id].kind == SymbolKind::Constant;
+    const std::string name(id != noSymbol ? tree.symbols[id].name : std::string_view());
+    return quoted ? "\"" + name + "\"" : name;
+  };
+  // A condition that always holds may be written or left out.
+  const auto condition = [&tree](const Property& property) {
+    const std::string text = textOf(tree.expressions, tree.symbols, property.condition);
+    return text.empty() ? std::string("y") : text;
+  };
+  for (SymbolId id = 0; id < tree.symbols.size(); ++id) {
+    const Symbol& row = tree.symbols[id];
+    if (row.defined || row.automatic) {
+      lines.push_back(std::string(row.name) + " " + keywordOf(row.type) + (row.optional ? " optional" : "") +
+                      (row.automatic ? " automatic" : "") + (id == tree.modules ? " modules" : ""));
+    }
+  }
+  for (const Entry& entry : tree.entries) {
+    lines.push_back(place(entry.position) + std::to_string(static_cast<int>(entry.kind)) + " " + symbol(entry.symbol) +
+                    " in " + std::to_string(entry.parent) + " to " + std::to_string(entry.end));
+    std::vector<std::string> others;
+    for (const Property& property : propertiesOf(tree, entry)) {
+      const bool carried = property.kind < PropertyKind::Help && property.kind != PropertyKind::Type;
+      const bool imported = property.kind == PropertyKind::Environment && property.value != noExpression;
+      if (property.kind == PropertyKind::Prompt) {
+        // Where it stands among the other properties of its entry is of no account.
+        lines.back() += " \"" + std::string(property.text) + "\" if " + condition(property);
+      } else if (carried || imported) {
+        others.push_back("  " + place(property.position) + std::to_string(static_cast<int>(property.kind)) + " " +
+                         (imported ? "" : std::string(property.text)) + " " + symbol(property.symbol) + " " +
+                         symbol(property.upper) + " " + textOf(tree.expressions, tree.symbols, property.value) +
+                         " if " + condition(property));
+      }
+    }
+    lines.insert(lines.end(), others.begin(), others.end());
+  }
+  return lines;
+}
+
+TEST(Mapping, DefinitionsGiveTheTreeBack) {
+  std::vector<Input> inputs{demo("")};
+  for (const char* text :
+       {"", "config A\n\tbool\nconfig A\n\tprompt \"again\"\n\tdefault y if !B || C = \"c\"\n",
+        "choice NAMED\n\tprompt \"c\"\n\toptional\nconfig A\n\tbool \"a\"\nendchoice\nchoice\n\ttristate \"d\"\n"
+        "\tdefault M if A\nconfig M\n\ttristate \"m\"\nendchoice\nchoice NAMED\n\tprompt \"e\"\nendchoice\n",
+        "config A\n\tint \"a\"\n\trange 0x10 \"20\" if m\n\tdefault 5 if y\n\tdefault \"y\"\n\tdefault \"\"\n",
+        "menu \"caf\xc3\xa9 \xff\"\n\tdepends on (A || B) && !(C && D)\n\tvisible if A <= 3\nif A\nif B\n"
+        "comment \"c\"\n\tdepends on A >= B\nendif\nendif\nendmenu\n",
+        "menuconfig M\n\tbool \"m\"\n\toption modules\n\tselect A if B\n\timply C\nconfig L\n\tstring\n"
+        "\toption defconfig_list\n\toption env=\"NONE\"\n"}) {
+    inputs.push_back({{{"Kconfig", text}}});
+  }
+  for (const Input& input : inputs) {
+    Diagnostics diagnostics;
+    const MenuTree tree = readTree("Kconfig", surroundingsOf(input), diagnostics);
+    const plinth::Model model = plinth::Model::create();
+    const Definitions definitions = readDefinitions(writeSchema(tree, model));
+    const std::vector<std::string> back = described(definitions.tree);
+    const std::vector<std::string> given = described(tree);
+    ASSERT_EQ(back.size(), given.size()) << input.files.at("Kconfig");
+    for (std::size_t i = 0; i < given.size(); ++i) EXPECT_EQ(back[i], given[i]);
+  }
+}
+
+TEST(Mapping, DefinitionsSayWhatTheAuthorWrote) {
+  Bench bench(demo(""));
+  const schema::SchemaData& schema = bench.workspace.schema();
+  std::vector<std::string> attributes;
+  const schema::ParamDef param = schema->getParams()->find(u"MEMORY_SIZE");
+  for (const schema::FollowsDef& row : *param->getFollows()) {
+    attributes.push_back(fromModel(row->getAttribute()));
+  }
+  EXPECT_THAT(attributes, ElementsAre("Name", "Range", "Range", "Value", "Value"));
+  EXPECT_EQ((*schema->getParams()->find(u"TEMPERATURE")->getLogic())[1].getCode(), u"Temperature");
+  const auto range = plinth::element_cast<expr::UntypedOperation>(param->getFollows()->at(1)->getExpr());
+  ASSERT_TRUE(range);
+  EXPECT_EQ(range->getOperator(), expr::Operator::IF_THEN);
+  EXPECT_EQ(range->getOperands()->size(), 3U);
+  EXPECT_EQ((*param->getLogic())[0].getCode(), u"hex");
+  EXPECT_EQ(schema->getNodeCount(), schema->getParams()->size() + schema->getCategories()->size() + 2);
+}
+
+TEST(Mapping, DependenciesCanBeFollowedBothWays) {
+  Bench bench(demo(""));
+  const schema::SchemaData& schema = bench.workspace.schema();
+  std::vector<std::pair<std::uint32_t, std::uint32_t>> forward;
+  std::vector<std::pair<std::uint32_t, std::uint32_t>> back;
+  const auto collect = [&](const schema::ControllableDef& definition) {
+    for (const schema::GlobalNodeRef& required : *definition->getRequires()) {
+      back.emplace_back(required.getOrdinal(), definition->getOrdinal());
+      EXPECT_EQ(schema->getParams()->find(required.getKey())->getOrdinal(), required.getOrdinal());
+    }
+    for (const unsigned int successor : *definition->getSuccessors()) {
+      forward.emplace_back(definition->getOrdinal(), successor);
+    }
+  };
+  for (const schema::ParamDef& param : *schema->getParams()) {
+    collect(param);
+  }
+  for (const schema::CategoryDef& category : *schema->getCategories()) {
+    collect(category);
+  }
+  std::sort(forward.begin(), forward.end());
+  std::sort(back.begin(), back.end());
+  EXPECT_FALSE(forward.empty());
+  EXPECT_EQ(forward, back);
+}
+
+class State : public testing::Test {
+ protected:
+  runtime::ParamState param(const char16_t* key) { return state->getParams()->find(key); }
+  template <typename Data>
+  Data dataOf(const char16_t* key) {
+    return plinth::element_cast<Data>(param(key)->getData());
+  }
+
+  Bench bench{demo(textOfFile("profiles/garden.defconfig") + "CONFIG_MEMORY_SIZE=0x7\nCONFIG_BOARD_SMALL=y\n")};
+  runtime::ConfigurationState state = bench.workspace.states().root;
+};
+
+TEST_F(State, HoldsTypedValuesWithTheirConstraints) {
+  EXPECT_TRUE(dataOf<data::BooleanParamData>(u"EXPERT")->getValue());
+  EXPECT_EQ(dataOf<data::EnumParamData>(u"TEMPERATURE")->getValue(), u"y");
+  EXPECT_EQ(dataOf<data::StringParamData>(u"BOARD_NAME")->getValue(), u"meadow \"S\"");
+  const auto period = dataOf<data::IntegerParamData>(u"READING_PERIOD");
+  EXPECT_EQ(period->getValue(), 10);
+  EXPECT_EQ(period->getMin(), 1);
+  EXPECT_EQ(period->getMax(), 3600);
+  const auto memory = dataOf<data::IntegerParamData>(u"MEMORY_SIZE");
+  EXPECT_EQ(memory->getValue(), 0x10000);
+  EXPECT_EQ(param(u"MEMORY_SIZE")->getCachedCode(), u"0x10000");
+}
+
+TEST_F(State, TellsAChoiceByItsOptions) {
+  const runtime::ParamState board = param(u"BOARD_SMALL");
+  const runtime::ParamState choice = state->getParams()->find(board->getCategory()->getKey());
+  ASSERT_TRUE(choice);
+  EXPECT_EQ(choice->getTypeName(), u"choice");
+  const auto data = plinth::element_cast<data::EnumParamData>(choice->getData());
+  EXPECT_EQ(data->getValue(), u"BOARD_SMALL");
+  ASSERT_EQ(data->getAllowedValues()->size(), 3U);
+  EXPECT_TRUE((*data->getAllowedValues())[2].getDisplayValue() == std::u16string(u"Simulated on a PC"));
+  bench.workspace.apply(bench.workspace.load(""));
+  EXPECT_FALSE((*data->getAllowedValues())[2].getEnabled()) << "EXPERT is off, the member is hidden";
+}
+
+TEST_F(State, TellsWhatTheUserHasSetAndWhatIsWrongWithIt) {
+  const runtime::ParamState period = param(u"READING_PERIOD");
+  EXPECT_TRUE(period->getUserModified());
+  EXPECT_EQ(plinth::element_cast<data::IntegerParamData>(period->getDefault())->getValue(), 60);
+  EXPECT_FALSE(param(u"FILTER_WIDTH")->getUserModified());
+  EXPECT_FALSE(param(u"FILTER_WIDTH")->hasDefault());
+  EXPECT_EQ(param(u"MEMORY_SIZE")->getMessages()->size(), 1U);
+  bench.workspace.apply(bench.workspace.load(""));
+  EXPECT_FALSE(period->getUserModified());
+  EXPECT_FALSE(period->hasDefault());
+  EXPECT_THAT(*param(u"MEMORY_SIZE")->getMessages(), IsEmpty());
+}
+
+TEST_F(State, GroupsParametersForTheUser) {
+  const runtime::TagState radio = state->getTags()->find(u"radio");
+  ASSERT_TRUE(radio);
+  EXPECT_EQ(radio->getType(), runtime::TagType::OWNER);
+  EXPECT_TRUE(radio->getTagged()->contains(param(u"RADIO_POWER")));
+  const runtime::PerspectiveState settable = state->getPerspectives()->find(u"settable");
+  EXPECT_TRUE(settable->getMembers()->contains(param(u"RADIO_CHANNEL")));
+  EXPECT_FALSE(settable->getMembers()->contains(param(u"RADIO_POWER")));
+  EXPECT_TRUE(param(u"RADIO_POWER")->getInternal());
+  EXPECT_EQ(param(u"FILTER_WIDTH")->getCategory()->getKey(), u"below:FILTER");
+}
+
+TEST(Mapping, ProfilesKeepWhatTheFileSaid) {
+  const Input tree{{{"Kconfig",
+                     "config MODULES\n\tbool \"m\"\n\toption modules\n\tdefault y\nconfig I\n\tint \"i\"\nconfig H\n"
+                     "\thex \"h\"\nconfig S\n\tstring \"s\"\nchoice\n\ttristate \"c\"\nconfig A\n\ttristate \"a\"\n"
+                     "config B\n\ttristate \"b\"\nendchoice\n"}}};
+  for (const char* profile :
+       {"", "CONFIG_I=-5\nCONFIG_H=0x00aB\nCONFIG_S=\"\"\n", "CONFIG_I=99999999999999999999\nCONFIG_H=fF\n",
+        "CONFIG_S=\"a\\\"b \xff \xc3\xa9\"\n# CONFIG_MODULES is not set\n", "CONFIG_A=y\nCONFIG_B=y\n",
+        "CONFIG_A=m\nCONFIG_B=m\n", "CONFIG_A=y\nCONFIG_B=m\n", "CONFIG_A=y\nCONFIG_A=n\n", "CONFIG_B=n\n"}) {
+    Diagnostics diagnostics;
+    const plinth::Model model = plinth::Model::create();
+    Definitions definitions =
+        readDefinitions(writeSchema(readTree("Kconfig", surroundingsOf(tree), diagnostics), model));
+    const CompiledTree compiled = compile(definitions.tree);
+    UserValues users(definitions.tree, compiled);
+    applyProfile(readProfile(profile, "CONFIG_", "p", diagnostics), "p", definitions.tree.symbols, users, diagnostics);
+    const ext::ConfigStore store = ext::ConfigStore::create(model);
+    const UserValues back = readProfileValues(storeProfile(store, "p", definitions, users), definitions, compiled);
+    for (SymbolId symbol = 0; symbol < definitions.tree.symbols.size(); ++symbol) {
+      const UserValue& left = users[symbol];
+      const UserValue& right = back[symbol];
+      EXPECT_TRUE(left.present == right.present && left.tristate == right.tristate && left.text == right.text &&
+                  left.member == right.member && (left.line == right.line || !users.isAsked(symbol)))
+          << definitions.tree.symbols[symbol].name << " in " << profile;
+    }
+  }
+}
+
+TEST(Mapping, TextsOfAnyBytesPassThroughTheModel) {
+  for (const char* text : {"", "plain", "caf\xc3\xa9", "\xff\xfe", "a\xc3", "\xf0\x9f\x98\x80", "\xed\xb2\x80"}) {
+    EXPECT_EQ(fromModel(toModel(text)), text);
+  }
+  EXPECT_EQ(toModel("caf\xc3\xa9"), u"caf\u00e9");
+}
+
+}  // namespace
+}  // namespace kconfig::test
