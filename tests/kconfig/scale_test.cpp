@@ -6,7 +6,7 @@
 namespace kconfig::test {
 namespace {
 
-constexpr int many = 100000;
+constexpr int many = 20000;
 
 std::string symbol(int index) { return "S" + std::to_string(index); }
 
