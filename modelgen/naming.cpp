@@ -192,8 +192,8 @@ std::string builderFieldType(const Property& property) {
 }
 
 std::string parameterType(const Property& property) {
-  const bool isScalar = property.scheme == Scheme::attribute && !isString(*property.type) &&
-                        property.type->kind != TypeKind::dataType;
+  const bool isScalar =
+      property.scheme == Scheme::attribute && !isString(*property.type) && property.type->kind != TypeKind::dataType;
   return isScalar ? valueType(property) : valueType(property) + " const&";
 }
 

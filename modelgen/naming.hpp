@@ -47,8 +47,8 @@ std::string cppTypeName(const Type& type);
 std::string cppBaseTypeName(const Class& type);
 // The C++ type of a property's field in the implementation class, without its name.
 std::string fieldType(const Property& property);
-// The C++ types of the property's field in the implementation class, of its slot in the change storage and of its field in
-// the builder, as the scheme keeps them.
+// The C++ types of the property's field in the implementation class, of its slot in the change storage and of its field
+// in the builder, as the scheme keeps them.
 std::string implFieldType(const Property& property);
 std::string oldFieldType(const Property& property);
 std::string builderFieldType(const Property& property);
