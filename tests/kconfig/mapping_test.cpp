@@ -45,7 +45,7 @@ Input demo(const std::string& profile) {
 }
 
 // Everything of a tree that values are worked out from, a line for each piece.
-std::vector<std::string> described(const MenuTree& tree) {
+std::string described(const MenuTree& tree) {
   std::vector<std::string> lines{std::string(tree.title)};
   const auto place = [&tree](Position position) {
     return std::string(tree.files[position.file].name) + ":" + std::to_string(position.line) + " ";
@@ -54,11 +54,6 @@ std::vector<std::string> described(const MenuTree& tree) {
     const bool quoted = id != noSymbol && tree.symbols[id].kind == SymbolKind::Constant;
     const std::string name(id != noSymbol ? tree.symbols[id].name : std::string_view());
     return quoted ? "\"" + name + "\"" : name;
-  };
-  // A condition that always holds may be written or left out.
-  const auto condition = [&tree](const Property& property) {
-    const std::string text = textOf(tree.expressions, tree.symbols, property.condition);
-    return text.empty() ? std::string("y") : text;
   };
   for (SymbolId id = 0; id < tree.symbols.size(); ++id) {
     const Symbol& row = tree.symbols[id];
@@ -76,17 +71,22 @@ std::vector<std::string> described(const MenuTree& tree) {
       const bool imported = property.kind == PropertyKind::Environment && property.value != noExpression;
       if (property.kind == PropertyKind::Prompt) {
         // Where it stands among the other properties of its entry is of no account.
-        lines.back() += " \"" + std::string(property.text) + "\" if " + condition(property);
+        lines.back() +=
+            " \"" + std::string(property.text) + "\" if " + textOf(tree.expressions, tree.symbols, property.condition);
       } else if (carried || imported) {
         others.push_back("  " + place(property.position) + std::to_string(static_cast<int>(property.kind)) + " " +
                          (imported ? "" : std::string(property.text)) + " " + symbol(property.symbol) + " " +
                          symbol(property.upper) + " " + textOf(tree.expressions, tree.symbols, property.value) +
-                         " if " + condition(property));
+                         " if " + textOf(tree.expressions, tree.symbols, property.condition));
       }
     }
     lines.insert(lines.end(), others.begin(), others.end());
   }
-  return lines;
+  std::string text;
+  for (const std::string& line : lines) {
+    text += line + "\n";
+  }
+  return text;
 }
 
 TEST(Mapping, DefinitionsGiveTheTreeBack) {
@@ -107,10 +107,7 @@ TEST(Mapping, DefinitionsGiveTheTreeBack) {
     const MenuTree tree = readTree("Kconfig", surroundingsOf(input), diagnostics);
     const plinth::Model model = plinth::Model::create();
     const Definitions definitions = readDefinitions(writeSchema(tree, model));
-    const std::vector<std::string> back = described(definitions.tree);
-    const std::vector<std::string> given = described(tree);
-    ASSERT_EQ(back.size(), given.size()) << input.files.at("Kconfig");
-    for (std::size_t i = 0; i < given.size(); ++i) EXPECT_EQ(back[i], given[i]);
+    EXPECT_EQ(described(definitions.tree), described(tree)) << input.files.at("Kconfig");
   }
 }
 

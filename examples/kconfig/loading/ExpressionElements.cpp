@@ -157,10 +157,13 @@ ConditionalElements ExpressionReader::readConditional(const expr::ExprValue& val
     return parts;
   }
   auto& operands = *operation->getOperandsMutable();
-  parts.condition = read(operands.at(0));
   for (std::size_t at = 1; at < operands.size(); ++at) {
     parts.values.push_back(operands.at(at));
   }
+  const ExpressionId condition = read(operands.at(0));
+  // Several values need the operation to hold them, also without a condition: then y stands in its place.
+  const bool none = parts.values.size() > 1 && m_tree.expressions.isSymbol(condition, symbolYes);
+  parts.condition = none ? noExpression : condition;
   return parts;
 }
 
