@@ -34,6 +34,16 @@ Feature featureOf(unsigned number) { return static_cast<Feature>(number % Covera
 
 std::u16string keyFrom(unsigned number) { return std::u16string(number % 3, static_cast<char16_t>(u'a' + number % 4)); }
 
+#ifdef TESSEL_FAILURE_POINTS
+void arm(Step const& step) {
+  if (step.fail != 0) plinth::armFailurePoint("", step.fail);
+}
+bool disarm() { return plinth::disarmFailurePoint(); }
+#else
+void arm(Step const&) {}
+bool disarm() { return false; }
+#endif
+
 /// As an expectation that raises nothing.
 template <class Change>
 auto quietly(Change const& change) {
@@ -153,7 +163,7 @@ void Driver::perform(Step const& step, Real const& real, Plain const& plain) {
   if (m_transactions.empty()) m_base = m_plain;
   m_told.clear();
   std::string raised;
-  if (step.fail != 0) plinth::armFailurePoint("", step.fail);
+  arm(step);
   try {
     real();
   } catch (groundwork::except::IMsgIDException const& exception) {
@@ -161,7 +171,7 @@ void Driver::perform(Step const& step, Real const& real, Plain const& plain) {
   } catch (std::bad_alloc const&) {
     raised = "out of memory";
   }
-  bool const failed = plinth::disarmFailurePoint();
+  bool const failed = disarm();
   if (failed) {
     ++m_coverage.failed[at(step.op)];
     if (raised != "out of memory") fail("a failure was lost: " + raised);
@@ -397,14 +407,14 @@ void Driver::commit(Step const& step) {
   if (m_transactions.empty()) return;
   std::size_t const depth = m_transactions.size();
   m_told.clear();
-  if (step.fail != 0) plinth::armFailurePoint("", step.fail);
+  arm(step);
   bool committed = true;
   try {
     m_transactions.back()->commit();
   } catch (std::bad_alloc const&) {
     committed = false;
   }
-  if (plinth::disarmFailurePoint() == committed) fail("a failure in commit was lost");
+  if (disarm() == committed) fail("a failure in commit was lost");
   if (!committed) {
     ++m_coverage.failed[at(Op::COMMIT)];
     Step back{Op::ROLL_BACK, static_cast<unsigned>(depth - 1), 0, 0, 0, 0};

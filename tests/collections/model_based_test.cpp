@@ -39,7 +39,8 @@ Steps randomSteps(unsigned seed, std::size_t count) {
     auto const op = i < 30 ? Op::CREATE : static_cast<Op>(ops(random));
     unsigned const a = numbers(random), b = numbers(random), c = numbers(random), d = numbers(random);
     unsigned const chance = numbers(random);
-    steps.push_back({op, a, b, c, d, chance < 16 ? 1 + chance % 5 : 0});
+    unsigned const passage = op == Op::COMMIT ? 1 : 1 + chance % 5;  // a commit passes one point only
+    steps.push_back({op, a, b, c, d, chance < 16 ? passage : 0});
   }
   return steps;
 }
@@ -171,11 +172,13 @@ TEST(CollectionsAgainstAPlainModel, AgreeAfterEveryStep) {
   }
   for (Op const op : {Op::ADD, Op::INSERT, Op::REPLACE, Op::REKEY})
     EXPECT_GT(coverage.refused[static_cast<std::size_t>(op)], 0U);
+#ifdef TESSEL_FAILURE_POINTS
   for (Op const op : {Op::CREATE, Op::ADD, Op::REPLACE, Op::REMOVE, Op::CLEAR, Op::REKEY, Op::SET_CATEGORY, Op::DESTROY,
                       Op::COMMIT}) {
     EXPECT_GT(coverage.failed[static_cast<std::size_t>(op)], 0U)
         << "operation " << static_cast<int>(op) << " never failed";
   }
+#endif
   for (std::size_t feature = 0; feature < Coverage::FEATURES; ++feature) {
     EXPECT_GT(coverage.changed[feature], 0U) << feature;
     EXPECT_GT(coverage.toldOld[feature], 0U) << feature;
