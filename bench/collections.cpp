@@ -19,6 +19,8 @@ std::size_t sizeOf(State const& state) { return static_cast<std::size_t>(state.r
 
 std::vector<std::int64_t> const GROWTH{1000, 10000, 100000, 1000000};
 constexpr std::size_t PROFILES = 100;
+/// Each iteration makes a world of its own.
+constexpr std::int64_t ITERATIONS = 5;
 
 /// Runs `work(world)` in each iteration, on a world that is new each time.
 template <class World, class Work>
@@ -83,11 +85,13 @@ struct FilledPlainEntries : PlainEntries {
 void describeMaps() {
   compare("map: insert by key")
       .sizes(GROWTH)
+      .iterations(ITERATIONS)
       .aims(3, 3)
       .baseline(onNew<PlainEntries>([](PlainEntries& world) { world.insertAll(); }))
       .library(onNew<Entries>([](Entries& world) { world.insertAll(world.one); }));
   compare("map: find by key")
       .sizes(GROWTH)
+      .iterations(ITERATIONS)
       .aims(1.15, 1.0)
       .baseline(onNew<FilledPlainEntries>([](PlainEntries& world) {
         for (auto const& key : world.keys) benchmark::DoNotOptimize(world.one.find(key)->second);
@@ -98,6 +102,7 @@ void describeMaps() {
       }));
   compare("map: change the key of a member")
       .sizes(GROWTH)
+      .iterations(ITERATIONS)
       .baseline(onNew<FilledPlainEntries>([](PlainEntries& world) {
         for (auto const& entry : world.entries) {
           auto node = world.one.extract(entry->key);
@@ -113,16 +118,19 @@ void describeMaps() {
       }));
   compare("map: move a member to another map")
       .sizes(GROWTH)
+      .iterations(ITERATIONS)
       .baseline(onNew<FilledPlainEntries>([](PlainEntries& world) {
         for (auto const& entry : world.entries) world.other.insert(world.one.extract(entry->key));
       }))
       .library(onNew<FilledEntries>([](Entries& world) { world.insertAll(world.other); }));
   compare("map: clear, a member")
       .sizes(GROWTH)
+      .iterations(ITERATIONS)
       .baseline(onNew<FilledPlainEntries>([](PlainEntries& world) { world.one.clear(); }))
       .library(onNew<FilledEntries>([](Entries& world) { world.one->getValuesMutable()->clear(); }));
   compare("map: destroy a member")
       .sizes(GROWTH)
+      .iterations(ITERATIONS)
       .baseline(onNew<FilledPlainEntries>([](PlainEntries& world) {
         for (auto& entry : world.entries) {
           world.one.erase(entry->key);
@@ -180,6 +188,7 @@ struct PlainMembers : PlainParameters {
 void describeSequencesAndSets() {
   compare("unique sequence with an opposite: add")
       .sizes(GROWTH)
+      .iterations(ITERATIONS)
       .baseline(onNew<PlainParameters>([](PlainParameters& world) {
         for (plain::Parameter& parameter : world.parameters) {
           if (parameter.category == &world.category) continue;
@@ -195,10 +204,12 @@ void describeSequencesAndSets() {
       }));
   compare("set: add")
       .sizes(GROWTH)
+      .iterations(ITERATIONS)
       .baseline(onNew<PlainParameters>([](PlainParameters& world) { world.addMembers(); }))
       .library(onNew<Parameters>([](Parameters& world) { world.addMembers(); }));
   compare("set: contains")
       .sizes(GROWTH)
+      .iterations(ITERATIONS)
       .baseline(onNew<PlainMembers>([](PlainParameters& world) {
         for (plain::Parameter& parameter : world.parameters) {
           benchmark::DoNotOptimize(world.members.count(&parameter));
@@ -269,10 +280,12 @@ void describeStore() {
   };
   compare("store of 100 profiles: build, an entry")
       .sizes(sizes)
+      .iterations(1)
       .baseline(onStore<PlainStore>(PROFILES, nothing, [](PlainStore& w, auto const& keys, int) { w.build(keys); }))
       .library(onStore<Store>(PROFILES, nothing, [](Store& w, auto const& keys, int) { w.build(keys); }));
   compare("store: change a profile in a transaction, an entry")
       .sizes(sizes)
+      .iterations(1)
       .baseline(onStore<PlainStore>(1, build,
                                     [](PlainStore& w, auto const&, int) {
                                       w.log.begin();
@@ -287,6 +300,7 @@ void describeStore() {
           [](Store& w, auto const&, plinth::Transaction&) { w.change(); }));
   compare("store: roll that back, an entry")
       .sizes(sizes)
+      .iterations(1)
       .baseline(onStore<PlainStore>(
           1,
           [](PlainStore& w, auto const& keys) {
@@ -307,6 +321,7 @@ void describeStore() {
           [](Store&, auto const&, boost::optional<plinth::Transaction>& transaction) { transaction.reset(); }));
   compare("store: tear down, an entry")
       .sizes(sizes)
+      .iterations(1)
       .baseline(onStore<PlainStore>(PROFILES, build, [](PlainStore& w, auto const&, int) { w.profiles.clear(); }))
       .library(onStore<Store>(PROFILES, build, [](Store& w, auto const&, int) {
         w.changed = {};

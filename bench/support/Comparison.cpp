@@ -117,6 +117,11 @@ Comparison& Comparison::sizes(std::vector<std::int64_t> sizes) {
   return *this;
 }
 
+Comparison& Comparison::iterations(std::int64_t count) noexcept {
+  m_iterations = count;
+  return *this;
+}
+
 Comparison& Comparison::aims(double first, double then) noexcept {
   m_first = first;
   m_then = then;
@@ -138,7 +143,7 @@ void Comparison::enter() const {
     for (std::int64_t const size : m_sizes) {
       auto* const entered = benchmark::RegisterBenchmark((m_name + "/" + name).c_str(), *side);
       entered->Arg(size)->UseManualTime()->Unit(benchmark::kNanosecond);
-      if (size >= LARGE) entered->Iterations(1);
+      if (size >= LARGE || m_iterations != 0) entered->Iterations(size >= LARGE ? 1 : m_iterations);
     }
   }
 }

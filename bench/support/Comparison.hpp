@@ -50,6 +50,8 @@ class Comparison {
   explicit Comparison(std::string name) : m_name(std::move(name)) {}
   /// Runs once for each size, which both sides find in `state.range(0)`.
   Comparison& sizes(std::vector<std::int64_t> sizes);
+  /// How often each repetition measures; for work whose preparation takes much longer than itself.
+  Comparison& iterations(std::int64_t count) noexcept;
   /// How many times the baseline's time the library may take; 0 stands for no aim.
   Comparison& aims(double first, double then) noexcept;
   Comparison& baseline(Side side);
@@ -64,6 +66,7 @@ class Comparison {
  private:
   std::string m_name;
   std::vector<std::int64_t> m_sizes{10000};
+  std::int64_t m_iterations = 0;  ///< 0: as many as it takes
   double m_first = 0;
   double m_then = 0;
   Side m_baseline;
