@@ -103,6 +103,22 @@ TEST_P(FailureIn, LeavesTheEnclosingTransactionAsItWas) {
   EXPECT_TRUE(support::isSound(stage.model));
 }
 
+TEST_P(FailureIn, LeavesNothingForTheOpenTransactionToCommit) {
+  Stage stage;
+  Snapshot const before(stage.model);
+  int told = 0;
+  auto const listening = stage.model.addListener([&](plinth::ChangeSet const&) { ++told; });
+  for (std::size_t passage = 1;; ++passage) {
+    auto open = stage.model.beginTransaction();
+    plinth::armFailurePoint("", passage);
+    raised([&] { GetParam().run(stage); });
+    if (!plinth::disarmFailurePoint()) break;
+    ASSERT_TRUE(before.isBack()) << "after the failure of passage " << passage;
+    open.commit();
+    ASSERT_EQ(told, 0) << "of the failure of passage " << passage;
+  }
+}
+
 TEST_P(FailureIn, TellingTheListenersTakesTheTransactionBack) {
   Stage stage;
   int told = 0;

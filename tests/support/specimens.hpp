@@ -49,13 +49,6 @@ inline bool isHostArray(PropertyImpl const& property) {
   return property.type() == plinth::StandardTypes::kestrelArrayMeta();
 }
 
-/// Tells the host arrays that specimens hold apart, in fingerprints too.
-inline std::string hostArrayText(Value const& value) {
-  auto const array = value.getValue<tessel::frame::HostArray>();
-  return array.get() == nullptr ? "none" : std::to_string(kestrel::elementAsDouble(*array.get()));
-}
-inline bool const tellsHostArrays = (plinth::setOpaqueText(&hostArrayText), true);
-
 /// Makes elements and values in one model; each value of a type with more than two differs from those before it.
 class Specimens {
  public:

@@ -47,6 +47,7 @@ plinth::Value ElementCollectionKind::get(Element& element, Row const& row, Tag c
 
 bool ElementCollectionKind::isUnchanged(Element const& element, ElementStorage const& storage, Row const& row) const {
   auto const* const collection = present(element, row);
+  if (!collection->isChanged()) return true;
   std::size_t const size = collection->rawSize();
   if (size > 1 || collection->oldSize() != size) return false;
   if (size == 0) return true;

@@ -13,7 +13,7 @@ plinth::Value ValueCollectionKind::get(Element& element, Row const& row, Tag con
 
 bool ValueCollectionKind::isUnchanged(Element const& element, ElementStorage const&, Row const& row) const {
   auto const* const present = collection(element, row);
-  return present->empty() && present->oldSize() == 0;
+  return !present->isChanged() || (present->empty() && present->oldSize() == 0);
 }
 
 }  // namespace tessel::frame

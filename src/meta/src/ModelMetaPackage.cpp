@@ -4,7 +4,9 @@
 
 #include "groundwork/unicode.hpp"
 #include "plinth/Messages.hpp"
+#include "plinth/ValueText.hpp"
 #include "plinth/meta/NameUuid.hpp"
+#include "tessel_config_datamodel/frame/HostArrayText.hpp"
 
 namespace tessel::metamodel {
 
@@ -39,6 +41,7 @@ void destroyIncarnation(plinth::ModelElement const& found, plinth::Model const& 
 void ModelMetaPackage::initialize(RootRow const& root) {
   MetaRegistry& registry = MetaRegistry::getInstance();
   OpenRegistry const open(registry);
+  plinth::setOpaqueText(&tessel::frame::hostArrayValueText);
   for (auto const bringUp : root.imports) bringUp();
   PropertySerializerRegistry& serializers = PropertySerializerRegistry::getInstance();
   boost::uuids::uuid const uuid = plinth::meta::nameUuid(root.modelName);

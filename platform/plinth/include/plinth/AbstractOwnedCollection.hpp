@@ -77,6 +77,9 @@ class TESSEL_EXPORT AbstractOwnedCollection {
   /// How many members there were when the present outermost transaction began.
   virtual std::size_t oldSize() const = 0;
   virtual std::size_t rawSize() const = 0;
+  /// Whether the present outermost transaction changed anything, as far as the journal tells; an announced change that
+  /// failed did not.
+  bool isChanged() const noexcept { return m_journal != nullptr && m_journal->steps() > 0; }
   /// A detached collection with the contents that this one had when the present outermost transaction began.
   virtual std::unique_ptr<AbstractOwnedCollection> oldContents() const = 0;
   /// A detached collection with the present contents.
