@@ -178,6 +178,20 @@ TEST_F(Across, AnElementThatIsUnloadedLeavesProxiesAtItsFarEnds) {
   EXPECT_THAT(category->getContents()->getAllValues(), ElementsAre(again));
 }
 
+TEST_F(Across, TheFarEndsOfAnUnloadThatIsRolledBackFindTheElementAgain) {
+  {
+    auto const transaction = near.beginTransaction();
+    near->unload(param);
+    EXPECT_TRUE(category->getContents()->getAllValuesAndProxies().front()->isProxy());
+  }
+  EXPECT_TRUE(param);
+  EXPECT_EQ(param->getCategory(), category);
+  EXPECT_THAT(category->getContents()->getAllValues(), ElementsAre(param));
+  EXPECT_THAT(category->getContents()->getAllValuesAndProxies(), ElementsAre(param));
+  EXPECT_THAT(tag->getTagged()->getAllValues(), ElementsAre(param));
+  EXPECT_TRUE(isSound(near) && isSound(far));
+}
+
 TEST_F(Across, ConvertReferencesToProxiesComputesOneIdAndOnlyForFarEndsInOtherModels) {
   auto const local = sample::runtime::CategoryState::create(near);
   auto const neighbour = sample::runtime::ParamState::create(near);

@@ -74,7 +74,9 @@ class TESSEL_EXPORT ModelImpl : public ElementImpl {
   /// A proxy of class `metaClass` in this model. Raises CannotCreateAbstractClass.
   ModelElement createProxy(meta::Class const& metaClass, ProxyId const& id);
   ProxyId const* proxyId(ModelElementImpl const& element) const noexcept;
-  /// Takes `element` and all it contains out of memory: other models keep proxies to it, this one lets go of it.
+  /// Takes `element` and all it contains out of memory: other models keep proxies to it, this one lets go of it. The
+  /// far models change in transactions of their own: when this one's is rolled back, the elements live again, and the
+  /// proxies resolve to them at the next look.
   void unload(ModelElement const& element);
 
   /// While at 1 or above, getters of qualified maps leave proxies as they are.
