@@ -1,6 +1,5 @@
 #include "plinth/Builder.hpp"
 
-#include <boost/container/small_vector.hpp>
 #include <utility>
 
 #include "plinth/FailurePoint.hpp"
@@ -9,21 +8,19 @@
 namespace plinth {
 
 struct Orchestrator::Frame {
-  ModelElementBuilder* builder;
-  ModelElement element;
-  std::size_t first;  ///< its steps begin here; those of the innermost frame are the last
+  ModelElementBuilder* builder;  ///< holds what it has made
+  std::size_t first;             ///< its steps begin here; those of the innermost frame are the last
   std::size_t next;
 };
 
-Orchestrator::Orchestrator(ModelElementBuilder* root)
-    : m_root(root), m_transaction(root->model()->beginTransaction(false)) {
+Orchestrator::Orchestrator(ModelElementBuilder* root) : m_root(root), m_step(*root->model().impl(), Step::WHOLE) {
   addBuilder(root);
 }
 
 Orchestrator::~Orchestrator() {
   while (m_builders != nullptr) {
-    ModelElementBuilder* const builder = std::exchange(m_builders, m_builders->m_addedBefore);
-    builder->m_addedBefore = nullptr;
+    ModelElementBuilder* const builder = std::exchange(m_builders, m_builders->m_next);
+    builder->m_next = nullptr;
     builder->m_orchestrator = nullptr;
     builder->m_created = ModelElement();
   }
@@ -31,9 +28,9 @@ Orchestrator::~Orchestrator() {
 
 void Orchestrator::addBuilder(ModelElementBuilder* builder) {
   if (builder->m_orchestrator == this) return;
-  builder->m_addedBefore = std::exchange(m_builders, builder);
+  builder->m_next = std::exchange(m_builders, builder);
   builder->m_orchestrator = this;
-  builder->m_model = m_root->model();
+  if (builder->m_model != m_root->m_model) builder->m_model = m_root->m_model;
 }
 
 ModelElement Orchestrator::getCreatedElement(ModelElementBuilder const* builder) const {
@@ -42,11 +39,12 @@ ModelElement Orchestrator::getCreatedElement(ModelElementBuilder const* builder)
 
 ModelElement Orchestrator::run(boost::uuids::uuid const& uuid) {
   boost::container::small_vector<Frame, 8> frames;
-  std::vector<CascadeStep> steps;
+  CascadeSteps steps;
   auto const enter = [&](ModelElementBuilder* builder, boost::uuids::uuid const& childUuid) {
     addBuilder(builder);
-    frames.push_back({builder, builder->make(childUuid), steps.size(), steps.size()});
-    builder->cascadeCreation(*frames.back().element, steps);
+    ModelElement const& element = builder->make(childUuid);
+    frames.push_back({builder, steps.size(), steps.size()});
+    builder->cascadeCreation(*element, steps);
   };
   enter(m_root, uuid);
   while (true) {
@@ -55,17 +53,17 @@ ModelElement Orchestrator::run(boost::uuids::uuid const& uuid) {
       enter(steps[frame.next].child, {});
       continue;
     }
-    ModelElement const made = frame.element;
+    ModelElement const& made = frame.builder->m_created;
     steps.resize(frame.first);
     frames.pop_back();
     if (frames.empty()) return made;
     Frame& parent = frames.back();
-    parent.builder->attach(*parent.element, *steps[parent.next].property, made);
+    parent.builder->attach(*parent.builder->m_created, *steps[parent.next].property, made);
     ++parent.next;
   }
 }
 
-void Orchestrator::commit() { m_transaction.commit(); }
+void Orchestrator::commit() { m_step.commit(); }
 
 ModelElementBuilder::~ModelElementBuilder() = default;
 
@@ -78,7 +76,7 @@ ModelElement ModelElementBuilder::create(boost::uuids::uuid const& uuid) {
   return element;
 }
 
-ModelElement ModelElementBuilder::make(boost::uuids::uuid const& uuid) {
+ModelElement const& ModelElementBuilder::make(boost::uuids::uuid const& uuid) {
   if (m_created) return m_created;
   failurePoint("builder-make");
   m_created = doCreate(false, uuid.is_nil() ? ElementImpl::generateNewUuid() : uuid);
@@ -104,25 +102,23 @@ boost::dynamic_bitset<std::uint64_t> ModelElementBuilder::setMask() const {
   return boost::dynamic_bitset<std::uint64_t>(m_bits, m_setMask);
 }
 
-void ModelElementBuilder::cascadeCreation(ModelElementImpl&, std::vector<CascadeStep>&) {}
+void ModelElementBuilder::cascadeCreation(ModelElementImpl&, CascadeSteps&) {}
 
 void ModelElementBuilder::attach(ModelElementImpl&, meta::PropertyImpl&, ModelElement const&) {}
 
 void takeDown(std::unique_ptr<ModelElementBuilder> builder) noexcept {
+  if (builder == nullptr) return;
   // The destructor of a builder hands its children in here again: they wait in the list of the outermost call.
-  thread_local std::vector<std::unique_ptr<ModelElementBuilder>>* waiting = nullptr;
-  if (waiting != nullptr) {
-    waiting->push_back(std::move(builder));
-    return;
+  thread_local ModelElementBuilder* waiting = nullptr;
+  thread_local bool isRunning = false;
+  builder->m_next = waiting;
+  waiting = builder.release();
+  if (isRunning) return;
+  isRunning = true;
+  while (waiting != nullptr) {
+    std::unique_ptr<ModelElementBuilder> const last(std::exchange(waiting, waiting->m_next));
   }
-  std::vector<std::unique_ptr<ModelElementBuilder>> list;
-  waiting = &list;
-  list.push_back(std::move(builder));
-  while (!list.empty()) {
-    std::unique_ptr<ModelElementBuilder> const last = std::move(list.back());
-    list.pop_back();
-  }
-  waiting = nullptr;
+  isRunning = false;
 }
 
 }  // namespace plinth

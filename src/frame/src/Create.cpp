@@ -32,11 +32,11 @@ plinth::ModelElement createElement(ClassTable const& table, plinth::Model const&
 plinth::ModelElement createChild(Element& self, PropertyDescriptor const& row, plinth::ModelElementBuilder& builder,
                                  boost::uuids::uuid const& uuid) {
   self.requireModifiable();
-  builder.setModel(self.getModel());
-  plinth::Step step(self.model(), plinth::Step::WHOLE);
-  plinth::ModelElement const child = builder.create(uuid);
+  if (builder.model().impl() != &self.model()) builder.setModel(self.getModel());
+  plinth::Orchestrator orchestrator(&builder);
+  plinth::ModelElement child = orchestrator.run(uuid);
   row.kind->attach(self, row, child);
-  step.commit();
+  orchestrator.commit();
   return child;
 }
 

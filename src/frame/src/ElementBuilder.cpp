@@ -6,11 +6,10 @@
 namespace tessel::frame {
 namespace {
 
-/// Root first, as the fields of an element are filled.
+/// The rows of the indexes in `mask`, root first, as the fields of an element are filled.
 template <class Visitor>
-void forEachFromRoot(ClassTable const& table, Visitor const& visit) {
-  if (table.base != nullptr) forEachFromRoot(*table.base, visit);
-  visit(table);
+void forEachSet(ClassTable const& table, std::uint64_t mask, Visitor const& visit) {
+  for (; mask != 0; mask &= mask - 1) visit(*table.chain->byIndex[static_cast<std::size_t>(__builtin_ctzll(mask))]);
 }
 
 }  // namespace
@@ -43,47 +42,39 @@ void ElementBuilder::setOrAdd(plinth::meta::Property const& property,
                               std::unique_ptr<plinth::ModelElementBuilder> child) {
   m_table->metaClass();
   auto const* const row = property.isEmpty() ? nullptr : findDescriptor(*m_table, *property.impl());
-  bool const fits = row != nullptr && child != nullptr && child->getMetaClass()->conformsTo(*row->property->type());
-  if (!fits || !row->kind->build(*this, *row, child)) {
-    ModelElementBuilder::setOrAdd(property, std::move(child));
-  } else {
-    mark(row->index);
-  }
+  if (row == nullptr || !take(*row, child)) ModelElementBuilder::setOrAdd(property, std::move(child));
 }
 
 void ElementBuilder::takeChild(PropertyDescriptor const& row, std::unique_ptr<plinth::ModelElementBuilder> child) {
   m_table->metaClass();
-  setOrAdd(plinth::meta::Property(row.property), std::move(child));
+  if (!take(row, child)) ModelElementBuilder::setOrAdd(plinth::meta::Property(row.property), std::move(child));
+}
+
+bool ElementBuilder::take(PropertyDescriptor const& row, std::unique_ptr<plinth::ModelElementBuilder>& child) {
+  bool const fits = child != nullptr && child->getMetaClass()->conformsTo(*row.property->type());
+  if (!fits || !row.kind->build(*this, row, child)) return false;
+  mark(row.index);
+  return true;
 }
 
 plinth::ModelElement ElementBuilder::doCreate(bool deferred, boost::uuids::uuid const& uuid) {
   m_table->metaClass();
   plinth::ModelElement const made(m_table->allocate(*model().impl(), uuid), plinth::Adopt{});
   auto& element = static_cast<Element&>(*made);
-  forEachFromRoot(*m_table, [&](ClassTable const& table) {
-    for (PropertyDescriptor const& row : table) {
-      if (row.index != 0 && isSet(row.index)) row.kind->initialize(element, *this, row);
-    }
-  });
+  forEachSet(*m_table, mask(), [&](auto const& row) { row.kind->initialize(element, *this, row); });
   if (deferred) return made;
   // Links run the full setters, on an object that a handle holds: should one fail, nothing is left that points at freed
   // memory.
-  forEachFromRoot(*m_table, [&](ClassTable const& table) {
-    for (PropertyDescriptor const& row : table) {
-      if (row.index != 0 && isSet(row.index)) row.kind->link(element, *this, row);
-    }
-  });
+  forEachSet(*m_table, mask(), [&](auto const& row) { row.kind->link(element, *this, row); });
   element.notifyCreated();
   return made;
 }
 
-void ElementBuilder::cascadeCreation(plinth::ModelElementImpl& parent, std::vector<plinth::CascadeStep>& steps) {
+void ElementBuilder::cascadeCreation(plinth::ModelElementImpl& parent, plinth::CascadeSteps& steps) {
   auto& element = static_cast<Element&>(parent);
-  for (ClassTable const* each = m_table; each != nullptr; each = each->base) {
-    for (PropertyDescriptor const& row : *each) {
-      if (row.index != 0 && isSet(row.index)) row.kind->cascade(element, *this, row, steps);
-    }
-  }
+  forEachLink(*m_table, [&](auto const& row) {
+    if (isSet(row.index)) row.kind->cascade(element, *this, row, steps);
+  });
 }
 
 void ElementBuilder::attach(plinth::ModelElementImpl& parent, plinth::meta::PropertyImpl& property,

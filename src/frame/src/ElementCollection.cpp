@@ -148,7 +148,7 @@ void ElementCollectionKind::link(Element& element, ElementBuilder& builder, Row 
 }
 
 void ElementCollectionKind::cascade(Element& element, ElementBuilder& builder, Row const& row,
-                                    std::vector<plinth::CascadeStep>& steps) const {
+                                    plinth::CascadeSteps& steps) const {
   if (!row.property->isComposite()) return;
   auto const& children = builderFieldOf<ChildBuilders>(builder, row).all();
   if (children.empty()) return;

@@ -67,7 +67,7 @@ bool PropertyKind::build(ElementBuilder&, Row const&, std::unique_ptr<plinth::Mo
 }
 void PropertyKind::initialize(Element&, ElementBuilder&, Row const&) const {}
 void PropertyKind::link(Element&, ElementBuilder&, Row const&) const {}
-void PropertyKind::cascade(Element&, ElementBuilder&, Row const&, std::vector<plinth::CascadeStep>&) const {}
+void PropertyKind::cascade(Element&, ElementBuilder&, Row const&, plinth::CascadeSteps&) const {}
 void PropertyKind::attach(Element&, Row const&, plinth::ModelElement const&) const {}
 void PropertyKind::stamp(Element&, Row const&, int) const {}
 void PropertyKind::stamp(ElementBuilder&, Row const&, int) const {}

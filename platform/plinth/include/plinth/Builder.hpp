@@ -3,10 +3,10 @@
 // Thread rule: the thread of the model that it builds in.
 #pragma once
 
+#include <boost/container/small_vector.hpp>
 #include <memory>
 #include <type_traits>
 #include <utility>
-#include <vector>
 
 #include "plinth/Messages.hpp"
 #include "plinth/meta/Type.hpp"
@@ -34,7 +34,7 @@ class TESSEL_EXPORT Orchestrator {
   struct Frame;
   ModelElementBuilder* m_root;
   ModelElementBuilder* m_builders = nullptr;  ///< the one added last; each knows the one before it
-  Transaction m_transaction;
+  Step m_step;
 };
 
 /// A child that a builder is to make, and the containment property that takes it.
@@ -42,6 +42,7 @@ struct CascadeStep {
   meta::PropertyImpl* property;
   ModelElementBuilder* child;
 };
+using CascadeSteps = boost::container::small_vector<CascadeStep, 8>;
 
 class TESSEL_EXPORT ModelElementBuilder {
  public:
@@ -77,9 +78,10 @@ class TESSEL_EXPORT ModelElementBuilder {
   /// leaves it unannounced, as a proxy is.
   virtual ModelElement doCreate(bool deferred, boost::uuids::uuid const& uuid) = 0;
   /// The children to make, in the order in which they are made, and room for them in `parent`.
-  virtual void cascadeCreation(ModelElementImpl& parent, std::vector<CascadeStep>& steps);
+  virtual void cascadeCreation(ModelElementImpl& parent, CascadeSteps& steps);
   /// Puts a child that has been made into its containment.
   virtual void attach(ModelElementImpl& parent, meta::PropertyImpl& property, ModelElement const& child);
+  std::uint64_t mask() const noexcept { return m_setMask; }
   void mark(unsigned long index) noexcept { m_setMask |= std::uint64_t{1} << index; }
   void unmark(unsigned long index) noexcept { m_setMask &= ~(std::uint64_t{1} << index); }
   Orchestrator* orchestrator() const noexcept { return m_orchestrator; }
@@ -87,18 +89,20 @@ class TESSEL_EXPORT ModelElementBuilder {
  private:
   friend class plinth::Orchestrator;
   friend class ModelImpl;
+  friend TESSEL_EXPORT void takeDown(std::unique_ptr<ModelElementBuilder> builder) noexcept;
 
-  ModelElement make(boost::uuids::uuid const& uuid);
+  /// What it has made, or makes now.
+  ModelElement const& make(boost::uuids::uuid const& uuid);
 
   Model m_model;
   Orchestrator* m_orchestrator = nullptr;
-  ModelElementBuilder* m_addedBefore = nullptr;  ///< under m_orchestrator
-  ModelElement m_created;                        ///< what it made under m_orchestrator
+  ModelElementBuilder* m_next = nullptr;  ///< in the list of m_orchestrator, or of those that wait for their end
+  ModelElement m_created;                 ///< what it made under m_orchestrator
   std::uint64_t m_setMask = 0;
   unsigned long m_bits;
 };
 
-/// Destroys builders without recursing on the depth of their trees.
+/// Destroys builders without recursing on the depth of their trees. Allocates nothing.
 TESSEL_EXPORT void takeDown(std::unique_ptr<ModelElementBuilder> builder) noexcept;
 
 /// A builder whose element fits class X; what `createInto...` takes. Raises CannotAddIncompatibleTypes for another

@@ -14,8 +14,8 @@ TESSEL_EXPORT plinth::ModelElement createElement(ClassTable const& table, plinth
 
 template <class X>
 X create(plinth::Model const& model, boost::uuids::uuid const& uuid) {
-  plinth::ModelElement const made = createElement(X::Impl::table(), model, uuid);
-  return static_cast<X const&>(made);
+  plinth::ModelElement made = createElement(X::Impl::table(), model, uuid);
+  return static_cast<X&&>(made);
 }
 
 /// Builds a child and puts it into the containment property of the row, in one transaction. A nil UUID asks for a new
@@ -26,8 +26,8 @@ TESSEL_EXPORT plinth::ModelElement createChild(Element& self, PropertyDescriptor
 template <class X>
 X createInto(Element& self, PropertyDescriptor const& row, plinth::BuilderWrapper<X> const& builder,
              boost::uuids::uuid const& uuid) {
-  plinth::ModelElement const made = createChild(self, row, builder.builder(), uuid);
-  return static_cast<X const&>(made);
+  plinth::ModelElement made = createChild(self, row, builder.builder(), uuid);
+  return static_cast<X&&>(made);
 }
 
 }  // namespace tessel::frame

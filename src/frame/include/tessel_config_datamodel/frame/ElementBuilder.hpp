@@ -64,7 +64,7 @@ class TESSEL_EXPORT ElementBuilder : public plinth::ModelElementBuilder {
   explicit ElementBuilder(ClassTable const& table);
 
   plinth::ModelElement doCreate(bool deferred, boost::uuids::uuid const& uuid) final;
-  void cascadeCreation(plinth::ModelElementImpl& parent, std::vector<plinth::CascadeStep>& steps) final;
+  void cascadeCreation(plinth::ModelElementImpl& parent, plinth::CascadeSteps& steps) final;
   void attach(plinth::ModelElementImpl& parent, plinth::meta::PropertyImpl& property,
               plinth::ModelElement const& child) final;
   /// Takes a child builder for the row. Raises CannotAddIncompatibleTypes for a class that doesn't fit, NoSuchProperty
@@ -89,6 +89,9 @@ class TESSEL_EXPORT ElementBuilder : public plinth::ModelElementBuilder {
   void giveStamps();
 
  private:
+  /// False, with the child left to the caller, where the row takes no builders or none of its class.
+  bool take(PropertyDescriptor const& row, std::unique_ptr<plinth::ModelElementBuilder>& child);
+
   ClassTable const* m_table;
 };
 

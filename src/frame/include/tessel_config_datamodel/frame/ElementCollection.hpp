@@ -40,8 +40,7 @@ class TESSEL_EXPORT ElementCollectionKind : public CollectionKind {
   bool build(ElementBuilder& builder, Row const& row, plinth::Value const& value) const final;
   bool build(ElementBuilder& builder, Row const& row, std::unique_ptr<plinth::ModelElementBuilder>& child) const final;
   void link(Element& element, ElementBuilder& builder, Row const& row) const final;
-  void cascade(Element& element, ElementBuilder& builder, Row const& row,
-               std::vector<plinth::CascadeStep>& steps) const final;
+  void cascade(Element& element, ElementBuilder& builder, Row const& row, plinth::CascadeSteps& steps) const final;
   void attach(Element& element, Row const& row, plinth::ModelElement const& child) const final;
 
   plinth::ReferenceCollection& require(Element& element, Row const& row) const {

@@ -71,8 +71,7 @@ class TESSEL_EXPORT PropertyKind {
   virtual void initialize(Element& element, ElementBuilder& builder, Row const& row) const;
   /// Links from the builder, through the full setter or the collection.
   virtual void link(Element& element, ElementBuilder& builder, Row const& row) const;
-  virtual void cascade(Element& element, ElementBuilder& builder, Row const& row,
-                       std::vector<plinth::CascadeStep>& steps) const;
+  virtual void cascade(Element& element, ElementBuilder& builder, Row const& row, plinth::CascadeSteps& steps) const;
   virtual void attach(Element& element, Row const& row, plinth::ModelElement const& child) const;
   /// A type stamp, on a new element or in a builder.
   virtual void stamp(Element& element, Row const& row, int value) const;

@@ -95,8 +95,7 @@ class TESSEL_EXPORT ContainmentKind final : public SingleElementKind {
   void destroyContained(Element& element, Row const& row, bool flag1, bool flag2) const override;
   bool build(ElementBuilder& builder, Row const& row,
              std::unique_ptr<plinth::ModelElementBuilder>& child) const override;
-  void cascade(Element& element, ElementBuilder& builder, Row const& row,
-               std::vector<plinth::CascadeStep>& steps) const override;
+  void cascade(Element& element, ElementBuilder& builder, Row const& row, plinth::CascadeSteps& steps) const override;
   void attach(Element& element, Row const& row, plinth::ModelElement const& child) const override;
 
  protected:
