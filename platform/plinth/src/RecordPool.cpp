@@ -14,6 +14,7 @@ void* RecordPool::allocate(std::size_t size) {
     m_free[sizeClass] = taken->next;
     block = reinterpret_cast<std::byte*>(taken);
     owner = this;
+    ++m_inUse;
   } else {
     block = static_cast<std::byte*>(::operator new(size + PREFIX));
   }
@@ -30,15 +31,21 @@ void RecordPool::release(void* memory, std::size_t size) noexcept {
   }
   std::size_t const sizeClass = (size + PREFIX + GRAIN - 1) / GRAIN;
   owner->m_free[sizeClass] = ::new (block) Free{owner->m_free[sizeClass]};
+  --owner->m_inUse;
 }
 
 void RecordPool::refill(std::size_t sizeClass) {
   std::size_t const blockSize = sizeClass * GRAIN;
   std::size_t const count = CHUNK / blockSize;
-  m_chunks.reserve(m_chunks.size() + 1);
-  m_chunks.push_back(std::make_unique<std::byte[]>(count * blockSize));
-  std::byte* const chunk = m_chunks.back().get();
+  std::unique_ptr<std::byte[]> made(new std::byte[count * blockSize]);  // not make_unique, which would clear it
+  std::byte* const chunk = made.get();
+  m_chunks.push_back(std::move(made));
   for (std::size_t i = count; i-- > 0;) m_free[sizeClass] = ::new (chunk + i * blockSize) Free{m_free[sizeClass]};
+}
+
+void RecordPool::clear() noexcept {
+  m_free.fill(nullptr);
+  std::vector<std::unique_ptr<std::byte[]>>().swap(m_chunks);
 }
 
 }  // namespace plinth

@@ -21,6 +21,11 @@ class TESSEL_EXPORT RecordPool {
   void* allocate(std::size_t size);
   /// Gives back what `allocate(size)` of any pool returned.
   static void release(void* memory, std::size_t size) noexcept;
+  /// Frees the blocks when there are many and no record is left in them, so that one large transaction's memory is not
+  /// kept for good.
+  void trim() noexcept {
+    if (m_inUse == 0 && m_chunks.size() > KEPT_CHUNKS) clear();
+  }
 
  private:
   struct Free {
@@ -30,11 +35,14 @@ class TESSEL_EXPORT RecordPool {
   static constexpr std::size_t CLASSES = 24;
   static constexpr std::size_t PREFIX = alignof(std::max_align_t);
   static constexpr std::size_t CHUNK = 16 * 1024;
+  static constexpr std::size_t KEPT_CHUNKS = 16;
 
   void refill(std::size_t sizeClass);
+  void clear() noexcept;
 
   std::array<Free*, CLASSES> m_free{};
   std::vector<std::unique_ptr<std::byte[]>> m_chunks;
+  std::size_t m_inUse = 0;  ///< blocks of chunks
 };
 
 }  // namespace plinth
