@@ -22,6 +22,7 @@ class ChangePublisher {
 
   ListenerRegistration add(ChangeListener listener);
   bool isWatched() const noexcept { return m_listeners->live > 0; }
+  std::size_t const& listenerCount() const noexcept { return m_listeners->live; }
 
   /// Gathers what the log tells; raises std::bad_alloc, and then nothing has been taken.
   void collect(UndoLog& log);

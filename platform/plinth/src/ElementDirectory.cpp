@@ -15,7 +15,12 @@ ElementDirectory::ElementDirectory()
       m_buckets(std::make_unique<Bucket[]>(FIRST_BUCKETS)),
       m_byUuid(ByUuid::bucket_traits(m_buckets.get(), FIRST_BUCKETS)) {}
 
-ElementDirectory::~ElementDirectory() { m_byUuid.clear(); }
+ElementDirectory::~ElementDirectory() { clear(); }
+
+void ElementDirectory::clear() noexcept {
+  m_byUuid.clear();
+  m_extents.clear();
+}
 
 ModelElementImpl* ElementDirectory::find(boost::uuids::uuid const& uuid) const noexcept {
   auto const found = m_byUuid.find(uuid);

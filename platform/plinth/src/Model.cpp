@@ -26,7 +26,10 @@ ListenerRegistration Model::addListener(ChangeListener listener) const {
 }
 
 ModelImpl::ModelImpl()
-    : ElementImpl(this, generateNewUuid()), m_log(*this), m_publisher(std::make_unique<ChangePublisher>(*this)) {
+    : ElementImpl(this, generateNewUuid()),
+      m_log(*this),
+      m_publisher(std::make_unique<ChangePublisher>(*this)),
+      m_listenerCount(&m_publisher->listenerCount()) {
   detail::LiveObjects::enter(*this);
   m_live = 1;
 }
@@ -40,22 +43,12 @@ ModelImpl::~ModelImpl() {
     element->m_state = DESTROYED;
   }
   std::vector<ModelElementImpl*> const elements = m_directory.all();
+  m_directory.clear();
   for (ModelElementImpl* element : elements) {
-    m_directory.remove(*element);
     element->m_live = 0;
-    // Not announced any more: nothing below keeps old values, or is a step of this model.
-    element->m_state = DESTROYED | TEARING_DOWN;
-    element->invalidate();
-  }
-  for (ModelElementImpl* element : elements) {
-    element->basicDisassociateAll();
-    element->m_container = nullptr;
-    element->m_containmentProperty = nullptr;
-  }
-  for (ModelElementImpl* element : elements) {
     element->m_state = DESTROYED;
-    element->removeRef();
   }
+  for (ModelElementImpl* element : elements) element->bury();
 }
 
 void ModelImpl::removeRef() noexcept { ElementImpl::removeRef(); }

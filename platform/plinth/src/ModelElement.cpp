@@ -47,6 +47,17 @@ ModelElementImpl::~ModelElementImpl() {
   detail::LiveObjects::removeElement();
 }
 
+void ModelElementImpl::bury() noexcept {
+  // Not announced any more: nothing below keeps old values, or is a step of the model.
+  m_state = DESTROYED | TEARING_DOWN;
+  invalidate();
+  basicDisassociateAll();
+  m_container = nullptr;
+  m_containmentProperty = nullptr;
+  m_state = DESTROYED;
+  removeRef();
+}
+
 Model ModelElementImpl::getModel() const noexcept {
   // A dead element may have outlived its model; its pointer is good for comparison only.
   return (m_state & DESTROYED) != 0 ? Model() : Model(m_model);

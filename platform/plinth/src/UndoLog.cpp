@@ -89,17 +89,21 @@ void UndoLog::commitOutermost() noexcept {
   if (anyDestroyed) bury(entries, 0, Kind::DESTROYED);
   forgetSteps(entries);
   if (m_entries.empty()) m_entries.swap(entries);
+  m_model->m_pool.trim();
 }
 
 void UndoLog::rollBack() noexcept {
   std::size_t const mark = m_levels.back().mark;
-  m_replaying = true;
+  m_off = true;
   for (std::size_t i = m_entries.size(); i > mark; --i) undo(m_entries[i - 1]);
   m_levels.pop_back();
   bury(m_entries, mark, Kind::CREATED);
   m_entries.resize(mark);
-  if (mark == 0) forgetSteps(m_entries);
-  m_replaying = false;
+  if (mark == 0) {
+    forgetSteps(m_entries);
+    m_model->m_pool.trim();
+  }
+  m_off = false;
 }
 
 void UndoLog::undo(Entry const& entry) noexcept {
@@ -137,21 +141,10 @@ void UndoLog::undo(Entry const& entry) noexcept {
 }
 
 void UndoLog::bury(std::vector<Entry> const& entries, std::size_t first, Kind kind) noexcept {
-  // All links first, then the objects: each is still held while the others let go of it, so that nothing recurses.
+  // Each lets go of what it refers to before it goes itself. One that still has links is held by the log, so that at
+  // most an element without links ends here on its own: nothing recurses.
   for (std::size_t i = first; i < entries.size(); ++i) {
-    if (entries[i].kind != kind) continue;
-    auto& element = *static_cast<ModelElementImpl*>(entries[i].object);
-    element.m_state = ElementImpl::DESTROYED | ElementImpl::TEARING_DOWN;  // clears its links without a step
-    element.invalidate();
-    element.basicDisassociateAll();
-    element.m_container = nullptr;
-    element.m_containmentProperty = nullptr;
-  }
-  for (std::size_t i = first; i < entries.size(); ++i) {
-    if (entries[i].kind != kind) continue;
-    auto& element = *static_cast<ModelElementImpl*>(entries[i].object);
-    element.m_state = ElementImpl::DESTROYED;
-    element.removeRef();
+    if (entries[i].kind == kind) static_cast<ModelElementImpl*>(entries[i].object)->bury();
   }
 }
 

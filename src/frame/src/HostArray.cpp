@@ -19,7 +19,7 @@ void setHostArray(Element& self, HostArrayField& field, kestrel_array const* arr
   self.requireModifiable();
   if (field.get() == array) return;
   HostArrayField copy = HostArray::copyOf(array);
-  plinth::Step step(self.model());
+  plinth::Step step(self.model(), plinth::Step::STORE);
   self.notifyModifying(index);
   field = std::move(copy);
   step.commit();

@@ -25,7 +25,7 @@ void refuseTakenKey(Element& self, std::u16string const& value, PropertyDescript
 template <class Store>
 void rekey(Element& self, PropertyDescriptor const& row, Store const& store) {
   bool const inMap = liesInMap(self, row);
-  plinth::Step step(self.model(), inMap ? plinth::Step::WHOLE : plinth::Step::SINGLE);
+  plinth::Step step(self.model(), inMap ? plinth::Step::WHOLE : plinth::Step::STORE);
   auto* const container = self.basicContainer();
   auto* const feature = self.basicContainmentFeature();
   if (inMap) self._inverseRemoveThis(container, *feature);

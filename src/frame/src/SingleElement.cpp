@@ -47,7 +47,7 @@ void setElement(Element& self, ElementField& field, ModelElement const& target, 
 }  // namespace
 
 void setReference(Element& self, ElementField& field, ModelElement const& target, PropertyDescriptor const& row) {
-  setElement(self, field, target, row, plinth::Step::SINGLE, [&] { basicSetElement(field, target); });
+  setElement(self, field, target, row, plinth::Step::STORE, [&] { basicSetElement(field, target); });
 }
 
 void setOppositeReference(Element& self, ElementField& field, ModelElement const& target,
@@ -65,7 +65,7 @@ void setContainment(Element& self, ElementField& field, ModelElement const& targ
   // A child that no container gives up, for a field that is empty: once its link is announced, nothing can fail any
   // more.
   bool const isFirst = field.isEmpty() && target && target->basicContainer() == nullptr;
-  setElement(self, field, target, row, isFirst ? plinth::Step::SINGLE : plinth::Step::WHOLE, [&] {
+  setElement(self, field, target, row, isFirst ? plinth::Step::STORE : plinth::Step::WHOLE, [&] {
     if (isFirst) target->notifyModifying(0);
     if (field) self._basicSetUncontained(field.impl());
     basicSetElement(field, target);
@@ -224,8 +224,7 @@ bool ContainmentKind::build(ElementBuilder& builder, Row const& row,
   return true;
 }
 
-void ContainmentKind::cascade(Element&, ElementBuilder& builder, Row const& row,
-                              std::vector<plinth::CascadeStep>& steps) const {
+void ContainmentKind::cascade(Element&, ElementBuilder& builder, Row const& row, plinth::CascadeSteps& steps) const {
   if (auto* const child = builderFieldOf<ChildBuilder>(builder, row).get()) steps.push_back({row.property, child});
 }
 

@@ -38,6 +38,8 @@ class TESSEL_EXPORT ElementDirectory {
   /// Takes the element out; its room stays, so that it can be added again.
   void remove(ModelElementImpl& element) noexcept;
 
+  void clear() noexcept;
+
   /// The elements of exactly this class, in no particular order; valid until the next element comes or goes.
   std::vector<ModelElementImpl*> const& elementsOf(meta::ClassImpl const& metaClass) const;
   /// The classes that have or had elements.

@@ -57,6 +57,8 @@ class TESSEL_EXPORT ModelImpl : public ElementImpl {
   Transaction beginTransaction(bool thawed);
   std::uint32_t level() const noexcept { return m_log.level(); }
   bool isFrozen() const noexcept { return m_frozen; }
+  /// Whether a store now is nobody's business: no transaction could take it back, and no listener hears of it.
+  bool isUnobserved() const noexcept { return level() == 0 && !m_frozen && *m_listenerCount == 0; }
   UndoLog& undoLog() noexcept { return m_log; }
   RecordPool& recordPool() noexcept { return m_pool; }
 
@@ -113,6 +115,7 @@ class TESSEL_EXPORT ModelImpl : public ElementImpl {
   UndoLog m_log;
   ElementDirectory m_directory;
   std::unique_ptr<ChangePublisher> m_publisher;
+  std::size_t const* m_listenerCount;  ///< the publisher's
   std::unordered_map<ModelElementImpl const*, ProxyId> m_proxyIds;
   std::vector<ModelElementImpl*> m_teardown;  ///< elements whose teardown waits; see Teardown
   std::u16string m_name;
@@ -122,18 +125,24 @@ class TESSEL_EXPORT ModelImpl : public ElementImpl {
 };
 
 /// The transaction of one step, which happens as a whole or not at all. A SINGLE step can't fail half-way: inside an
-/// open transaction it costs nothing, outside it is one of its own. A WHOLE step is a nested transaction in any case.
+/// open transaction it costs nothing, outside it is one of its own. A STORE is a SINGLE step that only stores: outside
+/// a transaction it keeps no old value either, where nobody listens. A WHOLE step is a nested transaction in any case.
 class Step {
  public:
-  enum Extent { SINGLE, WHOLE };
+  enum Extent { STORE, SINGLE, WHOLE };
   explicit Step(ModelImpl& model, Extent extent = SINGLE) : Step(&model, extent) {}
   Step(Step const&) = delete;
   Step& operator=(Step const&) = delete;
   ~Step() {
-    if (m_model != nullptr) m_model->rollBack();
+    if (m_model == nullptr) return;
+    if (m_isUnlogged) {
+      m_model->m_log.setOff(false);
+    } else {
+      m_model->rollBack();
+    }
   }
   void commit() {
-    if (m_model == nullptr) return;
+    if (m_model == nullptr || m_isUnlogged) return;
     m_model->commit();
     m_model = nullptr;
   }
@@ -141,13 +150,19 @@ class Step {
  protected:
   /// Null: nothing is taken back.
   Step(ModelImpl* model, Extent extent) {
-    if (model == nullptr || (extent == SINGLE && model->level() > 0)) return;
-    model->begin(false);
+    if (model == nullptr || (extent != WHOLE && model->level() > 0)) return;
+    m_isUnlogged = extent == STORE && model->isUnobserved();
+    if (m_isUnlogged) {
+      model->m_log.setOff(true);
+    } else {
+      model->begin(false);
+    }
     m_model = model;
   }
 
  private:
   ModelImpl* m_model = nullptr;
+  bool m_isUnlogged = false;
 };
 
 /// Guards a model against change; a Thawer opens it for a while. Thaws nest.
@@ -181,7 +196,7 @@ inline Model::Model(ModelImpl* impl, Adopt adopt) noexcept : Handle(impl, adopt)
 inline ModelImpl* Model::impl() const noexcept { return static_cast<ModelImpl*>(elementImpl()); }
 
 inline bool ModelElementImpl::needsNoOldValues() const noexcept {
-  return (m_state & ANNOUNCED) == 0 || m_createdLevel == m_model->level() || m_model->undoLog().isReplaying();
+  return (m_state & ANNOUNCED) == 0 || m_createdLevel == m_model->level() || m_model->undoLog().isOff();
 }
 
 }  // namespace plinth

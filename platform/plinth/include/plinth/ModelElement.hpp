@@ -165,7 +165,9 @@ class TESSEL_EXPORT ModelElementImpl : public ElementImpl {
   virtual void copyValue(Storage* storage, unsigned long index) const;
   virtual void copyStateFromStorage(Storage* storage);
 
-  using DirectoryHook = boost::intrusive::unordered_set_member_hook<>;
+  /// Not safe-linked: an element is in its model's directory exactly while it is live.
+  using DirectoryHook =
+      boost::intrusive::unordered_set_member_hook<boost::intrusive::link_mode<boost::intrusive::normal_link>>;
 
  protected:
   ModelElementImpl(Model const& model, boost::uuids::uuid const& uuid);
@@ -180,6 +182,8 @@ class TESSEL_EXPORT ModelElementImpl : public ElementImpl {
 
   [[noreturn]] void reportRefusal() const;
   void recordOldValue(unsigned long index);
+  /// The end of an element that nothing brings back: lets go of all that it refers to, and of the model's reference.
+  void bury() noexcept;
   bool liesIn(ModelElementImpl const& candidate) const noexcept;
 
   ModelElementImpl* m_container = nullptr;

@@ -46,7 +46,9 @@ class UndoLog {
   std::uint32_t level() const noexcept { return static_cast<std::uint32_t>(m_levels.size()); }
   /// What tells the transaction at this open level from all others of the model.
   unsigned long serialAt(std::uint32_t level) const noexcept { return m_levels[level - 1].serial; }
-  bool isReplaying() const noexcept { return m_replaying; }
+  /// Whether changes need no undo at present: they are undo themselves, or a store that nothing takes back.
+  bool isOff() const noexcept { return m_off; }
+  void setOff(bool off) noexcept { m_off = off; }
   std::size_t size() const noexcept { return m_entries.size(); }
 
   /// Makes room for one more entry; call before the change. Raises std::bad_alloc.
@@ -105,7 +107,7 @@ class UndoLog {
   std::vector<Entry> m_entries;
   std::vector<Level> m_levels;
   unsigned long m_lastSerial = 0;
-  bool m_replaying = false;
+  bool m_off = false;
 };
 
 }  // namespace plinth

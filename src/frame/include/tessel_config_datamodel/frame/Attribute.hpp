@@ -16,7 +16,7 @@ template <class T>
 void setAttribute(Element& self, T& field, T const& value, unsigned long index) {
   self.requireModifiable();
   if (field == value) return;
-  plinth::Step step(self.model());
+  plinth::Step step(self.model(), plinth::Step::STORE);
   self.notifyModifying(index);
   field = value;
   step.commit();
