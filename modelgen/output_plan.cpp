@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "modelgen/context.hpp"
+#include "modelgen/text.hpp"
 #include "modelgen/yaml_reader.hpp"
 
 namespace modelgen {
@@ -76,8 +77,8 @@ class PlanRenderer {
       m_diagnostics.report(row.path.at, "the path '" + path + "' leaves the output folder", "a relative path below it");
       return;
     }
-    std::string text = m_withText ? m_templates.render(row.templateFile.value, row.templateFile.at, data) : "";
-    if (!m_files.emplace(path, std::move(text)).second) {
+    const std::string text = m_withText ? m_templates.render(row.templateFile.value, row.templateFile.at, data) : "";
+    if (!m_files.emplace(path, shortenOwnNames(text)).second) {
       m_diagnostics.report(row.path.at, "the path '" + path + "' is made twice", "a path for each file");
     }
   }

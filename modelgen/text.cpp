@@ -1,5 +1,6 @@
 #include "modelgen/text.hpp"
 
+#include <cctype>
 #include <cstdint>
 #include <sstream>
 
@@ -32,6 +33,32 @@ std::string escaped(std::uint32_t character) {
   // Universal character names may not stand for control characters; octal escapes may.
   if (character < 0xa0) return "\\" + digits(character, 8, 3);
   return character > 0xffff ? "\\U" + digits(character, 16, 8) : "\\u" + digits(character, 16, 4);
+}
+
+const std::string opening = "namespace ";
+
+// "N::" for a line "namespace N {", otherwise nothing.
+std::string openedNamespace(const std::string& line) {
+  const bool opens = line.size() > opening.size() + 2 && line.compare(0, opening.size(), opening) == 0 &&
+                     line.compare(line.size() - 2, 2, " {") == 0;
+  return opens ? line.substr(opening.size(), line.size() - opening.size() - 2) + "::" : "";
+}
+
+std::string closingLine(const std::string& qualifier) {
+  return "}  // namespace " + qualifier.substr(0, qualifier.size() - 2);
+}
+
+std::string withoutQualifier(std::string line, const std::string& qualifier) {
+  for (std::size_t at = line.find(qualifier); at != std::string::npos; at = line.find(qualifier, at)) {
+    const char before = at == 0 ? ' ' : line[at - 1];
+    const bool isWhole = before != ':' && before != '_' && std::isalnum(static_cast<unsigned char>(before)) == 0;
+    if (isWhole) {
+      line.erase(at, qualifier.size());
+    } else {
+      at += qualifier.size();
+    }
+  }
+  return line;
 }
 
 }  // namespace
@@ -67,6 +94,23 @@ std::vector<std::string> wrap(const std::string& text, std::size_t width) {
     } while (words >> word);
   }
   return lines;
+}
+
+std::string shortenOwnNames(const std::string& source) {
+  std::string result;
+  std::string own;  // the open namespace with "::" behind it
+  std::istringstream lines(source);
+  for (std::string line; std::getline(lines, line);) {
+    if (own.empty()) {
+      own = openedNamespace(line);
+    } else if (line == closingLine(own)) {
+      own.clear();
+    } else {
+      line = withoutQualifier(line, own);
+    }
+    result += line + '\n';
+  }
+  return result;
 }
 
 }  // namespace modelgen

@@ -15,4 +15,8 @@ std::string utf16Literal(const std::string& utf8);
 // itself. A word longer than the width has a line of its own.
 std::vector<std::string> wrap(const std::string& text, std::size_t width);
 
+// C++ source in which a namespace's own names are written without it: N::X as X, from a line "namespace N {" to the
+// line "}  // namespace N". So templates can qualify every name and need not know where it is read.
+std::string shortenOwnNames(const std::string& source);
+
 }  // namespace modelgen

@@ -55,5 +55,22 @@ TEST(Text, BecomesALiteralOfAnyEncodingAndLinesOfAnyWidth) {
   EXPECT_EQ(wrap("unbreakable", 3), (std::vector<std::string>{"unbreakable"}));
 }
 
+TEST(Naming, ANamespacesOwnNamesAreShortInsideItOnly) {
+  EXPECT_EQ(shortenOwnNames("a::b::X x;\n"
+                            "namespace a::b {\n"
+                            "class Y : public a::b::X<a::b::Z, a::c::W, ::a::b::V, aa::b::U> {};\n"
+                            "namespace {\n}  // namespace\n"
+                            "a::b::X f();\n"
+                            "}  // namespace a::b\n"
+                            "a::b::X y;\n"),
+            "a::b::X x;\n"
+            "namespace a::b {\n"
+            "class Y : public X<Z, a::c::W, ::a::b::V, aa::b::U> {};\n"
+            "namespace {\n}  // namespace\n"
+            "X f();\n"
+            "}  // namespace a::b\n"
+            "a::b::X y;\n");
+}
+
 }  // namespace
 }  // namespace modelgen::naming

@@ -54,7 +54,7 @@ void ChangePublisher::collect(UndoLog& log) {
         if (element.isLive()) changes.m_created.emplace_back(&element);
       },
       [&](ModelElementImpl& element) {
-        if (element.m_createdLevel == ElementImpl::NO_LEVEL) changes.m_destroyed.emplace_back(&element);
+        if (element.m_createdLevel == ModelElementImpl::NO_LEVEL) changes.m_destroyed.emplace_back(&element);
       });
   m_queue.push_back(nullptr);  // room for it; filled when it is taken over
 }
