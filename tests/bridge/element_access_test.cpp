@@ -157,6 +157,16 @@ TEST_F(ElementAccess, aDestroyedElementIsRefusedByEveryDoor) {
   EXPECT_FALSE(corvid::isLive(*self));
 }
 
+TEST_F(ElementAccess, anEmptySelfIsRefusedAsOneThatIsGone) {
+  CorvidClass& profileClass = classNamed("tessel.internal.ext.ConfigProfile");
+  auto const nobody = kestrel::createObjects(profileClass.getName(), kestrel::EMPTY);
+  auto const& id = corvid::requireProperty(profileClass, makeInterned("Id"));
+  for (auto const& action : std::vector<std::function<void()>>{
+           [&] { corvid::getProperty(*nobody, id); }, [&] { corvid::setProperty(*nobody, id, *text(u"x")); },
+           [&] { corvid::invoke(profileClass, makeInterned("createIntoValues"), {nobody.get()}); }})
+    EXPECT_EQ(errorOf(action), "Kestrel:class:InvalidHandle");
+}
+
 TEST_F(ElementAccess, anElementThatAListenerAnnouncesFirstKeepsThatObject) {
   auto const model = announceModel(m_model);
   kestrel::OwnedArray seen;

@@ -14,7 +14,7 @@ namespace {
 void checkSelf(kestrel_array const& self) {
   kestrel::Object const* const object = kestrel::soleObject(self);
   if (object != nullptr && object->isLive()) return;
-  if (object == nullptr)
+  if (kestrel::numberOfElements(self) > 1 || !kestrel::isObject(self))
     throw HostError(ErrorKey::WRONG_TYPE, "Expected one object, not " +
                                               std::to_string(kestrel::numberOfElements(self)) +
                                               " elements of the class '" + kestrel::className(self).text() + "'.");
