@@ -63,9 +63,7 @@ class FieldReader {
     try {
       give(property, value);
     } catch (HostError const& error) {
-      std::string const sentence = error.what();
-      std::string const text = sentence.substr(error.key().size() + 2);
-      throw HostError(error.key().c_str(), "Property '" + memberName(*property.impl()).text() + "': " + text);
+      throw error.at("Property '" + memberName(*property.impl()).text() + "'");
     }
   }
 
