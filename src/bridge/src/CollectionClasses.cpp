@@ -4,7 +4,6 @@
 #include "corvid/Invocation.hpp"
 #include "corvid/factory/BindingRegistry.hpp"
 #include "corvid/factory/CorvidFactoryClassInfo.hpp"
-#include "corvid/factory/StringDataTypes.hpp"
 #include "kestrel/array.hpp"
 #include "plinth/bridge/ElementShapes.hpp"
 
@@ -30,10 +29,18 @@ class Collection {
 };
 
 /// Tags for SelfTraits: the shapes differ in their class and in nothing else.
-struct SequenceTag {};
-struct SetTag {};
-struct MapTag {};
-struct MultimapTag {};
+struct SequenceTag {
+  static constexpr std::string_view CLASS = "plinth.Sequence";
+};
+struct SetTag {
+  static constexpr std::string_view CLASS = "plinth.Set";
+};
+struct MapTag {
+  static constexpr std::string_view CLASS = "plinth.Map";
+};
+struct MultimapTag {
+  static constexpr std::string_view CLASS = "plinth.Multimap";
+};
 
 }  // namespace
 }  // namespace plinth::bridge
@@ -41,28 +48,15 @@ struct MultimapTag {};
 namespace corvid::factory {
 
 template <typename Tag>
-struct CollectionTraits {
+struct SelfTraits<Tag, std::void_t<decltype(Tag::CLASS)>> {
   using Self = plinth::bridge::Collection;
+  static Identifier className() {
+    static Identifier const name = internal::makeInterned(Tag::CLASS);
+    return name;
+  }
   static Self fromNative(void* native) {
     return native != nullptr ? Self(static_cast<plinth::ReferenceCollection*>(native)) : Self();
   }
-};
-
-template <>
-struct SelfTraits<plinth::bridge::SequenceTag> : CollectionTraits<plinth::bridge::SequenceTag> {
-  static Identifier className() { return internal::makeInterned("plinth.Sequence"); }
-};
-template <>
-struct SelfTraits<plinth::bridge::SetTag> : CollectionTraits<plinth::bridge::SetTag> {
-  static Identifier className() { return internal::makeInterned("plinth.Set"); }
-};
-template <>
-struct SelfTraits<plinth::bridge::MapTag> : CollectionTraits<plinth::bridge::MapTag> {
-  static Identifier className() { return internal::makeInterned("plinth.Map"); }
-};
-template <>
-struct SelfTraits<plinth::bridge::MultimapTag> : CollectionTraits<plinth::bridge::MultimapTag> {
-  static Identifier className() { return internal::makeInterned("plinth.Multimap"); }
 };
 
 }  // namespace corvid::factory
@@ -73,10 +67,7 @@ namespace {
 using corvid::CorvidClass;
 using corvid::MethodCall;
 
-constexpr char const* ELEMENT = "plinth.ModelElement";
-constexpr char const* ELEMENTS = "plinth.ModelElement vector";
-constexpr char const* POSITION = "uint32 scalar";
-constexpr char const* TEXT = "CorvidFactoryString scalar";
+constexpr std::string_view POSITION = "uint32 scalar";
 
 ModelElement elementAt(MethodCall const& call, std::size_t input) {
   return corvid::factory::impl::selfOf<ModelElement>(call.input(input));
@@ -114,12 +105,12 @@ std::uint32_t requirePosition(Collection const& self, MethodCall const& call, st
 /// What every shape has.
 template <typename Tag>
 void addCommon(MethodAdder<Tag> const& methods) {
-  methods.read("size", "uint64 scalar", {}, [](Collection const& self, MethodCall& call) {
+  methods.read("size", COUNT, {}, [](Collection const& self, MethodCall& call) {
     call.setOutput(kestrel::createScalar<std::uint64_t>(self.view().genericSize()));
   });
   methods.read("values", ELEMENTS, {},
                [](Collection const& self, MethodCall& call) { outputElements(call, self->getAllValues()); });
-  methods.read("contains", "logical scalar", {ELEMENT}, [](Collection const& self, MethodCall& call) {
+  methods.read("contains", TRUTH, {ELEMENT}, [](Collection const& self, MethodCall& call) {
     call.setOutput(kestrel::createScalar(self.view().genericContains(elementAt(call, 1))));
   });
   methods.add("add", "", {ELEMENT},
@@ -134,7 +125,7 @@ void addPositional(MethodAdder<SequenceTag> const& methods) {
     std::uint32_t const position = positionOf(self, call, 1);
     outputElement(call, position == 0 ? ModelElement() : self.sequence().genericAt(position - 1));
   });
-  methods.read("indexOf", "uint64 scalar", {ELEMENT}, [](Collection const& self, MethodCall& call) {
+  methods.read("indexOf", COUNT, {ELEMENT}, [](Collection const& self, MethodCall& call) {
     std::uint32_t const index = self.sequence().genericIndexOf(elementAt(call, 1));
     bool const isAbsent = index == GenericSequenceInterface::ABSENT;
     call.setOutput(kestrel::createScalar<std::uint64_t>(isAbsent ? 0 : std::uint64_t{index} + 1));
@@ -169,7 +160,6 @@ class CollectionWrapper final : public corvid::factory::HandleClassInfo<Referenc
   using HandleClassInfo::HandleClassInfo;
 
   void initializeClass(CorvidClass* hostClass) override {
-    corvid::factory::detail::initStringDataTypes();
     MethodAdder<Tag> const methods(*hostClass);
     addCommon(methods);
     if constexpr (std::is_same_v<Tag, SequenceTag>) addPositional(methods);

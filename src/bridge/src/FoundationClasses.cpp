@@ -19,9 +19,7 @@ using corvid::internal::makeInterned;
 
 namespace {
 
-constexpr char const* ELEMENT = "plinth.ModelElement";
-constexpr char const* CLASS = "plinth.meta.Class";
-constexpr char const* TEXT = "CorvidFactoryString scalar";
+constexpr std::string_view CLASS = "plinth.meta.Class";
 
 void outputText(MethodCall& call, std::u16string const& text) { call.setOutput(kestrel::createChar(text)); }
 
@@ -39,7 +37,6 @@ class ModelElementWrapper final : public PlinthWrapperInfo<ModelElement> {
   using PlinthWrapperInfo::PlinthWrapperInfo;
 
   void initializeClass(CorvidClass* hostClass) override {
-    corvid::factory::detail::initStringDataTypes();
     addMethods(*hostClass);
     detail::endClass(*hostClass, &ModelElement::metaClass);
   }
@@ -63,10 +60,10 @@ class ModelElementWrapper final : public PlinthWrapperInfo<ModelElement> {
       meta::Property const property = self->containmentFeature();
       outputText(call, property.isEmpty() ? std::u16string() : property->getName());
     });
-    methods.read("isProxy", "logical scalar", {}, [](ModelElement const& self, MethodCall& call) {
+    methods.read("isProxy", TRUTH, {}, [](ModelElement const& self, MethodCall& call) {
       call.setOutput(kestrel::createScalar(self->isProxy()));
     });
-    methods.read("hasValue", "logical scalar", {TEXT}, [](ModelElement const& self, MethodCall& call) {
+    methods.read("hasValue", TRUTH, {TEXT}, [](ModelElement const& self, MethodCall& call) {
       call.setOutput(kestrel::createScalar(self->hasPropertyValue(requireProperty(self, call.input(1)))));
     });
     methods.add("destroy", "", {}, [](ModelElement const& self, MethodCall&) { self->destroy(); });
@@ -102,7 +99,7 @@ class MetaClassWrapper final : public PlinthWrapperInfo<meta::Class> {
       for (meta::PropertyImpl const* property : self->allProperties()) names.push_back(property->getName());
       call.setOutput(kestrel::createStringRow(names));
     });
-    methods.read("conformsTo", "logical scalar", {"any"}, [](meta::Class const& self, MethodCall& call) {
+    methods.read("conformsTo", TRUTH, {"any"}, [](meta::Class const& self, MethodCall& call) {
       call.setOutput(kestrel::createScalar(self->conformsTo(*readClass(call.input(1)).impl())));
     });
   }

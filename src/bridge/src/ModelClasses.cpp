@@ -40,8 +40,7 @@ class ScriptTransaction {
   boost::optional<Transaction> m_transaction;
 };
 
-constexpr char const* TRANSACTION = "plinth.Transaction";
-constexpr char const* ELEMENT = "plinth.ModelElement";
+constexpr std::string_view TRANSACTION = "plinth.Transaction";
 
 }  // namespace
 }  // namespace plinth::bridge
@@ -78,7 +77,7 @@ class TransactionWrapper final : public corvid::factory::HandleClassInfo<ScriptT
     methods.add("commit", "", {}, [](ScriptTransaction* const& self, MethodCall&) { self->commit(); });
     methods.add("rollback", "", {}, [](ScriptTransaction* const& self, MethodCall&) { self->rollback(); });
     methods.add(corvid::CLOSE_METHOD, "", {}, [](ScriptTransaction* const& self, MethodCall&) { self->close(); });
-    methods.read("isOpen", "logical scalar", {}, [](ScriptTransaction* const& self, MethodCall& call) {
+    methods.read("isOpen", TRUTH, {}, [](ScriptTransaction* const& self, MethodCall& call) {
       call.setOutput(kestrel::createScalar(self->isOpen()));
     });
   }
@@ -146,9 +145,9 @@ class ModelWrapper final : public corvid::factory::HandleClassInfo<Model, false>
     MethodAdder<Model> const methods(hostClass);
     methods.add("beginTransaction", TRANSACTION, {}, &beginTransaction);
     methods.add("transaction", "any", {"function"}, &runTransaction);
-    methods.read("elements", "plinth.ModelElement vector", {"any"}, &outputElements, 1);
+    methods.read("elements", ELEMENTS, {"any"}, &outputElements, 1);
     methods.read("findElement", ELEMENT, {"any"}, &outputFound);
-    methods.read("elementCount", "uint64 scalar", {}, [](Model const& self, MethodCall& call) {
+    methods.read("elementCount", COUNT, {}, [](Model const& self, MethodCall& call) {
       call.setOutput(kestrel::createScalar<std::uint64_t>(self->elementCount()));
     });
   }

@@ -9,7 +9,7 @@ using corvid::factory::impl::FunctionMethod;
 using corvid::factory::impl::Invoker;
 using corvid::internal::makeInterned;
 
-void beginDatatype(corvid::CorvidClass& hostClass, Construction construct) {
+void beginDatatype(corvid::CorvidClass& hostClass, Body construct) {
   corvid::factory::detail::initStringDataTypes();
   hostClass.addMethod(std::make_unique<FunctionMethod>(hostClass.getShortName(), MethodAttributes(),
                                                        Invoker::createSignature("", hostClass.getName().text(), {}),
@@ -21,7 +21,7 @@ void announceOperations(corvid::CorvidClass& hostClass, meta::TypeImpl const& ty
     hostClass.announceOperation(memberName(*operation), nullptr, nullptr);
 }
 
-void addComparison(corvid::CorvidClass& hostClass, char const* name, Construction compare) {
+void addComparison(corvid::CorvidClass& hostClass, char const* name, Body compare) {
   std::string const& own = hostClass.getName().text();
   hostClass.addMethod(std::make_unique<FunctionMethod>(
       makeInterned(name), MethodAttributes(), Invoker::createSignature("", "logical scalar", {own, own}), compare));

@@ -4,7 +4,6 @@
 
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "corvid/CorvidClassInfo.hpp"
 #include "corvid/CorvidPackage.hpp"
@@ -48,30 +47,6 @@ template <typename W>
 corvid::CorvidClass* addClass(corvid::CorvidPackage& package, char const* name) {
   auto info = std::make_unique<W>(name, package.getFullName().text() + "." + name);
   return package.addClass(std::move(info), corvid::NATIVE_CLASS);
-}
-
-/// Registers marshalers while a library loads, and takes them out when the process ends or the library goes.
-class TESSEL_EXPORT MarshalerRegistration {
- public:
-  using Make = std::unique_ptr<ValueMarshaler> (*)(meta::Type const& type);
-  struct Row {
-    meta::Type type;
-    Make make;
-  };
-
-  explicit MarshalerRegistration(std::vector<Row> const& rows);
-  MarshalerRegistration(MarshalerRegistration const&) = delete;
-  MarshalerRegistration& operator=(MarshalerRegistration const&) = delete;
-  ~MarshalerRegistration();
-
- private:
-  std::vector<meta::Type> m_types;
-};
-
-/// Makes a marshaler of class M.
-template <typename M>
-std::unique_ptr<ValueMarshaler> makeMarshaler(meta::Type const& type) {
-  return std::make_unique<M>(type);
 }
 
 }  // namespace plinth::bridge

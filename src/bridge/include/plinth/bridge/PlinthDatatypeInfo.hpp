@@ -11,17 +11,18 @@ namespace plinth::bridge {
 
 namespace detail {
 
-using Construction = void (*)(corvid::MethodCall& call);
+/// What a constructor or comparison does.
+using Body = void (*)(corvid::MethodCall& call);
 
 /// Flag of a property of a value.
 constexpr unsigned VALUE_PROPERTY = 0x40;
 
 /// Adds string types and the constructor without arguments.
-TESSEL_EXPORT void beginDatatype(corvid::CorvidClass& hostClass, Construction construct);
+TESSEL_EXPORT void beginDatatype(corvid::CorvidClass& hostClass, Body construct);
 /// Announces the operations of the datatype, which have no body here.
 TESSEL_EXPORT void announceOperations(corvid::CorvidClass& hostClass, meta::TypeImpl const& type);
 /// Adds a method with two inputs of the class and a truth value as its result.
-TESSEL_EXPORT void addComparison(corvid::CorvidClass& hostClass, char const* name, Construction compare);
+TESSEL_EXPORT void addComparison(corvid::CorvidClass& hostClass, char const* name, Body compare);
 
 }  // namespace detail
 

@@ -77,6 +77,7 @@ class PlinthEnumValueInfo final : public detail::EnumValue {
 template <typename E>
 class PlinthEnumInfo : public corvid::factory::CorvidFactoryClassInfo {
  public:
+  using Enumeration = E;
   using CorvidFactoryClassInfo::CorvidFactoryClassInfo;
 
   void initializeClass(corvid::CorvidClass* hostClass) override {
@@ -99,12 +100,13 @@ class PlinthEnumInfo : public corvid::factory::CorvidFactoryClassInfo {
   std::string m_underlyingType;
 };
 
-/// Adds an enumeration W of type E to a package, with its class described and its conversions installed.
-template <typename W, typename E>
+/// Adds an enumeration W to a package, with its class described and its conversions installed.
+template <typename W>
 void addEnumeration(corvid::CorvidPackage& package, char const* name) {
   corvid::Identifier const fullName = addClass<W>(package, name)->getName();
   corvid::CorvidClass::requireClass(fullName);
-  FromAnyAsStringTypeConverter::install(fullName, meta::Enum(static_cast<meta::EnumImpl*>(MetaTypeOf<E>::type())));
+  auto* const type = static_cast<meta::EnumImpl*>(MetaTypeOf<typename W::Enumeration>::type());
+  FromAnyAsStringTypeConverter::install(fullName, meta::Enum(type));
 }
 
 }  // namespace plinth::bridge

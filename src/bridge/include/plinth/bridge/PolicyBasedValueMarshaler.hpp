@@ -34,7 +34,7 @@ class PolicyBasedEnumValueMarshaler final : public PolicyBasedValueMarshaler<E> 
 
   /// A text becomes the member of that name; an array of another class counts as the number 0.
   Value fromHost(kestrel_array const& array) const override {
-    if (kestrel::isText(array)) {
+    if (kestrel::baseClass(array) == kestrel::ClassId::Char || isStringArray(array)) {
       kestrel::OwnedArray const member = detail::memberFromText(this->rowDataType(), array);
       if (member != nullptr && kestrel::numberOfElements(*member) < 2) return plain(*member);
     }
