@@ -33,6 +33,10 @@ check.refused("plinth:messages:UniquenessConstraint", model, function() return #
 check.refused("plinth:messages:CannotAddIncompatibleTypes", model, function() return #values end,
   function() values:add(profile) end)
 check.raises("Kestrel:class:ReadOnlyProperty", function() profile.Values = {} end)
+check.refused("Kestrel:class:InvalidHandle", model, function() return #values end, function() values:add(nil) end)
+check.refused("Kestrel:class:WrongType", model, function() return #values end, function() values:add("b") end)
+check.raises("Kestrel:class:WrongArgumentCount", values.add, values)
+check.raises("Kestrel:class:WrongType", values.get, values, 5)
 values:clear()
 check.equal(#values, 0)
 check.equal(#values:values(), 0)

@@ -56,6 +56,9 @@ local function refused(identifier, action)
 end
 refused("plinth:messages:CannotCreateWithoutModel", function() ext.ConfigEntry(nil) end)
 refused("Kestrel:class:WrongArgumentCount", function() ext.ConfigEntry() end)
+refused("Kestrel:class:WrongArgumentCount", function() ext.ConfigEntry(model, {}, UUID, 1) end)
+refused("Kestrel:class:WrongArgumentCount", function() model:elementCount(1) end)
+refused("Kestrel:class:WrongType", function() model:transaction(5) end)
 refused("Kestrel:class:WrongType", function() ext.ConfigEntry({Key = "a"}) end)
 refused("plinth:messages:InvalidValue", function() ext.ConfigEntry(model, {Key = "a"}, {Key = "b"}) end)
 refused("plinth:messages:InvalidValue", function() ext.ConfigEntry(model, UUID, OTHER) end)
@@ -76,6 +79,7 @@ refused("plinth:messages:CannotCreateAbstractClass", function() runtime.ParamSta
 refused("plinth:messages:CannotAddIncompatibleTypes",
   function() runtime.ParamState(model, {Data = {class = "tessel.internal.ext.ConfigEntry"}}) end)
 refused("plinth:messages:NoSuchType", function() runtime.ParamState(model, {Data = {class = "Dodo"}}) end)
+refused("Kestrel:class:WrongType", function() runtime.ParamState(model, {class = 5}) end)
 refused("Kestrel:class:WrongType", function() runtime.ParamState(model, {Data = 5}) end)
 refused("Kestrel:class:WrongType", function() runtime.CategoryState(model, {Contents = {model}}) end)
 refused("plinth:messages:UniquenessConstraint",

@@ -25,6 +25,11 @@ check.refused("Kestrel:class:WrongType", model, function() return operation.Oper
 check.raises("Kestrel:class:NoSuchMember", function() return expr.Operator.POWER end)
 check.raises("Kestrel:class:WrongType", function() return expr.Operator("POWER") end)
 
+-- On a property that is asked for as a member, in whichever class it is declared.
+local constant = expr.NumericConstant(model)
+constant.ExprType = "REFERENCE"
+check.equal(constant.ExprType, "REFERENCE")
+
 -- Given in a table of initial values, by text or as a member.
 check.equal(runtime.TagState(model, {Type = "ROLE"}).Type, "ROLE")
 check.equal(runtime.TagState(model, {Type = runtime.TagType.OWNER}).Type, "OWNER")

@@ -26,4 +26,5 @@ check.equal(table.concat(host.properties(data.DoubleParamData), " "),
   "Value AllowedValues Min Max StepSize IncludeMin IncludeMax Refreshable Name Description Help Enabled Visible")
 assert(host.isa(entry, "plinth.ModelElement"))
 check.raises("Kestrel:class:NoSuchMember", function() return entry.Colour end)
+check.raises("plinth:messages:CannotModifyFrozenModel", class.destroy, class)
 check.raises("plinth:messages:NoSuchProperty", entry.hasValue, entry, "Colour")

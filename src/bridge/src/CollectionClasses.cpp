@@ -73,6 +73,13 @@ ModelElement elementAt(MethodCall const& call, std::size_t input) {
   return corvid::factory::impl::selfOf<ModelElement>(call.input(input));
 }
 
+/// For what changes a collection: nothing is no element. Raises InvalidHandle.
+ModelElement requireElement(MethodCall const& call, std::size_t input) {
+  ModelElement element = elementAt(call, input);
+  corvid::factory::impl::validateSelfPointer<ModelElement>(element);
+  return element;
+}
+
 void outputElement(MethodCall& call, ModelElement const& element) {
   call.setOutput(announceElement(element, corvid::internal::makeInterned(ELEMENT)));
 }
@@ -114,9 +121,9 @@ void addCommon(MethodAdder<Tag> const& methods) {
     call.setOutput(kestrel::createScalar(self.view().genericContains(elementAt(call, 1))));
   });
   methods.add("add", "", {ELEMENT},
-              [](Collection const& self, MethodCall& call) { self.view().genericAdd(elementAt(call, 1)); });
+              [](Collection const& self, MethodCall& call) { self.view().genericAdd(requireElement(call, 1)); });
   methods.add("remove", "", {ELEMENT},
-              [](Collection const& self, MethodCall& call) { self.view().genericRemove(elementAt(call, 1)); });
+              [](Collection const& self, MethodCall& call) { self.view().genericRemove(requireElement(call, 1)); });
   methods.add("clear", "", {}, [](Collection const& self, MethodCall&) { self.view().genericClear(); });
 }
 
@@ -133,10 +140,10 @@ void addPositional(MethodAdder<SequenceTag> const& methods) {
   methods.add("insert", "", {POSITION, ELEMENT}, [](Collection const& self, MethodCall& call) {
     auto const position = kestrel::element<std::uint32_t>(call.input(1));
     if (position == 0 || position > self.view().genericSize() + 1) reportException(messages::InvalidValue());
-    self.sequence().genericInsert(elementAt(call, 2), position - 1);
+    self.sequence().genericInsert(requireElement(call, 2), position - 1);
   });
   methods.add("replace", "", {POSITION, ELEMENT}, [](Collection const& self, MethodCall& call) {
-    self.sequence().genericReplace(elementAt(call, 2), requirePosition(self, call, 1) - 1);
+    self.sequence().genericReplace(requireElement(call, 2), requirePosition(self, call, 1) - 1);
   });
   methods.add("removeAt", "", {POSITION}, [](Collection const& self, MethodCall& call) {
     self.sequence().genericRemoveAt(requirePosition(self, call, 1) - 1);

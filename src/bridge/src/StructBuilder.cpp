@@ -33,6 +33,16 @@ meta::Class findClass(std::string const& name, meta::Class const& declared) {
   return meta::Class(metaClass);
 }
 
+/// The class that a struct names, or the declared one. Raises WrongType for a field that is no text.
+meta::Class classToBuild(kestrel_array const& hostStruct, std::size_t index, meta::Class const& declared) {
+  kestrel_array const* const named =
+      kestrel::hasField(hostStruct, CLASS_FIELD) ? kestrel::field(hostStruct, index, CLASS_FIELD) : nullptr;
+  if (named == nullptr || kestrel::isEmpty(*named)) return declared;
+  kestrel::OwnedArray made;
+  auto const& name = corvid::CorvidTypeRepository::coerce(corvid::factory::detail::stringScalarType(), *named, made);
+  return findClass(groundwork::toUtf8(kestrel::scalarText(name)), declared);
+}
+
 /// Gives the fields of one struct to a builder.
 class FieldReader {
  public:
@@ -118,12 +128,7 @@ class FieldReader {
 std::unique_ptr<ModelElementBuilder> createBuilderFromStruct(kestrel_array const& hostStruct, std::size_t index,
                                                              Model const& model, meta::Class const& metaClass) {
   if (index >= kestrel::numberOfElements(hostStruct)) reportException(messages::InvalidValue());
-  kestrel_array const* const className =
-      kestrel::hasField(hostStruct, CLASS_FIELD) ? kestrel::field(hostStruct, index, CLASS_FIELD) : nullptr;
-  bool const isNamed = className != nullptr && kestrel::isText(*className);
-  meta::Class const built =
-      isNamed ? findClass(groundwork::toUtf8(kestrel::scalarText(*className)), metaClass) : metaClass;
-  auto builder = built->instantiateBuilder(model);
+  auto builder = classToBuild(hostStruct, index, metaClass)->instantiateBuilder(model);
   FieldReader(*builder, model).read(hostStruct, index);
   return builder;
 }
