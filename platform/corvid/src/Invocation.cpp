@@ -171,9 +171,11 @@ bool isLive(kestrel_array const& objects) {
 
 void settleClass(kestrel_array& objects) {
   std::vector<CorvidClass const*> common;
+  Identifier previous;
   for (std::size_t i = 0; i < kestrel::numberOfElements(objects); ++i) {
     kestrel::ObjectRef const& object = kestrel::object(objects, i);
-    if (!object) continue;
+    if (!object || object->className() == previous) continue;
+    previous = object->className();
     CorvidClass const& hostClass = CorvidClass::requireClass(object->className());
     if (common.empty()) common = hostClass.lineage();
     while (!common.empty() && !hostClass.isSubclassOf(common.front()->getName())) common.erase(common.begin());

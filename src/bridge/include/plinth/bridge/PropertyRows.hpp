@@ -91,11 +91,12 @@ class PropertyRows {
   }
 
  private:
-  using Self = typename corvid::factory::SelfTraits<X>::Self;
+  using Owner = std::conditional_t<std::is_base_of_v<ModelElement, X>, Borrowed<X>, X>;
+  using Self = typename corvid::factory::SelfTraits<Owner>::Self;
   template <typename V>
-  using ReadAdapter = corvid::factory::AdaptedClassGetter<V, X>;
+  using ReadAdapter = corvid::factory::AdaptedClassGetter<V, Owner>;
   template <typename V>
-  using WriteAdapter = corvid::factory::AdaptedClassSetter<V, X>;
+  using WriteAdapter = corvid::factory::AdaptedClassSetter<V, Owner>;
 
   // The adapter functions: one pair for each property.
 
