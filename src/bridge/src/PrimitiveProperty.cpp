@@ -1,9 +1,9 @@
 #include "plinth/bridge/PrimitiveProperty.hpp"
 
 #include "corvid/factory/SelfTraits.hpp"
-#include "corvid/factory/ValueShape.hpp"
 #include "plinth/bridge/ElementBinding.hpp"
 #include "plinth/bridge/MetaMarshalerRegistry.hpp"
+#include "plinth/bridge/ValueShapes.hpp"
 
 namespace plinth::bridge {
 
@@ -59,9 +59,8 @@ kestrel::OwnedArray PrimitiveProperty::getValue(kestrel_array const& self) const
   ModelElement const element = requireSelf(self);
   if (m_property->isMany()) element->requireReal();
   Value const value = element->getPropertyValue(m_property, ReflectionPrivateTag::PUBLIC_ACCESS);
-  ValueMarshaler const& marshaler = marshalerOf(m_property);
-  if (!m_property->isMany()) return marshaler.toKestrelArray(value);
-  return marshaler.fromCollection(*static_cast<AbstractPrimitiveCollection const*>(value.content()));
+  if (!m_property->isMany()) return marshalerOf(m_property).toKestrelArray(value);
+  return marshalCollection(static_cast<AbstractPrimitiveCollection const*>(value.content()));
 }
 
 void PrimitiveProperty::setValue(kestrel_array const& self, kestrel_array const& value) const {

@@ -35,8 +35,8 @@ TESSEL_EXPORT bool isLiveElement(void const* native) noexcept;
 /// The same for a collection, whose binding holds the element that owns it.
 TESSEL_EXPORT void releaseCollection(void* native) noexcept;
 
-/// The element of a script object for the length of a call. Whoever calls holds the script object and by it the element:
-/// counting it once more would be most of what reading a number costs.
+/// The element of a script object for the length of a call. Whoever calls holds the script object and by it the
+/// element: counting it once more would be most of what reading a number costs.
 template <typename X>
 class Borrowed {
  public:

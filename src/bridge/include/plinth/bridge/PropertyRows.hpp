@@ -52,10 +52,13 @@ constexpr Crossing crossingOfCollection(ElementSequence<E> const*) {
 template <typename R>
 constexpr Crossing crossingOf() {
   using Value = std::decay_t<R>;
-  if constexpr (std::is_same_v<Value, kestrel_array const*>) return Crossing::MARSHALED;
-  if constexpr (std::is_pointer_v<Value> && !std::is_same_v<Value, kestrel_array const*>)
+  if constexpr (std::is_same_v<Value, kestrel_array const*>) {
+    return Crossing::MARSHALED;
+  } else if constexpr (std::is_pointer_v<Value>) {
     return crossingOfCollection(static_cast<Value>(nullptr));
-  return std::is_same_v<Value, boost::optional<std::u16string>> ? Crossing::OPTIONAL_TEXT : Crossing::VALUE;
+  } else {
+    return std::is_same_v<Value, boost::optional<std::u16string>> ? Crossing::OPTIONAL_TEXT : Crossing::VALUE;
+  }
 }
 
 }  // namespace detail
