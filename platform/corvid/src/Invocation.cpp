@@ -10,15 +10,18 @@
 namespace corvid {
 namespace {
 
-// One object whose native can be used.
-void checkSelf(kestrel_array const& self) {
-  kestrel::Object const* const object = kestrel::soleObject(self);
-  if (object != nullptr && object->isLive()) return;
+[[noreturn]] void refuseSelf(kestrel_array const& self) {
   if (kestrel::numberOfElements(self) > 1 || !kestrel::isObject(self))
     throw HostError(ErrorKey::WRONG_TYPE, "Expected one object, not " +
                                               std::to_string(kestrel::numberOfElements(self)) +
                                               " elements of the class '" + kestrel::className(self).text() + "'.");
   factory::impl::reportInvalidSelf(kestrel::className(self));
+}
+
+// One object whose native can be used.
+void checkSelf(kestrel_array const& self) {
+  kestrel::Object const* const object = kestrel::soleObject(self);
+  if (object == nullptr || !object->isLive()) refuseSelf(self);
 }
 
 bool has(CorvidMethodInfo const& method, unsigned attribute) { return (method.getAttributes() & attribute) != 0; }

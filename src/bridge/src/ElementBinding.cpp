@@ -84,8 +84,6 @@ void releaseCollection(void* native) noexcept {
   if (BindingRegistry::remove(native)) letGo(owner);
 }
 
-bool isLiveElement(void const* native) noexcept { return static_cast<ModelElementImpl const*>(native)->isLive(); }
-
 }  // namespace plinth::bridge
 
 namespace corvid::factory {

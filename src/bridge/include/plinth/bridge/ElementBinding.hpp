@@ -31,7 +31,6 @@ TESSEL_EXPORT void bindConstructed(ModelElement const& element, kestrel_array& s
 
 /// Parts an element from its script object; drops what the binding held.
 TESSEL_EXPORT void releaseElement(void* native) noexcept;
-TESSEL_EXPORT bool isLiveElement(void const* native) noexcept;
 /// The same for a collection, whose binding holds the element that owns it.
 TESSEL_EXPORT void releaseCollection(void* native) noexcept;
 

@@ -36,7 +36,7 @@ class PlinthWrapperInfo : public corvid::factory::HandleClassInfo<T, false> {
   /// There is no element without a model.
   void* createDefaultInstance() const override { return nullptr; }
   void destroyInstance(void* native) const override { releaseElement(native); }
-  bool isLive(void const* native) const override { return isLiveElement(native); }
+  bool isLive(void const* native) const override { return static_cast<ModelElementImpl const*>(native)->isLive(); }
   bool isHidden() const override { return T::metaClass()->isCorvidHidden(); }
   bool isAbstract() const override { return T::metaClass()->isAbstract(); }
 
