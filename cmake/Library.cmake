@@ -30,6 +30,9 @@ target_link_libraries(tessel_config_datamodel PUBLIC Boost::headers)
 if(TESSEL_FAILURE_POINTS)
   target_compile_definitions(tessel_config_datamodel INTERFACE TESSEL_FAILURE_POINTS=1)
 endif()
+# What -fno-semantic-interposition promises the compiler holds at run time as well: calls between exported functions go
+# straight, without the table that a preloaded library could change.
+target_link_options(tessel_config_datamodel PRIVATE -Wl,-Bsymbolic-functions)
 if(NOT TESSEL_SANITIZE)
   target_link_options(tessel_config_datamodel PRIVATE -Wl,--no-undefined)
 endif()

@@ -80,11 +80,20 @@ void PropertyImpl::setValue(kestrel_array const& self, kestrel_array const& valu
   m_setter->set(self, value);
 }
 
-void* nativeOf(kestrel_array const& self, Identifier className, std::size_t index) {
-  if (kestrel::Object* const sole = kestrel::soleObject(self)) return index == 0 ? sole->native(className) : nullptr;
+namespace {
+
+void* nativeOfElement(kestrel_array const& self, Identifier className, std::size_t index) {
   if (!kestrel::isObject(self) || index >= kestrel::numberOfElements(self)) return nullptr;
   kestrel::ObjectRef const& object = kestrel::object(self, index);
   return object ? object->native(className) : nullptr;
+}
+
+}  // namespace
+
+// Nearly every array is of one object.
+void* nativeOf(kestrel_array const& self, Identifier className, std::size_t index) {
+  kestrel::Object* const sole = kestrel::soleObject(self);
+  return sole != nullptr && index == 0 ? sole->native(className) : nativeOfElement(self, className, index);
 }
 
 void reportInvalidSelf(Identifier className) {

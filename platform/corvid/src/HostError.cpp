@@ -11,6 +11,11 @@ HostError::HostError(char const* key, std::string const& sentence)
   get_error_id() = {"Kestrel:class", key};
 }
 
+HostError HostError::at(std::string const& place) const {
+  // what() is the key, a colon and a blank, and the sentence.
+  return {key().c_str(), place + ": " + std::string(what()).substr(key().size() + 2)};
+}
+
 ErrorDescription describeError(std::exception const& error) {
   if (auto const* withIdentifier = dynamic_cast<groundwork::except::IMsgIDException const*>(&error))
     return {withIdentifier->GetID(), error.what()};

@@ -10,15 +10,18 @@
 namespace corvid {
 namespace {
 
-// One object whose native can be used.
-void checkSelf(kestrel_array const& self) {
-  kestrel::Object const* const object = kestrel::soleObject(self);
-  if (object != nullptr && object->isLive()) return;
-  if (object == nullptr)
+[[noreturn]] void refuseSelf(kestrel_array const& self) {
+  if (kestrel::numberOfElements(self) > 1 || !kestrel::isObject(self))
     throw HostError(ErrorKey::WRONG_TYPE, "Expected one object, not " +
                                               std::to_string(kestrel::numberOfElements(self)) +
                                               " elements of the class '" + kestrel::className(self).text() + "'.");
   factory::impl::reportInvalidSelf(kestrel::className(self));
+}
+
+// One object whose native can be used.
+void checkSelf(kestrel_array const& self) {
+  kestrel::Object const* const object = kestrel::soleObject(self);
+  if (object == nullptr || !object->isLive()) refuseSelf(self);
 }
 
 bool has(CorvidMethodInfo const& method, unsigned attribute) { return (method.getAttributes() & attribute) != 0; }
@@ -171,9 +174,11 @@ bool isLive(kestrel_array const& objects) {
 
 void settleClass(kestrel_array& objects) {
   std::vector<CorvidClass const*> common;
+  Identifier previous;
   for (std::size_t i = 0; i < kestrel::numberOfElements(objects); ++i) {
     kestrel::ObjectRef const& object = kestrel::object(objects, i);
-    if (!object) continue;
+    if (!object || object->className() == previous) continue;
+    previous = object->className();
     CorvidClass const& hostClass = CorvidClass::requireClass(object->className());
     if (common.empty()) common = hostClass.lineage();
     while (!common.empty() && !hostClass.isSubclassOf(common.front()->getName())) common.erase(common.begin());

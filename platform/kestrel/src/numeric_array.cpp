@@ -100,6 +100,14 @@ OwnedArray createPlain(ClassId id, Dimensions const& dimensions) {
   return array;
 }
 
+OwnedArray createPlainScalar(ClassId id, std::uint64_t word, std::size_t size) {
+  OwnedArray array = makeArray<Plain>(id, SCALAR, size, boost::container::default_init);
+  // A scalar lies in the array, where there is room for the whole word.
+  static_assert(INLINE_BYTES >= sizeof(word));
+  std::memcpy(std::get_if<Plain>(&array->store)->data(), &word, sizeof(word));
+  return array;
+}
+
 void const* plainData(kestrel_array const& array, ClassId expected) {
   if (array.id != expected) raiseWrongClass(array, nameOf(expected).c_str());
   return std::get<Plain>(array.store).data();

@@ -17,6 +17,8 @@ class CORVID_EXPORT HostError : public groundwork::except::Exception<groundwork:
   HostError(char const* key, std::string const& sentence);
 
   std::string const& key() const noexcept { return get_error_id().key; }
+  /// The same error with the place in front of its sentence, for who knows where it belongs: "Property 'Key'".
+  HostError at(std::string const& place) const;
 };
 
 namespace ErrorKey {

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cstring>
 #include <vector>
 
 #include "kestrel/array_base.hpp"
@@ -13,6 +14,8 @@ namespace kestrel {
 
 namespace detail {
 KESTREL_EXPORT OwnedArray createPlain(ClassId id, Dimensions const& dimensions);
+/// The first `size` bytes of the word are the element.
+KESTREL_EXPORT OwnedArray createPlainScalar(ClassId id, std::uint64_t word, std::size_t size);
 KESTREL_EXPORT void const* plainData(kestrel_array const& array, ClassId expected);
 KESTREL_EXPORT void* plainData(kestrel_array& array, ClassId expected);
 KESTREL_EXPORT void const* plainElement(kestrel_array const& array, ClassId expected, std::size_t index);
@@ -42,9 +45,10 @@ OwnedArray createNumeric(Dimensions const& dimensions) {
 
 template <typename T>
 OwnedArray createScalar(T value) {
-  OwnedArray array = createNumeric<T>(SCALAR);
-  *mutableData<T>(*array) = value;
-  return array;
+  std::uint64_t word = 0;
+  static_assert(sizeof(T) <= sizeof(word));
+  std::memcpy(&word, &value, sizeof(T));
+  return detail::createPlainScalar(ElementClass<T>::value, word, sizeof(T));
 }
 
 /// A 1 by N copy of N elements; 0 by 0 for none.

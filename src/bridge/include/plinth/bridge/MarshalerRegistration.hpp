@@ -1,0 +1,37 @@
+// What a static object of a library does for the types of its package: their marshalers are known while it is loaded.
+// Ownership: the registry owns the marshalers. Thread rule: the thread that loads or unloads the library.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "groundwork/export.hpp"
+#include "plinth/bridge/ValueMarshaler.hpp"
+
+namespace plinth::bridge {
+
+/// Registers marshalers while a library loads, and takes them out when the process ends or the library goes.
+class TESSEL_EXPORT MarshalerRegistration {
+ public:
+  using Make = std::unique_ptr<ValueMarshaler> (*)(meta::Type const& type);
+  struct Row {
+    meta::Type type;
+    Make make;
+  };
+
+  explicit MarshalerRegistration(std::vector<Row> const& rows);
+  MarshalerRegistration(MarshalerRegistration const&) = delete;
+  MarshalerRegistration& operator=(MarshalerRegistration const&) = delete;
+  ~MarshalerRegistration();
+
+ private:
+  std::vector<meta::Type> m_types;
+};
+
+/// Makes a marshaler of class M.
+template <typename M>
+std::unique_ptr<ValueMarshaler> makeMarshaler(meta::Type const& type) {
+  return std::make_unique<M>(type);
+}
+
+}  // namespace plinth::bridge

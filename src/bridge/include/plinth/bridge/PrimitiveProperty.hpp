@@ -1,0 +1,31 @@
+// A property that crosses to the host by reflection and the marshaler of its type: value sequences and host arrays.
+// Thread rule: the host's thread.
+#pragma once
+
+#include "corvid/factory/PropertyImpl.hpp"
+#include "groundwork/export.hpp"
+#include "plinth/meta/Property.hpp"
+
+namespace plinth::bridge {
+
+class TESSEL_EXPORT PrimitiveProperty final : public corvid::factory::impl::PropertyImplBase {
+ public:
+  /// Raises NoSuchType when the property's type has no marshaler.
+  PrimitiveProperty(meta::Property property, unsigned flags);
+
+  corvid::Identifier getDataType() const override { return m_dataType; }
+  corvid::Multiplicity getMultiplicity() const override;
+  kestrel::OwnedArray getValue(kestrel_array const& self) const override;
+  /// A sequence is cleared and filled in one transaction.
+  void setValue(kestrel_array const& self, kestrel_array const& value) const override;
+  bool isCorrectType(kestrel_array const& value) const override;
+
+ private:
+  ModelElement requireSelf(kestrel_array const& self) const;
+
+  meta::Property m_property;
+  corvid::Identifier m_ownerClass;
+  corvid::Identifier m_dataType;
+};
+
+}  // namespace plinth::bridge

@@ -1,0 +1,102 @@
+// How enumerations and value datatypes cross to the host, one value at a time.
+// Thread rule: the host's thread.
+#pragma once
+
+#include <boost/optional.hpp>
+#include <memory>
+#include <type_traits>
+
+#include "corvid/factory/BindingRegistry.hpp"
+#include "corvid/factory/Marshaler.hpp"
+#include "corvid/factory/ValueShape.hpp"
+#include "plinth/PrimitiveCollection.hpp"
+#include "plinth/bridge/ElementBinding.hpp"
+
+namespace plinth::bridge {
+
+/// True for the value datatypes of a model: classes that give their fields.
+template <typename T, typename = void>
+struct IsDatatype : std::false_type {};
+template <typename T>
+struct IsDatatype<T, std::void_t<decltype(T::properties()), decltype(std::declval<T const&>().fields())>>
+    : std::true_type {};
+
+/// The host's name of the type that T stands for.
+template <typename T>
+corvid::Identifier hostNameOf() {
+  static corvid::Identifier const name = hostName(*MetaTypeOf<T>::type());
+  return name;
+}
+
+/// The values of a collection as an array, as the marshaler of their type says; none gives an empty array.
+TESSEL_EXPORT kestrel::OwnedArray marshalCollection(AbstractPrimitiveCollection const* collection);
+
+}  // namespace plinth::bridge
+
+namespace corvid::factory {
+
+/// Values are reached by plain pointer: the script object owns them.
+template <typename T>
+struct SelfTraits<T, std::enable_if_t<plinth::bridge::IsDatatype<T>::value>> : PointerSelf<T> {
+  static Identifier className() { return plinth::bridge::hostNameOf<T>(); }
+};
+
+/// A member of an enumeration is an int32 under the class of the enumeration.
+template <typename E>
+struct ValueShape<E, std::enable_if_t<std::is_enum_v<E>>> {
+  static constexpr Multiplicity multiplicity = Multiplicity::Single;
+  static Identifier dataType() {
+    static Identifier const type = internal::makeInterned(plinth::bridge::hostNameOf<E>().text() + " scalar");
+    return type;
+  }
+  static kestrel::OwnedArray toHost(E value) {
+    auto number = kestrel::createScalar(static_cast<std::int32_t>(value));
+    return kestrel::createBuiltInBased(plinth::bridge::hostNameOf<E>(), std::move(number));
+  }
+  static E fromHost(kestrel_array const& value) { return static_cast<E>(kestrel::element<std::int32_t>(value)); }
+};
+
+/// The script object owns a copy: later changes of either side don't reach the other.
+template <typename T>
+struct ValueShape<T, std::enable_if_t<plinth::bridge::IsDatatype<T>::value>> {
+  static constexpr Multiplicity multiplicity = Multiplicity::Single;
+  static Identifier dataType() { return SelfTraits<T>::className(); }
+  static kestrel::OwnedArray toHost(T const& value) {
+    auto copy = std::make_unique<T>(value);
+    auto array =
+        basic::BindingRegistry::announceWithoutStoring(copy.get(), dataType(), &Marshaler<DataTypePolicy>::copier<T>);
+    copy.release();
+    return array;
+  }
+  static T fromHost(kestrel_array const& value) { return at(value, 0); }
+  static T at(kestrel_array const& values, std::size_t index) {
+    T const* const native = impl::selfOf<T>(values, index);
+    impl::validateSelfPointer<T>(const_cast<T*>(native));
+    return *native;
+  }
+};
+
+/// Absent is an empty array of the class.
+template <typename T>
+struct ValueShape<boost::optional<T>, std::enable_if_t<plinth::bridge::IsDatatype<T>::value>> {
+  static constexpr Multiplicity multiplicity = Multiplicity::Optional;
+  static Identifier dataType() { return ValueShape<T>::dataType(); }
+  static kestrel::OwnedArray toHost(boost::optional<T> const& value) {
+    return value ? ValueShape<T>::toHost(*value) : kestrel::createObjects(dataType(), kestrel::EMPTY);
+  }
+  static boost::optional<T> fromHost(kestrel_array const& value) {
+    return kestrel::isEmpty(value) ? boost::optional<T>() : ValueShape<T>::fromHost(value);
+  }
+};
+
+/// A map of values reads as an array.
+template <>
+struct ValueShape<plinth::AbstractPrimitiveCollection const*> {
+  static constexpr Multiplicity multiplicity = Multiplicity::Many;
+  static Identifier dataType() { return internal::makeInterned("any"); }
+  static kestrel::OwnedArray toHost(plinth::AbstractPrimitiveCollection const* collection) {
+    return plinth::bridge::marshalCollection(collection);
+  }
+};
+
+}  // namespace corvid::factory

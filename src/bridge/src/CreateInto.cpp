@@ -1,0 +1,59 @@
+#include "plinth/bridge/CreateInto.hpp"
+
+#include "corvid/factory/SelfTraits.hpp"
+#include "plinth/Value.hpp"
+#include "plinth/bridge/Construct.hpp"
+#include "plinth/bridge/ElementBinding.hpp"
+
+namespace plinth::bridge {
+
+using corvid::factory::impl::Invoker;
+
+namespace {
+
+corvid::Identifier methodName(meta::Property const& property) {
+  return corvid::internal::makeInterned("createInto" + memberName(*property.impl()).text());
+}
+
+meta::Class elementClass(meta::Property const& property) {
+  return meta::Class(static_cast<meta::ClassImpl*>(property->type()));
+}
+
+}  // namespace
+
+CreateInto::CreateInto(meta::Property property)
+    : CorvidMethod(methodName(property), corvid::factory::MethodAttributes(),
+                   Invoker::createSignature("", property->type()->narrowName(),
+                                            {property->owningType()->narrowName(), "any", "char"}, 2)),
+      m_property(std::move(property)),
+      m_ownerClass(hostName(*m_property->owningType())) {}
+
+void CreateInto::invoke(corvid::MethodCall& call) const {
+  void* const native = corvid::factory::impl::nativeOf(call.input(0), m_ownerClass);
+  ModelElement const self = corvid::factory::SelfTraits<ModelElement>::fromNative(native);
+  if (!self) corvid::factory::impl::reportInvalidSelf(m_ownerClass);
+  ModelElement const element = create(self, call);
+  store(self, element);
+  if (call.wantsOutput()) call.setOutput(announceElement(element, hostName(*m_property->type())));
+}
+
+ModelElement CreateInto::create(ModelElement const& self, corvid::MethodCall const& call) const {
+  Model const model = self->getModel();
+  meta::Class const metaClass = elementClass(m_property);
+  bool const hasStruct = call.inputCount() > 1 && kestrel::isStruct(call.input(1));
+  bool const hasUuid = call.inputCount() == 3 || (call.inputCount() == 2 && !hasStruct);
+  if (call.inputCount() == 3 && !hasStruct) reportException(messages::InvalidValue());
+  auto const builder = hasStruct ? detail::createBuilderFromStructFirst(call.input(1), 0, model, metaClass)
+                                 : metaClass->instantiateBuilder(model);
+  auto const uuid = hasUuid ? detail::requireUuid(call.input(call.inputCount() - 1)) : ElementImpl::generateNewUuid();
+  return builder->create(uuid);
+}
+
+void CreateInto::store(ModelElement const& self, ModelElement const& element) const {
+  if (!m_property->isMany()) return self->setPropertyValue(m_property, Value::createElementValue(m_property, element));
+  self->requireReal();
+  Value collection = self->getPropertyValue(m_property);
+  static_cast<ReferenceCollection*>(collection.content())->genericAdd(element);
+}
+
+}  // namespace plinth::bridge

@@ -1,0 +1,57 @@
+#include "plinth/bridge/ValueMarshaler.hpp"
+
+#include "corvid/CorvidClass.hpp"
+#include "corvid/CorvidTypeRepository.hpp"
+#include "corvid/HostError.hpp"
+
+namespace plinth::bridge {
+
+using corvid::CorvidTypeRepository;
+using corvid::Identifier;
+
+namespace {
+
+bool converts(Identifier dataType, kestrel_array const& array) {
+  try {
+    kestrel::OwnedArray made;
+    CorvidTypeRepository::coerce(dataType, array, made);
+    return true;
+  } catch (corvid::HostError const&) {
+    return false;
+  }
+}
+
+}  // namespace
+
+ValueMarshaler::~ValueMarshaler() = default;
+
+kestrel::OwnedArray ValueMarshaler::toKestrelArray(Value const& value) const {
+  bool const hasType = value.meta().type() != nullptr;
+  return hasType ? toHost(value) : kestrel::createEmpty(kestrel::ClassId::Double);
+}
+
+void ValueMarshaler::fillCollection(AbstractPrimitiveCollection& collection, kestrel_array const& array) const {
+  std::vector<Value> const values = toValueVector(array);
+  collection.clear();
+  for (Value const& value : values) collection.genericAdd(value);
+}
+
+bool ValueMarshaler::isCorrectType(kestrel_array const& array) const {
+  return converts(rowDataType(), array) || converts(dataType(), array);
+}
+
+namespace detail {
+
+kestrel_array const& coerceToClass(Identifier className, kestrel_array const& array, kestrel::OwnedArray& made) {
+  corvid::CorvidClass::requireClass(className);
+  return CorvidTypeRepository::coerce(className, array, made);
+}
+
+kestrel::OwnedArray memberFromText(Identifier enumeration, kestrel_array const& text) {
+  corvid::CorvidClass::requireClass(enumeration);
+  auto const* const converter = CorvidTypeRepository::getConversion("any", enumeration.text());
+  return converter != nullptr ? converter->convert(text) : nullptr;
+}
+
+}  // namespace detail
+}  // namespace plinth::bridge

@@ -1,0 +1,86 @@
+-- Sets, maps and derived views are objects that a script walks and changes.
+local check = require("check")
+local runtime, ext = tessel.internal.config.runtime, tessel.internal.ext
+local model = plinth.Model()
+
+-- Maps.
+local profile = ext.ConfigProfile(model)
+local values = profile.Values
+check.equal(host.class(values), "plinth.Map")
+assert(rawequal(values, profile.Values), "a collection is one object")
+for _, key in ipairs({"b", "a", "c"}) do profile:createIntoValues({Key = key}) end
+check.equal(#values, 3)
+check.equal(check.join(values:keys()), "a b c")
+local walked = ""
+for key, entry in pairs(values) do walked = walked .. key .. entry.Key end
+check.equal(walked, "aabbcc")
+check.equal(values:get("a"), values:at("a"))
+check.equal(values:get("x"), nil)
+local entry = values:get("a")
+check.equal(values:contains(entry), true)
+entry.Key = "z"
+check.equal(values:get("z"), entry, "a key that changes moves its element")
+values:remove(entry)
+check.equal(#values, 2)
+check.equal(entry:container(), nil)
+values:add(entry)
+check.equal(entry:container(), profile)
+check.refused("plinth:messages:UniquenessConstraint", model, function() return entry.Key end,
+  function() entry.Key = "b" end)
+local twin = ext.ConfigEntry(model, {Key = "b"})
+check.refused("plinth:messages:UniquenessConstraint", model, function() return #values end,
+  function() values:add(twin) end)
+check.refused("plinth:messages:CannotAddIncompatibleTypes", model, function() return #values end,
+  function() values:add(profile) end)
+check.raises("Kestrel:class:ReadOnlyProperty", function() profile.Values = {} end)
+check.refused("Kestrel:class:InvalidHandle", model, function() return #values end, function() values:add(nil) end)
+check.refused("Kestrel:class:WrongType", model, function() return #values end, function() values:add("b") end)
+check.raises("Kestrel:class:WrongArgumentCount", values.add, values)
+check.raises("Kestrel:class:WrongType", values.get, values, 5)
+values:clear()
+check.equal(#values, 0)
+check.equal(#values:values(), 0)
+
+-- Sets, and views that narrow them.
+local perspective = runtime.PerspectiveState(model)
+local param, category = runtime.ParamState(model), runtime.CategoryState(model)
+check.equal(host.class(perspective.Members), "plinth.Set")
+perspective.Members:add(param)
+perspective.Members:add(category)
+perspective.Members:add(param)
+check.equal(#perspective.Members, 2)
+check.equal(#perspective.MemberParams, 1)
+local seen = 0
+for i, member in pairs(perspective.Members) do
+  seen = seen + i
+  perspective.Members:remove(member)
+end
+check.equal(seen, 3, "a walk goes over what was there when it began")
+check.equal(#perspective.Members, 0)
+check.refused("plinth:messages:CannotAddIncompatibleTypes", model, function() return #perspective.Members end,
+  function() perspective.MemberParams:add(category) end)
+
+-- What goes through a view reaches the collection behind it.
+category.Params:add(param)
+check.equal(category.Contents[1], param)
+check.equal(param.Category, category)
+category.Params:clear()
+check.equal(#category.Contents, 0)
+
+-- A map of values is an array.
+local schema = tessel.internal.config.schema
+local controller = schema.ControllerDef()
+controller.Id, controller.Class = "main", "app.Main"
+local definition = schema.SchemaData(model, {Controllers = {controller}})
+check.equal(#definition.Controllers, 1)
+check.equal(definition.Controllers[1], controller)
+check.raises("Kestrel:class:ReadOnlyProperty", function() definition.Controllers = {} end)
+
+-- A collection object keeps its element, not its life.
+local kept = ext.ConfigProfile(model, {Values = {{Key = "k"}}}).Values
+check.equal(#kept, 1)
+local owner = kept:get("k"):container()
+owner:destroy()
+check.equal(host.isvalid(kept), false)
+check.raises("Kestrel:class:InvalidHandle", function() return #kept end)
+check.raises("Kestrel:class:InvalidHandle", function() for _ in pairs(kept) do end end)
