@@ -6,52 +6,28 @@
 
 namespace plinth {
 
-std::unique_ptr<CollectionJournal> ReferenceMap::makeJournal() {
-  return std::make_unique<Journal>(m_elements, proxyTable());
-}
-
 std::u16string const& ReferenceMap::keyOf(ModelElementImpl const& element) const {
   if (m_keyExtractor == nullptr) throw std::bad_function_call();
   return m_keyExtractor(element);
 }
 
-ReferenceMap::Container::const_iterator ReferenceMap::locate(ModelElement const& element) const {
-  auto const at = m_elements.find(keyOf(*element));
-  return at != m_elements.end() && at->second == element ? at : m_elements.end();
+ReferenceMap::Position ReferenceMap::locate(ModelElement const& element) const {
+  if (element->isProxy()) return raw().end();  // its key is not to be trusted
+  auto const at = raw().find(keyOf(*element));
+  return at != raw().end() && at->second == element ? at : raw().end();
 }
 
-bool ReferenceMap::holds(ModelElement const& element) const {
-  return !element->isProxy() && locate(element) != m_elements.end();
+bool ReferenceMap::insertAt(Position hint, ModelElement const& element, CollectionJournal* journal) {
+  return insertNode(journal, [&](Container& elements) {
+    failurePoint("map-insert");
+    std::size_t const before = elements.size();
+    auto const at = elements.emplace_hint(hint, keyOf(*element), element);
+    return std::pair(at, elements.size() != before);
+  });
 }
 
-bool ReferenceMap::insertRaw(Container::const_iterator hint, ModelElement const& element, CollectionJournal* journal) {
-  auto* const steps = static_cast<Journal*>(journal);
-  if (steps != nullptr) {
-    steps->reserve();
-    steps->nodes().reserve();
-  }
-  failurePoint("map-insert");
-  std::size_t const before = m_elements.size();
-  auto const at = m_elements.emplace_hint(hint, keyOf(*element), element);
-  if (m_elements.size() == before) return false;
-  if (steps != nullptr) {
-    steps->nodes().inserted(at->first);
-    steps->note(false);
-  }
-  return true;
-}
-
-void ReferenceMap::eraseRaw(Container::const_iterator at, CollectionJournal* journal) {
-  auto* const steps = static_cast<Journal*>(journal);
-  if (steps != nullptr) {
-    steps->reserve();
-    steps->nodes().reserve();
-  }
-  auto node = m_elements.extract(at);
-  if (steps != nullptr) {
-    steps->nodes().erased(std::move(node));
-    steps->note(false);
-  }
+bool ReferenceMap::insertRaw(ModelElement const& element, CollectionJournal* journal) {
+  return insertAt(raw().lower_bound(keyOf(*element)), element, journal);
 }
 
 void ReferenceMap::insertElement(ModelElement const& element, CollisionResolution resolution) {
@@ -62,8 +38,8 @@ void ReferenceMap::insertElement(ModelElement const& element, CollisionResolutio
     return;
   }
   std::u16string const& key = keyOf(*element);
-  auto const at = m_elements.lower_bound(key);
-  if (at != m_elements.end() && at->first == key) {
+  auto const at = raw().lower_bound(key);
+  if (at != raw().end() && at->first == key) {
     if (at->second == element || resolution == CollisionResolution::KEEP) return;
     if (resolution == CollisionResolution::RAISE) reportException(messages::UniquenessConstraint());
     if (resolution == CollisionResolution::REPLACE) replaceEntry(at, element);
@@ -71,20 +47,17 @@ void ReferenceMap::insertElement(ModelElement const& element, CollisionResolutio
   }
   Operation operation(*this, extentOfAdding(*element));
   announceAdding(*element);
-  insertRaw(at, element, modifying());
+  insertAt(at, element, modifying());
   if (hasInverse()) inverseAfterAdding(*element);
   operation.commit();
 }
 
-void ReferenceMap::replaceEntry(Container::const_iterator at, ModelElement const& element) {
+void ReferenceMap::replaceEntry(Position at, ModelElement const& element) {
+  std::u16string const& key = at->first;
   Operation operation(*this, extent());
-  auto* const steps = static_cast<Journal*>(modifying());
-  if (steps != nullptr) {
-    steps->reserve();
-    steps->nodes().reserve();
-  }
+  auto* const steps = roomForOne(modifying());
   if (hasInverse()) inverseBeforeRemoving(*at->second);
-  auto const entry = m_elements.find(at->first);
+  auto const entry = elements().find(key);
   ModelElement former = std::exchange(entry->second, element);
   if (steps != nullptr) {
     steps->nodes().replaced(entry->first, std::move(former));
@@ -95,22 +68,22 @@ void ReferenceMap::replaceEntry(Container::const_iterator at, ModelElement const
 }
 
 ModelElement ReferenceMap::findElement(std::u16string_view key) const {
-  auto const at = m_elements.find(key);
-  return at == m_elements.end() ? ModelElement() : at->second;
+  auto const at = raw().find(key);
+  return at == raw().end() ? ModelElement() : at->second;
 }
 
 std::vector<std::u16string> ReferenceMap::keys() const {
   std::vector<std::u16string> keys;
-  keys.reserve(m_elements.size());
-  for (auto const& entry : m_elements) keys.push_back(entry.first);
+  keys.reserve(raw().size());
+  for (auto const& entry : raw()) keys.push_back(entry.first);
   return keys;
 }
 
 std::vector<Value> ReferenceMap::getAllKeys() const {
   std::vector<Value> keys;
-  keys.reserve(m_elements.size());
+  keys.reserve(raw().size());
   ValueMeta const meta(StandardTypes::stringMeta(), meta::SINGLE);
-  for (auto const& entry : m_elements) keys.push_back(Value::make<std::u16string>(meta, entry.first));
+  for (auto const& entry : raw()) keys.push_back(Value::make<std::u16string>(meta, entry.first));
   return keys;
 }
 
@@ -120,105 +93,13 @@ meta::Type ReferenceMap::getQualifierType() const {
 }
 
 bool ReferenceMap::hasSameMembers(ReferenceCollection const& other) const {
-  return m_elements == static_cast<ReferenceMap const&>(other).m_elements && ReferenceCollection::hasSameMembers(other);
+  return raw() == static_cast<ReferenceMap const&>(other).raw() && ReferenceCollection::hasSameMembers(other);
 }
 
 void ReferenceMap::genericAdd(ModelElement const& element) {
   if (!element) return;
   requireFitting(element);
   insertElement(element, CollisionResolution::RAISE);
-}
-
-void ReferenceMap::removeElement(ModelElement const& element) {
-  if (locate(element) == m_elements.end()) return;
-  Operation operation(*this, extent());
-  CollectionJournal* const journal = modifying();
-  if (hasInverse()) inverseBeforeRemoving(*element);
-  auto const at = locate(element);
-  if (at != m_elements.end()) eraseRaw(at, journal);
-  operation.commit();
-}
-
-void ReferenceMap::basicAdd(ModelElement const& element) {
-  Operation operation(*this);
-  CollectionJournal* const journal = modifying();
-  insertRaw(m_elements.lower_bound(keyOf(*element)), element, journal);
-  operation.commit();
-}
-
-bool ReferenceMap::resolveAdd(ModelElement const& element) {
-  return insertRaw(m_elements.lower_bound(keyOf(*element)), element, modifying());
-}
-
-void ReferenceMap::basicRemove(ModelElement const& element) {
-  auto const at = locate(element);
-  if (at == m_elements.end()) return;
-  Operation operation(*this);
-  eraseRaw(at, modifying());
-  operation.commit();
-}
-
-void ReferenceMap::resetElements(CollectionJournal* journal) {
-  if (m_elements.empty()) return;
-  auto* const steps = static_cast<Journal*>(journal);
-  if (steps != nullptr) {
-    steps->reserve();
-    steps->nodes().reserveReset();
-  }
-  Container former;
-  former.swap(m_elements);
-  if (steps != nullptr) {
-    steps->nodes().reset(std::move(former));
-    steps->note(false);
-  }
-}
-
-void ReferenceMap::basicClear() {
-  if (m_elements.empty() && proxies() == nullptr) return;
-  Operation operation(*this);
-  CollectionJournal* const journal = modifying();
-  resetElements(journal);
-  copyProxies(nullptr, journal);
-  operation.commit();
-}
-
-void ReferenceMap::basicCopyValues(ReferenceCollection const* other) {
-  auto const* const source = static_cast<ReferenceMap const*>(other);
-  Container copy = source == nullptr ? Container() : source->m_elements;
-  Operation operation(*this, Operation::WHOLE);
-  CollectionJournal* const journal = modifying();
-  resetElements(journal);
-  for (auto const& entry : copy) insertRaw(m_elements.end(), entry.second, journal);
-  copyProxies(source, journal);
-  operation.commit();
-}
-
-void ReferenceMap::forEachReal(std::function<void(ModelElementImpl&)> const& visit) const {
-  for (auto const& entry : m_elements) visit(*entry.second);
-}
-
-std::size_t ReferenceMap::oldSize() const {
-  auto const* const kept = static_cast<Journal const*>(journal());
-  return kept == nullptr ? m_elements.size() : kept->nodes().oldSize(m_elements.size());
-}
-
-std::unique_ptr<AbstractOwnedCollection> ReferenceMap::oldContents() const {
-  auto copy = makeDetached();
-  auto const* const kept = static_cast<Journal const*>(journal());
-  copy->m_elements = kept == nullptr ? m_elements : kept->nodes().oldContents(m_elements);
-  if (kept != nullptr && proxies() != nullptr) {
-    copy->requireProxyTable() = kept->proxySteps().oldContents(*proxies());
-  } else {
-    copy->copyProxies(this, nullptr);
-  }
-  return copy;
-}
-
-std::unique_ptr<AbstractOwnedCollection> ReferenceMap::detachedCopy() const {
-  auto copy = makeDetached();
-  copy->m_elements = m_elements;
-  copy->copyProxies(this, nullptr);
-  return copy;
 }
 
 namespace {

@@ -44,7 +44,7 @@ class ElementMap final : public ReferenceMap {
   Iterator end() const { return Iterator(raw().end()); }
 
  protected:
-  std::unique_ptr<ReferenceMap> makeDetached() const override {
+  Detached makeDetached() const override {
     return std::make_unique<ElementMap>(keyExtractor(), nullptr, property(), opposite());
   }
 };

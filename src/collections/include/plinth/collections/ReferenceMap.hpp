@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-#include "plinth/collections/ReferenceAssociative.hpp"
+#include "plinth/collections/AssociativeStore.hpp"
 
 namespace plinth {
 
@@ -39,14 +39,11 @@ struct CodeUnitOrder {
   }
 };
 
-class TESSEL_EXPORT ReferenceMap : public ReferenceAssociative {
+using MapContainer = std::map<std::u16string, ModelElement, CodeUnitOrder>;
+extern template class TESSEL_EXPORT AssociativeStore<MapContainer>;
+
+class TESSEL_EXPORT ReferenceMap : public AssociativeStore<MapContainer> {
  public:
-  using Container = std::map<std::u16string, ModelElement, CodeUnitOrder>;
-
-  std::size_t size() const noexcept { return m_elements.size(); }
-  bool empty() const noexcept override { return m_elements.empty(); }
-  Container const& raw() const noexcept { return m_elements; }
-
   /// Puts the element in under its key. An empty handle, or an element that is in, is ignored; a proxy goes to the
   /// proxies. Raises what checkCompatibleModel raises, and UniquenessConstraint. Logarithmic.
   void insertElement(ModelElement const& element, CollisionResolution resolution = CollisionResolution::RAISE);
@@ -60,39 +57,21 @@ class TESSEL_EXPORT ReferenceMap : public ReferenceAssociative {
   std::u16string const& keyOf(ModelElementImpl const& element) const;
 
   bool hasSameMembers(ReferenceCollection const& other) const override;
-  void forEachReal(std::function<void(ModelElementImpl&)> const& visit) const override;
   void genericAdd(ModelElement const& element) override;
-  void basicAdd(ModelElement const& element) override;
-  void basicRemove(ModelElement const& element) override;
-  void basicClear() override;
-  void basicCopyValues(ReferenceCollection const* other) override;
-
-  std::size_t oldSize() const override;
-  std::size_t rawSize() const override { return m_elements.size(); }
-  std::unique_ptr<AbstractOwnedCollection> oldContents() const override;
-  std::unique_ptr<AbstractOwnedCollection> detachedCopy() const override;
 
  protected:
   ReferenceMap(KeyExtractor keyExtractor, ModelElementImpl* owner, meta::PropertyImpl* property,
                meta::PropertyImpl* opposite) noexcept
-      : ReferenceAssociative(owner, property, opposite), m_keyExtractor(keyExtractor) {}
+      : AssociativeStore(owner, property, opposite), m_keyExtractor(keyExtractor) {}
   KeyExtractor keyExtractor() const noexcept { return m_keyExtractor; }
-  virtual std::unique_ptr<ReferenceMap> makeDetached() const = 0;
   std::unique_ptr<GenericCollectionInterface> makeGenericInterface() override;
-  std::unique_ptr<CollectionJournal> makeJournal() override;
-  bool holds(ModelElement const& element) const override;
-  bool resolveAdd(ModelElement const& element) override;
-  void removeElement(ModelElement const& element) override;
-  void resetElements(CollectionJournal* journal) override;
+  Position locate(ModelElement const& element) const override;
+  bool insertRaw(ModelElement const& element, CollectionJournal* journal) override;
 
  private:
-  using Journal = detail::AssociativeJournalOf<Container>;
-  Container::const_iterator locate(ModelElement const& element) const;
-  bool insertRaw(Container::const_iterator hint, ModelElement const& element, CollectionJournal* journal);
-  void eraseRaw(Container::const_iterator at, CollectionJournal* journal);
-  void replaceEntry(Container::const_iterator at, ModelElement const& element);
+  bool insertAt(Position hint, ModelElement const& element, CollectionJournal* journal);
+  void replaceEntry(Position at, ModelElement const& element);
 
-  Container m_elements;
   KeyExtractor m_keyExtractor;
 };
 

@@ -28,7 +28,7 @@ class UnorderedElementSet final : public ReferenceSet {
   Iterator end() const { return Iterator(raw().end()); }
 
  protected:
-  std::unique_ptr<ReferenceSet> makeDetached() const override {
+  Detached makeDetached() const override {
     return std::make_unique<UnorderedElementSet>(nullptr, property(), opposite());
   }
 };
