@@ -57,7 +57,8 @@ endif()
 
 # For every target of the tree, whoever adds it, and for nobody who uses the library.
 add_compile_options(
-  -Wall -Wextra -Wpedantic -Wshadow=local -Wold-style-cast -Wcast-qual -Wundef -Wextra-semi -Wformat=2
+  -Wall -Wextra -Wpedantic $<$<CXX_COMPILER_ID:GNU>:-Wshadow=local>
+  -Wold-style-cast -Wcast-qual -Wundef -Wextra-semi -Wformat=2
   $<$<BOOL:${TESSEL_WARNINGS_AS_ERRORS}>:-Werror>
 )
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
