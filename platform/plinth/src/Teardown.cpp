@@ -16,11 +16,11 @@ void Teardown::destroy(ModelElementImpl& element) {
 }
 
 void Teardown::destroyContained(ModelElementImpl& element, bool flag1, bool detachFirst, bool flag2) {
-  if (!element.isLive() || (element.m_state & ElementImpl::TEARING_DOWN) != 0) return;
+  if (!element.isLive() || (element.m_state & ModelElementImpl::TEARING_DOWN) != 0) return;
   ModelImpl& model = element.model();
   if (detachFirst) detach(element);
   model.m_teardown.push_back(&element);
-  element.m_state |= ElementImpl::TEARING_DOWN;
+  element.m_state |= ModelElementImpl::TEARING_DOWN;
   if (!model.m_tearingDown) drain(model, flag1, flag2);
 }
 
@@ -29,7 +29,7 @@ void Teardown::drain(ModelImpl& model, bool flag1, bool flag2) {
     explicit Running(ModelImpl& running) : m_model(running) { m_model.m_tearingDown = true; }
     ~Running() {
       for (ModelElementImpl* waiting : m_model.m_teardown) {
-        waiting->m_state &= static_cast<std::uint8_t>(~ElementImpl::TEARING_DOWN);
+        waiting->m_state &= static_cast<std::uint8_t>(~ModelElementImpl::TEARING_DOWN);
       }
       m_model.m_teardown.clear();
       m_model.m_tearingDown = false;
@@ -39,7 +39,7 @@ void Teardown::drain(ModelImpl& model, bool flag1, bool flag2) {
   while (!model.m_teardown.empty()) {
     ModelElementImpl* const next = model.m_teardown.back();  // the model holds it, and then the undo log
     model.m_teardown.pop_back();
-    next->m_state &= static_cast<std::uint8_t>(~ElementImpl::TEARING_DOWN);
+    next->m_state &= static_cast<std::uint8_t>(~ModelElementImpl::TEARING_DOWN);
     end(*next, flag1, flag2);
   }
 }
@@ -54,7 +54,7 @@ void Teardown::end(ModelElementImpl& element, bool flag1, bool flag2) {
   model.m_log.reserve();
   model.m_directory.remove(element);
   element.m_live = 0;
-  element.m_state |= ElementImpl::DESTROYED;
+  element.m_state |= ModelElementImpl::DESTROYED;
   model.m_log.destroyed(element);  // the model's reference goes to the log with it
 }
 

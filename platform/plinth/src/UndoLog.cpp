@@ -81,7 +81,7 @@ void UndoLog::commitOutermost() noexcept {
       journal.m_touchedLevel = 0;
       journal.forget();
     } else if (entry.kind == Kind::CREATED) {
-      static_cast<ModelElementImpl*>(entry.object)->m_createdLevel = ElementImpl::NO_LEVEL;
+      static_cast<ModelElementImpl*>(entry.object)->m_createdLevel = ModelElementImpl::NO_LEVEL;
     } else if (entry.kind == Kind::DESTROYED) {
       anyDestroyed = true;
     }
@@ -125,14 +125,14 @@ void UndoLog::undo(Entry const& entry) noexcept {
       auto& element = *static_cast<ModelElementImpl*>(entry.object);
       if (element.isLive()) m_model->m_directory.remove(element);
       element.m_live = 0;
-      element.m_state |= ElementImpl::DESTROYED;
+      element.m_state |= ModelElementImpl::DESTROYED;
       break;
     }
     case Kind::DESTROYED: {
       auto& element = *static_cast<ModelElementImpl*>(entry.object);
       m_model->m_directory.add(element);
       element.m_live = 1;
-      element.m_state &= static_cast<std::uint8_t>(~ElementImpl::DESTROYED);
+      element.m_state &= static_cast<std::uint8_t>(~ModelElementImpl::DESTROYED);
       break;
     }
     case Kind::NOTHING:
