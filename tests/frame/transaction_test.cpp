@@ -5,6 +5,7 @@
 #include <functional>
 #include <random>
 
+#include "plinth/Query.hpp"
 #include "plinth/sample_model.hpp"
 #include "support/checks.hpp"
 
@@ -180,13 +181,13 @@ TEST(Transaction, EndsItsInnerOnesWhenItEndsFirst) {
   EXPECT_EQ(sample.store->getVersion(), 9U);
   outer.reset();
   EXPECT_TRUE(before.isBack());
-  EXPECT_EQ(raised([&] { inner->commit(); }), "TransactionNotInnermost");
+  EXPECT_EQ(raised([&] { inner->commit(); }), "TransactionEnded");
   auto next = sample.model.beginTransaction();
   sample.store->setVersion(4);
   inner.reset();  // ended long ago: the one that is open now is none of its business
   next.commit();
   EXPECT_EQ(sample.store->getVersion(), 4U);
-  EXPECT_EQ(raised([&] { next.commit(); }), "TransactionNotInnermost");
+  EXPECT_EQ(raised([&] { next.commit(); }), "TransactionEnded");
 }
 
 TEST(Transaction, MovesAndOutlivesTheLastHandleOfItsModel) {
@@ -196,7 +197,7 @@ TEST(Transaction, MovesAndOutlivesTheLastHandleOfItsModel) {
   auto second = std::move(first);
   EXPECT_FALSE(first.isOpen());
   EXPECT_EQ(raised([&] { first.commit(); }),
-            raised([] { plinth::reportException(plinth::messages::TransactionNotInnermost()); }));
+            raised([] { plinth::reportException(plinth::messages::TransactionEnded()); }));
   model = plinth::Model();
   store->setVersion(3);
   EXPECT_TRUE(store);
@@ -217,7 +218,7 @@ TEST(Model, EndsWithItsLastHandleWhateverItsElementsReferTo) {
     data->getAllowedValues()->push_back(1);
     listening = sample.model.addListener([](plinth::ChangeSet const&) { ADD_FAILURE() << "told of the end"; });
     EXPECT_EQ(raised([] { sample::ext::ConfigStore::create(plinth::Model()); }), "CannotCreateWithoutModel");
-    EXPECT_EQ(raised([] { plinth::Model().beginTransaction(); }), "CannotCreateWithoutModel");
+    EXPECT_EQ(raised([&] { sample.model.addListener({}); }), "NoListener");
   }
   EXPECT_FALSE(store || data);
   EXPECT_TRUE(store->getModel().isEmpty());
@@ -225,6 +226,14 @@ TEST(Model, EndsWithItsLastHandleWhateverItsElementsReferTo) {
   EXPECT_EQ(raised([&] { store->setActiveProfile({}); }), "CannotModifyDestroyedElement");
   EXPECT_EQ(raised([&] { data->getAllowedValues()->push_back(2); }), "CannotModifyDestroyedElement");
   store->destroy();
+}
+
+TEST(Model, IsAskedForWhereTheHandleIsEmpty) {
+  plinth::Model const none;
+  EXPECT_EQ(raised([&] { none.beginTransaction(); }), "NoModel");
+  EXPECT_EQ(raised([&] { none.addListener([](plinth::ChangeSet const&) {}); }), "NoModel");
+  EXPECT_EQ(raised([&] { plinth::Model::Freezer const freezer(none); }), "NoModel");
+  EXPECT_EQ(raised([&] { plinth::query::Query<sample::ext::ConfigEntry>(none).find(); }), "NoModel");
 }
 
 TEST(Freezer, RefusesTransactionsExceptWhileThawed) {

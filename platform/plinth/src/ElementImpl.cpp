@@ -10,6 +10,14 @@ void (*ElementImpl::m_callback)(ElementImpl*, AbstractOwnedCollection*) = nullpt
 
 ElementImpl::~ElementImpl() = default;
 
+bool ElementImpl::tryAddRef() const noexcept {
+  std::uint32_t count = m_refCount.load(std::memory_order_relaxed);
+  while (count != 0 && (count & REFCOUNT_DELETING) == 0) {
+    if (m_refCount.compare_exchange_weak(count, count + 1, std::memory_order_relaxed)) return true;
+  }
+  return false;
+}
+
 void ElementImpl::removeRef() noexcept {
   if (m_refCount.fetch_sub(1, std::memory_order_acq_rel) != 1) return;
   // The destructors release fields that may reach this object again; from here on the count can't come back to zero.

@@ -10,7 +10,7 @@ struct Text {
   char const* pattern;
 };
 
-constexpr std::array<Text, 19> TEXTS{{
+constexpr std::array<Text, 24> TEXTS{{
     {"CannotModifyProxy",
      "the element is a proxy for one that is not in memory and can be neither modified nor asked for its collections; "
      "resolve it first"},
@@ -33,6 +33,11 @@ constexpr std::array<Text, 19> TEXTS{{
     {"CannotModifyOutsideTransaction", "a change was announced with no transaction open; begin one first"},
     {"CannotContainAncestor", "an element can't be contained by itself or by an element below it"},
     {"TransactionNotInnermost", "only the innermost open transaction can be committed; end the inner ones first"},
+    {"TransactionEnded", "the transaction has ended already; begin another one"},
+    {"TransactionsNestedTooDeeply", "at most {0} transactions can be open in one another; end some first"},
+    {"NoModel", "the model's handle is empty; give a model"},
+    {"NoListener", "an empty function can't be told of changes; give one that can be called"},
+    {"ModelNameTaken", "another model bears the name \"{0}\"; choose another one"},
     {"CannotCreateAbstractClass", "the class \"{0}\" is abstract and has no elements of its own"},
 }};
 

@@ -1,7 +1,5 @@
 #include "plinth/Model.hpp"
 
-#include <limits>
-
 #include "ChangePublisher.hpp"
 #include "LiveObjects.hpp"
 #include "plinth/FailurePoint.hpp"
@@ -16,13 +14,17 @@ Model Model::create() { return Model(new ModelImpl(), Adopt{}); }
 
 meta::Class const& Model::metaClass() { return meta::MetaRegistry::getInstance().modelClass(); }
 
-Transaction Model::beginTransaction() const {
-  if (isEmpty()) reportException(messages::CannotCreateWithoutModel());
-  return impl()->beginTransaction(false);
+ModelImpl& Model::require() const {
+  if (isEmpty()) reportException(messages::NoModel());
+  return *impl();
 }
 
+Transaction Model::beginTransaction() const { return require().beginTransaction(false); }
+
 ListenerRegistration Model::addListener(ChangeListener listener) const {
-  return impl()->m_publisher->add(std::move(listener));
+  ModelImpl& model = require();
+  if (!listener) reportException(messages::NoListener());
+  return model.m_publisher->add(std::move(listener));
 }
 
 ModelImpl::ModelImpl()
@@ -60,7 +62,7 @@ Transaction ModelImpl::beginTransaction(bool thawed) {
 
 void ModelImpl::begin(bool thawed) {
   if (m_frozen && !thawed) reportException(messages::CannotModifyFrozenModel());
-  if (level() + 1 >= NO_LEVEL) throw std::length_error("transactions are nested too deeply");
+  if (level() + 1 >= NO_LEVEL) reportException(messages::TransactionsNestedTooDeeply(NO_LEVEL - 1));
   m_log.begin();
 }
 
@@ -129,7 +131,8 @@ Transaction::~Transaction() {
 
 void Transaction::commit() {
   auto* const model = static_cast<ModelImpl*>(m_model.elementImpl());
-  if (!isOpen() || model->level() != m_level) reportException(messages::TransactionNotInnermost());
+  if (!isOpen()) reportException(messages::TransactionEnded());
+  if (model->level() != m_level) reportException(messages::TransactionNotInnermost());
   model->commit();
   m_open = false;
 }
@@ -143,7 +146,7 @@ bool Transaction::isOpen() const noexcept {
 
 void Transaction::commit(boost::optional<Value> const&) { commit(); }
 
-Model::Freezer::Freezer(Model model) : m_model(std::move(model)) { m_model->m_frozen = true; }
+Model::Freezer::Freezer(Model model) : m_model(std::move(model)) { m_model.require().m_frozen = true; }
 
 Model::Thawer Model::Freezer::thaw() { return Thawer(*this); }
 

@@ -28,7 +28,8 @@ Model ModelDirectory::find(std::u16string const& name, bool load) const {
   {
     std::lock_guard const lock(state().mutex);
     auto const found = state().models.find(name);
-    if (found != state().models.end()) return Model(found->second);
+    // One whose last handle has gone on another thread leaves as soon as it gets the lock.
+    if (found != state().models.end() && found->second->tryAddRef()) return Model(found->second, Adopt{});
     if (load) loader = state().loader;
   }
   return loader ? loader(name) : Model();
@@ -41,7 +42,7 @@ void ModelDirectory::setLoader(Loader loader) {
 
 void ModelDirectory::enter(std::u16string const& name, ModelImpl& model) {
   std::lock_guard const lock(state().mutex);
-  if (!state().models.emplace(name, &model).second) reportException(messages::UniquenessConstraint());
+  if (!state().models.emplace(name, &model).second) reportException(messages::ModelNameTaken(name));
 }
 
 void ModelDirectory::leave(std::u16string const& name) noexcept {

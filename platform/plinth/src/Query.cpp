@@ -5,9 +5,10 @@
 namespace plinth::query {
 
 std::vector<ModelElement> AbstractQuery::execute() const {
+  ElementDirectory const& directory = m_model.require().directory();
   std::vector<ModelElement> found;
   auto const search = [&](meta::ClassImpl const& metaClass) {
-    for (ModelElementImpl* element : m_model->directory().elementsOf(metaClass)) {
+    for (ModelElementImpl* element : directory.elementsOf(metaClass)) {
       bool meets = true;
       for (Constraint const& constraint : m_constraints) meets = meets && constraint.holds(*element);
       if (meets) found.emplace_back(element);
@@ -17,7 +18,7 @@ std::vector<ModelElement> AbstractQuery::execute() const {
     search(*m_class.impl());
     return found;
   }
-  for (meta::ClassImpl const* metaClass : m_model->directory().classes()) {
+  for (meta::ClassImpl const* metaClass : directory.classes()) {
     if (metaClass->conformsTo(*m_class.impl())) search(*metaClass);
   }
   return found;

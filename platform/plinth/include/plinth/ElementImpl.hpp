@@ -32,6 +32,8 @@ class TESSEL_EXPORT ElementImpl {
   std::uint32_t refCount() const noexcept { return m_refCount.load(std::memory_order_relaxed); }
 
   void addRef() const noexcept { m_refCount.fetch_add(1, std::memory_order_relaxed); }
+  /// Takes a reference unless the last one has gone. For whoever holds a pointer that is no reference.
+  bool tryAddRef() const noexcept;
   /// Gives one reference back; deletes the object when it was the last.
   virtual void removeRef() noexcept;
 
@@ -51,7 +53,8 @@ class TESSEL_EXPORT ElementImpl {
     REFUSED = 3,
     ANNOUNCED = 4,
     HAS_CONTAINED = 8,
-    TEARING_DOWN = 16
+    TEARING_DOWN = 16,
+    ENDING = 32  ///< its teardown has begun and waits for what it contains
   };
 
   boost::uuids::uuid m_uuid;

@@ -82,6 +82,24 @@ struct CannotContainAncestor : Record {
 struct TransactionNotInnermost : Record {
   TransactionNotInnermost() : Record("TransactionNotInnermost") {}
 };
+struct TransactionEnded : Record {
+  TransactionEnded() : Record("TransactionEnded") {}
+};
+/// Argument: how many can be open at once.
+struct TransactionsNestedTooDeeply : Record {
+  explicit TransactionsNestedTooDeeply(std::size_t limit)
+      : Record("TransactionsNestedTooDeeply", {static_cast<std::int64_t>(limit)}) {}
+};
+struct NoModel : Record {
+  NoModel() : Record("NoModel") {}
+};
+struct NoListener : Record {
+  NoListener() : Record("NoListener") {}
+};
+/// Argument: the name that another model bears.
+struct ModelNameTaken : Record {
+  explicit ModelNameTaken(std::u16string name) : Record("ModelNameTaken", {std::move(name)}) {}
+};
 /// Argument: the class's qualified name.
 struct CannotCreateAbstractClass : Record {
   explicit CannotCreateAbstractClass(std::u16string type) : Record("CannotCreateAbstractClass", {std::move(type)}) {}

@@ -36,8 +36,14 @@ class TESSEL_EXPORT Model : public Handle {
   ModelImpl* impl() const noexcept;
   ModelImpl* operator->() const noexcept { return impl(); }
 
+  /// This model. Raises NoModel when the handle is empty.
+  ModelImpl& require() const;
+
+  /// Begins a transaction, nested in the innermost open one. Raises NoModel, CannotModifyFrozenModel,
+  /// TransactionsNestedTooDeeply. Allocates nothing once warm.
   Transaction beginTransaction() const;
-  /// Tells `listener` of each outermost commit from now on, until the registration is let go.
+  /// Tells `listener` of each outermost commit from now on, until the registration is let go. Raises NoModel,
+  /// NoListener.
   ListenerRegistration addListener(ChangeListener listener) const;
 
   class Freezer;
@@ -53,7 +59,7 @@ class TESSEL_EXPORT ModelImpl : public ElementImpl {
 
   // Transactions.
   /// Begins a transaction, nested in the innermost open one. `thawed` is for whoever holds the thaw of a frozen model.
-  /// Raises CannotModifyFrozenModel. Allocates nothing once warm.
+  /// Raises CannotModifyFrozenModel, TransactionsNestedTooDeeply. Allocates nothing once warm.
   Transaction beginTransaction(bool thawed);
   std::uint32_t level() const noexcept { return m_log.level(); }
   bool isFrozen() const noexcept { return m_frozen; }
@@ -83,10 +89,13 @@ class TESSEL_EXPORT ModelImpl : public ElementImpl {
 
   /// While at 1 or above, getters of qualified maps leave proxies as they are.
   std::int32_t resolveSuppression() const noexcept { return m_resolveSuppression; }
+  /// Taking in what a map's proxies name is a change: not while that is suppressed, and not while the model is frozen.
+  bool mayResolveOnRead() const noexcept { return m_resolveSuppression < 1 && !m_frozen; }
   void suppressResolve(bool on) noexcept { m_resolveSuppression += on ? 1 : -1; }
 
   /// The name under which other models find this one; empty for a model that can't be referred to.
   std::u16string const& name() const noexcept { return m_name; }
+  /// Enters the model in the process-wide directory; no transaction takes it back. Raises ModelNameTaken.
   void setName(std::u16string name);
 
   /// What listeners raised since the last call, oldest first.
@@ -169,7 +178,7 @@ class Step {
 class TESSEL_EXPORT Model::Freezer {
  public:
   Freezer() = default;
-  /// Freezes `model` until a thaw.
+  /// Freezes `model` until a thaw. Raises NoModel.
   explicit Freezer(Model model);
   Thawer thaw();
 

@@ -17,14 +17,15 @@ class TESSEL_EXPORT ModelDirectory {
 
   static ModelDirectory& getInstance();
 
-  /// The model of that name; `load` asks the loader for one that is not there.
+  /// The model of that name; `load` asks the loader for one that is not there. A model that is just ending is not
+  /// there.
   Model find(std::u16string const& name, bool load) const;
   void setLoader(Loader loader);
 
  private:
   friend class ModelImpl;
   ModelDirectory() = default;
-  /// Raises UniquenessConstraint when another model has the name.
+  /// Raises ModelNameTaken when another model has the name.
   void enter(std::u16string const& name, ModelImpl& model);
   void leave(std::u16string const& name) noexcept;
 

@@ -7,7 +7,6 @@
 #pragma once
 
 #include <functional>
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -47,7 +46,7 @@ class TESSEL_EXPORT AbstractQuery {
 
   /// Adds a constraint; all that were added must hold.
   void addConstraint(Constraint constraint) { m_constraints.push_back(std::move(constraint)); }
-  /// The elements that meet all constraints, class by class. Linear in the elements of the class.
+  /// The elements that meet all constraints, class by class. Raises NoModel. Linear in the elements of the class.
   std::vector<ModelElement> execute() const;
   std::size_t count() const { return execute().size(); }
   meta::Class const& metaClass() const noexcept { return m_class; }

@@ -1,6 +1,7 @@
 // A transaction of a caller. It commits when told so; ending it any other way takes back all that was changed since it
 // began. Transactions nest: an inner one that is taken back leaves the outer one as it was.
-// Ownership: holds its model. Ends when it is destroyed.
+// A transaction is one model's: where an opposite link leads into another model, its far end changes in a transaction
+// of that model's own, which stays when this one is taken back. Ownership: holds its model. Ends when it is destroyed.
 // Thread rule: the model's thread.
 #pragma once
 
@@ -19,7 +20,8 @@ class TESSEL_EXPORT Transaction {
   ~Transaction();
 
   /// Makes the changes part of the enclosing transaction, or, for an outermost one, final, and tells the listeners.
-  /// Raises TransactionNotInnermost while an inner transaction is open. O(records of the transaction).
+  /// Raises TransactionNotInnermost while an inner transaction is open, TransactionEnded after the end. O(records of
+  /// the transaction).
   void commit();
   /// The same; the value is the foundation's and is empty throughout.
   void commit(boost::optional<Value> const& value);
