@@ -44,6 +44,38 @@ TEST(Teardown, DetachesFromTheFarEndsOfOppositesAndClearsReferences) {
   EXPECT_TRUE(isSound(s.model));
 }
 
+TEST(Teardown, EndsChildrenInTheOrderOfTheirPropertiesAndThenTheirContainer) {
+  SampleModel s;
+  auto const conditional = sample::expr::ConditionalOperation::create(s.model);
+  auto const branch = conditional->createIntoBranches(std::make_unique<sample::expr::Branch::Builder>());
+  auto const inner = conditional->createIntoOperands(std::make_unique<sample::expr::NumericOperation::Builder>());
+  auto const leaf = plinth::element_cast<sample::expr::NumericOperation>(inner)->createIntoOperands(
+      std::make_unique<sample::expr::NumericConstant::Builder>());
+  auto const last = conditional->createIntoOperands(std::make_unique<sample::expr::NumericConstant::Builder>());
+  std::vector<plinth::ModelElement> ended;
+  auto const listening = s.model.addListener([&](plinth::ChangeSet const& changes) { ended = changes.destroyed(); });
+  conditional->destroy();
+  EXPECT_THAT(ended, testing::ElementsAre(branch, leaf, inner, last, conditional));
+  EXPECT_EQ(raised([&] { s.volume->destroyRecursively(true, false, true); }), "CannotModifyOutsideTransaction");
+  EXPECT_TRUE(s.volume);
+  EXPECT_TRUE(isSound(s.model));
+}
+
+TEST(Teardown, LeavesHandlesThatAreSafeToUseAlsoWithoutTheirModel) {
+  sample::runtime::ParamState param;
+  sample::runtime::PerspectiveState perspective;
+  {
+    SampleModel s;
+    s.model->setName(u"short lived");
+    param = s.first;
+    perspective = s.perspective;
+  }
+  EXPECT_EQ(raised([&] { param->setKey(u"other"); }), "CannotModifyDestroyedElement");
+  EXPECT_EQ(raised([&] { perspective->setId(u"other"); }), "CannotModifyDestroyedElement");
+  EXPECT_EQ(raised([&] { param->setCategory({}); }), "CannotModifyDestroyedElement");
+  EXPECT_FALSE(param->getPersistentProxyId(false).model);
+}
+
 TEST(Teardown, SparesANodeThatABranchNamesAndDestroysTheBranches) {
   auto const model = plinth::Model::create();
   auto const conditional = sample::expr::ConditionalOperation::create(model);

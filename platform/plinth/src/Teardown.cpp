@@ -1,5 +1,8 @@
 #include "Teardown.hpp"
 
+#include <algorithm>
+
+#include "Prefetch.hpp"
 #include "plinth/FailurePoint.hpp"
 #include "plinth/Messages.hpp"
 #include "plinth/meta/Property.hpp"
@@ -16,8 +19,10 @@ void Teardown::destroy(ModelElementImpl& element) {
 }
 
 void Teardown::destroyContained(ModelElementImpl& element, bool flag1, bool detachFirst, bool flag2) {
-  if (!element.isLive() || (element.m_state & ModelElementImpl::TEARING_DOWN) != 0) return;
+  constexpr std::uint8_t BEGUN = ModelElementImpl::TEARING_DOWN | ModelElementImpl::ENDING;
+  if (!element.isLive() || (element.m_state & BEGUN) != 0) return;
   ModelImpl& model = element.model();
+  if (model.level() == 0) reportException(messages::CannotModifyOutsideTransaction());
   if (detachFirst) detach(element);
   model.m_teardown.push_back(&element);
   element.m_state |= ModelElementImpl::TEARING_DOWN;
@@ -28,28 +33,41 @@ void Teardown::drain(ModelImpl& model, bool flag1, bool flag2) {
   struct Running {
     explicit Running(ModelImpl& running) : m_model(running) { m_model.m_tearingDown = true; }
     ~Running() {
-      for (ModelElementImpl* waiting : m_model.m_teardown) {
-        waiting->m_state &= static_cast<std::uint8_t>(~ModelElementImpl::TEARING_DOWN);
-      }
+      constexpr auto REST = static_cast<std::uint8_t>(~(ModelElementImpl::TEARING_DOWN | ModelElementImpl::ENDING));
+      for (ModelElementImpl* waiting : m_model.m_teardown) waiting->m_state &= REST;
       m_model.m_teardown.clear();
       m_model.m_tearingDown = false;
     }
     ModelImpl& m_model;
   } const running(model);
-  while (!model.m_teardown.empty()) {
-    ModelElementImpl* const next = model.m_teardown.back();  // the model holds it, and then the undo log
-    model.m_teardown.pop_back();
-    next->m_state &= static_cast<std::uint8_t>(~ModelElementImpl::TEARING_DOWN);
-    end(*next, flag1, flag2);
+  constexpr std::size_t AHEAD = 4;
+  std::vector<ModelElementImpl*>& waiting = model.m_teardown;
+  while (!waiting.empty()) {
+    std::size_t const size = waiting.size();
+    ModelElementImpl& next = *waiting.back();  // the model holds it, and then the undo log
+    if (size > AHEAD) detail::prefetch(waiting[size - 1 - AHEAD], detail::ELEMENT_BYTES);
+    if ((next.m_state & ModelElementImpl::ENDING) == 0) {
+      begin(next, flag1, flag2);
+      std::reverse(waiting.begin() + static_cast<std::ptrdiff_t>(size), waiting.end());
+      if (waiting.size() > size) continue;
+    }
+    waiting.pop_back();
+    next.m_state &= static_cast<std::uint8_t>(~ModelElementImpl::ENDING);
+    end(next);
   }
 }
 
-void Teardown::end(ModelElementImpl& element, bool flag1, bool flag2) {
+void Teardown::begin(ModelElementImpl& element, bool flag1, bool flag2) {
   failurePoint("teardown");
-  ModelImpl& model = element.model();
+  element.m_state &= static_cast<std::uint8_t>(~ModelElementImpl::TEARING_DOWN);
+  element.m_state |= ModelElementImpl::ENDING;
   element.notifyDestroying();
   element.aboutToDestroy();
   element.doDestroy(flag1, flag2);
+}
+
+void Teardown::end(ModelElementImpl& element) {
+  ModelImpl& model = element.model();
   element.disassociateIncoming();
   model.m_log.reserve();
   model.m_directory.remove(element);

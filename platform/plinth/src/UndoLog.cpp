@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "Prefetch.hpp"
 #include "plinth/Changes.hpp"
 #include "plinth/FailurePoint.hpp"
 #include "plinth/Model.hpp"
@@ -68,12 +69,23 @@ void UndoLog::dropRecord(ModelElementImpl& element) noexcept {
   delete record;
 }
 
+void UndoLog::prefetchRecord(std::vector<Entry> const& entries, std::size_t next, std::size_t afterNext) noexcept {
+  auto const elementAt = [&](std::size_t position) -> ModelElementImpl const* {
+    bool const isRecord = position < entries.size() && entries[position].kind == Kind::RECORD;
+    return isRecord ? static_cast<ModelElementImpl*>(entries[position].object) : nullptr;
+  };
+  if (auto const* const element = elementAt(afterNext)) detail::prefetch(element, detail::ELEMENT_BYTES);
+  if (auto const* const element = elementAt(next)) detail::prefetch(element->m_record, sizeof(Storage));
+}
+
 void UndoLog::commitOutermost() noexcept {
   m_levels.pop_back();
   std::vector<Entry> entries;  // burying runs destructors, which must find the log empty
   entries.swap(m_entries);
   bool anyDestroyed = false;
-  for (Entry const& entry : entries) {
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    Entry const& entry = entries[i];
+    prefetchRecord(entries, i + 4, i + 8);
     if (entry.kind == Kind::RECORD) {
       dropRecord(*static_cast<ModelElementImpl*>(entry.object));
     } else if (entry.kind == Kind::JOURNAL) {
@@ -95,7 +107,10 @@ void UndoLog::commitOutermost() noexcept {
 void UndoLog::rollBack() noexcept {
   std::size_t const mark = m_levels.back().mark;
   m_off = true;
-  for (std::size_t i = m_entries.size(); i > mark; --i) undo(m_entries[i - 1]);
+  for (std::size_t i = m_entries.size(); i > mark; --i) {
+    prefetchRecord(m_entries, i - 5, i - 9);  // wraps round to no position at all
+    undo(m_entries[i - 1]);
+  }
   m_levels.pop_back();
   bury(m_entries, mark, Kind::CREATED);
   m_entries.resize(mark);
@@ -143,7 +158,11 @@ void UndoLog::undo(Entry const& entry) noexcept {
 void UndoLog::bury(std::vector<Entry> const& entries, std::size_t first, Kind kind) noexcept {
   // Each lets go of what it refers to before it goes itself. One that still has links is held by the log, so that at
   // most an element without links ends here on its own: nothing recurses.
+  constexpr std::size_t AHEAD = 6;
   for (std::size_t i = first; i < entries.size(); ++i) {
+    if (i + AHEAD < entries.size() && entries[i + AHEAD].kind == kind) {
+      detail::prefetch(entries[i + AHEAD].object, detail::ELEMENT_BYTES);
+    }
     if (entries[i].kind == kind) static_cast<ModelElementImpl*>(entries[i].object)->bury();
   }
 }

@@ -102,6 +102,9 @@ class UndoLog {
   /// Lets go of the elements that the entries from `first` on are about, if they are of that kind.
   static void bury(std::vector<Entry> const& entries, std::size_t first, Kind kind) noexcept;
   static void dropRecord(ModelElementImpl& element) noexcept;
+  /// Asks for the memory that the entries at these two positions will need, if there are such and they are records:
+  /// first for the element, and when that has come, for the record that it names.
+  static void prefetchRecord(std::vector<Entry> const& entries, std::size_t next, std::size_t afterNext) noexcept;
 
   ModelImpl* m_model;
   std::vector<Entry> m_entries;
