@@ -79,6 +79,48 @@ TEST_F(CollectionProxy, StaysWhileAnotherElementBearsTheKeyAndGoesWhenItsElement
   EXPECT_THAT(values.getAllValuesAndProxies(), ElementsAre(s.balance, late, s.volume));
 }
 
+TEST_F(CollectionProxy, InASequenceOfChildrenMakesItsElementAChildAndNeverAnAncestor) {
+  auto& operands = *s.sum->getOperands();
+  operands.add(proxy<expr::NumericConstant>("late"));
+  auto const late = expr::NumericConstant::create(s.model, nameUuid("late"));
+  {
+    auto const transaction = s.model.beginTransaction();
+    EXPECT_EQ(operands.at(2), late);
+    EXPECT_EQ(late->container(), s.sum);
+  }
+  EXPECT_TRUE(operands.raw()[2]->isProxy());
+  EXPECT_EQ(operands.getAllValues().size(), 3U);
+  EXPECT_EQ(late->container(), s.sum);
+
+  operands.add(proxy<expr::NumericOperation>("sum"));
+  EXPECT_TRUE(operands.at(3)->isProxy()) << "a tree that contains itself";
+  EXPECT_EQ(raised([&] { operands.add(proxy<expr::NumericConstant>("x", u"elsewhere")); }),
+            "CannotCreateCrossModelAssociation");
+  EXPECT_EQ(operands.size(), 4U);
+}
+
+TEST_F(CollectionProxy, ReplacedInASequenceComesBackWithBothEnds) {
+  auto& contents = *s.category->getContents();
+  contents.basicAdd(proxy<ParamState>("late"));
+  auto const before = contents.raw();
+  {
+    auto const transaction = s.model.beginTransaction();
+    auto const late = ParamState::create(s.model, nameUuid("late"));
+    contents.replaceProxy(late);
+    EXPECT_EQ(late->getCategory(), s.category);
+  }
+  EXPECT_EQ(contents.raw(), before);
+}
+
+TEST_F(CollectionProxy, OfAFrozenModelStaysInItsMap) {
+  values.insert(proxy<ConfigEntry>("late"));
+  lateEntry("late", u"late");
+  plinth::Model::Freezer freezer(s.model);
+  EXPECT_EQ(s.day->getValues()->size(), 2U);
+  auto const thawed = freezer.thaw();
+  EXPECT_EQ(s.day->getValues()->size(), 3U);
+}
+
 TEST_F(CollectionProxy, OfAnotherModelIsRefusedByContainmentsAndLeftAloneByResolveLocal) {
   EXPECT_EQ(raised([&] { values.insert(proxy<ConfigEntry>("far", u"elsewhere")); }),
             "CannotCreateCrossModelAssociation");
@@ -206,6 +248,7 @@ TEST_F(OppositeProxy, UnloadingLeavesProxiesInTheOtherModel) {
   // Two models that know each other's element: the link becomes real on both sides when it is read.
   auto const elsewhere = plinth::Model::create();
   elsewhere->setName(u"elsewhere");
+  EXPECT_EQ(raised([&] { s.model->setName(u"elsewhere"); }), "ModelNameTaken(elsewhere)");
   s.model->setName(u"here");
   auto const far = TagState::create(elsewhere);
   tags.add(element_cast<TagState>(s.model->createProxy(TagState::metaClass(), far->getPersistentProxyId(false))));

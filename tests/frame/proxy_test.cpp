@@ -63,7 +63,7 @@ TEST(ModelDirectory, FindsModelsByNameForAsLongAsTheyHaveIt) {
   model->setName(u"one");
   auto const other = Model::create();
   EXPECT_EQ(directory.find(u"one", false), model);
-  EXPECT_EQ(raised([&] { other->setName(u"one"); }), "UniquenessConstraint");
+  EXPECT_EQ(raised([&] { other->setName(u"one"); }), "ModelNameTaken");
   EXPECT_EQ(other->name(), u"");
   model->setName(u"two");
   other->setName(u"one");
@@ -132,6 +132,100 @@ TEST(Proxy, InAContainmentPropertyResolvesInPlace) {
   s.volume->setData(data);
   EXPECT_EQ(s.volume->getData(), data);
   EXPECT_TRUE(isSound(s.model));
+}
+
+TEST(Proxy, InAContainmentMakesItsElementAChildAndOnlyOneThatLiesNowhere) {
+  SampleModel s;
+  auto const data = sample::data::DoubleParamData::create(s.model);
+  auto const entry = sample::ext::ConfigEntry::create(s.model);
+  entry->setData(proxyOf(s.model, data, true));
+  Snapshot const before(s.model);
+  {
+    auto const transaction = s.model.beginTransaction();
+    EXPECT_EQ(entry->getData(), data);
+    EXPECT_EQ(data->container(), entry);
+    EXPECT_TRUE(isSound(s.model));
+  }
+  EXPECT_TRUE(before.isBack()) << "with the proxy";
+  EXPECT_EQ(entry->getData(), data);
+  EXPECT_TRUE(isSound(s.model));
+
+  auto const other = sample::ext::ConfigEntry::create(s.model);
+  other->setData(proxyOf(s.model, data, true));
+  EXPECT_TRUE(other->getData()->isProxy()) << "it is another entry's child";
+  EXPECT_EQ(raised([&] { other->setData(proxyOf<sample::data::DoubleParamData>(s.model, u"far", "d")); }),
+            "CannotCreateCrossModelAssociation");
+  plinth::Model::Freezer const freezer(s.model);
+  EXPECT_TRUE(other->getData()->isProxy());
+}
+
+TEST(Proxy, StaysWhereWhatItNamesDoesNotFit) {
+  SampleModel s;
+  auto const wrong =
+      s.model->createProxy(sample::ext::ConfigProfile::metaClass(), s.volume->getPersistentProxyId(true));
+  s.store->basicSetActiveProfile(static_cast<sample::ext::ConfigProfile const&>(wrong));
+  EXPECT_EQ(s.store->getActiveProfile(), wrong) << "it names an entry";
+
+  auto const far = Model::create();
+  far->setName(u"far");
+  auto const proxy = proxyOf<sample::ext::ConfigProfile>(s.model, u"far", "late");
+  s.store->basicSetActiveProfile(proxy);
+  {
+    auto const transaction = far.beginTransaction();
+    auto const late = sample::ext::ConfigProfile::create(far, sample::nameUuid("late"));
+    EXPECT_EQ(s.store->getActiveProfile(), proxy) << "the far transaction may take it back";
+  }
+  auto const late = sample::ext::ConfigProfile::create(far, sample::nameUuid("late"));
+  EXPECT_EQ(s.store->getActiveProfile(), late);
+}
+
+TEST(Proxy, MayBeReplacedByTheLoaderThatIsAskedForIt) {
+  SampleModel s;
+  Model loaded;
+  sample::ext::ConfigProfile profile;
+  ModelDirectory::getInstance().setLoader([&](std::u16string const& name) {
+    loaded = Model::create();
+    loaded->setName(name);
+    profile = sample::ext::ConfigProfile::create(loaded, sample::nameUuid("profile"));
+    s.store->basicSetActiveProfile(profile);
+    return loaded;
+  });
+  s.store->basicSetActiveProfile(proxyOf<sample::ext::ConfigProfile>(s.model, u"library", "profile"));
+  EXPECT_EQ(s.store->getActiveProfile(), profile);
+
+  ModelDirectory::getInstance().setLoader([&](std::u16string const& name) {
+    loaded = Model::create();
+    loaded->setName(name);
+    s.category->getContents()->clear();
+    return loaded;
+  });
+  auto& contents = *s.category->getContents();
+  contents.basicAdd(proxyOf<sample::runtime::ParamState>(s.model, u"another", "param"));
+  EXPECT_THAT(contents.getAllValues(), testing::Not(testing::IsEmpty())) << "those that came before it";
+  EXPECT_TRUE(contents.empty());
+  contents.basicAdd(proxyOf<sample::runtime::ParamState>(s.model, u"a third", "param"));
+  EXPECT_TRUE(contents.at(0).isEmpty());
+  ModelDirectory::getInstance().setLoader({});
+}
+
+TEST(Proxy, IsPutBackWhenASetThatDoesNotResolveItIsRefusedOrTakenBack) {
+  SampleModel s;
+  auto const property = tessel::frame::propertyOf(sample::ext::ConfigStore::metaClass(), u"ActiveProfile");
+  auto const set = [&](plinth::ModelElement const& target) {
+    s.store->setPropertyValue(property, plinth::Value::createElementValue(property, target),
+                              ReflectionPrivateTag::NO_PROXY_RESOLVE);
+  };
+  s.store->basicSetActiveProfile(proxyOf<sample::ext::ConfigProfile>(s.model, u"nowhere", "profile"));
+  Snapshot const before(s.model);
+  auto const other = Model::create();
+  EXPECT_EQ(raised([&] { set(sample::ext::ConfigProfile::create(other)); }), "CannotCreateCrossModelAssociation");
+  EXPECT_TRUE(before.isBack());
+  {
+    auto const transaction = s.model.beginTransaction();
+    set(s.night);
+    EXPECT_EQ(s.store->getActiveProfile(), s.night);
+  }
+  EXPECT_TRUE(before.isBack());
 }
 
 /// Two models with a parameter in one and its category and tag in the other, linked at both ends.

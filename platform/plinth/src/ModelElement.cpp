@@ -1,7 +1,6 @@
 #include "plinth/ModelElement.hpp"
 
 #include <boost/uuid/uuid_io.hpp>
-#include <type_traits>
 
 #include "LiveObjects.hpp"
 #include "Teardown.hpp"
@@ -140,7 +139,8 @@ boost::optional<ProxyId> ModelElementImpl::getProxyId() const {
 
 ProxyId ModelElementImpl::getPersistentProxyId(bool local) const {
   ProxyId id{getMetaClass()->getQualifiedName(), ModelElementImpl::identifier(), boost::none};
-  if (!local && !m_model->name().empty()) id.model = m_model->name();
+  // A dead element may have outlived its model.
+  if (!local && (m_state & DESTROYED) == 0 && !m_model->name().empty()) id.model = m_model->name();
   return id;
 }
 
@@ -204,8 +204,21 @@ void ModelElementImpl::copyStateFromStorage(Storage* storage) {
 void ModelElementImpl::checkCompatibleModel(ModelElementImpl* target, meta::PropertyImpl const& property) const {
   if (target == nullptr) return;
   if (target->m_model != m_model) reportException(messages::CannotCreateCrossModelAssociation());
+  if (target->isProxy() && property.isComposite() && !m_model->proxyId(*target)->isLocal()) {
+    reportException(messages::CannotCreateCrossModelAssociation());
+  }
   if ((target->m_state & DESTROYED) != 0) reportException(messages::CannotAddNonExistentObject());
   if (property.isComposite() && liesIn(*target)) reportException(messages::CannotContainAncestor());
+}
+
+bool ModelElementImpl::mayReplaceProxy(ModelElementImpl const& found, meta::PropertyImpl const& property) const {
+  auto const* const type = static_cast<meta::ClassImpl const*>(property.type());
+  if (!found.isLive() || found.isProxy() || !found.getMetaClass()->conformsTo(*type)) return false;
+  if (found.m_model != m_model) return !property.isComposite() && !found.isProvisional();
+  if (!property.isComposite()) return true;
+  if (m_model->isFrozen() || liesIn(found)) return false;
+  bool const liesHere = found.m_container == this && found.m_containmentProperty == &property;
+  return found.m_container == nullptr || liesHere || property.qualifiedBy() != nullptr;
 }
 
 bool ModelElementImpl::liesIn(ModelElementImpl const& candidate) const noexcept {

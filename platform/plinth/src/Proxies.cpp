@@ -1,9 +1,6 @@
-#include <boost/lexical_cast.hpp>
 #include <boost/uuid/string_generator.hpp>
-#include <cctype>
 
 #include "plinth/Builder.hpp"
-#include "plinth/Messages.hpp"
 #include "plinth/Model.hpp"
 #include "plinth/ModelDirectory.hpp"
 #include "plinth/meta/Type.hpp"
@@ -25,10 +22,13 @@ ModelElement ModelImpl::lookUp(ProxyId const& id, bool load) const {
 }
 
 ModelElement ModelImpl::resolveProxy(ModelElementImpl const*, ModelElement const& proxy) {
-  ProxyId const* const id = proxyId(*proxy);
-  if (id == nullptr) return proxy;
-  ModelElement const found = lookUp(*id, true);
-  return found ? found : proxy;
+  ProxyId const* const known = proxyId(*proxy);
+  if (known == nullptr) return proxy;
+  // A loader may let go of the proxy, and of whatever field the caller has it from.
+  ModelElement const held = proxy;
+  ProxyId const id = *known;
+  ModelElement const found = lookUp(id, true);
+  return found ? found : held;
 }
 
 ModelElement ModelImpl::peekResolveProxy(ModelElementImpl const*, ModelElement const& proxy) const {

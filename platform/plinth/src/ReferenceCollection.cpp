@@ -57,7 +57,7 @@ void ReferenceCollection::inverseBeforeRemoving(ModelElementImpl& element) {
 
 ModelElement ReferenceCollection::resolved(ModelElement const& proxy) const {
   ModelElement const found = resolveProxy(proxy);
-  if (!found || found->isProxy()) return {};
+  if (!owner()->mayReplaceProxy(*found, *property())) return {};
   if (opposite() != nullptr && !isComposite() && !listsOwner(*found)) return {};
   return found;
 }

@@ -51,7 +51,10 @@ void AssociativeStore<C>::basicAdd(ModelElement const& element) {
 template <class C>
 void AssociativeStore<C>::basicRemove(ModelElement const& element) {
   auto const at = locate(element);
-  if (at == m_elements.end()) return;
+  if (at == m_elements.end()) {
+    removeProxyFor(element);
+    return;
+  }
   Operation operation(*this);
   eraseRaw(at, modifying());
   operation.commit();

@@ -1,6 +1,6 @@
 #include "plinth/collections/ReferenceAssociative.hpp"
 
-#include "plinth/FailurePoint.hpp"
+#include "CollectionView.hpp"
 
 namespace plinth {
 namespace detail {
@@ -74,6 +74,15 @@ void ReferenceAssociative::removeProxy(ModelElement const& proxy) {
     static_cast<detail::AssociativeJournal*>(journal)->note(true);
   }
   operation.commit();
+}
+
+void ReferenceAssociative::removeProxyFor(ModelElement const& element) {
+  if (m_proxies == nullptr || m_proxies->empty() || !element || element->isProxy()) return;
+  if (owner() == nullptr || element->modelIdentity() == owner()->modelIdentity()) return;
+  auto const found = m_proxies->find(element->getPersistentProxyId(false));
+  if (found == m_proxies->end()) return;
+  ModelElement const proxy = found->second;
+  removeProxy(proxy);
 }
 
 void ReferenceAssociative::copyProxies(ReferenceAssociative const* other, CollectionJournal* journal) {
@@ -196,27 +205,8 @@ void ReferenceAssociative::clear() {
   operation.commit();
 }
 
-namespace {
-
-/// The untyped view of a set.
-class SetInterface final : public GenericCollectionInterface {
- public:
-  explicit SetInterface(ReferenceAssociative& collection) noexcept : m_collection(&collection) {}
-  std::uint32_t genericSize() const override { return static_cast<std::uint32_t>(m_collection->rawSize()); }
-  void genericAdd(ModelElement const& element) override { m_collection->genericAdd(element); }
-  void genericRemove(ModelElement const& element) override { m_collection->genericRemove(element); }
-  void genericClear() override { m_collection->clear(); }
-  void genericBasicClear() override { m_collection->basicClear(); }
-  bool genericContains(ModelElement const& element) const override { return m_collection->genericContains(element); }
-
- private:
-  ReferenceAssociative* m_collection;
-};
-
-}  // namespace
-
 std::unique_ptr<GenericCollectionInterface> ReferenceAssociative::makeGenericInterface() {
-  return std::make_unique<SetInterface>(*this);
+  return std::make_unique<CollectionView<GenericCollectionInterface, ReferenceCollection>>(*this);
 }
 
 }  // namespace plinth

@@ -2,6 +2,7 @@
 
 #include <functional>
 
+#include "CollectionView.hpp"
 #include "plinth/FailurePoint.hpp"
 
 namespace plinth {
@@ -105,23 +106,14 @@ void ReferenceMap::genericAdd(ModelElement const& element) {
 namespace {
 
 /// The untyped view of a map.
-class MapInterface final : public GenericMapInterface {
+class MapInterface final : public CollectionView<GenericMapInterface, ReferenceMap> {
  public:
-  explicit MapInterface(ReferenceMap& map) noexcept : m_map(&map) {}
-  std::uint32_t genericSize() const override { return static_cast<std::uint32_t>(m_map->size()); }
-  void genericAdd(ModelElement const& element) override { m_map->genericAdd(element); }
-  void genericRemove(ModelElement const& element) override { m_map->genericRemove(element); }
-  void genericClear() override { m_map->clear(); }
-  void genericBasicClear() override { m_map->basicClear(); }
-  bool genericContains(ModelElement const& element) const override { return m_map->genericContains(element); }
+  using CollectionView::CollectionView;
   ModelElement genericGet(Value const& key) const override {
-    return m_map->findElement(key.getValue<std::u16string>());
+    return collection().findElement(key.getValue<std::u16string>());
   }
-  std::vector<Value> genericKeys() const override { return m_map->getAllKeys(); }
-  meta::Type getQualifierType() const override { return m_map->getQualifierType(); }
-
- private:
-  ReferenceMap* m_map;
+  std::vector<Value> genericKeys() const override { return collection().getAllKeys(); }
+  meta::Type getQualifierType() const override { return collection().getQualifierType(); }
 };
 
 }  // namespace

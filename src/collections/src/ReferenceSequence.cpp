@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "CollectionView.hpp"
 #include "plinth/FailurePoint.hpp"
 
 namespace plinth {
@@ -105,11 +106,19 @@ std::size_t ReferenceSequence::positionOf(ModelElement const& element) const {
   return static_cast<std::size_t>(std::find(m_elements.begin(), m_elements.end(), element) - m_elements.begin());
 }
 
+std::size_t ReferenceSequence::positionOfProxyFor(ModelElement const& element) const {
+  // A link between models only: within a model the far end is real when it lets go.
+  if (owner() == nullptr || !element || element->modelIdentity() == owner()->modelIdentity()) return m_elements.size();
+  auto const standsForIt = [&](ModelElement const& slot) {
+    return !slot.isEmpty() && slot->isProxy() && peekResolveProxy(slot) == element;
+  };
+  return static_cast<std::size_t>(std::find_if(m_elements.begin(), m_elements.end(), standsForIt) - m_elements.begin());
+}
+
 /// The first position of the element, or size(); a proxy on the way that resolves to it counts as it.
 std::size_t ReferenceSequence::findResolving(ModelElement const& element) {
   for (std::size_t i = 0; i < m_elements.size(); ++i) {
-    if (m_elements[i] != element) resolveSlot(i);
-    if (m_elements[i] == element) return i;
+    if (resolveAt(i) == element) return i;
   }
   return m_elements.size();
 }
@@ -121,6 +130,7 @@ void ReferenceSequence::removeElement(ModelElement const& element) {
 
 void ReferenceSequence::basicRemove(ModelElement const& element) {
   std::size_t position = positionOf(element);
+  if (position == m_elements.size()) position = positionOfProxyFor(element);
   if (position == m_elements.size()) return;
   Operation operation(*this, m_repeats ? Operation::WHOLE : Operation::SINGLE);
   Journal* const journal = recordingJournal();
@@ -188,8 +198,7 @@ void ReferenceSequence::basicCopyValues(ReferenceCollection const* other) {
 }
 
 void ReferenceSequence::replaceAt(std::size_t position, ModelElement const& element) {
-  resolveSlot(position);
-  if (m_elements[position] == element) return;
+  if (resolveAt(position) == element) return;
   if (element.isEmpty()) reportException(messages::CannotAddNonExistentObject());
   if (m_unique && containsElement(element)) reportException(messages::CannotAddSecondObject());
   checkCompatibleModel(element.impl());
@@ -226,13 +235,18 @@ bool ReferenceSequence::resolveSlot(std::size_t position) {
   if (proxy.isEmpty() || !proxy->isProxy()) return false;
   ModelElement real = resolved(proxy);
   if (real.isEmpty()) return false;
+  if (position >= m_elements.size() || m_elements[position] != proxy) return false;  // a loader has changed it
   takePlaceOfProxy(position, std::move(real));
   return true;
 }
 
 /// Resolving is no modification, with no Operation and no notice, as long as the element can't go back to where it came
-/// from.
+/// from. In a containment it is one: the element becomes a child.
 void ReferenceSequence::takePlaceOfProxy(std::size_t position, ModelElement real) {
+  if (isComposite()) {
+    replaceProxyAt(real, position);
+    return;
+  }
   Journal* const journal = real->isProvisional() && owner()->model().level() > 0 ? recordingJournal() : nullptr;
   if (journal != nullptr) {
     journal->reserve();
@@ -243,8 +257,9 @@ void ReferenceSequence::takePlaceOfProxy(std::size_t position, ModelElement real
 }
 
 ModelElement const& ReferenceSequence::resolveAt(std::size_t position) {
+  static ModelElement const none;
   resolveSlot(position);
-  return m_elements[position];
+  return position < m_elements.size() ? m_elements[position] : none;
 }
 
 void ReferenceSequence::useFilter(std::unique_ptr<SaturatedBloomFilter> filter) {
@@ -257,7 +272,7 @@ std::vector<ModelElement> ReferenceSequence::getAllValues() {
   values.reserve(m_elements.size());
   for (std::size_t i = 0; i < m_elements.size(); ++i) {
     ModelElement const& element = resolveAt(i);
-    if (!element->isProxy()) values.push_back(element);
+    if (!element.isEmpty() && !element->isProxy()) values.push_back(element);
   }
   return values;
 }
@@ -296,11 +311,14 @@ void ReferenceSequence::replaceProxy(ModelElement const& element) {
 }
 
 void ReferenceSequence::replaceProxyAt(ModelElement const& element, std::size_t position) {
-  m_elements[position] = element;
-  addToFilter(element);
-  if (!hasInverse() || listsOwner(*element)) return;
   Operation operation(*this, Operation::WHOLE);
-  inverseAfterAdding(*element);
+  Journal* const journal = recordingJournal();
+  if (journal != nullptr) journal->reserve();
+  ModelElement former = std::exchange(m_elements[position], element);
+  addToFilter(element);
+  noteRepetition(element);
+  if (journal != nullptr) journal->replaced(position, std::move(former));
+  if (hasInverse() && !listsOwner(*element)) inverseAfterAdding(*element);
   operation.commit();
 }
 
@@ -362,39 +380,32 @@ std::unique_ptr<AbstractOwnedCollection> ReferenceSequence::detachedCopy() const
 namespace {
 
 /// The untyped view of a sequence.
-class GenericSequence final : public GenericSequenceInterface {
+class GenericSequence final : public CollectionView<GenericSequenceInterface, ReferenceSequence> {
  public:
-  explicit GenericSequence(ReferenceSequence& sequence) noexcept : m_sequence(&sequence) {}
-
-  std::uint32_t genericSize() const override { return static_cast<std::uint32_t>(m_sequence->size()); }
-  void genericAdd(ModelElement const& element) override { m_sequence->genericAdd(element); }
+  using CollectionView::CollectionView;
   void genericEnsureAt(ModelElement const& element, std::uint32_t index) override {
-    if (accepts(element)) m_sequence->ensureAt(index, element);
+    if (accepts(element)) collection().ensureAt(index, element);
   }
-  void genericRemove(ModelElement const& element) override { m_sequence->genericRemove(element); }
-  void genericClear() override { m_sequence->clear(); }
-  void genericBasicClear() override { m_sequence->basicClear(); }
-  bool genericContains(ModelElement const& element) const override { return m_sequence->genericContains(element); }
-  ModelElement genericAt(std::uint32_t index) override { return m_sequence->resolveAt(index); }
+  ModelElement genericAt(std::uint32_t index) override { return collection().resolveAt(index); }
   void genericInsert(ModelElement const& element, std::uint32_t index) override {
-    if (accepts(element)) m_sequence->insertElement(index, element);
+    if (accepts(element)) collection().insertElement(index, element);
   }
   void genericReplace(ModelElement const& element, std::uint32_t index) override {
-    if (accepts(element)) m_sequence->replaceAt(index, element);
+    if (accepts(element)) collection().replaceAt(index, element);
   }
-  void genericRemoveAt(std::uint32_t index) override { m_sequence->eraseAt(index); }
+  void genericRemoveAt(std::uint32_t index) override { collection().eraseAt(index); }
   std::uint32_t genericIndexOf(ModelElement const& element) const override {
-    std::size_t const position = m_sequence->fits(element) ? m_sequence->positionOf(element) : m_sequence->size();
-    return position == m_sequence->size() ? ABSENT : static_cast<std::uint32_t>(position);
+    ReferenceSequence const& sequence = collection();
+    std::size_t const position = sequence.fits(element) ? sequence.positionOf(element) : sequence.size();
+    return position == sequence.size() ? ABSENT : static_cast<std::uint32_t>(position);
   }
 
  private:
   bool accepts(ModelElement const& element) const {
     if (!element) return false;
-    m_sequence->requireFitting(element);
+    collection().requireFitting(element);
     return true;
   }
-  ReferenceSequence* m_sequence;
 };
 
 }  // namespace

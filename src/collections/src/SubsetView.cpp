@@ -1,5 +1,6 @@
 #include "plinth/collections/SubsetView.hpp"
 
+#include "CollectionView.hpp"
 #include "plinth/Messages.hpp"
 
 namespace plinth {
@@ -61,26 +62,8 @@ void SubsetView::clear() {
   operation.commit();
 }
 
-namespace {
-
-class SubsetInterface final : public GenericCollectionInterface {
- public:
-  explicit SubsetInterface(SubsetView& view) noexcept : m_view(&view) {}
-  std::uint32_t genericSize() const override { return static_cast<std::uint32_t>(m_view->size()); }
-  void genericAdd(ModelElement const& element) override { m_view->genericAdd(element); }
-  void genericRemove(ModelElement const& element) override { m_view->genericRemove(element); }
-  void genericClear() override { m_view->clear(); }
-  void genericBasicClear() override {}
-  bool genericContains(ModelElement const& element) const override { return m_view->genericContains(element); }
-
- private:
-  SubsetView* m_view;
-};
-
-}  // namespace
-
 std::unique_ptr<GenericCollectionInterface> SubsetView::makeGenericInterface() {
-  return std::make_unique<SubsetInterface>(*this);
+  return std::make_unique<CollectionView<GenericCollectionInterface, ReferenceCollection>>(*this);
 }
 
 }  // namespace plinth

@@ -25,7 +25,7 @@ ReferenceCollection& requireCollection(Element& element, PropertyDescriptor cons
 ReferenceCollection* readCollection(Element const& self, PropertyDescriptor const& row) {
   self.requireReal();
   auto& collection = requireCollection(const_cast<Element&>(self), row);
-  if (row.property->qualifiedBy() != nullptr && self.isLive() && self.model().resolveSuppression() < 1) {
+  if (row.property->qualifiedBy() != nullptr && self.isLive() && self.model().mayResolveOnRead()) {
     collection.resolveAll();
   }
   return &collection;
@@ -35,7 +35,7 @@ void reportReadOnly(PropertyDescriptor const& row) {
   plinth::reportException(plinth::messages::CannotSetReadOnlyProperty(row.property->qualifiedName()));
 }
 
-PropertyDescriptor const& siblingRow(Element const&, PropertyDescriptor const& row, std::size_t position) {
+PropertyDescriptor const& siblingRow(PropertyDescriptor const& row, std::size_t position) {
   return *(&row - row.property->position() + position);
 }
 

@@ -1,7 +1,5 @@
 #include "tessel_config_datamodel/frame/SingleElement.hpp"
 
-#include "plinth/Messages.hpp"
-
 namespace tessel::frame {
 
 using plinth::ModelElement;
@@ -9,8 +7,18 @@ using plinth::ModelElementImpl;
 
 namespace {
 
-/// Resolving is no modification and needs no notice, as long as the element can't go back to where it came from.
+/// Resolving is no modification and needs no notice, as long as the element can't go back to where it came from. In a
+/// containment it is one: the element becomes a child.
 void takePlaceOfProxy(Element& self, ElementField& field, PropertyDescriptor const& row, ModelElement real) {
+  if (row.property->isComposite()) {
+    plinth::Step step(self.model(), plinth::Step::WHOLE);
+    self.notifyModifying(row.index);
+    if (field->basicContainer() == &self) self._basicSetUncontained(field.impl());
+    self._setContainedByThis(real.impl(), *row.property);
+    field = std::move(real);
+    step.commit();
+    return;
+  }
   if (real->isProvisional() && self.model().level() > 0) self.notifyModifying(row.index);
   field = std::move(real);
 }
@@ -22,8 +30,10 @@ void refreshElement(Element& self, ElementField& field, PropertyDescriptor const
     if (field.impl()->modelIdentity() != self.modelIdentity()) field = ModelElement();
     return;
   }
-  ModelElement resolved = self.model().resolveProxy(&self, field);
-  if (!resolved || resolved->isProxy()) return;
+  ModelElement const proxy = field;
+  ModelElement resolved = self.model().resolveProxy(&self, proxy);
+  if (field != proxy) return;  // a loader has set it
+  if (!self.mayReplaceProxy(*resolved, *row.property)) return;
   auto* const opposite = row.property->opposite();
   if (opposite != nullptr && !self._inverseContainsThis(resolved.impl(), *opposite)) return;
   takePlaceOfProxy(self, field, row, std::move(resolved));
@@ -87,10 +97,20 @@ plinth::Value SingleElementKind::get(Element& element, Row const& row, Tag const
 void SingleElementKind::set(Element& element, Row const& row, plinth::Value const& value, Tag const& tag) const {
   ModelElement const target = elementFrom(value, row);
   auto& field = fieldOf<ElementField>(element, row);
-  if (!tag.resolvesProxies() && target && !target->isProxy() && field && field->isProxy()) {
-    field = ModelElement();  // the comparison in the setter must not resolve it
+  if (tag.resolvesProxies() || !target || target->isProxy() || !field || !field->isProxy()) {
+    store(element, row, target);
+    return;
   }
+  // The comparison in the setter must not resolve the proxy, so the field is cleared first: with the setter's checks
+  // before it, and the proxy kept for an undo.
+  element.requireModifiable();
+  element.checkCompatibleModel(target.impl(), *row.property);
+  plinth::Step step(element.model(), plinth::Step::WHOLE);
+  element.notifyModifying(row.index);
+  if (field->basicContainer() == &element) element._basicSetUncontained(field.impl());
+  field = ModelElement();
   store(element, row, target);
+  step.commit();
 }
 
 void SingleElementKind::keepOld(Element const& element, ElementStorage& storage, Row const& row) const {

@@ -5,7 +5,6 @@
 
 #include <boost/intrusive/unordered_set_hook.hpp>
 #include <boost/optional.hpp>
-#include <memory>
 #include <vector>
 
 #include "plinth/Handle.hpp"
@@ -144,6 +143,10 @@ class TESSEL_EXPORT ModelElementImpl : public ElementImpl {
   void notifyJournaling(unsigned long index);
   /// Refuses a target of another model, and for a containment one that this element lies in. Tolerates null.
   void checkCompatibleModel(ModelElementImpl* target, meta::PropertyImpl const& property) const;
+  /// Whether `found`, which a proxy in `property` names, may stand there in its place: it is of the property's class,
+  /// and no other model's open transaction may take it back. In a containment it becomes a child: it has to be of this
+  /// model, which must be open to change, and to lie nowhere else, unless a map is to take it from there.
+  bool mayReplaceProxy(ModelElementImpl const& found, meta::PropertyImpl const& property) const;
   bool isAnnounced() const noexcept { return (m_state & ANNOUNCED) != 0; }
   /// True while the transaction that created this element is open and may take it back.
   bool isProvisional() const noexcept { return m_createdLevel != NO_LEVEL; }

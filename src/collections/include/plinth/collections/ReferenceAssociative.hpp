@@ -20,6 +20,8 @@ class TESSEL_EXPORT ReferenceAssociative : public ReferenceCollection {
   /// another model.
   void addProxy(ModelElement const& proxy);
   void removeProxy(ModelElement const& proxy);
+  /// Removes the proxy that stands for an element of another model, if there is one.
+  void removeProxyFor(ModelElement const& element);
   /// Removes a member, which may be dead, or a proxy; one that is not there is ignored.
   void removeMember(ModelElement const& element);
 

@@ -39,6 +39,8 @@ class TESSEL_EXPORT ReferenceSequence : public ReferenceCollection {
   bool containsElement(ModelElement const& element) const;
   /// The first position of the element, or size(). Linear.
   std::size_t positionOf(ModelElement const& element) const;
+  /// The first position of a proxy that stands for this element of another model, or size().
+  std::size_t positionOfProxyFor(ModelElement const& element) const;
 
   /// Gives the sequence a filter that makes `contains` fast for elements that are not in it.
   void useFilter(std::unique_ptr<SaturatedBloomFilter> filter);

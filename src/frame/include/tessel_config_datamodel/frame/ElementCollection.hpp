@@ -89,11 +89,10 @@ class SubsetKind final : public ElementCollectionKind {
 /// Raises CannotSetReadOnlyProperty for the row's property.
 [[noreturn]] TESSEL_EXPORT void reportReadOnly(PropertyDescriptor const& row);
 /// The row `SOURCE` places into the table that `row` stands in.
-TESSEL_EXPORT PropertyDescriptor const& siblingRow(Element const& element, PropertyDescriptor const& row,
-                                                   std::size_t position);
+TESSEL_EXPORT PropertyDescriptor const& siblingRow(PropertyDescriptor const& row, std::size_t position);
 TESSEL_EXPORT plinth::ReferenceCollection& requireCollection(Element& element, PropertyDescriptor const& row);
-/// The getter of an element collection: refuses a proxy, and resolves the proxies of a map unless the model says not
-/// to.
+/// The getter of an element collection: raises CannotModifyProxy for a proxy. That of a map takes in what its proxies
+/// name, if it can be had, as a step of its own: listeners are told. A frozen model's proxies stay.
 TESSEL_EXPORT plinth::ReferenceCollection* readCollection(Element const& self, PropertyDescriptor const& row);
 
 template <class C>
@@ -108,14 +107,14 @@ void SubsetKind<V, P, SOURCE>::set(Element&, Row const& row, plinth::Value const
 
 template <class V, class P, std::size_t SOURCE>
 bool SubsetKind<V, P, SOURCE>::has(Element const& element, Row const& row) const {
-  Row const& source = siblingRow(element, row, SOURCE);
+  Row const& source = siblingRow(row, SOURCE);
   if (!source.kind->has(element, source)) return false;
   return !require(const_cast<Element&>(element), row).empty();
 }
 
 template <class V, class P, std::size_t SOURCE>
 CollectionField SubsetKind<V, P, SOURCE>::make(Element& element, Row const& row) const {
-  auto& parent = static_cast<P&>(requireCollection(element, siblingRow(element, row, SOURCE)));
+  auto& parent = static_cast<P&>(requireCollection(element, siblingRow(row, SOURCE)));
   return std::make_unique<V>(parent, &element, row.property);
 }
 
