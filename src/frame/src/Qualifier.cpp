@@ -50,7 +50,8 @@ void overrideQualifier(Element& self, std::u16string const& present, std::u16str
                        PropertyDescriptor const& row, void (*store)(Element& self, std::u16string const& value)) {
   if (present == value) return;
   refuseTakenKey(self, value, row);
-  // A proxy is refused by `store`, inside the transaction; a destroyed element has no map left to be kept sound.
+  // A proxy is refused by `store`, inside the transaction. A destroyed element may have no model to begin one in.
+  if (!self.isProxy()) self.requireModifiable();
   rekey(self, row, [&] { store(self, value); });
 }
 
