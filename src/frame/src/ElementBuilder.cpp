@@ -1,6 +1,5 @@
 #include "tessel_config_datamodel/frame/ElementBuilder.hpp"
 
-#include "plinth/Messages.hpp"
 #include "tessel_config_datamodel/frame/Element.hpp"
 
 namespace tessel::frame {

@@ -2,8 +2,6 @@
 
 #include <mutex>
 
-#include "groundwork/unicode.hpp"
-#include "plinth/Messages.hpp"
 #include "plinth/ValueText.hpp"
 #include "plinth/meta/NameUuid.hpp"
 #include "tessel_config_datamodel/frame/HostArrayText.hpp"

@@ -30,7 +30,7 @@ enum class ClassId : std::uint32_t {
 /// enumeration over int32 have. Who only asks for the representation ignores the bit.
 constexpr std::uint32_t BUILT_IN_BASED_FLAG = 16;
 
-/// Class and byte size of the element types of logical, char and numeric arrays; no member for any other type.
+/// Class of the element types of logical, char and numeric arrays; no member for any other type.
 template <typename T>
 struct ElementClass;
 

@@ -61,7 +61,6 @@ class TESSEL_EXPORT Storage : public Changes {
 
   virtual void setOldContainer(ModelElement const& container, meta::Property const& property) noexcept;
   ModelElement const& oldContainer() const noexcept { return m_oldContainer; }
-  meta::PropertyImpl* oldContainmentProperty() const noexcept { return m_oldContainmentProperty; }
 
   /// Clears the bits of properties whose present value equals the old one.
   virtual void revertUnchanged(ModelElementImpl* element);

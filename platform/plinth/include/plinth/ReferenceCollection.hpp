@@ -3,7 +3,6 @@
 #pragma once
 
 #include <functional>
-#include <unordered_map>
 #include <vector>
 
 #include "plinth/AbstractOwnedCollection.hpp"

@@ -10,7 +10,6 @@
 #include <mutex>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 
 #include "plinth/meta/Enum.hpp"
 #include "plinth/meta/Package.hpp"

@@ -54,9 +54,8 @@ class TESSEL_EXPORT ElementBuilder : public plinth::ModelElementBuilder {
   void setOrAdd(plinth::meta::Property const& property, plinth::Value const& value) final;
   void setOrAdd(plinth::meta::Property const& property, std::unique_ptr<plinth::ModelElementBuilder> child) final;
 
-  /// For the kinds: the property of this index has been given, or given up.
+  /// For the kinds: the property of this index has been given.
   void markSet(unsigned long index) noexcept { mark(index); }
-  void markUnset(unsigned long index) noexcept { unmark(index); }
 
  protected:
   /// With a model, the class's own type stamps are given; without, none is.

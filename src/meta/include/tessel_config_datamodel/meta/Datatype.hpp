@@ -3,7 +3,6 @@
 // values. Thread rule: plain values; the serializer has no state.
 #pragma once
 
-#include <array>
 #include <boost/optional.hpp>
 #include <cstdint>
 #include <memory>
