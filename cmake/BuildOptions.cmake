@@ -3,6 +3,7 @@
 option(TESSEL_BRIDGE "Build the script bridge and the host class system" ON)
 option(TESSEL_BUILD_TESTS "Build the tests" ${PROJECT_IS_TOP_LEVEL})
 option(TESSEL_BUILD_BENCH "Build the benchmarks" OFF)
+option(TESSEL_BUILD_FUZZERS "Build the fuzzers, which need clang++ and the examples" OFF)
 option(TESSEL_BUILD_TOOLS "Build the programs under tools/" ${PROJECT_IS_TOP_LEVEL})
 option(TESSEL_BUILD_EXAMPLES "Build the programs under examples/" ${PROJECT_IS_TOP_LEVEL})
 option(TESSEL_FAILURE_POINTS "Compile in the named failure points that the rollback tests arm" OFF)

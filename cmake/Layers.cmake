@@ -1,16 +1,5 @@
 # The layers of the library: one OBJECT library each, which sees the headers of the layers below it and no others.
 
-# tessel_add_folders(FOLDER...): adds the folders that have a CMakeLists.txt.
-macro(tessel_add_folders)
-  foreach(folder IN ITEMS ${ARGN})
-    if(EXISTS ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/CMakeLists.txt)
-      add_subdirectory(${folder})
-    else()
-      message(STATUS "Folder ${folder} has nothing to build")
-    endif()
-  endforeach()
-endmacro()
-
 # tessel_add_layer(NAME [SEES LAYER...] [SOURCES FILE...] [INCLUDES FOLDER...]): a layer of the current folder. Public
 # headers stand below include/, sources and headers of its own below src/; SOURCES and INCLUDES add what stands elsewhere
 # (generated code). A layer without any source is one of headers alone.

@@ -126,7 +126,7 @@ class TESSEL_EXPORT Value {
   static constexpr std::size_t IN_PLACE = 8;
   template <class T>
   static constexpr bool standsInPlace = sizeof(T) <= IN_PLACE &&
-                                        alignof(T) <= IN_PLACE&& std::is_nothrow_move_constructible_v<T>;
+                                        (alignof(T) <= IN_PLACE) && std::is_nothrow_move_constructible_v<T>;
   template <class T>
   static Functions const& functionsOf() noexcept;
   void reset() noexcept;

@@ -26,11 +26,9 @@ struct TESSEL_EXPORT Finding {
 TESSEL_EXPORT std::ostream& operator<<(std::ostream& stream, Finding const& finding);
 
 /// Checks the model; a sound one gives no finding. The rules:
-/// - "directory": an element is live, announced and real, is found by its UUID, and stands in the list of its own
-/// class;
-/// - "containment": what a containment property holds has this element and property as its container link, and the
-/// other
-///   way round;
+/// - "directory": an element is live, announced and real, is found by its UUID, and stands in the list of its class;
+/// - "containment": what a containment property holds names this element and property as where it lies, and what
+///   names them is held there;
 /// - "containment cycle": no element contains itself;
 /// - "opposite": both ends of an opposite link list each other; ends that are proxies or lie in other models excepted;
 /// - "key": an element stands in a map under the key that it bears;
