@@ -110,21 +110,42 @@ class U16StringPrinter:
         return "string"
 
 
+def content_type_of(functions):
+    """The C++ type that a value's functions are made for, read off the name of its deleter; None where it has none."""
+    name = functions.dereference()["deleter"].format_string(symbols=True, raw=True)
+    start = name.find("genericDeleter<")
+    end = name.rfind(">(")
+    if start < 0 or end < start:
+        return None
+    try:
+        return gdb.lookup_type(name[start + len("genericDeleter<"):end].strip())
+    except gdb.error:
+        return None
+
+
 class ValuePrinter:
-    """plinth::Value: its fields, those that say what it holds first."""
+    """plinth::Value: the name of its meta type, and its content."""
 
     def __init__(self, value):
         self.value = value
 
     def to_string(self):
-        return "value"
+        meta_type = self.value["m_meta"]["m_type"]
+        if int(meta_type) == 0:
+            return "value of no type"
+        name = meta_type.dereference()["m_name"]
+        text = utf16_text(name["_M_dataplus"]["_M_p"], int(name["_M_string_length"]))
+        return "value of %s%s" % (text, "" if int(self.value["m_content"]) else ", no content")
 
     def children(self):
-        for field in self.value.type.strip_typedefs().fields():
-            if not field.is_base_class and not getattr(field, "is_static", False):
-                yield field.name, self.value[field]
-            elif field.is_base_class:
-                yield field.type.name, self.value.cast(field.type)
+        if int(self.value["m_content"]) == 0:
+            return
+        functions = self.value["m_functions"]
+        content = content_type_of(functions) if int(functions) else None
+        if content is None:
+            yield "content", self.value["m_content"]
+        else:
+            yield "content", self.value["m_content"].cast(content.pointer()).dereference()
 
 
 class TesselPrinters(gdb.printing.PrettyPrinter):
