@@ -71,6 +71,7 @@ class TESSEL_EXPORT ModelElementImpl : public ElementImpl {
   bool hasPropertyValue(meta::Property const& property) const;
   Value getPropertyValue(meta::Property const& property) const;
   void setPropertyValue(meta::Property const& property, Value const& value);
+  /// Calls an operation of the class. Raises NoSuchProperty for one that it doesn't have.
   virtual Value invoke(meta::Operation const& operation, std::vector<Value> const& arguments,
                        ReflectionPrivateTag const& tag);
   /// An empty handle for an index that the class doesn't have. O(length of the base chain).
@@ -83,13 +84,20 @@ class TESSEL_EXPORT ModelElementImpl : public ElementImpl {
   /// handle goes. Linear in what is destroyed; does not recurse on depth. Raises CannotModifyProxy for a proxy.
   void destroy();
   /// Teardown of a contained child; `detach` is false where the caller clears its own link.
+  /// Raises CannotModifyOutsideTransaction. What the other flags mean is up to overriders: they are handed on as given.
   void destroyRecursively(bool flag1, bool detach, bool flag2);
+  /// The step of teardown that sends the contained children into theirs and empties the containments.
   virtual void doDestroy(bool flag1, bool flag2);
+  /// Called before doDestroy, first this one and then the other; nothing has changed yet.
   virtual void notifyDestroying();
   virtual void aboutToDestroy();
+  /// Called when the model has taken the new element in.
   virtual void didCreate();
+  /// The step of teardown that detaches the element from the far ends of its links; its children are gone by then.
   virtual void disassociateIncoming();
+  /// Empties all links without a notice: the end of an element that nothing brings back.
   virtual void basicDisassociateAll();
+  /// Tells `m_callback` of each collection whose end has come: those of elements first, then those of values.
   virtual void invalidate();
   /// Tells the model of this new element: it is live from here on. Raises UniquenessConstraint when the model holds an
   /// element of this UUID.

@@ -19,6 +19,8 @@ class ElementBuilder;
 /// The fields of an element stand in this order, whatever the order of the property indexes.
 enum class FieldGroup { ATTRIBUTE, SINGLE_ELEMENT, COLLECTION };
 
+/// What may be refused raises the messages of the element's setters, before any change. Where an operation has a
+/// default, it is that of a plain value without links: it does nothing, and gives null, false or an empty value.
 class TESSEL_EXPORT PropertyKind {
  public:
   using Row = PropertyDescriptor;
@@ -31,33 +33,54 @@ class TESSEL_EXPORT PropertyKind {
   virtual FieldGroup group() const noexcept = 0;
 
   // Reflection.
+  /// Whether the field holds anything: always for a plain attribute, for the others a value, a live element, a member.
   virtual bool has(Element const& element, Row const& row) const = 0;
+  /// A managed copy of an attribute, an unmanaged value that points at a collection. Resolves proxies if `tag` says so,
+  /// which is why the element is not const.
   virtual plinth::Value get(Element& element, Row const& row, Tag const& tag) const = 0;
-  /// Raises NoSuchProperty where the kind can't be set by value.
+  /// Takes the steps of the typed setter. Raises what that raises, CannotCastIncompatibleTypes for a value of another
+  /// type, and NoSuchProperty where the kind can't be set by value.
   virtual void set(Element& element, Row const& row, plinth::Value const& value, Tag const& tag) const;
 
-  // Change storage. A slot is constructed by `keepOld` and ends with `dropOld`.
+  // Change storage. A slot of a record is raw memory until `keepOld` and ends with `dropOld`; who calls them knows from
+  // the record's bits which slots are constructed.
+  /// Constructs the slot from the field. May run out of memory: the change has not begun.
   virtual void keepOld(Element const& element, ElementStorage& storage, Row const& row) const;
   /// Puts the old value back into the field; what is in the slot afterwards doesn't matter. Must not fail.
   virtual void restoreOld(Element& element, ElementStorage& storage, Row const& row) const noexcept;
   virtual void dropOld(ElementStorage& storage, Row const& row) const noexcept;
+  /// Constructs the slot of `to`, an enclosing level's record that has none yet; the one of `from` is dropped later.
   virtual void moveOld(ElementStorage& from, ElementStorage& to, Row const& row) const noexcept;
+  /// What a listener is given. Points at the slot where the value is a collection.
   virtual plinth::Value oldValue(ElementStorage& storage, Row const& row) const;
+  /// Whether the field holds again what the slot holds. O(1) but for collections of values.
   virtual bool isUnchanged(Element const& element, ElementStorage const& storage, Row const& row) const;
+  /// The record is about to be published: a slot that follows the live collection has to stand by itself from now on.
   virtual void sealOld(ElementStorage& storage, Row const& row) const noexcept;
 
-  // Teardown and links; nothing to do for plain values.
+  // Teardown and links.
+  /// Appends the real elements that a containment holds.
   virtual void collectContained(Element const& element, Row const& row,
                                 std::vector<plinth::ModelElementImpl*>& children) const;
+  /// Sends the children of a containment into teardown and empties it. The flags are handed on as they came.
   virtual void destroyContained(Element& element, Row const& row, bool flag1, bool flag2) const;
+  /// Lets go of what a reference refers to, so that the far end of an opposite no longer lists this element.
   virtual void disassociate(Element& element, Row const& row) const;
+  /// Empties the field and nothing else: for an element that is gone for good.
   virtual void basicDisassociate(Element& element, Row const& row) const;
+  /// The collection of a many-valued property, or null; none is made.
   virtual plinth::AbstractOwnedCollection* collection(Element const& element, Row const& row) const;
+  /// The far end of a link has taken this element in: `far` goes into the field, with notice.
   virtual void inverseAdd(Element& element, Row const& row, plinth::ModelElementImpl& far) const;
+  /// The far end has let go: `far` leaves the field. A single element's field is cleared whatever it holds.
   virtual void inverseRemove(Element& element, Row const& row, plinth::ModelElementImpl& far) const;
+  /// Whether the field holds `far`, or a proxy that stands for it; such a proxy is replaced by it. References only.
   virtual bool containsProxyTo(Element& element, Row const& row, plinth::ModelElementImpl& far) const;
+  /// Drops the references of an element that leaves memory. With `convert`, far ends in other models keep a proxy of
+  /// this `id`, which the first of them fills in.
   virtual void convertToProxies(Element& element, Row const& row, bool convert,
                                 boost::optional<plinth::ProxyId>& id) const;
+  /// Puts `proxy` where the field holds `far`, which leaves memory.
   virtual void replaceByProxy(Element& element, Row const& row, plinth::ModelElementImpl& far,
                               plinth::ModelElement const& proxy) const;
 
@@ -71,7 +94,9 @@ class TESSEL_EXPORT PropertyKind {
   virtual void initialize(Element& element, ElementBuilder& builder, Row const& row) const;
   /// Links from the builder, through the full setter or the collection.
   virtual void link(Element& element, ElementBuilder& builder, Row const& row) const;
+  /// Appends a step for each child builder of a containment, in their order; the children are created after `element`.
   virtual void cascade(Element& element, ElementBuilder& builder, Row const& row, plinth::CascadeSteps& steps) const;
+  /// A child that such a step created goes into its place.
   virtual void attach(Element& element, Row const& row, plinth::ModelElement const& child) const;
   /// A type stamp, on a new element or in a builder.
   virtual void stamp(Element& element, Row const& row, int value) const;
