@@ -91,6 +91,16 @@ TEST_F(Marshalers, readAMemberFromTheTextOfALiteralAndAWrongClassAsZero) {
   EXPECT_FALSE(marshaler.isCorrectType(*text(u"no literal")));
 }
 
+TEST_F(Marshalers, takeOneValueOnlyFromAnArrayOfOne) {
+  auto const literals = kestrel::createStringRow({u"CONSTANT", u"OPERATION"});
+  EXPECT_EQ(errorOf([&] { of<ExprType>().fromKestrelArray(*literals); }), "Kestrel:class:WrongType");
+  EXPECT_EQ(errorOf([&] { of<ExprType>().fromKestrelArray(*text(u"")); }), "Kestrel:class:WrongType");
+  EXPECT_TRUE(of<ExprType>().fromKestrelArray(*kestrel::createEmpty(kestrel::ClassId::Double)).isEmpty());
+  auto const options = of<EnumOption>().fromValueVector({value(option(u"a")), value(option(u"b"))});
+  EXPECT_EQ(errorOf([&] { of<EnumOption>().fromKestrelArray(*options); }), "Kestrel:class:WrongType");
+  EXPECT_EQ(of<EnumOption>().toValueVector(*options).size(), 2u);
+}
+
 TEST_F(Marshalers, collapseEqualValuesInASetAndKeepThemInASequence) {
   auto const& marshaler = of<EnumOption>();
   auto const array = marshaler.fromValueVector({value(option(u"b")), value(option(u"a")), value(option(u"b"))});
@@ -124,6 +134,20 @@ TEST_F(Marshalers, takeHostArraysAsTheyAreAndNothingForAnEmptyOne) {
   EXPECT_EQ(none.getValue<HostArray>().get(), nullptr);
   EXPECT_TRUE(kestrel::isEmpty(*marshaler.toKestrelArray(none)));
   EXPECT_EQ(errorOf([&] { marshaler.toValueVector(*bytes); }), "plinth:messages:CannotCastIncompatibleTypes");
+}
+
+TEST_F(Marshalers, refuseAHandleOnAModelInAHostArrayAtWhateverDepth) {
+  auto const& marshaler = of<tessel::frame::HostArray>();
+  auto const model = announceModel(Model::create());
+  EXPECT_EQ(errorOf([&] { marshaler.fromKestrelArray(*model); }), "Kestrel:class:WrongType");
+  auto cells = kestrel::createCell(kestrel::row(2));
+  kestrel::setCell(*cells, 0, of<EnumOption>().toKestrelArray(value(option(u"a"))));
+  auto record = kestrel::createStruct({"a"});
+  kestrel::setField(*record, 0, "a", kestrel::deepCopy(cells.get()));
+  EXPECT_EQ(errorOf([&] { marshaler.fromKestrelArray(*record); }), "none") << "values and gaps are kept";
+  kestrel::setCell(*cells, 1, call(model, "beginTransaction"));
+  kestrel::setField(*record, 0, "a", std::move(cells));
+  EXPECT_EQ(errorOf([&] { marshaler.fromKestrelArray(*record); }), "Kestrel:class:WrongType");
 }
 
 TEST_F(Marshalers, aTypeWithoutOneIsANamedError) {

@@ -1,4 +1,5 @@
 // Data types by name, what conforms to them, and what the host converts without losing anything.
+#include <cmath>
 #include <limits>
 
 #include "corvid/CorvidTypeRepository.hpp"
@@ -51,6 +52,41 @@ TEST_F(Conversions, betweenNumbersKeepEveryNumberOrAreRefused) {
   EXPECT_EQ(coerce("uint8 vector", kestrel::createRow<double>({1, 256})), nullptr);
   EXPECT_EQ(coerce("logical scalar", kestrel::createScalar(none)), nullptr);
   EXPECT_EQ(m_error, "Kestrel:class:ValueOutOfRange");
+}
+
+TEST_F(Conversions, ofIntegersToFloatingNumbersKeepEveryDigitOrAreRefused) {
+  constexpr auto least = std::numeric_limits<std::int64_t>::min();
+  constexpr std::uint64_t half = std::uint64_t{1} << 63;
+  EXPECT_TRUE(becomes("double scalar", kestrel::createScalar(least), kestrel::createScalar(-std::ldexp(1.0, 63))));
+  EXPECT_TRUE(becomes("double scalar", kestrel::createScalar(half), kestrel::createScalar(std::ldexp(1.0, 63))));
+  EXPECT_TRUE(
+      becomes("single scalar", kestrel::createScalar<std::int32_t>(16777216), kestrel::createScalar(16777216.F)));
+  for (std::int64_t const number : {std::int64_t{9007199254740993}, std::numeric_limits<std::int64_t>::max()})
+    EXPECT_EQ(coerce("double scalar", kestrel::createScalar(number)), nullptr) << number;
+  EXPECT_EQ(coerce("double scalar", kestrel::createScalar(std::numeric_limits<std::uint64_t>::max())), nullptr);
+  EXPECT_EQ(coerce("single vector", kestrel::createRow<std::int32_t>({1, 16777217})), nullptr);
+  EXPECT_EQ(coerce("single scalar", kestrel::createScalar(1e300)), nullptr) << "no number becomes infinite";
+}
+
+TEST_F(Conversions, thatFailNameTheValueAndItsPlace) {
+  factory::detail::initStringDataTypes();
+  auto const sentence = [](char const* type, kestrel::OwnedArray const& value) {
+    try {
+      kestrel::OwnedArray made;
+      CorvidTypeRepository::coerce(makeInterned(type), *value, made);
+    } catch (HostError const& error) {
+      return std::string(error.what());
+    }
+    return std::string();
+  };
+  EXPECT_EQ(sentence("uint8 vector", kestrel::createRow<double>({1, 2, 256})),
+            "ValueOutOfRange: A value of the class 'uint8' can't be 256 (element 3).");
+  EXPECT_EQ(sentence("double scalar", kestrel::createEmpty(kestrel::ClassId::Double)),
+            "WrongType: Expected a value of the type 'double scalar', not nothing.");
+  EXPECT_EQ(describeValue(*kestrel::createEmpty(kestrel::ClassId::String)), "an empty 'string'");
+  EXPECT_EQ(describeValue(*kestrel::createStruct({})), "a struct without fields");
+  EXPECT_EQ(describeValue(*kestrel::createStruct({"a"})), "one 'struct'");
+  EXPECT_EQ(describeValue(*kestrel::createChar(std::u16string(300, u'a'))), "'" + std::string(60, 'a') + "...'");
 }
 
 TEST_F(Conversions, ofShapesAndClassesThatDoNotFitAreRefused) {

@@ -134,6 +134,35 @@ TEST_F(Objects, refuseWrongValuesUnderANameAndStayAsTheyWere) {
   EXPECT_EQ(errorOf([&] { get(two, "Weight"); }), "Kestrel:class:WrongType");
 }
 
+TEST_F(Objects, ofARowAreNotTakenForOneByAMethod) {
+  CorvidClass& placeClass = classNamed("zoo.residents.Place");
+  kestrel::OwnedArray const place = construct(placeClass, {});
+  kestrel::OwnedArray const two = kestrel::createObjects(placeClass.getName(), kestrel::row(2));
+  kestrel::setObject(*two, 0, kestrel::object(*place));
+  kestrel::setObject(*two, 1, kestrel::object(*place));
+  EXPECT_EQ(errorOf([&] {
+              invoke(placeClass, makeInterned("eq"), {place.get(), two.get()});
+            }),
+            "Kestrel:class:WrongType");
+  EXPECT_TRUE(kestrel::element<bool>(*invoke(placeClass, makeInterned("eq"), {place.get(), place.get()})));
+}
+
+TEST_F(Objects, countArgumentsAsACallerDoes) {
+  kestrel::OwnedArray const cat = newAnimal("zoo.residents.Cat");
+  auto const sentence = [&](char const* method, Inputs const& inputs) {
+    try {
+      invoke(*classOf(*cat), makeInterned(method), inputs);
+    } catch (HostError const& error) {
+      return std::string(error.what());
+    }
+    return std::string();
+  };
+  EXPECT_EQ(sentence("feed", {cat.get()}), "WrongArgumentCount: 'feed' takes 1 to 2 arguments, not 0.");
+  EXPECT_EQ(sentence("purr", {cat.get(), cat.get()}), "WrongArgumentCount: 'purr' takes 0 arguments, not 1.");
+  EXPECT_EQ(sentence("purr", {}), "WrongArgumentCount: 'purr' was called without its object.");
+  EXPECT_EQ(sentence("count", {cat.get()}), "WrongArgumentCount: 'count' takes 0 arguments, not 1.");
+}
+
 TEST_F(Objects, thatAreValuesAreCopiedAndComparedByContent) {
   CorvidClass& placeClass = classNamed("zoo.residents.Place");
   kestrel::OwnedArray const place = construct(placeClass, {});

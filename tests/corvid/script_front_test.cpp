@@ -1,4 +1,7 @@
 // Scripts on the host: construction, properties, methods, arrays, collections, enumerations, errors, and letting go.
+#include <csignal>
+
+#include "Interrupt.hpp"
 #include "corvid/CorvidClass.hpp"
 #include "corvid/Invocation.hpp"
 #include "kestrel/array.hpp"
@@ -148,6 +151,107 @@ TEST_F(ScriptTest, errorsOfNativesCarryIdentifierSentenceAndTheLineOfTheScript) 
   EXPECT_NE(failure.find("script:5: in main chunk"), std::string::npos) << failure;
 }
 
+TEST_F(ScriptTest, anErrorNamesTheLineOfTheScriptBehindAnyFunctionOfC) {
+  run(R"(
+    local cat = Cat()
+    cat:die()
+    local _, failure = pcall(function()
+      table.sort({1, 2}, function(...) return cat:feed(...) end)
+    end)
+    assert(failure.where == "script:5: ", failure.where)
+    _, failure = pcall(function()
+      string.gsub("x", "x", cat.purr)
+    end)
+    assert(failure.where == "script:9: ", failure.where)
+  )");
+}
+
+TEST_F(ScriptTest, anErrorThatPassesThroughANativeKeepsItsValueAndItsCalls) {
+  std::string const failure = failureOf(R"(
+    local function inner() error("deep") end
+    local function outer() inner() end
+    Cat():trial(function() Cat():trial(outer) end)
+  )");
+  for (char const* call : {"script:2: deep", "in upvalue 'inner'", "script:3: in function", "script:4: in function",
+                           "[C]: in method 'trial'", "in main chunk"})
+    EXPECT_NE(failure.find(call), std::string::npos) << call << "\n" << failure;
+  run(R"(
+    local mute = setmetatable({}, {__tostring = function() error("no text") end})
+    local ok, got = pcall(Cat().trial, Cat(), function() error(mute) end)
+    assert(not ok and rawequal(got, mute))
+  )");
+  EXPECT_EQ(failureOf("error(setmetatable({}, {__tostring = error}))").find("tessel-script: (an error value"), 0u);
+}
+
+TEST_F(ScriptTest, everyErrorIsNamedAndJoinsWithATextToOne) {
+  run(R"(
+    local cat = Cat()
+    local function failure(...) return select(2, pcall(...)) end
+    local wrong = failure(function() return cat.Colour end)
+    assert("failed: " .. wrong == "failed: " .. tostring(wrong) and (wrong .. "!"):find("Colour'.!", 1, true))
+    assert(failure(function() cat[1] = 2 end).identifier == "Kestrel:class:ReadOnlyProperty")
+    assert(failure(host.isa, cat, {}).identifier == "Kestrel:class:WrongType")
+    assert(failure(host.array, {}, {}).identifier == "Kestrel:class:WrongType")
+    assert(failure(host.array, "double", 1).identifier == "Kestrel:class:WrongType")
+    assert(failure(function() return residents[{}] end).identifier == "Kestrel:class:WrongType")
+    assert(failure(function() return Cat[{}] end).identifier == "Kestrel:class:WrongType")
+  )");
+}
+
+TEST_F(ScriptTest, namesAreTakenWhole) {
+  run(R"(
+    local cat = Cat()
+    assert(not pcall(function() return cat["Name\0x"] end))
+    assert(not pcall(function() return Cat["Cat\0x"] end) and not pcall(function() return residents["Cat\0x"] end))
+    assert(_G["zoo\0x"] == nil)
+    local record = cat:trial(function() return {["a\0b"] = 1} end)
+    assert(record["a\0b"] == 1 and record.a == nil)
+    local ok, failure = pcall(Cat, {["Na\xffme"] = "Tom"})
+    assert(not ok and failure.identifier == "Kestrel:class:WrongType")
+  )");
+}
+
+TEST_F(ScriptTest, aClassStandsForItsNameWhereOneIsAskedFor) {
+  run(R"(
+    assert(host.isa(Cat(), Animal) and not host.isa(Animal(), Cat))
+    assert(Animal.look(Cat) == "char ")
+    local record = Cat():trial(function() return {class = Cat} end)
+    assert(record.class == "zoo.residents.Cat")
+  )");
+}
+
+TEST_F(ScriptTest, anInterruptEndsAScriptWhateverItRuns) {
+  lua_register(m_interpreter->state(), "interrupt", [](lua_State*) { return std::raise(SIGINT); });
+  for (char const* script :
+       {"interrupt() while true do end", "coroutine.wrap(function() interrupt() while true do end end)()",
+        "pcall(function() interrupt() while true do end end) while true do end",
+        "local co = coroutine.create(function() interrupt() while true do end end)\n"
+        "coroutine.wrap(function() coroutine.resume(co) while true do end end)()",
+        "Cat():trial(function() interrupt() while true do end end)"}) {
+    InterruptScope const scope(m_interpreter->state());
+    EXPECT_NE(failureOf(script).find("interrupted"), std::string::npos) << script;
+  }
+  run("for i = 1, 10 do end assert(coroutine.wrap(function() return 7 end)() == 7)");
+}
+
+TEST_F(ScriptTest, coroutinesRunAsTheLibraryTells) {
+  run(R"(
+    local sum = coroutine.wrap(function(a) local b = coroutine.yield(a + 1) return a + b end)
+    assert(sum(1) == 2 and sum(5) == 6 and not pcall(sum))
+    local routine = coroutine.create(function() error("no") end)
+    local ok, message = coroutine.resume(routine)
+    assert(not ok and message == "script:4: no" and coroutine.status(routine) == "dead")
+    local closed = false
+    routine = coroutine.create(function()
+      local scope <close> = setmetatable({}, {__close = function() closed = true end})
+      coroutine.yield()
+    end)
+    coroutine.resume(routine)
+    assert(coroutine.close(routine) and closed)
+    assert(not pcall(coroutine.resume, 5) and not pcall(coroutine.wrap, 5))
+  )");
+}
+
 TEST_F(ScriptTest, anObjectWhoseNativeDiedIsANamedErrorAndNeverACrash) {
   run(R"(
     local cat, child = Cat(), Cat()
@@ -188,6 +292,7 @@ TEST_F(ScriptTest, hostArraysKeepTheirClassAndTheirElements) {
     local bytes = host.array("uint8", {1, 2, 255})
     assert(#bytes == 3 and bytes[3] == 255 and host.class(bytes) == "uint8" and bytes == host.array("uint8", {1, 2, 255}))
     assert(tostring(bytes) == "1 by 3 uint8 [1, 2, 255]")
+    assert(tostring(host.array("uint64", {2^63, 1})) == "1 by 2 uint64 [9223372036854775808, 1]")
     assert(#host.array("double", {}) == 0 and host.class(host.array("string", {"a"})) == "string")
     assert(not pcall(host.array, "uint8", {256}))
     assert(not pcall(host.array, "uint8", {"x"}))

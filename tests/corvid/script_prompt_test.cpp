@@ -31,6 +31,36 @@ TEST_F(PromptTest, showsValuesAndGoesOnAfterAnError) {
 TEST_F(PromptTest, takesEntriesOfSeveralLines) {
   EXPECT_EQ(enter("for i = 1, 2 do\n  print(i)\nend\n"), "1\n2\n");
   EXPECT_EQ(enter("function f()\n", false), "");
+  EXPECT_NE(takeErrors().find("in the middle of an entry"), std::string::npos);
+}
+
+TEST_F(PromptTest, showsValuesOnlyAsAScriptLetsIt) {
+  EXPECT_EQ(enter("setmetatable(_G, {__index = function(_, name) error('undefined ' .. name) end}) print = nil\n"), "");
+  takeErrors();
+  EXPECT_EQ(enter("1\n"), "");
+  EXPECT_NE(takeErrors().find("undefined print"), std::string::npos);
+}
+
+TEST_F(PromptTest, givesUpAnEntryAndRemembersEachBeforeItRuns) {
+  class Typist final : public LineSource {
+   public:
+    Input readLine(char const*, std::string& line) override {
+      if (m_next == lines.size()) return Input::End;
+      line = lines[m_next++];
+      return line == "^C" ? Input::Interrupted : Input::Line;
+    }
+    void remember(std::string const& entry) override { remembered.push_back(entry); }
+
+    std::vector<std::string> lines;
+    std::vector<std::string> remembered;
+
+   private:
+    std::size_t m_next = 0;
+  } typist;
+  typist.lines = {"for i = 1, 2 do", "^C", "^C", "x = 1", "function f()", "end", "x = = 2"};
+  EXPECT_TRUE(runPrompt(*m_interpreter, typist));
+  EXPECT_EQ(typist.remembered, (std::vector<std::string>{"x = 1", "function f()\nend", "x = = 2"}));
+  run("assert(x == 1)");
 }
 
 TEST_F(PromptTest, completesPackagesClassesAndMembers) {

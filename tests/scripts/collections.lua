@@ -35,6 +35,13 @@ check.refused("plinth:messages:CannotAddIncompatibleTypes", model, function() re
 check.raises("Kestrel:class:ReadOnlyProperty", function() profile.Values = {} end)
 check.refused("Kestrel:class:InvalidHandle", model, function() return #values end, function() values:add(nil) end)
 check.refused("Kestrel:class:WrongType", model, function() return #values end, function() values:add("b") end)
+local other = ext.ConfigEntry(model, {Key = "o"})
+for _, method in ipairs({"add", "remove", "contains"}) do
+  check.refused("Kestrel:class:WrongType", model, function() return #values end,
+    function() values[method](values, {other, twin}) end)
+end
+local hint = check.raises("Kestrel:class:NoSuchMember", function() return values.speed end)
+assert(hint.sentence:find("'get'"), hint.sentence)
 check.raises("Kestrel:class:WrongArgumentCount", values.add, values)
 check.raises("Kestrel:class:WrongType", values.get, values, 5)
 values:clear()

@@ -84,3 +84,50 @@ refused("Kestrel:class:WrongType", function() runtime.ParamState(model, {Data = 
 refused("Kestrel:class:WrongType", function() runtime.CategoryState(model, {Contents = {model}}) end)
 refused("plinth:messages:UniquenessConstraint",
   function() runtime.ConfigurationState(model, {Params = {{Key = "same"}, {Key = "same"}}}) end)
+
+-- A table without elements is a list where many are asked for, and a struct among the elements of a list.
+local empty = runtime.ConfigurationState(model, {Params = {}, GlobalMessages = {}, Tags = {}})
+check.equal(#empty.Params + #empty.GlobalMessages + #empty.Tags, 0)
+local expr = tessel.internal.config.expr
+check.equal(#expr.NumericOperation(model, {Operands = {}}).Operands, 0)
+check.equal(#data.DoubleParamData(model, {AllowedValues = {}}).AllowedValues, 0)
+check.equal(#runtime.CategoryState(model, {Contents = {}}).Contents, 0)
+check.equal(#runtime.ConfigurationState(model, {GlobalMessages = {{}, {}}}).GlobalMessages, 2)
+check.equal(runtime.ConfigurationState(model, {Params = {{}}}).Params:get("").Key, "")
+
+-- Where one value is asked for, a list of several is none.
+local first, second = ext.ConfigStore(model), ext.ConfigStore(model)
+check.equal(runtime.ConfigurationState(model, {ConfigStore = {first}}).ConfigStore, first)
+refused("Kestrel:class:WrongType", function() runtime.ConfigurationState(model, {ConfigStore = {first, second}}) end)
+refused("Kestrel:class:WrongType",
+  function() runtime.ParamState(model, {Data = {{class = "DoubleParamData"}, {class = "StringParamData"}}}) end)
+refused("Kestrel:class:WrongType", function() runtime.TagState(model, {Type = {"ROLE", "OWNER"}}) end)
+refused("Kestrel:class:WrongType", function() runtime.TagState(model, {Type = runtime.TagType({1, 4})}) end)
+refused("Kestrel:class:WrongType",
+  function() data.StringParamData(model, {Help = {tessel.internal.util.DocRef(), tessel.internal.util.DocRef()}}) end)
+refused("Kestrel:class:WrongType", function() runtime.TagState({model, plinth.Model()}) end)
+
+-- The empty text is no literal; of a text it is a value.
+refused("Kestrel:class:WrongType", function() expr.NumericOperation(model, {Operator = ""}) end)
+check.equal(data.StringParamData(model, {Name = ""}):hasValue("Name"), true)
+
+-- Names are taken whole.
+refused("plinth:messages:NoSuchProperty", function() data.DoubleParamData(model, {["Value\0x"] = 7}) end)
+refused("Kestrel:class:WrongType", function() data.DoubleParamData(model, {["Va\xfflue"] = 7}) end)
+
+-- Errors tell the way to the field, whoever raises them.
+local nested = refused("plinth:messages:NoSuchProperty", function()
+  runtime.ConfigurationState(model, {Params = {{Data = {class = "DoubleParamData", Valu = 2}}}})
+end)
+assert(nested.sentence:find("^NoSuchProperty: Property 'Params': Property 'Data': "), nested.sentence)
+local loose = runtime.ParamState(model)
+local existing = refused("plinth:messages:NoSuchProperty",
+  function() runtime.ConfigurationState(model, {Params = {loose}}) end)
+assert(existing.sentence:find("Property 'Params'") and existing.sentence:find("as a struct"), existing.sentence)
+local argument = refused("plinth:messages:InvalidValue", function() runtime.TagState(model, {Id = "a"}, {Id = "b"}) end)
+assert(argument.sentence:find("'TagState'") and argument.sentence:find("argument 3"), argument.sentence)
+
+-- Classes stand for their names.
+local typed = runtime.ParamState(model, {Data = {class = data.DoubleParamData}})
+assert(host.isa(typed.Data, data.DoubleParamData))
+check.equal(#model:elements(data.DoubleParamData), #model:elements("tessel.internal.config.data.DoubleParamData"))

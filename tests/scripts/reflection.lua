@@ -28,3 +28,9 @@ assert(host.isa(entry, "plinth.ModelElement"))
 check.raises("Kestrel:class:NoSuchMember", function() return entry.Colour end)
 check.raises("plinth:messages:CannotModifyFrozenModel", class.destroy, class)
 check.raises("plinth:messages:NoSuchProperty", entry.hasValue, entry, "Colour")
+
+-- What has no class of its own among the host's is shown as the nearest that has one.
+local package = class:container()
+check.equal(host.class(package), "plinth.ModelElement")
+check.equal(package:metaClass().QualifiedName, "plinth.meta.Package")
+assert(#class:model():elements() > 67)

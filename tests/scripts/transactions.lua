@@ -56,7 +56,8 @@ param.TypeName = "changed"
 transaction:rollback()
 check.equal(param.TypeName, "outer")
 check.equal(transaction:isOpen(), false)
-check.raises("plinth:messages:InvalidValue", transaction.commit, transaction)
+local ended = check.raises("plinth:messages:InvalidValue", transaction.commit, transaction)
+assert(ended.sentence:find("has ended already"), ended.sentence)
 transaction = model:beginTransaction()
 param.TypeName = "committed"
 transaction:commit()
@@ -77,8 +78,42 @@ check.equal(param.TypeName, "committed")
 local outer, inner = model:beginTransaction(), model:beginTransaction()
 param.TypeName = "lost"
 check.raises("plinth:messages:TransactionNotInnermost", outer.commit, outer)
+for _, ending in ipairs({"rollback", "close"}) do
+  check.raises("plinth:messages:TransactionNotInnermost", outer[ending], outer)
+  check.equal(inner:isOpen(), true)
+end
+inner:commit()
 outer:rollback()
-check.equal(inner:isOpen(), false)
+check.equal(param.TypeName, "committed")
+
+-- An outer one can't be ended from within: what follows inside would escape from being taken back.
+outer = model:beginTransaction()
+check.raises("plinth:messages:TransactionNotInnermost", model.transaction, model, function()
+  param.TypeName = "in"
+  outer:rollback()
+  param.TypeName = "after"
+end)
+check.equal(param.TypeName, "committed")
+outer:rollback()
+
+-- An outer one that is let go of ends when the inner ones have ended, whatever they were.
+outer, inner = model:beginTransaction(), nil
+param.TypeName = "outer"
+local middle = model:beginTransaction()
+inner = model:beginTransaction()
+param.TypeName = "inner"
+outer, middle = nil, nil
+host.census()
+check.equal(inner:isOpen(), true)
+check.equal(param.TypeName, "inner")
+inner:commit()
+check.equal(param.TypeName, "committed")
+outer = model:beginTransaction()
+model:transaction(function()
+  outer = nil
+  host.census()
+  param.TypeName = "within"
+end)
 check.equal(param.TypeName, "committed")
 
 -- Elements that a rollback takes away are named errors; those that it brings back live again.

@@ -19,6 +19,8 @@ number.Value = 3
 check.equal(math.type(number.Value), "float")
 number.Value = 0.1
 check.equal(number.Value, 0.1)
+check.refused("Kestrel:class:ValueOutOfRange", model, function() return number.Value end,
+  function() number.Value = 9007199254740993 end)
 local integer = data.IntegerParamData(model)
 integer.Value = math.mininteger
 check.equal(integer.Value, math.mininteger)
@@ -29,6 +31,12 @@ check.refused("Kestrel:class:ValueOutOfRange", model, function() return integer.
 local store = ext.ConfigStore(model)
 store.Version = math.maxinteger
 check.equal(store.Version, math.maxinteger)
+store.Version = 2^63
+check.equal(tostring(store.Version), "1 by 1 uint64 [9223372036854775808]")
+local far = store.Version
+store.Version = 1
+store.Version = far
+check.equal(store.Version, far)
 check.refused("Kestrel:class:ValueOutOfRange", model, function() return store.Version end,
   function() store.Version = -1 end)
 
@@ -127,7 +135,19 @@ check.equal(method.ConstantArgs.a + #method.ConstantArgs.list, 3)
 check.equal(method.ConstantArgs.nested[1].b, true)
 method.ConstantArgs = host.array("uint8", {1, 255})
 check.equal(host.class(method.ConstantArgs), "uint8")
-method.ConstantArgs = constant
-check.equal(method.ConstantArgs, constant)
+method.ConstantArgs = {red, blue}
+check.equal(method.ConstantArgs[2], blue)
 method.ConstantArgs = nil
 check.equal(method.ConstantArgs, nil)
+
+-- But no handle, which would keep its model alive by what the model holds itself.
+local started = model:beginTransaction()
+for _, handle in ipairs({constant, model, started, ext.ConfigProfile(model).Values}) do
+  for _, value in ipairs({handle, {handle}, {x = {1, handle}}}) do
+    check.refused("Kestrel:class:WrongType", model, function() return method.ConstantArgs end,
+      function() method.ConstantArgs = value end)
+  end
+end
+started:close()
+check.refused("Kestrel:class:WrongType", model, function() return nil end,
+  function() schema.MethodRef(model, {ConstantArgs = {constant}}) end)

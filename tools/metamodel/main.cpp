@@ -12,6 +12,8 @@
 
 namespace {
 
+constexpr int WRONG_USAGE = 2;
+
 metamodel::meta::PackageImpl const& packageNamed(std::string const& wanted) {
   auto const packages = metamodel::select(true).packages;
   auto const found = std::find_if(packages.begin(), packages.end(), [&](auto const* package) {
@@ -41,7 +43,12 @@ int run(int argc, char** argv) {
   app.add_flag("--all", all, "Print also the models that this one builds on, and the foundation's own classes")
       ->excludes(diagramOption);
   app.set_version_flag("--version", TESSEL_VERSION);
-  CLI11_PARSE(app, argc, argv);
+  app.footer("The exit status is 0, 1 after a failure, and 2 for options that are not known.");
+  try {
+    app.parse(argc, argv);
+  } catch (CLI::ParseError const& error) {
+    return app.exit(error) == 0 ? 0 : WRONG_USAGE;
+  }
 
   if (!diagram.empty()) {
     metamodel::printDiagram(packageNamed(diagram), std::cout);

@@ -1,7 +1,9 @@
 #include "Arrays.hpp"
 
 #include <algorithm>
+#include <cstdint>
 #include <new>
+#include <string>
 
 #include "Context.hpp"
 #include "ToLua.hpp"
@@ -64,6 +66,17 @@ int equal(lua_State* state) {
   return 1;
 }
 
+// Beyond Lua's integers an element is an array of its own, which would show itself for ever.
+void pushElementText(lua_State* state, kestrel_array const& array, std::size_t index) {
+  if (kestrel::baseClass(array) == kestrel::ClassId::UInt64) {
+    lua_pushstring(state, std::to_string(kestrel::element<std::uint64_t>(array, index)).c_str());
+  } else {
+    pushElement(state, array, index);
+    luaL_tolstring(state, -1, nullptr);
+    lua_remove(state, -2);
+  }
+}
+
 int toString(lua_State* state) {
   kestrel_array const& array = *boxed(state, 1);
   kestrel::Dimensions const size = kestrel::dimensions(array);
@@ -74,9 +87,7 @@ int toString(lua_State* state) {
   luaL_addvalue(&text);
   for (std::size_t i = 0; i < std::min(size.count(), SHOWN_ELEMENTS); ++i) {
     if (i != 0) luaL_addstring(&text, ", ");
-    pushElement(state, array, i);
-    luaL_tolstring(state, -1, nullptr);
-    lua_remove(state, -2);
+    pushElementText(state, array, i);
     luaL_addvalue(&text);
   }
   luaL_addstring(&text, size.count() > SHOWN_ELEMENTS ? ", ...]" : "]");

@@ -15,8 +15,6 @@
 namespace luafront {
 namespace {
 
-constexpr char const* METHOD_TYPE = "host method";
-
 struct MethodName {
   corvid::CorvidClass const* hostClass;
   corvid::Identifier method;
@@ -32,8 +30,7 @@ class Arguments {
     m_values.reserve(static_cast<std::size_t>(std::max(top - first + 1, 0)));
     for (int index = first; index <= top; ++index) {
       std::size_t const position = m_values.size();
-      EmptyTable const empty = position < types.size() ? emptyTableFor(types[position]) : EmptyTable::AsStruct;
-      m_values.push_back(toHost(state, index, empty));
+      m_values.push_back(position < types.size() ? toHostAs(state, index, types[position]) : toHost(state, index));
     }
     for (HostValue const& value : m_values) m_inputs.push_back(&value.get());
   }
@@ -74,11 +71,6 @@ int invokeNamed(lua_State* state) {
 }
 
 }  // namespace
-
-void registerCalls(lua_State* state) {
-  luaL_newmetatable(state, METHOD_TYPE);
-  lua_pop(state, 1);
-}
 
 void pushMethod(lua_State* state, corvid::CorvidClass const& hostClass, corvid::Identifier method, NamedOn namedOn) {
   // The name needs no finalizer: identifiers live as long as the process.

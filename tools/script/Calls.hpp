@@ -11,8 +11,6 @@ namespace luafront {
 /// colon puts before the arguments; any method named on a class drops the class.
 enum class NamedOn { Object, Class };
 
-void registerCalls(lua_State* state);
-
 /// Pushes a function that calls the method of a class.
 void pushMethod(lua_State* state, corvid::CorvidClass const& hostClass, corvid::Identifier method, NamedOn namedOn);
 

@@ -4,9 +4,12 @@
 // closed later. Thread rule: the host's thread.
 #pragma once
 
+#include <csignal>
 #include <exception>
 #include <lua.hpp>
 #include <memory>
+#include <string>
+#include <string_view>
 #include <utility>
 
 #include "corvid/HostError.hpp"
@@ -18,6 +21,8 @@ struct Context : std::enable_shared_from_this<Context> {
   lua_State* main = nullptr;
   /// The Lua thread that runs now.
   lua_State* current = nullptr;
+  /// Set while an interrupt from the keyboard ends the running script.
+  std::sig_atomic_t volatile interrupted = 0;
 
   static Context& of(lua_State* state);
 };
@@ -33,6 +38,8 @@ class LuaReference {
 
   /// Pushes the value. Raises HostError when the script has ended.
   void push(lua_State* state) const;
+  /// The text of the value, as tostring gives it; a substitute where that fails.
+  std::string text() const;
   Context& context() const noexcept { return *m_context; }
 
  private:
@@ -44,17 +51,30 @@ class LuaReference {
 class ScriptFailure final : public std::exception {
  public:
   /// Takes the error value off the top of the stack.
-  explicit ScriptFailure(lua_State* state);
-  char const* what() const noexcept override { return m_sentence.c_str(); }
+  explicit ScriptFailure(lua_State* state) : m_value(std::make_shared<LuaReference>(state)) {}
+  /// Asks the script for the text of its value when it is first called.
+  char const* what() const noexcept override;
   void push(lua_State* state) const { m_value->push(state); }
 
  private:
   std::shared_ptr<LuaReference> m_value;
-  std::string m_sentence;
+  mutable std::string m_sentence;
 };
 
+/// Message handlers for protected calls. The first keeps the calls that led to an error that passes through native
+/// code, and leaves the error as it is; the second turns an error into its text with the calls that led to it, the kept
+/// ones where it was the same error.
+int rememberCalls(lua_State* state);
+int describeWithCalls(lua_State* state);
+
+/// Pushes the text of a value, as tostring gives it; a substitute where that fails. Raises nothing but memory errors.
+void pushText(lua_State* state, int index);
+/// A text among the arguments; valid while it is on the stack. Raises HostError WrongType for any other value.
+std::string_view checkText(lua_State* state, int index);
+
 /// Pushes the Lua form of an error: a table with `identifier`, `sentence` and `where` (file and line of the script),
-/// whose text is where and sentence together.
+/// whose text is where and sentence together, also when it is joined to another text. `where` is the nearest line of
+/// the script that is being run.
 void pushError(lua_State* state, corvid::ErrorDescription const& error);
 void registerErrors(lua_State* state);
 

@@ -22,11 +22,12 @@ class LuaFunction final : public corvid::Callable {
     lua_State* const state = runningState();
     int const base = lua_gettop(state);
     luaL_checkstack(state, static_cast<int>(inputs.size()) + 4, "too many arguments");
+    lua_pushcfunction(state, rememberCalls);
     m_function.push(state);
     for (kestrel_array const* input : inputs) pushValue(state, kestrel::deepCopy(input), Arity::Single);
-    if (lua_pcall(state, static_cast<int>(inputs.size()), LUA_MULTRET, 0) != LUA_OK) throw ScriptFailure(state);
+    if (lua_pcall(state, static_cast<int>(inputs.size()), LUA_MULTRET, base + 1) != LUA_OK) throw ScriptFailure(state);
     std::vector<kestrel::OwnedArray> results;
-    for (int index = base + 1; index <= lua_gettop(state); ++index) results.push_back(toHost(state, index).take());
+    for (int index = base + 2; index <= lua_gettop(state); ++index) results.push_back(toHost(state, index).take());
     lua_settop(state, base);
     return results;
   }

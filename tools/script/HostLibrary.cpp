@@ -21,6 +21,12 @@ corvid::CorvidClass const& classOfArgument(lua_State* state) {
   throw corvid::HostError(corvid::ErrorKey::WRONG_TYPE, "Expected an object or a class.");
 }
 
+// A class among the arguments, given as such or by its name.
+std::string nameOfClass(lua_State* state, int index) {
+  corvid::CorvidClass const* const hostClass = toClass(state, index);
+  return hostClass != nullptr ? hostClass->getName().text() : std::string(checkText(state, index));
+}
+
 template <typename Members>
 int pushNames(lua_State* state, Members const& members) {
   lua_createtable(state, static_cast<int>(members.size()), 0);
@@ -56,7 +62,7 @@ int classOfValue(lua_State* state) {
 
 int isA(lua_State* state) {
   HostValue const value = toHost(state, 1);
-  corvid::Identifier const name = corvid::internal::makeInterned(luaL_checkstring(state, 2));
+  corvid::Identifier const name = corvid::internal::makeInterned(nameOfClass(state, 2));
   corvid::CorvidClass const* const hostClass = corvid::classOf(value.get());
   lua_pushboolean(state,
                   hostClass != nullptr ? hostClass->isSubclassOf(name) : kestrel::className(value.get()) == name);
@@ -70,8 +76,9 @@ int isValid(lua_State* state) {
 }
 
 int array(lua_State* state) {
-  std::string const type = luaL_checkstring(state, 1) + std::string(" vector");
-  luaL_checktype(state, 2, LUA_TTABLE);
+  std::string const type = std::string(checkText(state, 1)) + " vector";
+  if (!lua_istable(state, 2))
+    throw corvid::HostError(corvid::ErrorKey::WRONG_TYPE, "An array is made from a list of its elements.");
   kestrel::OwnedArray made;
   HostValue const list = toHost(state, 2, EmptyTable::AsList);
   kestrel_array const& coerced =

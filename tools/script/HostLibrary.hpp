@@ -7,7 +7,7 @@ namespace luafront {
 
 /// Sets the global `host`:
 ///   host.class(value)            the name of the value's class
-///   host.isa(value, name)        whether the value is of the class, or of a subclass
+///   host.isa(value, class)       whether the value is of the class, given as such or by its name, or of a subclass
 ///   host.isvalid(object)         whether the object can still be used
 ///   host.properties(x)           the names of the properties of an object or class, without hidden ones
 ///   host.methods(x)              the same for methods

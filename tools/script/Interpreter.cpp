@@ -4,19 +4,20 @@
 #include <new>
 
 #include "Arrays.hpp"
-#include "Calls.hpp"
 #include "HostLibrary.hpp"
+#include "Interrupt.hpp"
 #include "Namespaces.hpp"
 #include "Objects.hpp"
 
 namespace luafront {
 namespace {
 
-// Turns an error value into its text with the calls that led to it.
-int addTraceback(lua_State* state) {
-  luaL_tolstring(state, 1, nullptr);
-  luaL_traceback(state, state, lua_tostring(state, -1), 1);
-  return 1;
+// Shows its arguments by print, which a script may replace.
+int showValues(lua_State* state) {
+  lua_getglobal(state, "print");
+  lua_insert(state, 1);
+  lua_call(state, lua_gettop(state) - 1, 0);
+  return 0;
 }
 
 int openLibraries(lua_State* state) {
@@ -24,7 +25,7 @@ int openLibraries(lua_State* state) {
   registerErrors(state);
   registerArrays(state);
   registerObjects(state);
-  registerCalls(state);
+  registerCoroutines(state);
   registerNamespaces(state);
   registerHostLibrary(state);
   return 0;
@@ -59,14 +60,17 @@ Interpreter::~Interpreter() {
   m_context->current = nullptr;
 }
 
+void Interpreter::report(std::string const& sentence) { m_errors << "tessel-script: " << sentence << '\n'; }
+
 void Interpreter::writeError() {
-  m_errors << "tessel-script: " << luaL_tolstring(m_state, -1, nullptr) << '\n';
+  pushText(m_state, -1);
+  report(lua_tostring(m_state, -1));
   lua_pop(m_state, 2);
 }
 
 bool Interpreter::callTop(int argumentCount) {
   int const handler = lua_gettop(m_state) - argumentCount;
-  lua_pushcfunction(m_state, addTraceback);
+  lua_pushcfunction(m_state, describeWithCalls);
   lua_insert(m_state, handler);
   int const status = lua_pcall(m_state, argumentCount, LUA_MULTRET, handler);
   lua_remove(m_state, handler);
@@ -87,6 +91,8 @@ bool Interpreter::runLoaded(int loadStatus, std::vector<std::string> const& argu
 }
 
 bool Interpreter::runFile(std::string const& path, std::vector<std::string> const& arguments) {
+  lua_pushglobaltable(m_state);
+  lua_pushliteral(m_state, "arg");
   lua_createtable(m_state, static_cast<int>(arguments.size()), 1);
   lua_pushstring(m_state, path.c_str());
   lua_rawseti(m_state, -2, 0);
@@ -94,7 +100,9 @@ bool Interpreter::runFile(std::string const& path, std::vector<std::string> cons
     lua_pushstring(m_state, arguments[i].c_str());
     lua_rawseti(m_state, -2, static_cast<lua_Integer>(i) + 1);
   }
-  lua_setglobal(m_state, "arg");
+  // Past whatever a statement before the file has made of assignments to globals.
+  lua_rawset(m_state, -3);
+  lua_pop(m_state, 1);
   return runLoaded(luaL_loadfile(m_state, path == "-" ? nullptr : path.c_str()), arguments);
 }
 
@@ -102,29 +110,30 @@ bool Interpreter::runText(std::string_view text, std::string const& name) {
   return runLoaded(luaL_loadbuffer(m_state, text.data(), text.size(), name.c_str()), {});
 }
 
-Interpreter::Entry Interpreter::runEntry(std::string const& text) {
+Interpreter::Entry Interpreter::loadEntry(std::string const& text) {
   lua_settop(m_state, 0);
   std::string const expression = "return " + text;
-  if (luaL_loadbuffer(m_state, expression.data(), expression.size(), "=prompt") != LUA_OK) {
-    lua_settop(m_state, 0);
-    int const status = luaL_loadbuffer(m_state, text.data(), text.size(), "=prompt");
-    if (isIncomplete(m_state, status)) {
-      lua_settop(m_state, 0);
-      return Entry::Incomplete;
-    }
-    if (status != LUA_OK) {
-      writeError();
-      return Entry::Failed;
-    }
+  if (luaL_loadbuffer(m_state, expression.data(), expression.size(), "=prompt") == LUA_OK) return Entry::Loaded;
+  lua_settop(m_state, 0);
+  int const status = luaL_loadbuffer(m_state, text.data(), text.size(), "=prompt");
+  if (status == LUA_OK) return Entry::Loaded;
+  if (!isIncomplete(m_state, status)) {
+    writeError();
+    return Entry::Failed;
   }
-  if (!callTop(0)) return Entry::Failed;
-  // The values are shown by print, which a script may replace.
+  lua_settop(m_state, 0);
+  return Entry::Incomplete;
+}
+
+bool Interpreter::runEntry() {
+  if (!callTop(0)) return false;
   int const count = lua_gettop(m_state);
-  if (count == 0) return Entry::Done;
-  lua_getglobal(m_state, "print");
+  if (count == 0) return true;
+  luaL_checkstack(m_state, 4, "too many values");
+  lua_pushcfunction(m_state, showValues);
   lua_insert(m_state, 1);
   m_output.flush();
-  return callTop(count) ? Entry::Done : Entry::Failed;
+  return callTop(count);
 }
 
 }  // namespace luafront

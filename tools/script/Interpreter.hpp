@@ -26,9 +26,15 @@ class Interpreter {
   bool runFile(std::string const& path, std::vector<std::string> const& arguments);
   bool runText(std::string_view text, std::string const& name);
 
-  enum class Entry { Done, Failed, Incomplete };
-  /// Runs what was entered at a prompt and writes its values. Incomplete when more lines have to follow.
-  Entry runEntry(std::string const& text);
+  enum class Entry { Loaded, Failed, Incomplete };
+  /// Reads what was entered at a prompt. Incomplete when more lines have to follow; a wrong entry is written as an
+  /// error.
+  Entry loadEntry(std::string const& text);
+  /// Runs the entry that was loaded and writes its values. False after an error, which has been written.
+  bool runEntry();
+
+  /// Writes a sentence of the program's own with the errors.
+  void report(std::string const& sentence);
 
   lua_State* state() const noexcept { return m_state; }
 

@@ -37,17 +37,16 @@ CorvidClass& checkClass(lua_State* state) {
 }
 
 int globalIndex(lua_State* state) {
-  CorvidPackage* package = nullptr;
-  if (lua_type(state, 2) == LUA_TSTRING)
-    package = CorvidPackage::getPackage(corvid::internal::makeInterned(lua_tostring(state, 2)));
-  if (package == nullptr || package->getName() != package->getFullName()) return 0;
+  if (lua_type(state, 2) != LUA_TSTRING) return 0;
+  CorvidPackage* const package = CorvidPackage::findTopLevelPackage(checkText(state, 2));
+  if (package == nullptr) return 0;
   pushPointer(state, package, PACKAGE_TYPE);
   return 1;
 }
 
 int packageIndex(lua_State* state) {
   CorvidPackage& package = checkPackage(state);
-  std::string const name = luaL_checkstring(state, 2);
+  std::string const name(checkText(state, 2));
   if (CorvidPackage* const subpackage = package.findSubpackage(name)) {
     pushPointer(state, subpackage, PACKAGE_TYPE);
     return 1;
@@ -66,7 +65,7 @@ int packageToString(lua_State* state) {
 
 int classIndex(lua_State* state) {
   CorvidClass const& hostClass = checkClass(state);
-  corvid::Identifier const name = corvid::internal::makeInterned(luaL_checkstring(state, 2));
+  corvid::Identifier const name = corvid::internal::makeInterned(checkText(state, 2));
   if (hostClass.findEnumValue(name) != nullptr) {
     lua_pushstring(state, name.c_str());
   } else if (!hostClass.getMethods(name).empty()) {

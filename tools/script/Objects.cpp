@@ -31,6 +31,12 @@ bool hasMethod(ObjectBox const& box, char const* name) {
   return !box.hostClass->getMethods(makeInterned(name)).empty();
 }
 
+// Maps have a shorter name for "at".
+char const* keyedAccess(CorvidClass const& hostClass) {
+  char const* const get = "get";
+  return hostClass.getMethods(makeInterned(get)).empty() ? corvid::ContainerMethod::AT : get;
+}
+
 // Pushes the table of a class's members: property by name as a light userdata, method by name as a function.
 void pushMembers(lua_State* state, CorvidClass const& hostClass) {
   lua_rawgetp(state, LUA_REGISTRYINDEX, &MEMBERS_KEY);
@@ -43,6 +49,13 @@ void pushMembers(lua_State* state, CorvidClass const& hostClass) {
   lua_remove(state, -2);
 }
 
+[[noreturn]] void refuseMember(CorvidClass const& hostClass, corvid::Identifier name) {
+  std::string sentence = "Class '" + hostClass.getName().text() + "' has no property or method '" + name.text() + "'";
+  if (!hostClass.getMethods(makeInterned(corvid::ContainerMethod::KEYS)).empty())
+    sentence += "; an element is reached by its key with the method '" + std::string(keyedAccess(hostClass)) + "'";
+  throw corvid::HostError(corvid::ErrorKey::NO_SUCH_MEMBER, sentence + ".");
+}
+
 // Pushes the member of an object's class under the name at stack index 2, as it stands in the table of members.
 void pushMember(lua_State* state, CorvidClass const& hostClass) {
   pushMembers(state, hostClass);
@@ -50,14 +63,13 @@ void pushMember(lua_State* state, CorvidClass const& hostClass) {
   if (lua_rawget(state, -2) != LUA_TNIL) return lua_remove(state, -2);
   lua_pop(state, 1);
 
-  corvid::Identifier const name = makeInterned(lua_tostring(state, 2));
+  corvid::Identifier const name = makeInterned(checkText(state, 2));
   if (CorvidPropInfo const* const property = hostClass.findProperty(name)) {
     lua_pushlightuserdata(state, const_cast<CorvidPropInfo*>(property));
   } else if (!hostClass.getMethods(name).empty()) {
     pushMethod(state, hostClass, name, NamedOn::Object);
   } else {
-    throw corvid::HostError(corvid::ErrorKey::NO_SUCH_MEMBER, "Class '" + hostClass.getName().text() +
-                                                                  "' has no property or method '" + name.text() + "'.");
+    refuseMember(hostClass, name);
   }
   lua_pushvalue(state, 2);
   lua_pushvalue(state, -2);
@@ -82,7 +94,9 @@ int index(lua_State* state) {
 
 int newIndex(lua_State* state) {
   ObjectBox const& box = checkObject(state, 1);
-  luaL_checktype(state, 2, LUA_TSTRING);
+  if (lua_type(state, 2) != LUA_TSTRING)
+    throw corvid::HostError(corvid::ErrorKey::READ_ONLY_PROPERTY,
+                            "Only properties are assigned; the elements of a collection are changed by its methods.");
   pushMember(state, *box.hostClass);
   if (lua_islightuserdata(state, -1) == 0)
     throw corvid::HostError(corvid::ErrorKey::READ_ONLY_PROPERTY,

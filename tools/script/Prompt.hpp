@@ -2,7 +2,7 @@
 #pragma once
 
 #include <istream>
-#include <optional>
+#include <memory>
 #include <string>
 
 #include "Interpreter.hpp"
@@ -12,9 +12,11 @@ namespace luafront {
 /// Where a prompt gets its lines from.
 class LineSource {
  public:
+  enum class Input { Line, Interrupted, End };
+
   virtual ~LineSource() = default;
-  /// The next line without its end; nothing at the end of input.
-  virtual std::optional<std::string> readLine(char const* prompt) = 0;
+  /// Puts the next line, without its end, into `line`. Interrupted when the user gives up what has been entered so far.
+  virtual Input readLine(char const* prompt, std::string& line) = 0;
   /// Keeps an entry for the user to come back to.
   virtual void remember(std::string const&) {}
 };
@@ -23,17 +25,18 @@ class LineSource {
 class StreamLines final : public LineSource {
  public:
   explicit StreamLines(std::istream& input) : m_input(input) {}
-  std::optional<std::string> readLine(char const* prompt) override;
+  Input readLine(char const* prompt, std::string& line) override;
 
  private:
   std::istream& m_input;
 };
 
 /// Lines off the terminal with editing, the completion of names and a history that is kept in a file (none for an empty
-/// path). Without the line editing library: lines off standard input behind a prompt. One at a time.
+/// path), to which each entry is added when it is made. Without the line editing library: lines off standard input
+/// behind a prompt. One at a time.
 std::unique_ptr<LineSource> terminalLines(lua_State* state, std::string const& historyFile);
 
-/// Runs entries until the input ends. False when the last entry was not complete.
+/// Runs entries until the input ends. False, and an error is written, when the last entry was not complete.
 bool runPrompt(Interpreter& interpreter, LineSource& lines);
 
 }  // namespace luafront

@@ -5,7 +5,9 @@
 #include <vector>
 
 #include "Arrays.hpp"
+#include "Context.hpp"
 #include "Functions.hpp"
+#include "Namespaces.hpp"
 #include "Objects.hpp"
 #include "corvid/HostError.hpp"
 #include "corvid/Invocation.hpp"
@@ -16,19 +18,25 @@ namespace luafront {
 namespace {
 
 constexpr int DEEPEST_TABLE = 64;
+// The field by which a table of initial values names a class.
+constexpr char const* CLASS_FIELD = "class";
 
 [[noreturn]] void refuse(std::string const& sentence) {
   throw corvid::HostError(corvid::ErrorKey::WRONG_TYPE, sentence);
 }
 
 std::u16string utf16Of(lua_State* state, int index) {
-  std::size_t length = 0;
-  char const* const text = lua_tolstring(state, index, &length);
-  std::string_view const utf8(text, length);
+  std::string_view const utf8 = checkText(state, index);
   std::u16string utf16 = groundwork::toUtf16(utf8);
   // Malformed sequences are left out in the conversion, and then the way back leads elsewhere.
-  if (utf16.size() != length && groundwork::toUtf8(utf16) != utf8) refuse("The text is not valid UTF-8.");
+  if (utf16.size() != utf8.size() && groundwork::toUtf8(utf16) != utf8) refuse("The text is not valid UTF-8.");
   return utf16;
+}
+
+// The class at the index under its name; null for any other value.
+kestrel::OwnedArray nameOfClass(lua_State* state, int index) {
+  corvid::CorvidClass const* const hostClass = toClass(state, index);
+  return hostClass != nullptr ? kestrel::createChar(groundwork::toUtf16(hostClass->getName().text())) : nullptr;
 }
 
 enum class ListKind { Empty, Integers, Numbers, Booleans, Strings, Objects, Mixed };
@@ -83,7 +91,8 @@ class TableReader {
     while (lua_next(m_state, m_index) != 0) {
       lua_pop(m_state, 1);
       if (lua_type(m_state, -1) == LUA_TSTRING) {
-        m_names.emplace_back(lua_tostring(m_state, -1));
+        utf16Of(m_state, -1);
+        m_names.emplace_back(checkText(m_state, -1));
       } else if (lua_isinteger(m_state, -1) != 0) {
         ++m_positions;
       } else {
@@ -107,7 +116,9 @@ class TableReader {
     for (std::string const& name : m_names) {
       lua_pushlstring(m_state, name.data(), name.size());
       lua_rawget(m_state, m_index);
-      kestrel::setField(*array, 0, name, convertTop());
+      kestrel::OwnedArray className = name == CLASS_FIELD ? nameOfClass(m_state, -1) : nullptr;
+      if (className != nullptr) lua_pop(m_state, 1);
+      kestrel::setField(*array, 0, name, className != nullptr ? std::move(className) : convertTop());
     }
     return array;
   }
@@ -182,7 +193,7 @@ class TableReader {
 HostValue userdataToHost(lua_State* state, int index) {
   if (ObjectBox const* const box = toObject(state, index)) return HostValue(*box->self);
   if (kestrel_array const* const array = toArray(state, index)) return HostValue(*array);
-  refuse("A package or class is no value.");
+  refuse("A package or class is no value here.");
 }
 
 bool endsWith(std::string const& text, std::string_view ending) {
@@ -222,6 +233,14 @@ HostValue toHost(lua_State* state, int index, EmptyTable empty) {
     default:
       refuse(std::string("A Lua value of the type '") + luaL_typename(state, index) + "' is no value of the host.");
   }
+}
+
+HostValue toHostAs(lua_State* state, int index, corvid::Identifier dataType) {
+  if (dataType.text() == "any") {
+    kestrel::OwnedArray name = nameOfClass(state, index);
+    if (name != nullptr) return HostValue(std::move(name));
+  }
+  return toHost(state, index, emptyTableFor(dataType));
 }
 
 }  // namespace luafront

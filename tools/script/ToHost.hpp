@@ -34,8 +34,11 @@ class HostValue {
   kestrel_array const* m_array;
 };
 
-/// Raises HostError for what has no host value: text that is no UTF-8, a table of names and positions together, a table
-/// in itself, a coroutine.
+/// Raises HostError for what has no host value: text or a name that is no UTF-8, a table of names and positions
+/// together, a table in itself, a coroutine, a class or package. Only in the field "class" of a table a class stands
+/// for its name.
 HostValue toHost(lua_State* state, int index, EmptyTable empty = EmptyTable::AsStruct);
+/// The same for an argument of a data type: where it is "any", a class stands for its name.
+HostValue toHostAs(lua_State* state, int index, corvid::Identifier dataType);
 
 }  // namespace luafront

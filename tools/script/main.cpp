@@ -18,6 +18,8 @@ extern "C" void MLTerminate_tessel_config_datamodel();
 
 namespace {
 
+constexpr int WRONG_USAGE = 2;
+
 struct Options {
   std::string file;
   std::vector<std::string> arguments;
@@ -33,11 +35,8 @@ std::string defaultHistoryFile() {
 }
 
 bool prompt(luafront::Interpreter& interpreter, Options const& options) {
-  if (isatty(STDIN_FILENO) != 0) {
-    runPrompt(interpreter, *luafront::terminalLines(interpreter.state(), options.historyFile));
-    std::cout << '\n';
-    return true;
-  }
+  if (isatty(STDIN_FILENO) != 0)
+    return runPrompt(interpreter, *luafront::terminalLines(interpreter.state(), options.historyFile));
   luafront::StreamLines lines(std::cin);
   return runPrompt(interpreter, lines);
 }
@@ -61,6 +60,7 @@ void defineOptions(CLI::App& app, Options& options) {
   app.add_option("--history", options.historyFile, "File that keeps the entries of the prompt; empty for none");
   app.set_version_flag("--version", TESSEL_VERSION);
   app.positionals_at_end();
+  app.footer("The exit status is 0, 1 after an error of a script, and 2 for options that are not known.");
 }
 
 // What is there once the script has been closed, told on the standard error.
@@ -91,7 +91,11 @@ int main(int argc, char** argv) try {
   options.historyFile = defaultHistoryFile();
   CLI::App app("Runs Lua on the classes of the configuration data model: a file, statements, or at a prompt.");
   defineOptions(app, options);
-  CLI11_PARSE(app, argc, argv);
+  try {
+    app.parse(argc, argv);
+  } catch (CLI::ParseError const& error) {
+    return app.exit(error) == EXIT_SUCCESS ? EXIT_SUCCESS : WRONG_USAGE;
+  }
   if (!options.arguments.empty() && options.arguments.front() == "--")
     options.arguments.erase(options.arguments.begin());
   return runOnLibrary(options) ? EXIT_SUCCESS : EXIT_FAILURE;

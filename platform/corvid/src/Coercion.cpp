@@ -1,13 +1,12 @@
 #include "Coercion.hpp"
 
 #include <cmath>
+#include <cstdint>
 #include <limits>
-#include <sstream>
 
 #include "corvid/CorvidClass.hpp"
 #include "corvid/HostError.hpp"
 #include "corvid/factory/SelfTraits.hpp"
-#include "groundwork/unicode.hpp"
 #include "kestrel/array.hpp"
 
 namespace corvid {
@@ -65,15 +64,6 @@ bool conformsToClass(DataType const& type, kestrel_array const& value) {
   return true;
 }
 
-// Whether a double or single array can be held by an integer class without loss.
-bool fitsInteger(kestrel_array const& value, double minimum, double beyondMaximum) {
-  for (std::size_t i = 0; i < kestrel::numberOfElements(value); ++i) {
-    double const number = kestrel::elementAsDouble(value, i);
-    if (!(number >= minimum && number < beyondMaximum && number == std::floor(number))) return false;
-  }
-  return true;
-}
-
 bool isFloating(kestrel::ClassId id) { return id == kestrel::ClassId::Double || id == kestrel::ClassId::Single; }
 
 bool isSigned(kestrel::ClassId id) {
@@ -86,27 +76,91 @@ int bitsOf(kestrel::ClassId id) {
   return 8 << ((static_cast<int>(id) - static_cast<int>(kestrel::ClassId::Int8)) / 2);
 }
 
-bool keepsNumbers(kestrel_array const& value, kestrel_array const& converted) {
+// An integer of any class.
+struct Whole {
+  bool negative;
+  std::uint64_t magnitude;
+
+  static Whole of(std::int64_t number) {
+    auto const bits = static_cast<std::uint64_t>(number);
+    return {number < 0, number < 0 ? 0 - bits : bits};
+  }
+  friend bool operator==(Whole const& left, Whole const& right) {
+    return left.negative == right.negative && left.magnitude == right.magnitude;
+  }
+};
+
+Whole wholeAt(kestrel_array const& integers, std::size_t index) {
+  kestrel::ClassId const id = kestrel::baseClass(integers);
+  if (id == kestrel::ClassId::UInt64) return {false, kestrel::element<std::uint64_t>(integers, index)};
+  if (id == kestrel::ClassId::Int64) return Whole::of(kestrel::element<std::int64_t>(integers, index));
+  return Whole::of(static_cast<std::int64_t>(kestrel::elementAsDouble(integers, index)));
+}
+
+bool isWhole(double number, double minimum, double beyondMaximum) {
+  return number >= minimum && number < beyondMaximum && number == std::floor(number);
+}
+
+bool isSame(Whole const& whole, double number) {
+  double const magnitude = std::abs(number);
+  return isWhole(magnitude, 0, std::ldexp(1.0, 64)) &&
+         whole == Whole{number < 0, static_cast<std::uint64_t>(magnitude)};
+}
+
+// Whether the other class has room for one element. Conversions clamp, so a changed integer is one that has none.
+bool keepsNumber(kestrel_array const& value, kestrel_array const& converted, std::size_t index) {
   kestrel::ClassId const from = kestrel::baseClass(value);
   kestrel::ClassId const to = kestrel::baseClass(converted);
-  if (isFloating(to) || to == kestrel::ClassId::Logical) return true;
-  if (!isFloating(from)) return kestrel::equalContents(kestrel::convertNumeric(converted, from).get(), &value);
-  int const digits = bitsOf(to) - (isSigned(to) ? 1 : 0);
-  double const beyondMaximum = std::ldexp(1.0, digits);
-  return fitsInteger(value, isSigned(to) ? -beyondMaximum : 0.0, beyondMaximum);
+  if (to == kestrel::ClassId::Logical) return true;
+  if (!isFloating(from))
+    return isFloating(to) ? isSame(wholeAt(value, index), kestrel::elementAsDouble(converted, index))
+                          : wholeAt(value, index) == wholeAt(converted, index);
+  double const number = kestrel::elementAsDouble(value, index);
+  if (isFloating(to)) return !std::isfinite(number) || std::isfinite(kestrel::elementAsDouble(converted, index));
+  double const beyondMaximum = std::ldexp(1.0, bitsOf(to) - (isSigned(to) ? 1 : 0));
+  return isWhole(number, isSigned(to) ? -beyondMaximum : 0.0, beyondMaximum);
+}
+
+// The first element that the other class has no room for; the number of elements when there is none.
+std::size_t firstLost(kestrel_array const& value, kestrel_array const& converted) {
+  std::size_t const count = kestrel::numberOfElements(value);
+  std::size_t index = 0;
+  // What scripts convert most, and nearly always within the integers that are all doubles.
+  if (kestrel::baseClass(value) == kestrel::ClassId::Int64 &&
+      kestrel::baseClass(converted) == kestrel::ClassId::Double) {
+    constexpr std::int64_t exact = std::int64_t{1} << std::numeric_limits<double>::digits;
+    std::int64_t const* const numbers = kestrel::data<std::int64_t>(value);
+    while (index < count && numbers[index] >= -exact && numbers[index] <= exact) ++index;
+  }
+  while (index < count && keepsNumber(value, converted, index)) ++index;
+  return index;
+}
+
+[[noreturn]] void refuseNumber(DataType const& type, kestrel_array const& value, std::size_t index) {
+  std::string const place = kestrel::isScalar(value) ? "" : " (element " + std::to_string(index + 1) + ")";
+  throw HostError(ErrorKey::VALUE_OUT_OF_RANGE, "A value of the class '" + kestrel::nameOf(type.id).text() +
+                                                    "' can't be " + describeNumber(value, index) + place + ".");
+}
+
+std::size_t firstNan(kestrel_array const& value) {
+  std::size_t index = 0;
+  while (!std::isnan(kestrel::elementAsDouble(value, index))) ++index;
+  return index;
 }
 
 kestrel::OwnedArray convertToNumber(DataType const& type, kestrel_array const& value) {
   if (type.shape != Shape::Scalar && kestrel::isEmpty(value)) return kestrel::createEmpty(type.id);
   if (!kestrel::isNumeric(value) || !isPlain(value) || !hasShape(type.shape, value)) return nullptr;
+  kestrel::OwnedArray converted;
   try {
-    kestrel::OwnedArray converted = kestrel::convertNumeric(value, type.id);
-    if (keepsNumbers(value, *converted)) return converted;
+    converted = kestrel::convertNumeric(value, type.id);
   } catch (kestrel::ArrayError const&) {
-    // A NaN has no logical value: reported below as what it is.
+    // Of all numbers only a NaN has no logical value.
+    refuseNumber(type, value, firstNan(value));
   }
-  throw HostError(ErrorKey::VALUE_OUT_OF_RANGE, "A value of the class '" + kestrel::nameOf(type.id).text() +
-                                                    "' can't be " + describeValue(value) + ".");
+  std::size_t const lost = firstLost(value, *converted);
+  if (lost < kestrel::numberOfElements(value)) refuseNumber(type, value, lost);
+  return converted;
 }
 
 // A cell array of texts as a string array; null when a cell holds anything else.
@@ -125,14 +179,6 @@ kestrel::OwnedArray convertToStrings(DataType const& type, kestrel_array const& 
   if (type.shape != Shape::Vector || !hasShape(type.shape, value)) return nullptr;
   if (kestrel::isEmpty(value)) return kestrel::createEmpty(kestrel::ClassId::String);
   return kestrel::baseClass(value) == kestrel::ClassId::Cell ? stringsFromCells(value) : nullptr;
-}
-
-template <typename Number>
-std::string numberText(kestrel_array const& value) {
-  std::ostringstream text;
-  text.precision(std::numeric_limits<double>::max_digits10 - 2);
-  text << kestrel::element<Number>(value);
-  return text.str();
 }
 
 }  // namespace
@@ -175,22 +221,6 @@ kestrel::OwnedArray convertBuiltIn(DataType const& type, kestrel_array const& va
     default:
       return nullptr;
   }
-}
-
-std::string describeValue(kestrel_array const& value) {
-  kestrel::ClassId const id = kestrel::baseClass(value);
-  if (conformsToFactoryString(Shape::Scalar, value)) return "'" + groundwork::toUtf8(kestrel::scalarText(value)) + "'";
-  if (kestrel::isScalar(value) && isPlain(value)) {
-    if (id == kestrel::ClassId::Logical) return kestrel::element<bool>(value) ? "true" : "false";
-    if (id == kestrel::ClassId::Int64) return numberText<std::int64_t>(value);
-    if (id == kestrel::ClassId::UInt64) return numberText<std::uint64_t>(value);
-    if (kestrel::isNumeric(value)) return numberText<double>(*kestrel::convertNumeric(value, kestrel::ClassId::Double));
-  }
-  if (kestrel::isScalar(value)) return "one '" + kestrel::className(value).text() + "'";
-  if (kestrel::isEmpty(value)) return "an empty '" + kestrel::className(value).text() + "'";
-  kestrel::Dimensions const size = kestrel::dimensions(value);
-  return std::to_string(size.rows) + " by " + std::to_string(size.columns) + " '" + kestrel::className(value).text() +
-         "'";
 }
 
 }  // namespace corvid

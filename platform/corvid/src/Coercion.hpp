@@ -1,8 +1,6 @@
 // The check of a value against a data type, and the conversions that the host makes by itself.
 #pragma once
 
-#include <string>
-
 #include "DataType.hpp"
 #include "kestrel/array_base.hpp"
 
@@ -14,8 +12,5 @@ bool conforms(DataType const& type, kestrel_array const& value);
 /// Between numbers and between texts; null where the host has no conversion. Raises ValueOutOfRange for a number that
 /// the wanted class cannot hold.
 kestrel::OwnedArray convertBuiltIn(DataType const& type, kestrel_array const& value);
-
-/// For messages: the text or number itself where there is one, class and dimensions otherwise.
-std::string describeValue(kestrel_array const& value);
 
 }  // namespace corvid

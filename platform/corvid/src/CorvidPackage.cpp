@@ -63,6 +63,13 @@ CorvidPackage* CorvidPackage::getPackage(Identifier fullName) {
 
 std::vector<CorvidPackage*> CorvidPackage::topLevelPackages() { return borrowed(hostState().packages); }
 
+CorvidPackage* CorvidPackage::findTopLevelPackage(std::string_view name) {
+  auto const& packages = hostState().packages;
+  auto const found = std::find_if(packages.begin(), packages.end(),
+                                  [&](auto const& package) { return package->m_name.text() == name; });
+  return found == packages.end() ? nullptr : found->get();
+}
+
 CorvidClass* CorvidPackage::addClass(std::unique_ptr<CorvidClassInfo> info, int origin) {
   std::string const expected = dotted(m_fullName, info->getName());
   if (origin != NATIVE_CLASS || info->getFullName() != expected)

@@ -6,8 +6,19 @@
 
 namespace corvid {
 
+namespace {
+
+// A sentence is told as a C string, and may quote a name with a NUL in it.
+std::string visible(std::string sentence) {
+  for (std::size_t at = sentence.find('\0'); at != std::string::npos; at = sentence.find('\0', at))
+    sentence.replace(at, 1, "\\0");
+  return sentence;
+}
+
+}  // namespace
+
 HostError::HostError(char const* key, std::string const& sentence)
-    : Exception({{}, "Kestrel:class", key}, std::string(key) + ": " + sentence) {
+    : Exception({{}, "Kestrel:class", key}, visible(std::string(key) + ": " + sentence)) {
   get_error_id() = {"Kestrel:class", key};
 }
 

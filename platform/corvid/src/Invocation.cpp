@@ -24,6 +24,11 @@ void checkSelf(kestrel_array const& self) {
   if (object == nullptr || !object->isLive()) refuseSelf(self);
 }
 
+bool isSingleObject(Identifier type) {
+  DataType const& wanted = dataType(type);
+  return wanted.kind == DataType::Kind::Class && wanted.shape != DataType::Shape::Vector;
+}
+
 bool has(CorvidMethodInfo const& method, unsigned attribute) { return (method.getAttributes() & attribute) != 0; }
 
 // Inputs as a method's signature wants them, with the arrays that had to be made for it. Optional ones, and a self that
@@ -36,14 +41,22 @@ class CoercedInputs {
     for (std::size_t i = 0; i < inputs.size(); ++i) {
       bool const isLenientSelf = i == 0 && has(method, MethodAttribute::LENIENT_SELF);
       bool const lenient = isLenientSelf || i >= method.getSignature().minimumInputs();
-      m_inputs[i] = lenient ? &coerceIfPossible(types[i], *inputs[i], m_made[i])
-                            : &CorvidTypeRepository::coerce(types[i], *inputs[i], m_made[i]);
+      m_inputs[i] =
+          lenient ? &coerceIfPossible(types[i], *inputs[i], m_made[i]) : &coerceToOne(types[i], *inputs[i], m_made[i]);
     }
   }
 
   Inputs const& get() const noexcept { return m_inputs; }
 
  private:
+  // Only a type that is a vector asks for more than one object.
+  static kestrel_array const& coerceToOne(Identifier type, kestrel_array const& value, kestrel::OwnedArray& made) {
+    kestrel_array const& coerced = CorvidTypeRepository::coerce(type, value, made);
+    if (kestrel::numberOfElements(coerced) > 1 && isSingleObject(type))
+      throw HostError(ErrorKey::WRONG_TYPE,
+                      "Expected one object of the class '" + type.text() + "', not " + describeValue(value) + ".");
+    return coerced;
+  }
   static kestrel_array const& coerceIfPossible(Identifier type, kestrel_array const& value, kestrel::OwnedArray& made) {
     try {
       return CorvidTypeRepository::coerce(type, value, made);
@@ -56,12 +69,20 @@ class CoercedInputs {
   std::vector<kestrel::OwnedArray> m_made;
 };
 
-[[noreturn]] void reportCount(Identifier name, CorvidMethodSignature const& signature, std::size_t inputs) {
-  std::string expected = std::to_string(signature.minimumInputs());
-  if (signature.maximumInputs() != signature.minimumInputs())
-    expected += " to " + std::to_string(signature.maximumInputs());
-  throw HostError(ErrorKey::WRONG_ARGUMENT_COUNT,
-                  "'" + name.text() + "' takes " + expected + " arguments, not " + std::to_string(inputs) + ".");
+// Counts as a caller does: without the object that a method is called on.
+[[noreturn]] void reportCount(CorvidClass const& hostClass, CorvidMethodInfo const& method, std::size_t inputs) {
+  CorvidMethodSignature const& signature = method.getSignature();
+  bool const hasSelf = method.getName() != hostClass.getShortName() && !has(method, MethodAttribute::STATIC);
+  std::size_t const self = hasSelf ? 1 : 0;
+  std::string const name = "'" + method.getName().text() + "'";
+  if (inputs < self) throw HostError(ErrorKey::WRONG_ARGUMENT_COUNT, name + " was called without its object.");
+  std::size_t const least = signature.minimumInputs() - self;
+  std::size_t const most = signature.maximumInputs() - self;
+  std::string expected = std::to_string(least);
+  if (most != least) expected += " to " + std::to_string(most);
+  throw HostError(ErrorKey::WRONG_ARGUMENT_COUNT, name + " takes " + expected +
+                                                      (most == 1 ? " argument, not " : " arguments, not ") +
+                                                      std::to_string(inputs - self) + ".");
 }
 
 // The last method of a name that takes the number of inputs; null when the class has no method of that name.
@@ -70,7 +91,7 @@ CorvidMethodInfo const* findMethod(CorvidClass const& hostClass, Identifier name
   for (auto method = methods.rbegin(); method != methods.rend(); ++method)
     if ((*method)->getSignature().accepts(inputs)) return *method;
   if (methods.empty()) return nullptr;
-  reportCount(name, methods.back()->getSignature(), inputs);
+  reportCount(hostClass, *methods.back(), inputs);
 }
 
 [[noreturn]] void reportWrongValue(CorvidPropInfo const& property, kestrel_array const& value) {
@@ -137,8 +158,9 @@ void setProperty(kestrel_array const& self, CorvidPropInfo const& property, kest
   if (property.isReadOnly())
     throw HostError(ErrorKey::READ_ONLY_PROPERTY, "The property '" + property.getName().text() + "' can't be set.");
   checkSelf(self);
-  bool const isMany = property.getMultiplicity() == Multiplicity::Many;
-  if (!isMany && kestrel::isObject(value) && kestrel::numberOfElements(value) > 1) reportWrongValue(property, value);
+  bool const isRow = kestrel::isObject(value) && kestrel::numberOfElements(value) > 1;
+  if (isRow && property.getMultiplicity() != Multiplicity::Many && isSingleObject(property.getDataType()))
+    reportWrongValue(property, value);
   kestrel::OwnedArray made;
   bool const clears = property.getMultiplicity() == Multiplicity::Optional && kestrel::isEmpty(value);
   kestrel_array const& coerced = clears ? value : CorvidTypeRepository::coerce(property.getDataType(), value, made);

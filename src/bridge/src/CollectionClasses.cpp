@@ -1,6 +1,8 @@
 // "plinth.Sequence", "plinth.Set", "plinth.Map" and "plinth.Multimap": collections of elements as objects that scripts
 // walk and change.
 #include "FoundationClasses.hpp"
+#include "ModelErrors.hpp"
+#include "corvid/HostError.hpp"
 #include "corvid/Invocation.hpp"
 #include "corvid/factory/BindingRegistry.hpp"
 #include "corvid/factory/CorvidFactoryClassInfo.hpp"
@@ -103,9 +105,14 @@ std::uint32_t positionOf(Collection const& self, MethodCall const& call, std::si
   return position <= self.view().genericSize() ? position : 0;
 }
 
+[[noreturn]] void refusePosition(Collection const& self, MethodCall const& call, std::size_t input) {
+  reportInvalidValue("there is no position " + corvid::describeValue(call.input(input)) + " in a sequence of " +
+                     std::to_string(self.view().genericSize()) + " elements.");
+}
+
 std::uint32_t requirePosition(Collection const& self, MethodCall const& call, std::size_t input) {
   std::uint32_t const position = positionOf(self, call, input);
-  if (position == 0) reportException(messages::InvalidValue());
+  if (position == 0) refusePosition(self, call, input);
   return position;
 }
 
@@ -139,7 +146,7 @@ void addPositional(MethodAdder<SequenceTag> const& methods) {
   });
   methods.add("insert", "", {POSITION, ELEMENT}, [](Collection const& self, MethodCall& call) {
     auto const position = kestrel::element<std::uint32_t>(call.input(1));
-    if (position == 0 || position > self.view().genericSize() + 1) reportException(messages::InvalidValue());
+    if (position == 0 || position > self.view().genericSize() + 1) refusePosition(self, call, 1);
     self.sequence().genericInsert(requireElement(call, 2), position - 1);
   });
   methods.add("replace", "", {POSITION, ELEMENT}, [](Collection const& self, MethodCall& call) {

@@ -1,5 +1,7 @@
 #include "plinth/bridge/Construct.hpp"
 
+#include "ModelErrors.hpp"
+#include "corvid/HostError.hpp"
 #include "kestrel/array.hpp"
 #include "plinth/bridge/ElementBinding.hpp"
 
@@ -23,6 +25,13 @@ struct Initial {
   boost::optional<boost::uuids::uuid> uuid;
 };
 
+[[noreturn]] void refuseArgument(meta::Class const& metaClass, std::size_t index, kestrel_array const& argument) {
+  reportInvalidValue(
+      "'" + shortName(metaClass).text() +
+      "' takes one struct of initial values and one UUID, each at most once, behind the model; argument " +
+      std::to_string(index + 1) + " is " + corvid::describeValue(argument) + ".");
+}
+
 Initial readInitial(corvid::MethodCall const& call, Model const& model, meta::Class const& metaClass) {
   Initial initial;
   for (std::size_t i = 1; i < call.inputCount(); ++i) {
@@ -30,9 +39,10 @@ Initial readInitial(corvid::MethodCall const& call, Model const& model, meta::Cl
     if (detail::isInitialStruct(argument) && initial.builder == nullptr) {
       initial.builder = detail::createBuilderFromStruct(argument, 0, model, metaClass);
     } else if (!initial.uuid) {
-      initial.uuid = detail::requireUuid(argument);
+      initial.uuid = detail::extractUuid(argument);
+      if (!initial.uuid) refuseArgument(metaClass, i, argument);
     } else {
-      reportException(messages::InvalidValue());
+      refuseArgument(metaClass, i, argument);
     }
   }
   if (initial.builder == nullptr) initial.builder = metaClass->instantiateBuilder(model);

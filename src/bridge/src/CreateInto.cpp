@@ -1,5 +1,7 @@
 #include "plinth/bridge/CreateInto.hpp"
 
+#include "ModelErrors.hpp"
+#include "corvid/HostError.hpp"
 #include "corvid/factory/SelfTraits.hpp"
 #include "plinth/Value.hpp"
 #include "plinth/bridge/Construct.hpp"
@@ -42,11 +44,19 @@ ModelElement CreateInto::create(ModelElement const& self, corvid::MethodCall con
   meta::Class const metaClass = elementClass(m_property);
   bool const hasStruct = call.inputCount() > 1 && kestrel::isStruct(call.input(1));
   bool const hasUuid = call.inputCount() == 3 || (call.inputCount() == 2 && !hasStruct);
-  if (call.inputCount() == 3 && !hasStruct) reportException(messages::InvalidValue());
+  if (call.inputCount() == 3 && !hasStruct) refuseArgument(call, 1, "a struct of initial values");
   auto const builder = hasStruct ? detail::createBuilderFromStructFirst(call.input(1), 0, model, metaClass)
                                  : metaClass->instantiateBuilder(model);
-  auto const uuid = hasUuid ? detail::requireUuid(call.input(call.inputCount() - 1)) : ElementImpl::generateNewUuid();
-  return builder->create(uuid);
+  if (!hasUuid) return builder->create(ElementImpl::generateNewUuid());
+  std::size_t const last = call.inputCount() - 1;
+  auto const uuid = detail::extractUuid(call.input(last));
+  if (!uuid) refuseArgument(call, last, last == 1 ? "a struct of initial values or a UUID" : "a UUID");
+  return builder->create(*uuid);
+}
+
+void CreateInto::refuseArgument(corvid::MethodCall const& call, std::size_t index, char const* expected) const {
+  reportInvalidValue("'" + getName().text() + "' takes " + expected + " as argument " + std::to_string(index) +
+                     ", not " + corvid::describeValue(call.input(index)) + ".");
 }
 
 void CreateInto::store(ModelElement const& self, ModelElement const& element) const {

@@ -2,6 +2,7 @@
 
 #include <unordered_map>
 
+#include "corvid/CorvidClass.hpp"
 #include "corvid/factory/BindingRegistry.hpp"
 #include "groundwork/unicode.hpp"
 #include "kestrel/object_array.hpp"
@@ -23,6 +24,14 @@ void letGo(ModelElementImpl& element) noexcept {
   ModelImpl& model = element.model();
   element.removeRef();
   model.removeRef();
+}
+
+/// Not every class of the metamodel is one of the host: an element shows itself as the nearest one above that is.
+Identifier scriptClassOf(ModelElement const& element) {
+  meta::ClassImpl const* metaClass = element->getMetaClass().impl();
+  while (corvid::CorvidClass::getClass(hostName(*metaClass)) == nullptr && metaClass->superclass() != nullptr)
+    metaClass = metaClass->superclass();
+  return hostName(*metaClass);
 }
 
 char const* scriptClassOf(ReferenceCollection const& collection) {
@@ -49,7 +58,7 @@ Identifier memberName(meta::MetaElementImpl const& member) {
 kestrel::OwnedArray announceElement(ModelElement const& element, Identifier declared) {
   if (element.isEmpty()) return kestrel::createObjects(declared, kestrel::EMPTY);
   bool isNew = false;
-  auto array = BindingRegistry::announce(element.impl(), hostName(*element->getMetaClass().impl()), isNew);
+  auto array = BindingRegistry::announce(element.impl(), scriptClassOf(element), isNew);
   if (isNew) hold(*element);
   return array;
 }
@@ -71,8 +80,7 @@ kestrel::OwnedArray announceCollection(ReferenceCollection const* collection) {
 }
 
 void bindConstructed(ModelElement const& element, kestrel_array& self) {
-  Identifier const name = hostName(*element->getMetaClass().impl());
-  if (BindingRegistry::announceForConstructor(element.impl(), name, self, true)) hold(*element);
+  if (BindingRegistry::announceForConstructor(element.impl(), scriptClassOf(element), self, true)) hold(*element);
 }
 
 void releaseElement(void* native) noexcept {

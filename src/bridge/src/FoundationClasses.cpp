@@ -3,6 +3,8 @@
 
 #include <boost/uuid/uuid_io.hpp>
 
+#include "ModelErrors.hpp"
+#include "corvid/HostError.hpp"
 #include "corvid/factory/AdaptedClass.hpp"
 #include "corvid/factory/StringDataTypes.hpp"
 #include "groundwork/unicode.hpp"
@@ -135,7 +137,8 @@ void addElementClass(CorvidPackage& package) { addClass<ModelElementWrapper>(pac
 
 meta::Class readClass(kestrel_array const& value) {
   if (auto const named = corvid::factory::impl::selfOf<meta::Class>(value)) return named;
-  if (!kestrel::isText(value)) reportException(messages::InvalidValue());
+  if (!kestrel::isText(value))
+    reportInvalidValue("expected a class or the full name of one, not " + corvid::describeValue(value) + ".");
   std::u16string const name(kestrel::scalarText(value));
   meta::Type const type = meta::MetaRegistry::getInstance().getType(name);
   auto* const metaClass = dynamic_cast<meta::ClassImpl*>(type.impl());

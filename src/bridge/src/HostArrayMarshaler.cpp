@@ -1,5 +1,9 @@
 #include "HostArrayMarshaler.hpp"
 
+#include <algorithm>
+
+#include "corvid/CorvidClass.hpp"
+#include "corvid/HostError.hpp"
 #include "kestrel/array.hpp"
 #include "plinth/Messages.hpp"
 #include "tessel_config_datamodel/frame/HostArray.hpp"
@@ -12,6 +16,47 @@ namespace {
 
 [[noreturn]] void refuse(meta::Type const& type) {
   reportException(messages::CannotCastIncompatibleTypes(type->getQualifiedName(), "collection"));
+}
+
+// Handles on a model, and on what is in one.
+constexpr char const* HANDLE_CLASSES[] = {"plinth.ModelElement", "plinth.Model", "plinth.Transaction",
+                                          "plinth.Sequence",     "plinth.Set",   "plinth.Map",
+                                          "plinth.Multimap"};
+
+bool isModelHandle(kestrel::ObjectRef const& object) {
+  auto const* const hostClass = object ? corvid::CorvidClass::getClass(object->className()) : nullptr;
+  if (hostClass == nullptr) return false;
+  static std::vector<corvid::Identifier> const handles = [] {
+    std::vector<corvid::Identifier> names;
+    for (char const* name : HANDLE_CLASSES) names.push_back(corvid::internal::makeInterned(name));
+    return names;
+  }();
+  return std::any_of(handles.begin(), handles.end(),
+                     [&](corvid::Identifier name) { return hostClass->isSubclassOf(name); });
+}
+
+// An element that held a handle would keep the handle's model alive, and by it itself: for ever.
+void refuseModelHandles(kestrel_array const* array) {
+  if (array == nullptr) return;
+  for (std::size_t i = 0; i < kestrel::numberOfElements(*array); ++i) {
+    switch (kestrel::baseClass(*array)) {
+      case kestrel::ClassId::Object:
+        if (isModelHandle(kestrel::object(*array, i)))
+          throw corvid::HostError(corvid::ErrorKey::WRONG_TYPE,
+                                  "A host array keeps values, not the handle '" +
+                                      kestrel::object(*array, i)->className().text() +
+                                      "', which would keep its model alive; keep the UUID of an element instead.");
+        break;
+      case kestrel::ClassId::Cell:
+        refuseModelHandles(kestrel::cell(*array, i));
+        break;
+      case kestrel::ClassId::Struct:
+        for (std::string const& name : kestrel::fieldNames(*array)) refuseModelHandles(kestrel::field(*array, i, name));
+        break;
+      default:
+        return;
+    }
+  }
 }
 
 }  // namespace
@@ -37,6 +82,11 @@ Value HostArrayMarshaler::fromHost(kestrel_array const& array) const {
   bool const isNothing = kestrel::isEmpty(array) &&
                          kestrel::classIdentifier(array) == static_cast<std::uint32_t>(kestrel::ClassId::Double);
   return Value::make(metaOf(meta::SINGLE), isNothing ? HostArray() : HostArray(&array));
+}
+
+Value HostArrayMarshaler::fromKestrelArray(kestrel_array const& array) const {
+  refuseModelHandles(&array);
+  return fromHost(array);
 }
 
 corvid::Identifier HostArrayMarshaler::dataType() const {

@@ -20,7 +20,8 @@ class HostArrayMarshaler final : public ValueMarshaler {
   kestrel::OwnedArray toHost(Value const& value) const override;
   /// An empty plain array stands for no value.
   Value fromHost(kestrel_array const& array) const override;
-  Value fromKestrelArray(kestrel_array const& array) const override { return fromHost(array); }
+  /// Raises WrongType for an array that holds, at whatever depth, a handle on a model or on what is in one.
+  Value fromKestrelArray(kestrel_array const& array) const override;
   corvid::Identifier dataType() const override;
   corvid::Identifier rowDataType() const override { return dataType(); }
 };

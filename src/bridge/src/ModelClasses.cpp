@@ -1,7 +1,10 @@
 // "plinth.Model" and "plinth.Transaction".
 #include <boost/optional.hpp>
+#include <memory>
+#include <utility>
 
 #include "FoundationClasses.hpp"
+#include "ModelErrors.hpp"
 #include "corvid/Callable.hpp"
 #include "corvid/Invocation.hpp"
 #include "corvid/factory/CorvidFactoryClassInfo.hpp"
@@ -14,30 +17,74 @@
 namespace plinth::bridge {
 namespace {
 
-/// A transaction that a script object owns; ended when the script says so, or when it lets go of it.
+/// A transaction that a script object owns; ended when the script says so, or when it lets go of it. While an inner one
+/// is open it can't be ended: what the inner one did would be taken back behind its back.
 class ScriptTransaction {
  public:
-  explicit ScriptTransaction(Model const& model) : m_transaction(model->beginTransaction(false)) {}
+  explicit ScriptTransaction(Model const& model)
+      : m_model(model), m_transaction(model->beginTransaction(false)), m_level(model->level()) {}
 
   bool isOpen() const noexcept { return m_transaction.has_value() && m_transaction->isOpen(); }
-  /// Raises TransactionNotInnermost while an inner one is open, and InvalidValue for one that has ended.
+  bool canEnd() const noexcept { return !isOpen() || m_model->level() == m_level; }
+  /// These raise InvalidValue for one that has ended, and TransactionNotInnermost while an inner one is open.
   void commit() {
     requireOpen();
     m_transaction->commit();
-    m_transaction.reset();
+    end();
   }
   void rollback() {
     requireOpen();
-    m_transaction.reset();
+    requireInnermost();
+    end();
   }
-  void close() noexcept { m_transaction.reset(); }
+  /// Takes back what is uncommitted. Raises TransactionNotInnermost while an inner one is open.
+  void close() {
+    requireInnermost();
+    end();
+  }
+
+  /// For a script that has let go of it: ends it now, or when those that are open inside have ended.
+  static void abandon(std::unique_ptr<ScriptTransaction> transaction) noexcept {
+    transaction->m_next = std::move(abandoned());
+    abandoned() = std::move(transaction);
+    endAbandoned();
+  }
+  /// Ends those that wait for nothing any more; to be called when any transaction has ended.
+  static void endAbandoned() noexcept {
+    // Each end may let another one go.
+    for (std::unique_ptr<ScriptTransaction>* place = &abandoned(); *place != nullptr;) {
+      if (!(*place)->canEnd()) {
+        place = &(*place)->m_next;
+        continue;
+      }
+      std::unique_ptr<ScriptTransaction> const ended = std::exchange(*place, std::move((*place)->m_next));
+      place = &abandoned();
+    }
+  }
 
  private:
   void requireOpen() const {
-    if (!isOpen()) reportException(messages::InvalidValue());
+    if (!isOpen()) reportInvalidValue("the transaction has ended already.");
+  }
+  void requireInnermost() const {
+    if (!canEnd())
+      detail::reportCause(messages::TransactionNotInnermost(),
+                          "only the innermost open transaction can be ended; end the inner ones first.");
+  }
+  void end() noexcept {
+    m_transaction.reset();
+    endAbandoned();
+  }
+  /// A list without memory of its own, since it grows where nothing may fail; one for each thread, as models are.
+  static std::unique_ptr<ScriptTransaction>& abandoned() noexcept {
+    thread_local std::unique_ptr<ScriptTransaction> first;
+    return first;
   }
 
+  Model m_model;
   boost::optional<Transaction> m_transaction;
+  std::uint32_t m_level;
+  std::unique_ptr<ScriptTransaction> m_next;
 };
 
 constexpr std::string_view TRANSACTION = "plinth.Transaction";
@@ -81,7 +128,9 @@ class TransactionWrapper final : public corvid::factory::HandleClassInfo<ScriptT
       call.setOutput(kestrel::createScalar(self->isOpen()));
     });
   }
-  void destroyInstance(void* native) const override { delete static_cast<ScriptTransaction*>(native); }
+  void destroyInstance(void* native) const override {
+    ScriptTransaction::abandon(std::unique_ptr<ScriptTransaction>(static_cast<ScriptTransaction*>(native)));
+  }
   bool isAbstract() const override { return true; }
 };
 
@@ -93,6 +142,9 @@ void beginTransaction(Model const& self, MethodCall& call) {
 
 /// Runs a function in a transaction of its own: committed when it returns, taken back when it raises.
 void runTransaction(Model const& self, MethodCall& call) {
+  struct EndsAbandoned {
+    ~EndsAbandoned() { ScriptTransaction::endAbandoned(); }
+  } const lastOfAll;
   Transaction transaction = self->beginTransaction(false);
   auto results = corvid::Callable::in(call.input(1)).call({});
   transaction.commit();

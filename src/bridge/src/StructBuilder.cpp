@@ -1,7 +1,9 @@
 // From host structs to builders.
+#include <algorithm>
 #include <boost/uuid/string_generator.hpp>
 #include <string>
 
+#include "ModelErrors.hpp"
 #include "corvid/CorvidTypeRepository.hpp"
 #include "corvid/HostError.hpp"
 #include "corvid/factory/SelfTraits.hpp"
@@ -43,6 +45,11 @@ meta::Class classToBuild(kestrel_array const& hostStruct, std::size_t index, met
   return findClass(groundwork::toUtf8(kestrel::scalarText(name)), declared);
 }
 
+/// A front end that has one form for both can't tell a struct without fields from a list without elements.
+bool isEmptyTable(kestrel_array const& value) {
+  return kestrel::isStruct(value) && kestrel::isScalar(value) && kestrel::fieldNames(value).empty();
+}
+
 /// Gives the fields of one struct to a builder.
 class FieldReader {
  public:
@@ -63,24 +70,30 @@ class FieldReader {
   meta::Property requireProperty(std::string const& name) const {
     std::u16string const wideName = groundwork::toUtf16(name);
     meta::PropertyImpl* const property = m_builder.getMetaClass()->findProperty(wideName);
-    if (property == nullptr)
-      reportException(messages::NoSuchProperty(wideName, m_builder.getMetaClass()->getQualifiedName()));
+    if (property == nullptr) refuseField(wideName);
     return meta::Property(property);
   }
 
-  /// The host's errors speak of types alone: here they get the name of the property.
+  [[noreturn]] void refuseField(std::u16string name) const {
+    // A sentence is told as a C string.
+    std::replace(name.begin(), name.end(), u'\0', u'\xfffd');
+    reportException(messages::NoSuchProperty(name, m_builder.getMetaClass()->getQualifiedName()));
+  }
+
+  /// Errors speak of values and types alone: here they get the name of the property.
   void giveNamed(meta::Property const& property, kestrel_array const& value) {
     try {
       give(property, value);
-    } catch (HostError const& error) {
-      throw error.at("Property '" + memberName(*property.impl()).text() + "'");
+    } catch (...) {
+      rethrowAt("Property '" + memberName(*property.impl()).text() + "'");
     }
   }
 
   void give(meta::Property const& property, kestrel_array const& value) {
+    if (property->isMany() && isEmptyTable(value)) return;
     if (dynamic_cast<meta::ClassImpl const*>(property->type()) == nullptr) {
       giveValues(property, value);
-    } else if (property->isComposite() && !kestrel::isObject(value)) {
+    } else if (property->isComposite()) {
       giveChildren(property, value);
     } else {
       giveElements(property, value);
@@ -94,6 +107,7 @@ class FieldReader {
   }
 
   void giveElements(meta::Property const& property, kestrel_array const& value) {
+    requireOneUnlessMany(property, value);
     kestrel::OwnedArray made;
     kestrel_array const& objects = corvid::CorvidTypeRepository::coerce(hostName(*property->type()), value, made);
     for (std::size_t i = 0; i < kestrel::numberOfElements(objects); ++i) {
@@ -104,19 +118,34 @@ class FieldReader {
   }
 
   void giveChildren(meta::Property const& property, kestrel_array const& value) {
+    if (kestrel::isObject(value)) refuseElement(property);
+    requireOneUnlessMany(property, value);
     if (kestrel::baseClass(value) == kestrel::ClassId::Cell) {
       for (std::size_t i = 0; i < kestrel::numberOfElements(value); ++i) {
         kestrel_array const* const cell = kestrel::cell(value, i);
-        if (cell != nullptr) give(property, *cell);
+        if (cell != nullptr) giveChildren(property, *cell);
       }
       return;
     }
     if (!kestrel::isStruct(value))
-      throw HostError(corvid::ErrorKey::WRONG_TYPE, "Expected a struct of initial values, or a list of them, not a '" +
-                                                        kestrel::className(value).text() + "'.");
+      throw HostError(corvid::ErrorKey::WRONG_TYPE, "Expected a struct of initial values, or a list of them, not " +
+                                                        corvid::describeValue(value) + ".");
     meta::Class const declared(static_cast<meta::ClassImpl*>(property->type()));
     for (std::size_t i = 0; i < kestrel::numberOfElements(value); ++i)
       m_builder.setOrAdd(property, createBuilderFromStructFirst(value, i, m_model, declared));
+  }
+
+  static void requireOneUnlessMany(meta::Property const& property, kestrel_array const& value) {
+    if (property->isMany() || kestrel::numberOfElements(value) <= 1 || kestrel::isText(value)) return;
+    throw HostError(corvid::ErrorKey::WRONG_TYPE, "Expected one value, not " + corvid::describeValue(value) + ".");
+  }
+
+  /// A builder makes what its element contains.
+  [[noreturn]] void refuseElement(meta::Property const& property) const {
+    detail::reportCause(
+        messages::NoSuchProperty(property->getName(), m_builder.getMetaClass()->getQualifiedName()),
+        "an element that is made contains new elements only, each given as a struct of initial values; one that exists "
+        "is put in afterwards.");
   }
 
   ModelElementBuilder& m_builder;
@@ -127,7 +156,8 @@ class FieldReader {
 
 std::unique_ptr<ModelElementBuilder> createBuilderFromStruct(kestrel_array const& hostStruct, std::size_t index,
                                                              Model const& model, meta::Class const& metaClass) {
-  if (index >= kestrel::numberOfElements(hostStruct)) reportException(messages::InvalidValue());
+  if (index >= kestrel::numberOfElements(hostStruct))
+    reportInvalidValue("there are no initial values in " + corvid::describeValue(hostStruct) + ".");
   auto builder = classToBuild(hostStruct, index, metaClass)->instantiateBuilder(model);
   FieldReader(*builder, model).read(hostStruct, index);
   return builder;
@@ -153,7 +183,7 @@ boost::optional<boost::uuids::uuid> extractUuid(kestrel_array const& array) {
 
 boost::uuids::uuid requireUuid(kestrel_array const& array) {
   auto const uuid = extractUuid(array);
-  if (!uuid) reportException(messages::InvalidValue());
+  if (!uuid) reportInvalidValue("expected the text of a UUID, not " + corvid::describeValue(array) + ".");
   return *uuid;
 }
 

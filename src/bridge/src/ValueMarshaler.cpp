@@ -47,6 +47,13 @@ kestrel_array const& coerceToClass(Identifier className, kestrel_array const& ar
   return CorvidTypeRepository::coerce(className, array, made);
 }
 
+kestrel_array const& coerceToOne(Identifier className, kestrel_array const& array, kestrel::OwnedArray& made) {
+  bool const isNothing = kestrel::isEmpty(array) && kestrel::baseClass(array) != kestrel::ClassId::Char;
+  if (isNothing) return coerceToClass(className, array, made);
+  corvid::CorvidClass::requireClass(className);
+  return CorvidTypeRepository::coerce(corvid::internal::makeInterned(className.text() + " scalar"), array, made);
+}
+
 kestrel::OwnedArray memberFromText(Identifier enumeration, kestrel_array const& text) {
   corvid::CorvidClass::requireClass(enumeration);
   auto const* const converter = CorvidTypeRepository::getConversion("any", enumeration.text());

@@ -41,6 +41,8 @@ class CORVID_EXPORT CorvidPackage {
   /// The package of that dotted name, null when there is none.
   static CorvidPackage* getPackage(Identifier fullName);
   static std::vector<CorvidPackage*> topLevelPackages();
+  /// The top-level package of that name, null when there is none. Interns nothing. Cost: linear in their number.
+  static CorvidPackage* findTopLevelPackage(std::string_view name);
 
   ~CorvidPackage();
   CorvidPackage(CorvidPackage const&) = delete;

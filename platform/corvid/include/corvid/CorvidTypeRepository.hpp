@@ -37,9 +37,10 @@ class CORVID_EXPORT CorvidTypeRepository {
   static void requireType(Identifier type);
 
   /// The value as it is when it conforms to the type, otherwise converted and kept in `holder`, first by the conversion
-  /// from "any" to the type, then between numbers and between texts as far as nothing is lost. An empty value conforms
-  /// to every class and to every vector; any number that is not NaN is a logical value. Raises WrongType,
-  /// ValueOutOfRange, and InvalidHandle for an object that is gone.
+  /// from "any" to the type, then between numbers and between texts as far as nothing is lost; only a double becomes a
+  /// single by rounding, as long as it stays finite. An empty value conforms to every class and to every vector; any
+  /// number that is not NaN is a logical value. Raises WrongType, ValueOutOfRange, and InvalidHandle for an object that
+  /// is gone.
   static kestrel_array const& coerce(Identifier type, kestrel_array const& value, kestrel::OwnedArray& holder);
 };
 

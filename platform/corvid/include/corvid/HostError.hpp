@@ -7,6 +7,7 @@
 
 #include "corvid/export.hpp"
 #include "groundwork/except.hpp"
+#include "kestrel/array_base.hpp"
 
 namespace corvid {
 
@@ -24,7 +25,6 @@ class CORVID_EXPORT HostError : public groundwork::except::Exception<groundwork:
 namespace ErrorKey {
 /// The native behind a script object is gone, or there is none.
 constexpr char const* INVALID_HANDLE = "InvalidHandle";
-constexpr char const* NO_SUCH_PACKAGE = "NoSuchPackage";
 constexpr char const* NO_SUCH_CLASS = "NoSuchClass";
 constexpr char const* NO_SUCH_MEMBER = "NoSuchMember";
 constexpr char const* NO_SUCH_TYPE = "NoSuchType";
@@ -57,5 +57,11 @@ struct ErrorDescription {
 /// Describes any exception: those with a message identifier under that, out of memory and all others under identifiers
 /// of the catalogue "Kestrel:native".
 CORVID_EXPORT ErrorDescription describeError(std::exception const& error);
+
+/// What a sentence calls a value: the text (its beginning, when it is long) or number itself where there is one,
+/// "nothing" for an empty plain array, and class and dimensions otherwise.
+CORVID_EXPORT std::string describeValue(kestrel_array const& value);
+/// The same for one element of a plain array of numbers.
+CORVID_EXPORT std::string describeNumber(kestrel_array const& numbers, std::size_t index);
 
 }  // namespace corvid

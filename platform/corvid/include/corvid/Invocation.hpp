@@ -28,7 +28,7 @@ CORVID_EXPORT CorvidPropInfo const& requireProperty(CorvidClass const& hostClass
 /// gives none or when it is not wanted.
 CORVID_EXPORT kestrel::OwnedArray invoke(CorvidClass const& hostClass, Identifier method, Inputs const& inputs,
                                          bool wantsOutput = true);
-/// The method that a call with that many inputs reaches. Raises NoSuchMember, WrongArgumentCount, NotImplemented.
+/// The method that a call with that many inputs reaches. Raises NoSuchMember, WrongArgumentCount.
 CORVID_EXPORT CorvidMethodInfo const& requireMethod(CorvidClass const& hostClass, Identifier name, std::size_t inputs);
 
 /// Whether the objects' natives can be used; true for an array without objects.

@@ -16,9 +16,10 @@ namespace detail {
 
 /// A builder of the class, with each field of one element of a struct array given through setOrAdd. A field "class"
 /// names a subclass to build instead, by its full name or by its short name in the package of `metaClass`. A contained
-/// element is a struct of its own, and of many a list. An empty field gives nothing.
-/// Raises NoSuchProperty for a field that is no property, NoSuchType and CannotAddIncompatibleTypes for a wrong
-/// "class", CannotCreateAbstractClass, and what marshalers and setOrAdd raise for a value of the wrong type.
+/// element is a struct of its own, and of many a list. An empty field gives nothing, and so does a struct without
+/// fields where there may be many. Raises NoSuchProperty for a field that is no property, NoSuchType and
+/// CannotAddIncompatibleTypes for a wrong "class", CannotCreateAbstractClass, and what marshalers and setOrAdd raise
+/// for a value of the wrong type; errors of a field are headed by its name.
 TESSEL_EXPORT std::unique_ptr<ModelElementBuilder> createBuilderFromStruct(kestrel_array const& hostStruct,
                                                                            std::size_t index, Model const& model,
                                                                            meta::Class const& metaClass);

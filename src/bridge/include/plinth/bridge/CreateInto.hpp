@@ -19,6 +19,8 @@ class TESSEL_EXPORT CreateInto final : public corvid::factory::CorvidMethod {
 
  private:
   ModelElement create(ModelElement const& self, corvid::MethodCall const& call) const;
+  /// Counts arguments behind self.
+  [[noreturn]] void refuseArgument(corvid::MethodCall const& call, std::size_t index, char const* expected) const;
   void store(ModelElement const& self, ModelElement const& element) const;
 
   meta::Property m_property;

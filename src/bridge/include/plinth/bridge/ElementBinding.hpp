@@ -19,8 +19,8 @@ TESSEL_EXPORT corvid::Identifier hostName(meta::TypeImpl const& type);
 /// The name of a property, literal or operation. Cost: interning.
 TESSEL_EXPORT corvid::Identifier memberName(meta::MetaElementImpl const& member);
 
-/// The script object of an element under the element's own class, in a 1 by 1 array; an empty array of the class
-/// `declared` for an empty handle. Raises NoSuchClass.
+/// The script object of an element under the element's own class, or the nearest one above that the host knows, in a 1
+/// by 1 array; an empty array of the class `declared` for an empty handle. Raises NoSuchClass.
 TESSEL_EXPORT kestrel::OwnedArray announceElement(ModelElement const& element, corvid::Identifier declared);
 /// The script object of a model, in a 1 by 1 array.
 TESSEL_EXPORT kestrel::OwnedArray announceModel(Model const& model);

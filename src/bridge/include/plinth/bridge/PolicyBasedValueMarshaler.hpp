@@ -17,7 +17,7 @@ class PolicyBasedValueMarshaler : public TypedValueMarshaler<T, void> {
   }
   Value fromKestrelArray(kestrel_array const& array) const override {
     kestrel::OwnedArray made;
-    return fromHost(detail::coerceToClass(this->rowDataType(), array, made));
+    return fromHost(detail::coerceToOne(this->rowDataType(), array, made));
   }
 
  protected:

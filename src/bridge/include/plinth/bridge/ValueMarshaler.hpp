@@ -75,6 +75,10 @@ namespace detail {
 /// Raises what CorvidTypeRepository::coerce raises.
 TESSEL_EXPORT kestrel_array const& coerceToClass(corvid::Identifier className, kestrel_array const& array,
                                                  kestrel::OwnedArray& made);
+/// The same for one value: no array of several passes, and no empty text. Any other empty array does, and stands for no
+/// value.
+TESSEL_EXPORT kestrel_array const& coerceToOne(corvid::Identifier className, kestrel_array const& array,
+                                               kestrel::OwnedArray& made);
 /// The member of an enumeration that a text names, by the host's conversion; null for a text that names none.
 TESSEL_EXPORT kestrel::OwnedArray memberFromText(corvid::Identifier enumeration, kestrel_array const& text);
 
