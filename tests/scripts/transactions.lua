@@ -56,7 +56,7 @@ param.TypeName = "changed"
 transaction:rollback()
 check.equal(param.TypeName, "outer")
 check.equal(transaction:isOpen(), false)
-local ended = check.raises("plinth:messages:InvalidValue", transaction.commit, transaction)
+local ended = check.raises("plinth:messages:TransactionEnded", transaction.commit, transaction)
 assert(ended.sentence:find("has ended already"), ended.sentence)
 transaction = model:beginTransaction()
 param.TypeName = "committed"

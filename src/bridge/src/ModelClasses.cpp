@@ -26,7 +26,7 @@ class ScriptTransaction {
 
   bool isOpen() const noexcept { return m_transaction.has_value() && m_transaction->isOpen(); }
   bool canEnd() const noexcept { return !isOpen() || m_model->level() == m_level; }
-  /// These raise InvalidValue for one that has ended, and TransactionNotInnermost while an inner one is open.
+  /// These raise TransactionEnded for one that has ended, and TransactionNotInnermost while an inner one is open.
   void commit() {
     requireOpen();
     m_transaction->commit();
@@ -64,7 +64,7 @@ class ScriptTransaction {
 
  private:
   void requireOpen() const {
-    if (!isOpen()) reportInvalidValue("the transaction has ended already.");
+    if (!isOpen()) reportException(messages::TransactionEnded());
   }
   void requireInnermost() const {
     if (!canEnd())
