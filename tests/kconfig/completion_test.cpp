@@ -64,6 +64,11 @@ const std::vector<Case>& cases() {
        "config A\n\tint \"a\"\n\trange 1 10\n\tdefault 4\nconfig B\n\tint\n\tdefault A\n",
        "CONFIG_A=50\n",
        {"A=4", "B=10"}},
+      {"a number that is dropped is worked out again only when all that are have been found",
+       "config Z910\n\tint \"a\"\n\trange 28 29\n\tdefault 50\nconfig Z98\n\tint \"b\"\n\trange Z910 5\n"
+       "config Z95\n\tint \"c\"\n\trange 58 Z98\n\tdefault 99\n",
+       "CONFIG_Z910=12\nCONFIG_Z98=12\nCONFIG_Z95=30\n",
+       {"Z910=29", "Z98=29", "Z95=29"}},
       {"one member of a choice is y",
        "choice\n\tprompt \"c\"\n\tdefault B\nconfig A\n\tbool \"a\"\nconfig B\n\tbool \"b\"\nconfig C\n\tbool \"c\"\n"
        "endchoice\n",
@@ -79,6 +84,15 @@ const std::vector<Case>& cases() {
        "choice\n\tbool \"c\"\n\toptional\nconfig A\n\tbool \"a\"\nendchoice\n",
        "",
        {}},
+      {"a line for a named choice leaves it the member that its other lines ask for",
+       "choice C\n\tprompt \"c\"\nconfig A\n\tbool \"a\"\nconfig B\n\tbool \"b\"\nendchoice\n"
+       "choice D\n\tprompt \"d\"\n\toptional\nconfig E\n\tbool \"e\"\nconfig F\n\tbool \"f\"\nendchoice\n",
+       "CONFIG_B=y\n# CONFIG_C is not set\nCONFIG_F=y\n# CONFIG_D is not set\n",
+       {"A unset", "B=y"}},
+      {"a member that is shown outside of its choice too gets its line from a file that is complete",
+       "config A\n\tbool \"a\"\nchoice\n\tprompt \"c\"\n\toptional\nconfig A\n\tprompt \"b\"\nendchoice\n",
+       "",
+       {"A unset"}},
       {"a member that depends on another member is no member",
        "choice\n\tprompt \"c\"\nconfig A\n\tbool \"a\"\nconfig B\n\tbool \"b\"\n\tdepends on A\nendchoice\n",
        "CONFIG_B=y\n",
@@ -95,6 +109,10 @@ const std::vector<Case>& cases() {
        "config A\n\tint \"a\"\n\tdefault 1\nconfig B\n\thex \"b\"\n\tdefault 0x1\nconfig C\n\tbool \"c\"\n",
        "CONFIG_A=07\nCONFIG_B=0xg\nCONFIG_C=m\nnonsense\n",
        {"A=1", "B=0x1", "C unset"}},
+      {"a carriage return belongs to the end of a line, and only there",
+       "config A\n\tint \"a\"\n\tdefault 1\nconfig B\n\tint \"b\"\n\tdefault 2\n",
+       "CONFIG_A=3\r\nCONFIG_B=4\r",
+       {"A=3", "B=2"}},
       {"numbers compare as numbers, other texts as texts",
        "config A\n\tint\n\tdefault 9\nconfig B\n\thex\n\tdefault 0xa\nconfig C\n\tbool\n\tdefault y if A < 10\n"
        "config D\n\tbool\n\tdefault y if A < B\nconfig E\n\tstring\n\tdefault \"9\"\nconfig F\n\tbool\n"
@@ -199,6 +217,16 @@ TEST_F(CompletionTest, WritesHeadingsOnlyOfWhatIsShown) {
   EXPECT_EQ(completed.configuration,
             "#\n# Automatically generated file; DO NOT EDIT.\n# Title\n#\n# CONFIG_A is not set\n"
             "\n#\n# seen\n#\nCONFIG_B=1\n\n#\n# said\n#\n");
+}
+
+TEST_F(CompletionTest, WritesTheTitleWithoutBlanksAroundIt) {
+  const std::pair<const char*, const char*> titles[] = {
+      {"  Title", "# Title\n#\n"}, {"", "#\n#\n"}, {"$NONE", "#\n#\n"}};
+  for (const auto& [title, lines] : titles) {
+    const Completed completed = complete({{{"Kconfig", "mainmenu \"" + std::string(title) + "\"\n"}}});
+    EXPECT_EQ(completed.configuration, "#\n# Automatically generated file; DO NOT EDIT.\n" + std::string(lines))
+        << title;
+  }
 }
 
 TEST_F(CompletionTest, WritesAHeaderOfWhatIsSet) {

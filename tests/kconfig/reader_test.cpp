@@ -114,6 +114,26 @@ TEST(Reader, SourcesFilesNamedByVariables) {
   EXPECT_EQ(result.tree.files[1].sourcedFrom.line, 7U);
 }
 
+TEST(Reader, TakesVariablesAsTheyAreDeclaredSoFar) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"config F\n\tbool\n\tdefault y\nconfig V\n\tstring\n\tdefault \"first\" if !F\n\tdefault \"second\"\n",
+       "second"},
+      {"config W\n\tstring\n\tdefault \"other\"\nconfig V\n\tstring\n\tdefault W\n", "other"},
+      {"config W\n\tstring\n\tdefault V\nconfig V\n\tstring\n\tdefault W\n", ""},
+      {"config N\n\tbool\nconfig V\n\tstring\n\tdefault \"asked\"\n\tdepends on N\n", "asked"},
+      {"config V\n\tint\n\tdefault 9\n\trange 1 5\n", "5"},
+      {"config V\n\ttristate\n\tdefault y\n", "y"},
+      {"config V\n\tbool\n", "n"},
+      {"config V\n\tdefault \"text\"\n", "V"},
+      {"config X\n\tbool\n\tdepends on V\n", "V"},
+      {"config X\n\tbool\n", ""}};
+  for (const auto& [text, value] : cases) {
+    const Read result = read(std::string(text) + "source \"<$V>\"\nconfig V\n\tstring\n\tdefault \"late\"\n");
+    ASSERT_FALSE(result.messages.empty()) << text;
+    EXPECT_THAT(result.messages.front(), testing::HasSubstr("the file '<" + std::string(value) + ">'")) << text;
+  }
+}
+
 TEST(Reader, ExpandsTheTitleOnceAllIsRead) {
   const Input input{{{"Kconfig",
                       "mainmenu \"$V of $ARCH $NONE.\"\nconfig V\n\tstring\n\toption env=\"V\"\n"
@@ -154,6 +174,9 @@ TEST(Reader, TellsWhereTextIsWrongAndReadsOn) {
       {"endif\n", {"Kconfig:1: error: 'endif' without 'if' in this file"}},
       {"choice\n\tprompt \"c\"\n", {"Kconfig:1: error: 'choice' without 'endchoice' in this file"}},
       {"config A\n\tbool\nmainmenu \"late\"\n", {"Kconfig:3: error: 'mainmenu' has to be the first statement"}},
+      {"mainmenu \"one\"\nmainmenu \"two\"\n", {"Kconfig:2: error: 'mainmenu' has to be the first statement"}},
+      {"config A\n\tstring\n\toption defconfig_list\nconfig B\n\tstring\n\toption defconfig_list\n",
+       {"Kconfig:6: error: 'A' is the defconfig_list symbol already"}},
       {"choice\n\tprompt \"c\"\nmenu \"m\"\nendmenu\nendchoice\n",
        {"Kconfig:3: error: a choice can't have a menu or another choice directly inside"}},
       {"osource \"x\"\n", {"Kconfig:1: error: unknown statement 'osource'"}},

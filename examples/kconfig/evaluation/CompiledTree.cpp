@@ -37,7 +37,8 @@ void forEachOwnProperty(const MenuTree& tree, Visit visit) {
   }
 }
 
-void fillProperties(const MenuTree& tree, const Propagation& propagation, CompiledTree& compiled) {
+// Conditions are given by PropertyId.
+void fillProperties(const MenuTree& tree, const std::vector<ExpressionId>& conditions, CompiledTree& compiled) {
   std::uint32_t total = 0;
   forEachOwnProperty(tree, [&](SymbolId symbol, const Property&, PropertyId) {
     ++compiled.symbols[symbol].propertyCount;
@@ -51,7 +52,7 @@ void fillProperties(const MenuTree& tree, const Propagation& propagation, Compil
     // What the environment gives counts without any condition.
     const bool imported = property.kind == PropertyKind::Environment;
     row.kind = imported ? PropertyKind::Default : property.kind;
-    row.condition = imported ? noExpression : propagation.conditions[at];
+    row.condition = imported ? noExpression : conditions[at];
     row.value = property.value;
     row.lower = property.symbol;
     row.upper = property.upper;
@@ -102,7 +103,7 @@ CompiledTree compile(MenuTree& tree) {
   CompiledTree compiled;
   compiled.symbols.resize(tree.symbols.size());
   compiled.modules = propagation.modules;
-  fillProperties(tree, propagation, compiled);
+  fillProperties(tree, propagation.conditions, compiled);
   fillMembers(propagation, compiled);
   fillDependencies(tree.expressions, propagation, compiled);
   for (MenuNode& node : propagation.nodes) {
@@ -113,6 +114,18 @@ CompiledTree compile(MenuTree& tree) {
   compiled.implies = std::move(propagation.implies);
   sortByTarget(compiled.selects);
   sortByTarget(compiled.implies);
+  return compiled;
+}
+
+CompiledTree compileAsDeclared(const MenuTree& tree) {
+  std::vector<ExpressionId> conditions;
+  conditions.reserve(tree.properties.size());
+  for (const Property& property : tree.properties) {
+    conditions.push_back(property.condition);
+  }
+  CompiledTree compiled;
+  compiled.symbols.resize(tree.symbols.size());
+  fillProperties(tree, conditions, compiled);
   return compiled;
 }
 

@@ -82,6 +82,10 @@ struct CompiledTree {
 // are entered into the tree's symbol table; expressions are added to its pool.
 CompiledTree compile(MenuTree& tree);
 
+// A tree that is still being read: every property under the condition that it states itself. There are no dependencies,
+// no selections and no members of choices, and nodes is empty. Linear in the size of the tree.
+CompiledTree compileAsDeclared(const MenuTree& tree);
+
 // The next entry in the order of the menu, noEntry behind the last one. The order of the text is another one only in
 // name, as structure is found among successors.
 EntryId following(const CompiledTree& compiled, EntryId id);

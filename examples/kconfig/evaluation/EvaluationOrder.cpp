@@ -188,7 +188,7 @@ void GroupSearch::emit(Node root) {
 class LoopSearch {
  public:
   LoopSearch(const MenuTree& tree, const CompiledTree& compiled, const std::vector<SymbolId>& group)
-      : m_pool(tree.expressions), m_compiled(compiled), m_group(group.begin(), group.end()) {}
+      : m_pool(tree.expressions), m_symbols(tree.symbols), m_compiled(compiled), m_group(group.begin(), group.end()) {}
 
   // The first loop found when starting at the group's symbols in turn.
   std::vector<SymbolId> find(const std::vector<SymbolId>& starts);
@@ -211,6 +211,7 @@ class LoopSearch {
   std::vector<SymbolId> searchFrom(SymbolId start);
 
   const ExpressionPool& m_pool;
+  const SymbolTable& m_symbols;
   const CompiledTree& m_compiled;
   std::unordered_set<SymbolId> m_group;
   std::unordered_map<SymbolId, bool> m_seen;  // true while it is on the path
@@ -266,7 +267,7 @@ LoopSearch::Frame LoopSearch::open(SymbolId node) {
 
 void LoopSearch::addTargets(Frame& frame, SymbolId symbol, bool inChoice) {
   const SymbolRules& rules = m_compiled.symbols[symbol];
-  const bool isChoice = rules.memberCount != 0;
+  const bool isChoice = m_symbols[symbol].kind == SymbolKind::Choice;
   addExpression(frame, symbol, rules.reverse, inChoice);
   addExpression(frame, symbol, rules.direct, inChoice);
   for (const EffectiveProperty& property : m_compiled.propertiesOf(symbol)) {
@@ -304,6 +305,17 @@ void LoopSearch::addExpression(Frame& frame, SymbolId owner, ExpressionId id, bo
   }
 }
 
+std::vector<SymbolId> menuOrder(const MenuTree& tree, const CompiledTree& compiled) {
+  std::vector<SymbolId> order;
+  for (EntryId id = compiled.nodes[rootEntry].firstChild; id != noEntry; id = following(compiled, id)) {
+    const Entry& entry = tree.entries[id];
+    if (entry.symbol != noSymbol && entry.kind != EntryKind::Choice) {
+      order.push_back(entry.symbol);
+    }
+  }
+  return order;
+}
+
 }  // namespace
 
 std::vector<SymbolId> visitingOrder(const SymbolTable& symbols) {
@@ -331,6 +343,9 @@ EvaluationOrder evaluationOrder(const MenuTree& tree, const CompiledTree& compil
   search.run();
   if (search.deepest() <= deepestChain) {
     order.symbols = order.visiting;
+    order.menu = menuOrder(tree, compiled);
+  } else {
+    order.menu = order.symbols;
   }
   return order;
 }

@@ -18,6 +18,7 @@ struct EvaluationOrder {
   // The order of evaluation: the visiting order, or where symbols depend on each other in very long chains each symbol
   // after those that it depends on, so that calculations do not nest that deep.
   std::vector<SymbolId> symbols;
+  std::vector<SymbolId> menu;  // the order of a second evaluation: that of the menu, under the same condition
   std::vector<std::vector<SymbolId>> groups;  // those that depend on each other, choices with their members included
 };
 

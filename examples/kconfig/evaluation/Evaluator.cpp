@@ -6,25 +6,68 @@
 
 namespace kconfig {
 
+namespace {
+
+constexpr int baseOf(SymbolType type) { return type == SymbolType::Integer ? 10 : 16; }
+
+}  // namespace
+
 Evaluator::Evaluator(const MenuTree& tree, const CompiledTree& compiled, const EvaluationOrder& order)
     : m_tree(tree), m_compiled(compiled), m_order(order) {}
 
 void Evaluator::evaluate(const UserValues& users) {
   reset(users);
   calculate(m_compiled.modules);
+  bool confirmed = true;
+  for (const SymbolId symbol : m_order.symbols) {
+    calculate(symbol);
+    confirmed = confirmed && isAsAsked(symbol);
+  }
+  dropOutOfRange();
+  if (confirmed && !m_order.menu.empty()) {
+    evaluateAgain();
+  }
   for (const SymbolId symbol : m_order.symbols) {
     calculate(symbol);
   }
-  dropOutOfRange();
-  for (const SymbolId symbol : m_order.symbols) {
+}
+
+// Where the user has asked for just what came out all is worked out a second time, with what the first time has left
+// behind: members of a choice can become part of the file by it, and the values of a loop can change. What no entry of
+// the menu leads to stays as it is.
+void Evaluator::evaluateAgain() {
+  forgetAll();
+  calculate(m_compiled.modules);
+  for (const SymbolId symbol : m_order.menu) {
     calculate(symbol);
+  }
+  m_valid.assign(m_valid.size(), true);
+}
+
+bool Evaluator::isAsAsked(SymbolId symbol) const {
+  const SymbolValue& value = m_values[symbol];
+  const UserValue& asked = m_users[symbol];
+  if (isChoice(symbol) || m_tree.symbols[symbol].automatic) {
+    return true;
+  }
+  if (!asked.present || !value.written) {
+    return asked.present == value.written;
+  }
+  return isLogical(typeOf(symbol)) ? asked.tristate == value.tristate : asked.text == value.text;
+}
+
+void Evaluator::forgetAll() {
+  m_valid.assign(m_valid.size(), false);
+  for (const SymbolId constant : {symbolNo, symbolMod, symbolYes}) {
+    m_valid[constant] = true;
   }
 }
 
 void Evaluator::reset(const UserValues& users) {
   const SymbolId count = m_tree.symbols.size();
   m_values.assign(count, SymbolValue());
-  m_valid.assign(count, false);
+  m_valid.resize(count);
+  forgetAll();
   m_users.resize(count);
   for (SymbolId symbol = 0; symbol < count; ++symbol) {
     m_users[symbol] = users[symbol];
@@ -32,7 +75,6 @@ void Evaluator::reset(const UserValues& users) {
   for (const SymbolId constant : {symbolNo, symbolMod, symbolYes}) {
     m_values[constant].tristate = static_cast<Tristate>(constant);
     m_values[constant].text = m_tree.symbols[constant].name;
-    m_valid[constant] = true;
   }
 }
 
@@ -225,11 +267,11 @@ void Evaluator::markMembersWritten(SymbolId choice) {
 
 void Evaluator::clampToRange(SymbolId symbol) {
   const SymbolType type = typeOf(symbol);
-  const EffectiveProperty* range = isNumeric(type) ? firstInForce(symbol, PropertyKind::Range) : nullptr;
+  const EffectiveProperty* range = rangeInForce(symbol);
   if (range == nullptr) {
     return;
   }
-  const int base = type == SymbolType::Integer ? 10 : 16;
+  const int base = baseOf(type);
   const long long number = leadingNumber(m_values[symbol].text, base);
   long long bound = boundOf(range->lower, base);
   if (number >= bound) {
@@ -250,7 +292,7 @@ long long Evaluator::boundOf(SymbolId symbol, int base) {
   calculate(symbol);
   const SymbolType type = typeOf(symbol);
   if (isNumeric(type)) {
-    base = type == SymbolType::Integer ? 10 : 16;
+    base = baseOf(type);
   }
   return leadingNumber(isLogical(type) ? std::string_view() : m_values[symbol].text, base);
 }
@@ -268,20 +310,29 @@ void Evaluator::dropOutOfRange() {
   }
 }
 
+// The upper bound of a number below the lower one is not looked at: to ask for it could settle a value too early.
 bool Evaluator::isWithinRange(SymbolId symbol, std::string_view text) {
-  const std::optional<Limits> limits = limitsOf(symbol);
-  const long long number = leadingNumber(text, typeOf(symbol) == SymbolType::Integer ? 10 : 16);
-  return !limits || (number >= limits->lower && number <= limits->upper);
+  const EffectiveProperty* range = rangeInForce(symbol);
+  if (range == nullptr) {
+    return true;
+  }
+  const int base = baseOf(typeOf(symbol));
+  const long long number = leadingNumber(text, base);
+  return number >= boundOf(range->lower, base) && number <= boundOf(range->upper, base);
 }
 
 std::optional<Limits> Evaluator::limitsOf(SymbolId symbol) {
-  const EffectiveProperty* range = isNumeric(typeOf(symbol)) ? firstInForce(symbol, PropertyKind::Range) : nullptr;
+  const EffectiveProperty* range = rangeInForce(symbol);
   if (range == nullptr) {
     return std::nullopt;
   }
-  const int base = typeOf(symbol) == SymbolType::Integer ? 10 : 16;
+  const int base = baseOf(typeOf(symbol));
   const long long lower = boundOf(range->lower, base);
   return Limits{lower, boundOf(range->upper, base)};
+}
+
+const EffectiveProperty* Evaluator::rangeInForce(SymbolId symbol) {
+  return isNumeric(typeOf(symbol)) ? firstInForce(symbol, PropertyKind::Range) : nullptr;
 }
 
 // Conditions

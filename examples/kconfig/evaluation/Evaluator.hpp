@@ -41,7 +41,8 @@ class Evaluator {
  public:
   Evaluator(const MenuTree& tree, const CompiledTree& compiled, const EvaluationOrder& order);
 
-  // Works out all values anew. Linear in the size of the tree.
+  // Works out all values anew. Linear in the size of the tree. Symbols that the order leaves out are worked out when
+  // valueOf() asks for them.
   void evaluate(const UserValues& users);
 
   const SymbolValue& operator[](SymbolId symbol) const { return m_values[symbol]; }
@@ -54,10 +55,12 @@ class Evaluator {
 
  private:
   void reset(const UserValues& users);
+  void forgetAll();
+  void evaluateAgain();
+  bool isAsAsked(SymbolId symbol) const;
   void calculate(SymbolId symbol);
   void calculateVisibility(SymbolId symbol);
   void calculateLogical(SymbolId symbol);
-  void calculateMember(SymbolId symbol);
   Tristate askedOrDefault(SymbolId symbol);
   void calculateText(SymbolId symbol);
   std::string_view textTakenFrom(SymbolId symbol) const;
@@ -68,6 +71,7 @@ class Evaluator {
   void dropOutOfRange();
   bool isWithinRange(SymbolId symbol, std::string_view text);
   long long boundOf(SymbolId symbol, int base);
+  const EffectiveProperty* rangeInForce(SymbolId symbol);
   const EffectiveProperty* firstInForce(SymbolId symbol, PropertyKind kind);
   Tristate limited(SymbolId symbol, Tristate value) const;
   SymbolType effectiveType(SymbolId symbol) const;

@@ -122,7 +122,7 @@ Assignment UserValues::storeText(SymbolId symbol, std::string_view text, std::ui
 bool UserValues::isAsked(SymbolId symbol) const {
   const UserValue& value = m_values[symbol];
   const bool choice = m_tree.symbols[symbol].kind == SymbolKind::Choice;
-  return choice ? !value.present || value.tristate != Tristate::No : value.present;
+  return choice ? !value.present || value.tristate != Tristate::No || value.member != noSymbol : value.present;
 }
 
 void UserValues::takeOver(const UserValues& other) {

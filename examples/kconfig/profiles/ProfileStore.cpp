@@ -1,5 +1,7 @@
 #include "profiles/ProfileStore.hpp"
 
+#include <algorithm>
+#include <optional>
 #include <tessel_config_datamodel/data/BooleanParamData.hpp>
 #include <tessel_config_datamodel/data/EnumParamData.hpp>
 #include <tessel_config_datamodel/data/IntegerParamData.hpp>
@@ -23,6 +25,12 @@ std::string_view textOf(const UserValue& value, SymbolType type, const SymbolTab
   return isLogical(type) ? names[static_cast<std::size_t>(value.tristate)] : value.text;
 }
 
+std::optional<Tristate> levelOf(std::string_view text) {
+  const auto name = std::find(std::begin(names), std::end(names), text);
+  return name != std::end(names) ? std::optional<Tristate>(static_cast<Tristate>(name - std::begin(names)))
+                                 : std::nullopt;
+}
+
 class ProfileReading {
  public:
   ProfileReading(Definitions& definitions, const CompiledTree& compiled)
@@ -32,7 +40,7 @@ class ProfileReading {
   UserValues finish() { return std::move(m_users); }
 
  private:
-  void takeOption(const std::u16string& option, UserValue& value) const;
+  void takeOption(const data::EnumParamData& data, UserValue& value) const;
 
   MenuTree& m_tree;
   const Definitions& m_definitions;
@@ -48,7 +56,7 @@ void ProfileReading::take(SymbolId symbol, const data::ParamData& data) {
   if (const auto boolean = plinth::element_cast<data::BooleanParamData>(data)) {
     value.tristate = boolean->getValue() ? Tristate::Yes : Tristate::No;
   } else if (const auto option = plinth::element_cast<data::EnumParamData>(data)) {
-    takeOption(option->getValue(), value);
+    takeOption(option, value);
   } else if (const auto number = plinth::element_cast<data::IntegerParamData>(data)) {
     const std::string spelled =
         data->getDescription() ? fromModel(*data->getDescription()) : std::to_string(number->getValue());
@@ -59,17 +67,16 @@ void ProfileReading::take(SymbolId symbol, const data::ParamData& data) {
   m_users.restore(symbol, value);
 }
 
-// n, m or y, or of a choice the member that is y.
-void ProfileReading::takeOption(const std::u16string& option, UserValue& value) const {
-  const std::string text = fromModel(option);
-  for (std::size_t at = 0; at < std::size(names); ++at) {
-    if (text == names[at]) {
-      value.tristate = static_cast<Tristate>(at);
-      return;
-    }
+// n, m or y. Of a choice also the member that is y; a line for the choice itself may have given it another value since.
+void ProfileReading::takeOption(const data::EnumParamData& data, UserValue& value) const {
+  const std::string text = fromModel(data->getValue());
+  const auto level = levelOf(text);
+  if (level) {
+    value.tristate = *level;
+    return;
   }
   value.member = m_tree.symbols.find(text);
-  value.tristate = Tristate::Yes;
+  value.tristate = levelOf(data->getDescription() ? fromModel(*data->getDescription()) : "").value_or(Tristate::Yes);
 }
 
 }  // namespace
@@ -94,6 +101,8 @@ ext::ConfigProfile storeProfile(const ext::ConfigStore& store, std::string_view 
     data->setEnabled(value.present);
     if (isNumeric(symbols[symbol].type)) {
       data->setDescription(toModel(text));
+    } else if (value.member != noSymbol) {
+      data->setDescription(toModel(names[static_cast<std::size_t>(value.tristate)]));
     }
     tessel::internal::util::DocRef place;
     place.setDocument(toModel(id));

@@ -266,11 +266,12 @@ void FileParser::parseMainMenu() {
   if (!finishLine()) {
     return;
   }
-  if (m_file != 0 || m_tree.entries.size() > 1) {
+  const bool titled = m_tree.entries[rootEntry].position.line != 0;
+  if (m_file != 0 || m_tree.entries.size() > 1 || titled) {
     m_builder.error(here(), "'mainmenu' has to be the first statement");
     return;
   }
-  m_builder.setTitle(title, here());
+  m_builder.setTitle(prompt(title).text, here());
 }
 
 // Properties
@@ -392,7 +393,7 @@ void FileParser::addOption(std::string_view name, std::string_view argument) {
   } else if (name == "modules") {
     m_builder.declareModules(here());
   } else if (name == "defconfig_list") {
-    m_builder.addProperty(property(PropertyKind::DefconfigList));
+    m_builder.declareDefconfigList(here());
   } else if (name == "allnoconfig_y") {
     m_builder.addProperty(property(PropertyKind::AllNoConfigY));
   } else {

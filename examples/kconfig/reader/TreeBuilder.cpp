@@ -2,6 +2,11 @@
 
 #include <sys/utsname.h>
 
+#include "evaluation/CompiledTree.hpp"
+#include "evaluation/EvaluationOrder.hpp"
+#include "evaluation/Evaluator.hpp"
+#include "evaluation/UserValues.hpp"
+
 namespace kconfig {
 
 namespace {
@@ -33,9 +38,7 @@ void TreeBuilder::addPredefined() {
   symbol.automatic = true;
   Property release = property(PropertyKind::Environment, {});
   release.symbol = id;
-  const std::string_view text = m_tree.texts.intern(system.release);
-  release.value = m_tree.expressions.symbol(m_tree.symbols.constant(text));
-  m_earlyValues.emplace(id, text);
+  release.value = m_tree.expressions.symbol(m_tree.symbols.constant(m_tree.texts.intern(system.release)));
   m_tree.predefined.push_back(release);
 }
 
@@ -67,12 +70,6 @@ void TreeBuilder::addProperty(const Property& property) {
   Entry& entry = m_tree.entries.back();
   m_tree.properties.push_back(property);
   ++entry.propertyCount;
-  const bool plainDefault = property.kind == PropertyKind::Default && property.condition == noExpression &&
-                            m_tree.expressions.op(property.value) == Operator::Symbol;
-  if (plainDefault && entry.kind != EntryKind::Choice) {
-    const Symbol& value = m_tree.symbols[m_tree.expressions.left(property.value)];
-    m_earlyValues.emplace(entry.symbol, value.name);
-  }
 }
 
 void TreeBuilder::setTitle(std::string_view title, Position position) {
@@ -97,9 +94,7 @@ void TreeBuilder::importVariable(std::string_view variable, Position position) {
   import.text = variable;
   const std::optional<std::string> value = m_surroundings.variable(std::string(variable));
   if (value) {
-    const std::string_view text = m_tree.texts.intern(*value);
-    import.value = m_tree.expressions.symbol(m_tree.symbols.constant(text));
-    m_earlyValues.emplace(symbol, text);
+    import.value = m_tree.expressions.symbol(m_tree.symbols.constant(m_tree.texts.intern(*value)));
   } else {
     warning(position, "the environment has no variable " + std::string(variable));
   }
@@ -107,13 +102,26 @@ void TreeBuilder::importVariable(std::string_view variable, Position position) {
 }
 
 void TreeBuilder::declareModules(Position position) {
-  const SymbolId symbol = m_tree.entries.back().symbol;
-  if (m_tree.modules != noSymbol && m_tree.modules != symbol) {
-    error(position, "'" + std::string(m_tree.symbols[m_tree.modules].name) + "' is the modules symbol already");
-    return;
+  if (claim(m_tree.modules, "modules", position)) {
+    addProperty(property(PropertyKind::Modules, position));
   }
-  m_tree.modules = symbol;
-  addProperty(property(PropertyKind::Modules, position));
+}
+
+void TreeBuilder::declareDefconfigList(Position position) {
+  if (claim(m_defconfigList, "defconfig_list", position)) {
+    addProperty(property(PropertyKind::DefconfigList, position));
+  }
+}
+
+// Makes the last entry's symbol the one that a role is for, unless another has it.
+bool TreeBuilder::claim(SymbolId& holder, const char* role, Position position) {
+  const SymbolId symbol = m_tree.entries.back().symbol;
+  if (holder != noSymbol && holder != symbol) {
+    error(position, "'" + std::string(m_tree.symbols[holder].name) + "' is the " + role + " symbol already");
+    return false;
+  }
+  holder = symbol;
+  return true;
 }
 
 void TreeBuilder::closeBlock() {
@@ -121,7 +129,7 @@ void TreeBuilder::closeBlock() {
   m_open.pop_back();
 }
 
-std::string TreeBuilder::expand(std::string_view text) const {
+std::string TreeBuilder::expand(std::string_view text) {
   std::string expanded;
   for (std::size_t at = 0; at < text.size();) {
     if (text[at] != '$') {
@@ -133,14 +141,23 @@ std::string TreeBuilder::expand(std::string_view text) const {
       ++at;
     }
     const SymbolId symbol = m_tree.symbols.find(text.substr(start, at - start));
-    const auto value = m_earlyValues.find(symbol);
-    if (value != m_earlyValues.end()) {
-      expanded += value->second;
-    } else if (symbol != noSymbol && m_tree.symbols[symbol].type == SymbolType::Unknown) {
-      expanded += m_tree.symbols[symbol].name;
-    }
+    expanded += symbol != noSymbol ? earlyText(symbol) : std::string_view();
   }
   return expanded;
+}
+
+// Once it was asked for it stays the same, whatever is declared later.
+std::string_view TreeBuilder::earlyText(SymbolId symbol) {
+  const auto known = m_earlyTexts.find(symbol);
+  if (known != m_earlyTexts.end()) {
+    return known->second;
+  }
+  const CompiledTree compiled = compileAsDeclared(m_tree);
+  const EvaluationOrder onlyWhatIsAskedFor;
+  Evaluator evaluator(m_tree, compiled, onlyWhatIsAskedFor);
+  evaluator.evaluate(UserValues(m_tree, compiled));
+  evaluator.valueOf(m_tree.expressions.symbol(symbol));
+  return m_earlyTexts.emplace(symbol, m_tree.texts.intern(evaluator.textOf(symbol))).first->second;
 }
 
 void TreeBuilder::finish() {

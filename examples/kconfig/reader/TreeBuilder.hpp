@@ -33,6 +33,8 @@ class TreeBuilder {
   // Imports the variable into the last entry's symbol.
   void importVariable(std::string_view variable, Position position);
   void declareModules(Position position);
+  // The last entry's symbol names the saved configurations to begin with.
+  void declareDefconfigList(Position position);
 
   // The last entry becomes a block: entries added from now on lie inside it.
   void openBlock(EntryId entry) { m_open.push_back(entry); }
@@ -41,19 +43,22 @@ class TreeBuilder {
   const Entry& openBlockAt(std::size_t depth) const { return m_tree.entries[m_open[depth]]; }
 
   // Replaces each $NAME by the value that NAME has as far as it is declared; by nothing if it has none.
-  std::string expand(std::string_view text) const;
+  std::string expand(std::string_view text);
   // Ends the root.
   void finish();
 
  private:
   Property property(PropertyKind kind, Position position) const;
+  std::string_view earlyText(SymbolId symbol);
   void addPredefined();
+  bool claim(SymbolId& holder, const char* role, Position position);
 
   MenuTree& m_tree;
   const Surroundings& m_surroundings;
   Diagnostics& m_diagnostics;
   std::vector<EntryId> m_open;
-  std::unordered_map<SymbolId, std::string_view> m_earlyValues;
+  SymbolId m_defconfigList = noSymbol;
+  std::unordered_map<SymbolId, std::string_view> m_earlyTexts;  // of variables that were asked for
 };
 
 }  // namespace kconfig

@@ -10,6 +10,11 @@ void append(std::string& file, const Pieces&... pieces) {
   (file.append(pieces), ...);
 }
 
+// A comment line without a text ends at its sign.
+std::string titleBehindSign(const Output& output) {
+  return output.title.empty() ? std::string() : " " + std::string(output.title);
+}
+
 void appendSymbol(std::string& file, std::string_view prefix, const OutputItem& item) {
   switch (item.type) {
     case SymbolType::Boolean:
@@ -71,7 +76,7 @@ std::string quote(std::string_view text) {
 
 std::string formatConfiguration(const Output& output) {
   std::string file;
-  append(file, "#\n# Automatically generated file; DO NOT EDIT.\n# ", output.title, "\n#\n");
+  append(file, "#\n# Automatically generated file; DO NOT EDIT.\n#", titleBehindSign(output), "\n#\n");
   for (const OutputItem& item : output.items) {
     if (item.kind == OutputItem::Kind::Heading) {
       append(file, "\n#\n# ", item.name, "\n#\n");
@@ -90,7 +95,7 @@ std::string formatSetting(std::string_view prefix, const OutputItem& item) {
 
 std::string formatHeader(const Output& output) {
   std::string file;
-  append(file, "/*\n *\n * Automatically generated file; DO NOT EDIT.\n * ", output.title, "\n *\n */\n");
+  append(file, "/*\n *\n * Automatically generated file; DO NOT EDIT.\n *", titleBehindSign(output), "\n *\n */\n");
   for (const OutputItem& item : output.items) {
     if (item.kind == OutputItem::Kind::Symbol) {
       appendMacro(file, output.prefix, item);
