@@ -5,6 +5,7 @@
 #include <kestrel/array.hpp>
 #include <lua.hpp>
 #include <plinth/bridge/ElementBinding.hpp>
+#include <tessel_config_datamodel/bridge/EntryPoints.hpp>
 #include <tessel_config_datamodel/data/DoubleArrayParamData.hpp>
 #include <tessel_config_datamodel/runtime/ConfigurationState.hpp>
 #include <tessel_config_datamodel/runtime/MetaMessage.hpp>
@@ -12,8 +13,6 @@
 #include "Interpreter.hpp"
 #include "support/Comparison.hpp"
 #include "support/Sample.hpp"
-
-extern "C" void MLInitialize_tessel_config_datamodel();
 
 namespace {
 

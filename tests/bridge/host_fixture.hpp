@@ -12,9 +12,7 @@
 #include "corvid/Invocation.hpp"
 #include "kestrel/array.hpp"
 #include "plinth/bridge/ElementBinding.hpp"
-
-extern "C" void MLInitialize_tessel_config_datamodel();
-extern "C" void MLTerminate_tessel_config_datamodel();
+#include "tessel_config_datamodel/bridge/EntryPoints.hpp"
 
 namespace plinth::bridge {
 

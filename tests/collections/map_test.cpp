@@ -38,6 +38,12 @@ TEST_F(ElementMap, OrdersByCodeUnitsAndTakesTheEmptyKeyFirst) {
   for (auto const* key : {u"volumes", u"\xFFFD", u"\xD83D\xDE00", u"Volume", u""}) values.insert(entry(key));
   EXPECT_THAT(values.keys(),
               ElementsAre(u"", u"Volume", u"balance", u"volume", u"volumes", u"\xD83D\xDE00", u"\xFFFD"));
+  std::vector<std::u16string> keys;
+  for (auto const& [key, element] : values.entries()) {
+    EXPECT_EQ(element->getKey(), key);
+    keys.push_back(key);
+  }
+  EXPECT_EQ(keys, values.keys());
 }
 
 TEST_F(ElementMap, ATakenKeyIsRefusedKeptOrReplaced) {
@@ -114,7 +120,7 @@ TEST_F(ElementMap, TheGenericViewFindsByKeyAndRefusesAnotherClass) {
   view.genericClear();
   EXPECT_FALSE(s.volume->container());
 
-  plinth::ElementMap<std::u16string, ConfigEntry> keyless(nullptr);
+  plinth::ElementMap<std::u16string, ConfigEntry> keyless(plinth::CollectionPrivateTag(), nullptr);
   EXPECT_THROW(keyless.insert(s.volume), std::bad_function_call);
 }
 

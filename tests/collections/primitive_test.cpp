@@ -28,6 +28,13 @@ Value valueOf(T const& content) {
   return Value::make<T>({plinth::MetaTypeOf<T>::type(), plinth::meta::SINGLE}, content);
 }
 
+/// The untyped view of a sequence, as whoever doesn't know its class gets it.
+plinth::GenericPrimitiveSequenceInterface& viewOf(plinth::AbstractPrimitiveCollection& sequence) {
+  auto& view = *sequence.getGenericInterface();
+  EXPECT_TRUE(view.isSequenceInterface() && !view.isMapInterface());
+  return static_cast<plinth::GenericPrimitiveSequenceInterface&>(view);
+}
+
 class PrimitiveCollection : public testing::Test {
  protected:
   plinth::Model model = plinth::Model::create();
@@ -41,15 +48,15 @@ TEST_F(PrimitiveCollection, SequencesKeepDuplicatesAndRemoveTheFirst) {
   EXPECT_THAT(allowed, ElementsAre(u"a", u"b", u"a"));
   allowed.genericRemove(valueOf<std::u16string>(u"a"));
   EXPECT_THAT(allowed, ElementsAre(u"b", u"a"));
-  EXPECT_EQ(allowed.genericIndexOf(valueOf<std::u16string>(u"a")), 1U);
-  EXPECT_EQ(allowed.genericIndexOf(valueOf<std::u16string>(u"c")), 0xFFFFFFFFU);
-  allowed.genericInsert(valueOf<std::u16string>(u"c"), 1);
-  allowed.genericReplace(valueOf<std::u16string>(u"d"), 0);
+  EXPECT_EQ(viewOf(allowed).genericIndexOf(valueOf<std::u16string>(u"a")), 1U);
+  EXPECT_EQ(viewOf(allowed).genericIndexOf(valueOf<std::u16string>(u"c")), 0xFFFFFFFFU);
+  viewOf(allowed).genericInsert(valueOf<std::u16string>(u"c"), 1);
+  viewOf(allowed).genericReplace(valueOf<std::u16string>(u"d"), 0);
   EXPECT_EQ(*allowed.insert(allowed.begin(), allowed[2]), u"a") << "a value of its own";
   EXPECT_EQ(*allowed.erase(allowed.begin()), u"d");
-  allowed.genericRemoveAt(2);
+  viewOf(allowed).genericRemoveAt(2);
   EXPECT_THAT(allowed.getAllValues(), ElementsAre(valueOf<std::u16string>(u"d"), valueOf<std::u16string>(u"c")));
-  EXPECT_EQ(allowed.genericAt(1).getValue<std::u16string>(), u"c");
+  EXPECT_EQ(viewOf(allowed).genericAt(1).getValue<std::u16string>(), u"c");
   EXPECT_EQ(allowed.getKind(), PrimitiveKind::SEQUENCE);
 }
 
@@ -58,7 +65,7 @@ TEST_F(PrimitiveCollection, ANaNIsAddedAndNeverFound) {
   allowed.push_back(std::nan(""));
   allowed.genericRemove(valueOf(std::nan("")));
   EXPECT_EQ(allowed.size(), 1U);
-  EXPECT_EQ(allowed.genericIndexOf(valueOf(std::nan(""))), 0xFFFFFFFFU);
+  EXPECT_EQ(viewOf(allowed).genericIndexOf(valueOf(std::nan(""))), 0xFFFFFFFFU);
   allowed.genericAdd(Value({plinth::StandardTypes::realMeta(), plinth::meta::SINGLE}));
   EXPECT_EQ(allowed[1], 0) << "a value with no content is the zero";
 }
@@ -70,9 +77,9 @@ TEST_F(PrimitiveCollection, AValueOfAnotherTypeIsRefusedAndChangesNothing) {
   std::string const refusal = "CannotCastIncompatibleTypes(String, Real)";
   EXPECT_EQ(raised([&] { allowed.genericAdd(wrong); }), refusal);
   EXPECT_EQ(raised([&] { allowed.genericRemove(wrong); }), refusal);
-  EXPECT_EQ(raised([&] { allowed.genericInsert(wrong, 0); }), refusal);
-  EXPECT_EQ(raised([&] { allowed.genericReplace(wrong, 0); }), refusal);
-  EXPECT_EQ(raised([&] { allowed.genericIndexOf(wrong); }), refusal);
+  EXPECT_EQ(raised([&] { viewOf(allowed).genericInsert(wrong, 0); }), refusal);
+  EXPECT_EQ(raised([&] { viewOf(allowed).genericReplace(wrong, 0); }), refusal);
+  EXPECT_EQ(raised([&] { viewOf(allowed).genericIndexOf(wrong); }), refusal);
   EXPECT_EQ(raised([&] {
               allowed.genericAdd(Value({plinth::StandardTypes::realMeta(), plinth::meta::SEQUENCE}));
             }),
@@ -81,12 +88,12 @@ TEST_F(PrimitiveCollection, AValueOfAnotherTypeIsRefusedAndChangesNothing) {
 }
 
 TEST_F(PrimitiveCollection, AUniqueSequenceLeavesWhatItHas) {
-  plinth::PrimitiveSequence<std::u16string> unique;
+  plinth::PrimitiveSequence<std::u16string> unique{plinth::CollectionPrivateTag()};
   unique.makeUnique();
   for (auto const* value : {u"a", u"b", u"a"}) unique.push_back(value);
   unique.push_back(u"b");
   EXPECT_EQ(unique.insert(unique.begin(), u"b") - unique.begin(), 1);
-  unique.genericReplace(valueOf<std::u16string>(u"a"), 1);
+  viewOf(unique).genericReplace(valueOf<std::u16string>(u"a"), 1);
   EXPECT_THAT(unique, ElementsAre(u"a", u"b"));
 }
 
@@ -98,7 +105,7 @@ TEST_F(PrimitiveCollection, EveryChangeIsTakenBackAtItsLevel) {
   bits.push_back(true);
   {
     auto inner = model.beginTransaction();
-    bits.genericReplace(valueOf(true), 1);
+    viewOf(bits).genericReplace(valueOf(true), 1);
     bits.erase(bits.begin());
     bits.insert(bits.begin(), false);
     bits.clear();
@@ -139,13 +146,20 @@ TEST_F(PrimitiveCollection, AMapIsUniqueByKeyAndInKeyOrder) {
   EXPECT_THAT(controllers.getAllValues(),
               ElementsAre(valueOf(controller(u"a", u"A")), valueOf(controller(u"b", u"B"))));
   EXPECT_EQ(controllers.getKind(), PrimitiveKind::MAP);
+  auto& view = static_cast<plinth::GenericPrimitiveAssociativeInterface&>(*controllers.getGenericInterface());
+  EXPECT_TRUE(view.isMapInterface());
+  EXPECT_THAT(view.genericKeys(), ElementsAre(valueOf<std::u16string>(u"a"), valueOf<std::u16string>(u"b")));
+  EXPECT_EQ(view.genericGet(valueOf<std::u16string>(u"b")), valueOf(controller(u"b", u"B")));
+  EXPECT_TRUE(view.genericGet(valueOf<std::u16string>(u"c")).isEmpty());
+  EXPECT_EQ(raised([&] { view.genericGet(valueOf(1.0)); }), "CannotCastIncompatibleTypes(Real, String)");
+  EXPECT_EQ(view.getQualifierType().impl(), plinth::StandardTypes::stringMeta());
 
-  plinth::PrimitiveMap<std::u16string, ControllerDef> keyless{{}};
+  plinth::PrimitiveMap<std::u16string, ControllerDef> keyless(plinth::CollectionPrivateTag(), {});
   EXPECT_THROW(keyless.insert(controller(u"a", u"A")), std::bad_function_call);
 }
 
 TEST_F(PrimitiveCollection, ASetIsOrderedAndDropsWhatIsEqual) {
-  plinth::PrimitiveSet<data::EnumOption> options;
+  plinth::PrimitiveSet<data::EnumOption> options{plinth::CollectionPrivateTag()};
   data::EnumOption low, high;
   low.setValue(u"low");
   high.setValue(u"high");
@@ -154,7 +168,13 @@ TEST_F(PrimitiveCollection, ASetIsOrderedAndDropsWhatIsEqual) {
   options.genericRemove(valueOf(high));
   options.genericRemove(valueOf(high));
   EXPECT_THAT(options, ElementsAre(low));
-  EXPECT_EQ(options.getKind(), PrimitiveKind::SET);
+  auto& view = *options.getGenericInterface();
+  view.genericAdd(valueOf(high));
+  EXPECT_EQ(view.genericSize(), 2U);
+  EXPECT_THAT(view.genericValues(), ElementsAre(valueOf(high), valueOf(low)));
+  view.genericClear();
+  EXPECT_TRUE(options.empty());
+  EXPECT_EQ(view.getKind(), PrimitiveKind::SET);
 }
 
 }  // namespace

@@ -92,7 +92,7 @@ TEST_F(SubsettedElementSet, RefusesWhatItWouldNotShow) {
   view.genericClear();
   EXPECT_THAT(members, ElementsAre(inner));
 
-  plinth::UnorderedElementSet<ControllableState> parent;
+  plinth::UnorderedElementSet<ControllableState> parent{plinth::CollectionPrivateTag()};
   plinth::SubsettedElementSet<ParamState, plinth::UnorderedElementSet<ControllableState>> filtered(
       parent, nullptr, nullptr, [&](plinth::ModelElement const& element) { return element == s.first; });
   EXPECT_EQ(raised([&] { filtered.add(s.second); }), "CannotAddIncompatibleObjectSubset");

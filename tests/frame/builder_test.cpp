@@ -43,6 +43,7 @@ TEST(Builder, MakesAWholeTreeWithoutANoticeOfModification) {
   });
   auto entry = entryBuilder(u"volume");
   entry->setData(std::make_unique<DoubleParamData::Builder>());
+  EXPECT_TRUE(entry->getData().isEmpty()) << "it is made in the creation, not before";
   auto profile = std::make_unique<ConfigProfile::Builder>();
   profile->setId(u"day").addValues(std::move(entry)).addValues(entryBuilder(u"balance"));
   ConfigStore::Builder builder(model);
@@ -93,6 +94,8 @@ TEST(Builder, RefusesWhatDoesNotFitAndSetsNoBit) {
   EXPECT_EQ(raised([&] { builder.setOrAdd(data, nullptr); }), "NoSuchProperty");
   EXPECT_EQ(raised([&] { s.volume->createIntoData(std::make_unique<ConfigEntry::Builder>()); }),
             "CannotAddIncompatibleTypes");
+  EXPECT_EQ(raised([&] { s.volume->createIntoData(std::unique_ptr<DoubleParamData::Builder>()); }),
+            "CannotAddNonExistentObject");
   EXPECT_TRUE(builder.setMask().none());
   ConfigStore::Builder store(s.model);
   auto const active = property<ConfigStore>(u"ActiveProfile");

@@ -5,6 +5,7 @@
 #include <tessel_config_datamodel/runtime/ProductionState.hpp>
 
 #include "kestrel/array.hpp"
+#include "plinth/Census.hpp"
 #include "plinth/ReferenceCollection.hpp"
 #include "plinth/sample_model.hpp"
 #include "support/checks.hpp"
@@ -287,6 +288,118 @@ TEST(Listener, MayUnregisterItselfAndOthersAndRegisterNewOnes) {
   EXPECT_THAT(told, ElementsAre(1, 1));
   s.store->setVersion(2);
   EXPECT_THAT(told, ElementsAre(1, 1, 3));
+}
+
+TEST(Listener, ReadsRecordsOfElementsThatItDestroysWhenNobodyListensAnyMore) {
+  auto const model = plinth::Model::create();
+  auto const census = plinth::census();
+  auto store = sample::ext::ConfigStore::create(model);
+  auto const profile = store->createIntoProfiles(std::make_unique<sample::ext::ConfigProfile::Builder>());
+  auto const uuid = store->getUuid();
+  plinth::ListenerRegistration own;
+  own = model.addListener([&](ChangeSet const& changes) {
+    own.reset();
+    model->findElement(uuid, plinth::FindElementBehavior::IN_MEMORY)->destroy();
+    for (auto const* record : changes.changed()) EXPECT_FALSE(record->element());
+    auto const* const record = changes.changed().front();
+    EXPECT_EQ(record->element()->getUuid(), uuid);
+    EXPECT_EQ(oldMembers(*record, u"Profiles").size(), 1U);
+  });
+  auto transaction = model.beginTransaction();
+  auto const added = sample::ext::ConfigProfile::create(model);
+  added->setId(u"added");
+  std::exchange(store, {})->getProfiles()->insert(added);
+  transaction.commit();
+  EXPECT_EQ(own, nullptr);
+  EXPECT_THAT(model->takeListenerErrors(), IsEmpty());
+  EXPECT_EQ(model->elementCount(), 0U);
+  EXPECT_EQ(plinth::surplus(census, plinth::census()).others, 2U) << "the profiles that this test holds";
+}
+
+TEST(Listener, IsFreedWithItsRegistration) {
+  auto const census = plinth::census();
+  {
+    auto const model = plinth::Model::create();
+    auto const store = sample::ext::ConfigStore::create(model);
+    auto captured = std::make_shared<int>(0);
+    auto idle = model.addListener([captured, model](ChangeSet const&) {});
+    std::weak_ptr<void> const watched = idle;  // holds no listener
+    idle.reset();
+    EXPECT_EQ(captured.use_count(), 1);
+    // Removed while they are told: gone when the telling is over, what only they held included.
+    plinth::ListenerRegistration own;
+    plinth::ListenerRegistration next;
+    plinth::ListenerRegistration nested = model.addListener([captured](ChangeSet const&) {});
+    own = model.addListener([&, captured, model](ChangeSet const&) {
+      own.reset();
+      next.reset();
+      EXPECT_EQ(captured.use_count(), 4) << "the function is running";
+    });
+    next = model.addListener([captured, nested = std::move(nested)](ChangeSet const&) { ++*captured; });
+    store->setVersion(1);
+    EXPECT_EQ(captured.use_count(), 1);
+    EXPECT_EQ(*captured, 0) << "one that was removed is not told";
+    EXPECT_TRUE(model->isUnobserved());
+  }
+  {
+    // The function holds the only handles, its own registration's among them.
+    auto model = plinth::Model::create();
+    auto own = std::make_shared<plinth::ListenerRegistration>();
+    *own = model.addListener([own, model](ChangeSet const&) { own->reset(); });
+    sample::ext::ConfigStore::create(std::exchange(model, {}));
+  }
+  EXPECT_EQ(plinth::surplus(census, plinth::census()).text(), "");
+}
+
+TEST(Listener, IsNotToldOfCommitsThatCameBeforeIt) {
+  SampleModel s;
+  std::vector<unsigned long> versions;
+  plinth::ListenerRegistration late;
+  auto const early = s.model.addListener([&](ChangeSet const&) {
+    if (late != nullptr) return;
+    s.store->setVersion(2);  // waits to be told
+    late = s.model.addListener([&](ChangeSet const&) { versions.push_back(s.store->getVersion()); });
+    s.store->setVersion(3);
+  });
+  s.store->setVersion(1);
+  EXPECT_THAT(versions, ElementsAre(3));
+  s.store->setVersion(4);
+  EXPECT_THAT(versions, ElementsAre(3, 4));
+}
+
+TEST(Listener, IsToldOfProxiesWhateverTheSetOrMapHolds) {
+  SampleModel s;
+  auto const proxy = [&](plinth::meta::Class const& metaClass, char16_t const* name) {
+    return s.model->createProxy(metaClass, plinth::ProxyId{metaClass->getQualifiedName(), name, boost::none});
+  };
+  auto const entry = [&](char16_t const* name) { return proxy(sample::ext::ConfigEntry::metaClass(), name); };
+  auto const param = proxy(sample::runtime::ParamState::metaClass(), u"p");
+  auto const empty = sample::runtime::PerspectiveState::create(s.model);
+  tell(
+      s.model,
+      [&] {
+        s.night->getValues()->addProxy(entry(u"one"));
+        s.day->getValues()->addProxy(entry(u"one"));
+        empty->getMembers()->addProxy(param);
+        s.tag->getTagged()->addProxy(param);
+      },
+      [&](ChangeSet const& changes) {
+        EXPECT_THAT(changedOf(changes, s.night), ElementsAre("Values"));
+        EXPECT_THAT(oldMembers(*recordOf(changes, s.night), u"Values"), IsEmpty());
+        EXPECT_THAT(changedOf(changes, s.day), ElementsAre("Values"));
+        EXPECT_THAT(changedOf(changes, empty), ElementsAre("Members"));
+        EXPECT_THAT(changedOf(changes, s.tag), ElementsAre("Tagged"));
+      });
+  int told = 0;
+  auto const listening = s.model.addListener([&](ChangeSet const&) { ++told; });
+  auto transaction = s.model.beginTransaction();
+  auto const another = entry(u"two");
+  s.night->getValues()->addProxy(another);
+  s.night->getValues()->removeProxy(another);
+  empty->getMembers()->removeProxy(param);
+  empty->getMembers()->addProxy(param);
+  transaction.commit();
+  EXPECT_EQ(told, 0) << "the same proxies as before";
 }
 
 TEST(Listener, MayDropTheLastHandleOfTheModel) {

@@ -66,6 +66,47 @@ TEST(Query, RelatesElements) {
   EXPECT_THAT(find<ext::ConfigEntry>(s.model, constraint), ElementsAre(s.volume));
 }
 
+TEST(Query, CountsProxiesAsWhatTheyStandForAndTheDeadAsNothing) {
+  SampleModel s;
+  auto const proxyOf = [&](auto const& element) {
+    using T = std::decay_t<decltype(element)>;
+    return plinth::element_cast<T>(s.model->createProxy(T::metaClass(), element->getPersistentProxyId(true)));
+  };
+  auto const& active = ext::ConfigStore::activeProfile();
+  auto const& members = runtime::PerspectiveState::members();
+  auto const stores = [&](plinth::query::Constraint const& constraint) {
+    return find<ext::ConfigStore>(s.model, constraint).size();
+  };
+  auto const perspectives = [&](plinth::query::Constraint const& constraint) {
+    return find<runtime::PerspectiveState>(s.model, constraint).size();
+  };
+  s.store->basicSetActiveProfile(proxyOf(s.night));
+  auto const other = runtime::PerspectiveState::create(s.model);
+  other->getMembers()->addProxy(proxyOf(s.first));
+  support::Snapshot const before(s.model);
+  EXPECT_EQ(stores(active.relatesTo(s.night)), 1U);
+  EXPECT_EQ(stores(active.relatesTo(proxyOf(s.night))), 1U);
+  EXPECT_EQ(stores(active.relatesTo(s.day) || active.relatesTo({})), 0U);
+  EXPECT_EQ(perspectives(members.relatesTo(s.first)), 2U);
+  EXPECT_EQ(perspectives(members.relatesTo(s.second)), 1U);
+  EXPECT_EQ(perspectives(members.anyIsA(runtime::ParamState::metaClass())), 2U);
+  EXPECT_EQ(perspectives(members.isSet()), 2U);
+  EXPECT_TRUE(before.isBack()) << "nothing was resolved in place";
+  EXPECT_EQ(s.store->getActiveProfile(), s.night);
+  EXPECT_EQ(stores(active.relatesTo(s.night)), 1U);
+
+  s.night->destroy();
+  s.first->destroy();
+  s.second->destroy();
+  EXPECT_EQ(stores(active.relatesTo(s.night) || active.isSet()), 0U);
+  EXPECT_EQ(perspectives(members.relatesTo(s.second) || members.anyIsA(runtime::ParamState::metaClass())), 1U)
+      << "the proxy's";
+  other->getMembers()->clear();
+  EXPECT_EQ(perspectives(members.relatesTo(s.second) || members.isSet()), 0U);
+  EXPECT_EQ(stores(active.relatesTo({})), 1U);
+  EXPECT_EQ(perspectives(members.relatesTo({})), 2U);
+}
+
 TEST(Query, SearchesItsClassWithOrWithoutSubclasses) {
   SampleModel s;
   EXPECT_EQ(Query<expr::ExprValue>(s.model).count(), 3U);

@@ -62,6 +62,52 @@ TEST(Setter, OfTheValueThatIsThereOpensNothingAndTellsNobody) {
   EXPECT_FALSE(changesNothing(s.model, calls.back()));
 }
 
+/// A value of two parts whose copies fail after the first part, once it is armed.
+struct TwoParts {
+  struct Second {
+    Second() = default;
+    Second(Second const& other) : number(other.number) { fail(); }
+    Second(Second&&) noexcept = default;
+    Second& operator=(Second const& other) {
+      fail();
+      number = other.number;
+      return *this;
+    }
+    Second& operator=(Second&&) noexcept = default;
+    static void fail() {
+      if (isArmed) throw std::bad_alloc();
+    }
+    int number = 0;
+    static inline bool isArmed = false;
+  };
+  int first = 0;
+  Second second;
+  friend bool operator==(TwoParts const& left, TwoParts const& right) {
+    return left.first == right.first && left.second.number == right.second.number;
+  }
+};
+
+TEST(Setter, StoresAValueOfSeveralPartsAsAWholeOrNotAtAll) {
+  SampleModel s;
+  auto const index =
+      static_cast<unsigned long>(tessel::frame::propertyOf(sample::ext::ConfigStore::metaClass(), u"Version")->index());
+  TwoParts field;
+  TwoParts value;
+  value.first = value.second.number = 1;
+  auto const store = [&] { tessel::frame::setAttribute(*s.store.impl(), field, value, index); };
+  TwoParts::Second::isArmed = true;
+  EXPECT_THROW(store(), std::bad_alloc);
+  {
+    auto outer = s.model.beginTransaction();
+    EXPECT_THROW(store(), std::bad_alloc);
+    outer.commit();
+  }
+  TwoParts::Second::isArmed = false;
+  EXPECT_TRUE(field == TwoParts());
+  store();
+  EXPECT_TRUE(field == value);
+}
+
 TEST(Setter, TakesForAChangeWhatMayBeOne) {
   SampleModel s;
   CommitCount commits(s.model);

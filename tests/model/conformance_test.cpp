@@ -239,7 +239,7 @@ TEST(EveryProperty, RefusesOtherTypesShapesAndOwnersWithNothingChanged) {
     bool const isReal = property.type() == plinth::StandardTypes::realMeta();
     auto* const otherType = isReal ? plinth::StandardTypes::stringMeta() : plinth::StandardTypes::realMeta();
     Value const wrongType = s.specimens.plain(*otherType);
-    Value const wrongShape = Value::make<std::vector<bool>>({property.type(), meta::SEQUENCE}, {});
+    Value const wrongShape({property.type(), meta::SEQUENCE});
     if (property.isMany()) {
       EXPECT_EQ(raised([&] { s.element->setPropertyValue(handle, wrongType); }), "NoSuchProperty");
     } else {
@@ -351,7 +351,7 @@ TEST(EveryClass, GivesCollectionsByTheShapeOfAProperty) {
       if (factory == nullptr) continue;
       std::unique_ptr<plinth::AbstractOwnedCollection> const collection(factory({}, Property(property)));
       if (isElementTyped(*property)) {
-        auto* const view = collection->getGenericInterface();
+        auto* const view = static_cast<plinth::ReferenceCollection&>(*collection).getGenericInterface();
         EXPECT_EQ(view->isSequenceInterface(), property->isOrdered());
         EXPECT_FALSE(view->isMapInterface());
       } else {

@@ -106,14 +106,40 @@ TEST(Fingerprint, TellsProxiesDeadTargetsAndElementsOfOtherModels) {
       sample.model->createProxy(sample::ext::ConfigProfile::metaClass(), remote->getPersistentProxyId(false));
   sample.store->basicSetActiveProfile(static_cast<sample::ext::ConfigProfile const&>(proxy));
   auto const withProxy = Fingerprint::of(sample.model);
-  EXPECT_THAT(withProxy.text(), testing::HasSubstr("ActiveProfile = proxy(tessel.internal.ext.ConfigProfile " +
-                                                   uuid("remote") + "@library)"));
+  EXPECT_THAT(withProxy.text(), testing::HasSubstr("ActiveProfile = proxy(\"tessel.internal.ext.ConfigProfile\" \"" +
+                                                   uuid("remote") + "\"@\"library\")"));
   EXPECT_EQ(sample.store->getActiveProfile(), remote);
   EXPECT_THAT(Fingerprint::of(sample.model).text(),
-              testing::HasSubstr("ActiveProfile = " + uuid("remote") + "@library\n"));
+              testing::HasSubstr("ActiveProfile = " + uuid("remote") + "@\"library\"\n"));
   sample.store->setActiveProfile(sample.night);
   sample.night->destroy();
   EXPECT_THAT(Fingerprint::of(sample.model).text(), testing::HasSubstr("ActiveProfile = dead(" + uuid("night") + ")"));
+}
+
+TEST(Fingerprint, TellsAnyTwoListsOfProxiesApart) {
+  using Ids = std::vector<plinth::ProxyId>;
+  auto const stateWith = [](Ids const& ids) {
+    SampleModel sample;
+    for (auto const& id : ids) {
+      sample.perspective->getMembers()->addProxy(
+          sample.model->createProxy(sample::runtime::ParamState::metaClass(), id));
+    }
+    return Fingerprint::of(sample.model);
+  };
+  auto const local = [](std::u16string name, std::u16string element) {
+    return plinth::ProxyId{std::move(name), std::move(element), boost::none};
+  };
+  std::pair<Ids, Ids> const pairs[] = {
+      {{local(u"A", u"B C")}, {local(u"A B", u"C")}},
+      {{local(u"A", u"B@m")}, {plinth::ProxyId{u"A", u"B", std::u16string(u"m")}}},
+      {{local(u"A", {u'\xD800'})}, {local(u"A", {u'\xDC01'})}},
+      {{local(u"A", u"1), proxy(A 2")}, {local(u"A", u"1"), local(u"A", u"2")}},
+      {{local(u"A", u"1\"), proxy(\"A\" \"2")}, {local(u"A", u"1"), local(u"A", u"2")}},
+  };
+  for (auto const& [left, right] : pairs) {
+    EXPECT_TRUE(stateWith(left) != stateWith(right)) << stateWith(left).text();
+    EXPECT_TRUE(stateWith(left) == stateWith(left));
+  }
 }
 
 TEST(Fingerprint, TellsEveryPropertyOfEveryClass) {

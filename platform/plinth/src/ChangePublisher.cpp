@@ -10,7 +10,11 @@ void ChangePublisher::Pending::clear() noexcept {
   changes.m_created.clear();
   changes.m_changed.clear();
   changes.m_destroyed.clear();
-  for (Storage* record : records) delete record;
+  for (Storage* record : records) {
+    ModelElementImpl* const element = record->m_element;
+    delete record;  // before its element: it may refer to journals of the element's collections
+    element->removeRef();
+  }
   records.clear();
 }
 
@@ -19,14 +23,39 @@ ChangePublisher::~ChangePublisher() {
 }
 
 ListenerRegistration ChangePublisher::add(ChangeListener listener) {
-  auto entry = std::make_shared<Listener>(Listener{std::move(listener)});
-  m_listeners->all.push_back(entry);
-  ++m_listeners->live;
+  auto const entry = std::make_shared<Listener>(Listener{std::move(listener), m_serial});
   std::weak_ptr<Listeners> const listeners = m_listeners;
-  return ListenerRegistration(entry.get(), [entry, listeners](void*) {
-    entry->registered = false;  // the function itself stays: it may be the one that is running
-    if (auto const owner = listeners.lock()) --owner->live;
+  ListenerRegistration registration(entry.get(), [entry, listeners](void*) {
+    if (auto const owner = listeners.lock()) {
+      owner->remove(*entry);
+    } else {
+      ChangeListener const function = std::exchange(entry->function, nullptr);
+    }
   });
+  m_listeners->all.push_back(entry);
+  entry->isRegistered = true;
+  ++m_listeners->live;
+  return registration;
+}
+
+void ChangePublisher::Listeners::remove(Listener& listener) noexcept {
+  if (!listener.isRegistered) return;
+  listener.isRegistered = false;
+  --live;
+  if (!isTelling) prune();
+}
+
+void ChangePublisher::Listeners::prune() noexcept {
+  while (true) {
+    auto const gone =
+        std::find_if(all.begin(), all.end(), [](auto const& listener) { return !listener->isRegistered; });
+    if (gone == all.end()) return;
+    std::shared_ptr<Listener> const entry = std::move(*gone);
+    all.erase(gone);
+    // Last, for what it has captured may end the model or let go of other registrations. A registration that somebody
+    // still watches keeps the entry, so that its end would not end the function.
+    ChangeListener const function = std::exchange(entry->function, nullptr);
+  }
 }
 
 std::unique_ptr<ChangePublisher::Pending> ChangePublisher::freshPending() {
@@ -34,12 +63,18 @@ std::unique_ptr<ChangePublisher::Pending> ChangePublisher::freshPending() {
 }
 
 void ChangePublisher::collect(UndoLog& log) {
-  failurePoint("collect-changes");
   if (m_gathered == nullptr) m_gathered = freshPending();
+  try {
+    gather(log);
+    m_queue.push_back(nullptr);  // room for it; filled when it is taken over
+  } catch (...) {
+    m_gathered->clear();  // its handles would keep in memory what is taken back now
+    throw;
+  }
+}
+
+void ChangePublisher::gather(UndoLog& log) {
   ChangeSet& changes = m_gathered->changes;
-  changes.m_created.clear();
-  changes.m_changed.clear();
-  changes.m_destroyed.clear();
   std::size_t records = 0;
   log.forEachRecord([&](ModelElementImpl& element) {
     ++records;
@@ -56,7 +91,7 @@ void ChangePublisher::collect(UndoLog& log) {
       [&](ModelElementImpl& element) {
         if (element.m_createdLevel == ModelElementImpl::NO_LEVEL) changes.m_destroyed.emplace_back(&element);
       });
-  m_queue.push_back(nullptr);  // room for it; filled when it is taken over
+  failurePoint("collect-changes");
 }
 
 void ChangePublisher::takeOver(UndoLog& log) noexcept {
@@ -64,12 +99,14 @@ void ChangePublisher::takeOver(UndoLog& log) noexcept {
     if (element.m_record == nullptr) return;
     Storage* const record = std::exchange(element.m_record, nullptr);
     if (element.isLive()) {
+      element.addRef();
       m_gathered->records.push_back(record);
       record->sealOldValues();
     } else {
       delete record;  // a destroyed element is told as that; its journals must not outlive the log
     }
   });
+  m_gathered->serial = ++m_serial;
   m_queue.back() = std::move(m_gathered);
 }
 
@@ -79,22 +116,22 @@ void ChangePublisher::publish() noexcept {
   while (!m_queue.empty()) {
     std::unique_ptr<Pending> pending = std::move(m_queue.front());
     m_queue.pop_front();
-    if (!pending->changes.empty()) tell(pending->changes);
+    if (!pending->changes.empty()) tell(*pending);
     pending->clear();
     m_spare = std::move(pending);
   }
   m_publishing = false;
 }
 
-void ChangePublisher::tell(ChangeSet const& changes) noexcept {
-  // Listeners added while these are told wait for the next commit; ones removed are not told any more.
-  auto& all = m_listeners->all;
-  std::size_t const count = all.size();
-  for (std::size_t i = 0; i < count; ++i) {
-    std::shared_ptr<Listener> const listener = all[i];
-    if (!listener->registered) continue;
+void ChangePublisher::tell(Pending const& pending) noexcept {
+  std::shared_ptr<Listeners> const listeners = m_listeners;
+  listeners->isTelling = true;
+  // A function may add listeners and remove any, itself included: what is removed stays in the list until the end.
+  for (std::size_t i = 0; i < listeners->all.size(); ++i) {
+    Listener& listener = *listeners->all[i];
+    if (!listener.isRegistered || listener.since >= pending.serial) continue;
     try {
-      listener->function(changes);
+      listener.function(pending.changes);
     } catch (...) {
       try {
         m_errors.push_back(std::current_exception());
@@ -103,8 +140,8 @@ void ChangePublisher::tell(ChangeSet const& changes) noexcept {
       }
     }
   }
-  all.erase(std::remove_if(all.begin(), all.end(), [](auto const& listener) { return !listener->registered; }),
-            all.end());
+  listeners->isTelling = false;
+  if (listeners->live < listeners->all.size()) listeners->prune();
 }
 
 std::vector<std::exception_ptr> ChangePublisher::takeErrors() { return std::exchange(m_errors, {}); }

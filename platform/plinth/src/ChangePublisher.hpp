@@ -1,8 +1,11 @@
 // Tells a model's listeners what each outermost commit did.
-// Ownership: the model owns its publisher; the publisher owns the records of the commit that it is publishing.
+// Ownership: the model owns its publisher; the publisher owns the records of the commits that it publishes and keeps
+// their elements in memory meanwhile. A listener's function goes with its registration, or right after the telling that
+// it may be part of.
 // Thread rule: the model's thread.
 #pragma once
 
+#include <cstdint>
 #include <deque>
 #include <exception>
 #include <memory>
@@ -20,6 +23,7 @@ class ChangePublisher {
   ChangePublisher(ChangePublisher const&) = delete;
   ChangePublisher& operator=(ChangePublisher const&) = delete;
 
+  /// A listener of the commits that are taken over from now on; ones that still wait to be told don't count.
   ListenerRegistration add(ChangeListener listener);
   bool isWatched() const noexcept { return m_listeners->live > 0; }
   std::size_t const& listenerCount() const noexcept { return m_listeners->live; }
@@ -36,19 +40,28 @@ class ChangePublisher {
  private:
   struct Listener {
     ChangeListener function;
-    bool registered = true;
+    std::uint64_t since;  ///< the serial of the last commit before it was registered
+    bool isRegistered = false;
   };
   struct Listeners {
     std::vector<std::shared_ptr<Listener>> all;
     std::size_t live = 0;
+    bool isTelling = false;  ///< one of the functions is running
+
+    void remove(Listener& listener) noexcept;
+    /// Takes out what was removed while its function could have been running.
+    void prune() noexcept;
   };
   struct Pending {
     ChangeSet changes;
-    std::vector<Storage*> records;
+    std::vector<Storage*> records;  ///< each counts its element
+    std::uint64_t serial = 0;
     void clear() noexcept;
   };
 
-  void tell(ChangeSet const& changes) noexcept;
+  /// Fills m_gathered, which is empty, with what the log tells. Raises std::bad_alloc.
+  void gather(UndoLog& log);
+  void tell(Pending const& pending) noexcept;
   std::unique_ptr<Pending> freshPending();
 
   ModelImpl* m_model;
@@ -57,6 +70,7 @@ class ChangePublisher {
   std::unique_ptr<Pending> m_gathered;
   std::unique_ptr<Pending> m_spare;  ///< kept for its vectors
   std::vector<std::exception_ptr> m_errors;
+  std::uint64_t m_serial = 0;  ///< of the last commit that was taken over
   bool m_publishing = false;
 };
 

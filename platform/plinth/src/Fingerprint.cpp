@@ -142,11 +142,12 @@ std::string FingerprintTaker::targetText(ModelElement const& target) const {
   std::string uuid = boost::uuids::to_string(target->getUuid());
   if (!target) return "dead(" + uuid + ")";
   if (auto const id = target->getProxyId()) {
-    return "proxy(" + groundwork::toUtf8(id->className + u" " + id->element) +
-           (id->model ? "@" + groundwork::toUtf8(*id->model) : "") + ")";
+    // Each part in quotes, so that no two ids have one text, nor a list of them the text of another list.
+    return "proxy(" + quoted(id->className) + " " + quoted(id->element) + (id->model ? "@" + quoted(*id->model) : "") +
+           ")";
   }
   bool const isOurs = &target->model() == &m_model;
-  return isOurs ? uuid : uuid + "@" + groundwork::toUtf8(target->model().name());
+  return isOurs ? uuid : uuid + "@" + quoted(target->model().name());
 }
 
 Fingerprint Fingerprint::of(Model const& model) {

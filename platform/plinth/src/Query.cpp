@@ -1,6 +1,6 @@
 #include "plinth/Query.hpp"
 
-#include "plinth/ReferenceCollection.hpp"
+#include "ElementMembers.hpp"
 
 namespace plinth::query {
 
@@ -27,33 +27,36 @@ std::vector<ModelElement> AbstractQuery::execute() const {
 namespace detail {
 namespace {
 
-/// Calls `test` for each real target of the property until one holds.
+/// What `proxy` stands for if that is in memory, else itself. Nothing is stored or loaded.
+ModelElement realOf(ModelElement const& element) {
+  return element && element->isProxy() ? element->model().peekResolveProxy(nullptr, element) : element;
+}
+
+/// Whether `test` holds for a target of the property; dead ones are none.
 template <class Test>
 bool anyTarget(ModelElementImpl& element, meta::Property const& property, Test const& test) {
-  auto const& tag = ReflectionPrivateTag::NO_PROXY_RESOLVE;
-  Value const value = element.getPropertyValue(property, tag);
-  if (!property->isMany()) {
-    auto const* const target = static_cast<ModelElement const*>(value.content());
-    return target != nullptr && *target && test(*target->impl());
+  // Raises NoSuchProperty. It can't tell that there is nothing: a set of proxies alone has no value.
+  element.hasPropertyValue(property, ReflectionPrivateTag::NO_PROXY_RESOLVE);
+  for (ModelElement const& target : plinth::detail::membersOf(element, *property.impl())) {
+    if (target && test(realOf(target))) return true;
   }
-  auto const* const collection = static_cast<ReferenceCollection const*>(value.content());
-  bool found = false;
-  collection->forEachReal([&](ModelElementImpl& target) { found = found || test(target); });
-  return found;
+  return false;
 }
 
 }  // namespace
 
 Constraint relatesTo(meta::Property const& property, ModelElement const& target) {
+  if (target.isEmpty()) return !isSet(property);
   return Constraint([property, target](ModelElementImpl& element) {
-    return anyTarget(element, property, [&](ModelElementImpl& each) { return &each == target.impl(); });
+    ModelElement const real = realOf(target);
+    return anyTarget(element, property, [&](ModelElement const& each) { return each == real; });
   });
 }
 
 Constraint isAnyOfClass(meta::Property const& property, meta::Class const& metaClass, bool withSubclasses) {
   return Constraint([property, metaClass, withSubclasses](ModelElementImpl& element) {
-    return anyTarget(element, property, [&](ModelElementImpl& each) {
-      meta::ClassImpl const& actual = *each.getMetaClass().impl();
+    return anyTarget(element, property, [&](ModelElement const& each) {
+      meta::ClassImpl const& actual = *each->getMetaClass().impl();
       return withSubclasses ? actual.conformsTo(*metaClass.impl()) : &actual == metaClass.impl();
     });
   });
@@ -61,7 +64,7 @@ Constraint isAnyOfClass(meta::Property const& property, meta::Class const& metaC
 
 Constraint isSet(meta::Property const& property) {
   return Constraint([property](ModelElementImpl& element) {
-    return element.hasPropertyValue(property, ReflectionPrivateTag::NO_PROXY_RESOLVE);
+    return anyTarget(element, property, [](ModelElement const&) { return true; });
   });
 }
 

@@ -58,6 +58,11 @@ std::uint64_t Value::hash() const {
   return m_functions->hasher(const_cast<void*>(m_content));
 }
 
+ValueMeta Value::metaOf(meta::Property const& property) {
+  if (property.isEmpty()) reportException(messages::NoSuchProperty(u"", u""));
+  return ValueMeta(property);
+}
+
 void Value::reportIncompatible(meta::TypeImpl const* expected) const {
   reportException(
       messages::CannotCastIncompatibleTypes(m_meta.type() == nullptr ? u"" : m_meta.type()->getQualifiedName(),

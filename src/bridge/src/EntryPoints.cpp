@@ -1,4 +1,5 @@
-// The entries that a host calls when it loads and unloads the library. Thread rule: the host's thread.
+#include "tessel_config_datamodel/bridge/EntryPoints.hpp"
+
 #include <mutex>
 #include <tessel_config_datamodel/bridge/Packages.hpp>
 #include <tessel_form_datamodel/bridge/Packages.hpp>
@@ -6,7 +7,6 @@
 
 #include "corvid/CorvidClass.hpp"
 #include "corvid/Host.hpp"
-#include "groundwork/export.hpp"
 #include "plinth/bridge/FoundationPackage.hpp"
 
 namespace {
@@ -32,12 +32,12 @@ void initializeBridge() {
 
 extern "C" {
 
-TESSEL_EXPORT void MLInitialize_tessel_config_datamodel() {
+void MLInitialize_tessel_config_datamodel() {
   if (corvid::isServiceManaged()) return initializeBridge();
   // New in each call: a host that calls the entry again gets the registration again.
   std::once_flag once;
   std::call_once(once, &initializeBridge);
 }
 
-TESSEL_EXPORT void MLTerminate_tessel_config_datamodel() {}
+void MLTerminate_tessel_config_datamodel() {}
 }

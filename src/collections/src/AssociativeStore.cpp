@@ -99,6 +99,14 @@ void AssociativeStore<C>::basicCopyValues(ReferenceCollection const* other) {
 }
 
 template <class C>
+bool AssociativeStore<C>::hasSameMembers(ReferenceCollection const& other) const {
+  auto const& store = static_cast<AssociativeStore const&>(other);
+  auto const count = [](ProxyTable const* table) { return table == nullptr ? 0 : table->size(); };
+  if (count(proxies()) != count(store.proxies()) || m_elements != store.m_elements) return false;
+  return count(proxies()) == 0 || *proxies() == *store.proxies();
+}
+
+template <class C>
 void AssociativeStore<C>::forEachReal(std::function<void(ModelElementImpl&)> const& visit) const {
   for (auto const& node : m_elements) visit(*elementOf(node));
 }

@@ -84,17 +84,13 @@ std::vector<Value> ReferenceMap::getAllKeys() const {
   std::vector<Value> keys;
   keys.reserve(raw().size());
   ValueMeta const meta(StandardTypes::stringMeta(), meta::SINGLE);
-  for (auto const& entry : raw()) keys.push_back(Value::make<std::u16string>(meta, entry.first));
+  for (auto const& entry : raw()) keys.push_back(Value::makeUnchecked<std::u16string>(meta, entry.first));
   return keys;
 }
 
 meta::Type ReferenceMap::getQualifierType() const {
   if (property() == nullptr || property()->qualifiedBy() == nullptr) return meta::Type(StandardTypes::stringMeta());
   return property()->qualifiedBy()->getType();
-}
-
-bool ReferenceMap::hasSameMembers(ReferenceCollection const& other) const {
-  return raw() == static_cast<ReferenceMap const&>(other).raw() && ReferenceCollection::hasSameMembers(other);
 }
 
 void ReferenceMap::genericAdd(ModelElement const& element) {

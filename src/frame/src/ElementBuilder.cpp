@@ -56,6 +56,12 @@ bool ElementBuilder::take(PropertyDescriptor const& row, std::unique_ptr<plinth:
   return true;
 }
 
+plinth::ModelElement ElementBuilder::made(ChildBuilder const& child) const {
+  if (child.get() == nullptr || orchestrator() == nullptr) return {};
+  orchestrator()->addBuilder(child.get());
+  return child.get()->create();
+}
+
 plinth::ModelElement ElementBuilder::doCreate(bool deferred, boost::uuids::uuid const& uuid) {
   m_table->metaClass();
   plinth::ModelElement const made(m_table->allocate(*model().impl(), uuid), plinth::Adopt{});

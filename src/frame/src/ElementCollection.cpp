@@ -50,7 +50,7 @@ bool ElementCollectionKind::isUnchanged(Element const& element, ElementStorage c
   if (!collection->isChanged()) return true;
   std::size_t const size = collection->rawSize();
   if (size > 1 || collection->oldSize() != size) return false;
-  if (size == 0) return true;
+  // Also where no real member is left: the proxies of a set or map are not counted, and belong to the value.
   auto& old = const_cast<plinth::OldCollection&>(slotOf<plinth::OldCollection>(storage, row)).contents();
   return collection->hasSameMembers(static_cast<ReferenceCollection&>(old));
 }

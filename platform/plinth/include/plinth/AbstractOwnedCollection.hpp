@@ -14,7 +14,12 @@
 namespace plinth {
 
 class AbstractOwnedCollection;
-class GenericCollectionInterface;
+
+/// The first argument of a collection's constructor: elements make the collections of their properties, and whoever
+/// else makes one says by this that no element will know of it.
+struct CollectionPrivateTag {
+  explicit CollectionPrivateTag() = default;
+};
 
 namespace detail {
 
@@ -72,8 +77,6 @@ class TESSEL_EXPORT AbstractOwnedCollection {
   meta::PropertyImpl* property() const noexcept { return m_property; }
   meta::PropertyImpl* opposite() const noexcept { return m_opposite; }
   virtual bool empty() const = 0;
-  /// The untyped view; made at the first call.
-  virtual GenericCollectionInterface* getGenericInterface() = 0;
   /// How many members there were when the present outermost transaction began.
   virtual std::size_t oldSize() const = 0;
   virtual std::size_t rawSize() const = 0;

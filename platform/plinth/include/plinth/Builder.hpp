@@ -106,7 +106,7 @@ class TESSEL_EXPORT ModelElementBuilder {
 TESSEL_EXPORT void takeDown(std::unique_ptr<ModelElementBuilder> builder) noexcept;
 
 /// A builder whose element fits class X; what `createInto...` takes. Raises CannotAddIncompatibleTypes for another
-/// class.
+/// class, and CannotAddNonExistentObject for no builder.
 template <class X>
 class BuilderWrapper {
  public:
@@ -114,6 +114,7 @@ class BuilderWrapper {
   template <class B, class = std::enable_if_t<std::is_base_of_v<ModelElementBuilder, B>>>
   // NOLINTNEXTLINE(google-explicit-constructor)
   BuilderWrapper(std::unique_ptr<B> builder) : m_builder(std::move(builder)) {
+    if (m_builder == nullptr) reportException(messages::CannotAddNonExistentObject());
     auto const& actual = *m_builder->getMetaClass().impl();
     auto const& expected = *X::metaClass().impl();
     if (!actual.conformsTo(expected)) {

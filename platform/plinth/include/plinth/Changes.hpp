@@ -1,6 +1,7 @@
 // What a transaction changed on one element: a bit for each property index, and, in Storage, the old values.
 // Ownership: the model's transaction owns every record; records come from the model's pool. A listener may use one
-// until its call returns. Thread rule: the model's thread.
+// until its call returns: as long as a record is published, its element stays in memory, destroyed or not. Thread rule:
+// the model's thread.
 #pragma once
 
 #include <boost/dynamic_bitset.hpp>
@@ -56,7 +57,7 @@ class TESSEL_EXPORT Storage : public Changes {
   using Changes::Changes;
   ~Storage() override;
 
-  /// The element whose old values these are; dead if the transaction destroyed it.
+  /// The element whose old values these are; dead if it has been destroyed meanwhile.
   ModelElement element() const noexcept { return ModelElement(m_element); }
 
   virtual void setOldContainer(ModelElement const& container, meta::Property const& property) noexcept;

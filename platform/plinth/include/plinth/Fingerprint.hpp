@@ -30,9 +30,9 @@ class TESSEL_EXPORT Fingerprint {
     std::string text() const;
   };
 
-  /// Resolves no proxy and changes nothing. A reference is written as the target's UUID, with the model's name where
-  /// that is another one; a proxy as its id; a dead target as dead; values as `valueText` says. O(n log n) in the
-  /// model's elements, otherwise linear; without recursion.
+  /// Resolves no proxy and changes nothing. A reference is written as the target's UUID, with the model's name in
+  /// quotes where that is another one; a proxy as its id, each part in quotes; a dead target as dead; values as
+  /// `valueText` says. O(n log n) in the model's elements, otherwise linear; without recursion.
   static Fingerprint of(Model const& model);
 
   /// All of it, an element a paragraph. Linear.

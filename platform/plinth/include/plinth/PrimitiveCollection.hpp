@@ -5,15 +5,17 @@
 #include <vector>
 
 #include "plinth/AbstractOwnedCollection.hpp"
-#include "plinth/Value.hpp"
+#include "plinth/GenericPrimitiveCollection.hpp"
 
 namespace plinth {
 
-/// What a primitive collection is.
-enum class PrimitiveKind : int { SEQUENCE = 1, SET = 4, MAP = 5 };
-
 class TESSEL_EXPORT AbstractPrimitiveCollection : public AbstractOwnedCollection {
  public:
+  ~AbstractPrimitiveCollection() override;
+
+  /// The untyped view; made at the first call. A sequence's is a GenericPrimitiveSequenceInterface, a map's a
+  /// GenericPrimitiveAssociativeInterface.
+  GenericPrimitiveCollectionInterface* getGenericInterface();
   virtual PrimitiveKind getKind() const noexcept = 0;
   /// The values in order, each as a managed value of the property's type. Linear.
   virtual std::vector<Value> getAllValues() const = 0;
@@ -27,17 +29,39 @@ class TESSEL_EXPORT AbstractPrimitiveCollection : public AbstractOwnedCollection
   /// Whether both hold equal values in the same order.
   virtual bool equals(AbstractPrimitiveCollection const& other) const = 0;
 
-  GenericCollectionInterface* getGenericInterface() override { return nullptr; }
-
  protected:
   AbstractPrimitiveCollection(ModelElementImpl* owner, meta::PropertyImpl* property) noexcept
       : AbstractOwnedCollection(owner, property, nullptr) {}
 
+  virtual std::unique_ptr<GenericPrimitiveCollectionInterface> makeGenericInterface() = 0;
   /// The shape of one value of the collection.
   template <class T>
   ValueMeta elementMeta() const {
     return ValueMeta(property() != nullptr ? property()->type() : MetaTypeOf<T>::type(), meta::SINGLE);
   }
+
+ private:
+  std::unique_ptr<GenericPrimitiveCollectionInterface> m_generic;
 };
+
+namespace detail {
+
+/// What the untyped views of all shapes do alike.
+template <class Interface>
+class PrimitiveView : public Interface {
+ public:
+  explicit PrimitiveView(AbstractPrimitiveCollection& collection) noexcept : m_collection(&collection) {}
+  PrimitiveKind getKind() const noexcept final { return m_collection->getKind(); }
+  std::uint32_t genericSize() const final { return static_cast<std::uint32_t>(m_collection->rawSize()); }
+  std::vector<Value> genericValues() const final { return m_collection->getAllValues(); }
+  void genericAdd(Value const& value) final { m_collection->genericAdd(value); }
+  void genericRemove(Value const& value) final { m_collection->genericRemove(value); }
+  void genericClear() final { m_collection->clear(); }
+
+ private:
+  AbstractPrimitiveCollection* m_collection;
+};
+
+}  // namespace detail
 
 }  // namespace plinth

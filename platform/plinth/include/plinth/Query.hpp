@@ -165,12 +165,14 @@ class ConstrainableWithAttachment : public AbstractConstrainable<V, A, S> {
   }
 };
 
-/// An element-valued property, single or many: related to elements of class T.
+/// An element-valued property, single or many: related to elements of class T. A proxy counts as what it stands for, if
+/// that is in memory; no proxy is resolved in place. Targets that have been destroyed don't count.
 template <class T, class A>
 class ConstrainableRelationWithAttachment : public AbstractConstrainable<T, A, false> {
  public:
   using AbstractConstrainable<T, A, false>::AbstractConstrainable;
-  /// Holds where the property holds, or has among its members, this element.
+  /// Holds where the property holds, or has among its members, this element; for an empty handle, where there is no
+  /// target.
   Constraint relatesTo(T const& target) const { return detail::relatesTo(this->property(), target); }
   /// Holds where a target is of the class.
   Constraint anyIsA(meta::Class const& metaClass,

@@ -23,7 +23,8 @@ class TESSEL_EXPORT ReferenceCollection : public AbstractOwnedCollection {
   ModelElement resolveProxy(ModelElement const& proxy) const;
   ModelElement peekResolveProxy(ModelElement const& proxy) const;
 
-  GenericCollectionInterface* getGenericInterface() override;
+  /// The untyped view; made at the first call.
+  GenericCollectionInterface* getGenericInterface();
   /// The members, proxies resolved where they can be and left out where not.
   virtual std::vector<ModelElement> getAllValues() = 0;
   /// The members as they stand, proxies included.

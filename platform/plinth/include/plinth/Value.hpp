@@ -67,16 +67,23 @@ class TESSEL_EXPORT Value {
   Value& operator=(Value other) noexcept;
   ~Value() { reset(); }
 
-  /// A managed value with a copy of `content`.
+  /// A managed value with a copy of `content`. Raises CannotCastIncompatibleTypes unless T is of that type and shape.
   template <class T>
   static Value make(ValueMeta const& meta, T content);
+  /// The same for whoever knows that T fits: a value whose T does not reads memory that isn't there.
   template <class T>
-  static Value createPrimitiveValue(meta::Property const& property, T const& content) {
-    return make<T>(ValueMeta(property), content);
-  }
+  static Value makeUnchecked(ValueMeta const& meta, T content);
+  /// A value for that property. A plain `content` is, for an optional property, a value that is present, and for one of
+  /// many values, one of them. Raises CannotCastIncompatibleTypes for a content of another type, and NoSuchProperty for
+  /// an empty handle.
+  template <class T>
+  static Value createPrimitiveValue(meta::Property const& property, T const& content);
+  /// A value for that property with a counted handle; its type is the element's class, or the property's for an empty
+  /// handle. Raises CannotCastIncompatibleTypes and NoSuchProperty.
   template <class T>
   static Value createElementValue(meta::Property const& property, T const& element) {
-    return make<T>(ValueMeta(element ? element->getMetaClass().impl() : property->type(), meta::SINGLE), element);
+    ValueMeta const meta = metaOf(property);
+    return make<T>(ValueMeta(element ? element->getMetaClass().impl() : meta.type(), meta::SINGLE), element);
   }
 
   ValueMeta const& meta() const noexcept { return m_meta; }
@@ -129,6 +136,8 @@ class TESSEL_EXPORT Value {
                                         (alignof(T) <= IN_PLACE) && std::is_nothrow_move_constructible_v<T>;
   template <class T>
   static Functions const& functionsOf() noexcept;
+  /// Raises NoSuchProperty for an empty handle.
+  static ValueMeta metaOf(meta::Property const& property);
   void reset() noexcept;
   [[noreturn]] void reportIncompatible(meta::TypeImpl const* expected) const;
 
@@ -148,8 +157,8 @@ template <class T>
 struct ValueTraits<T, std::enable_if_t<std::is_base_of_v<ModelElement, T>>> {
   static meta::TypeImpl* expected() { return T::metaClass().impl(); }
   static bool accepts(ValueMeta const& meta) {
-    auto const* const metaClass = dynamic_cast<meta::ClassImpl const*>(meta.type());
-    return meta.flags() < meta::SEQUENCE && metaClass != nullptr && metaClass->conformsTo(*expected());
+    return meta.flags() < meta::SEQUENCE && meta.type() != nullptr && meta.type()->isClass() &&
+           static_cast<meta::ClassImpl const*>(meta.type())->conformsTo(*expected());
   }
 };
 template <class T>
@@ -182,8 +191,35 @@ Value::Functions const& Value::functionsOf() noexcept {
   return functions;
 }
 
+/// Whether T is the content of a value that is neither optional nor many.
+template <class T>
+inline constexpr bool isPlainContent = true;
+template <class T>
+inline constexpr bool isPlainContent<boost::optional<T>> = false;
+template <class T>
+inline constexpr bool isPlainContent<std::vector<T>> = false;
+template <class T>
+inline constexpr bool isPlainContent<std::set<T>> = false;
+
 template <class T>
 Value Value::make(ValueMeta const& meta, T content) {
+  if (!ValueTraits<T>::accepts(meta)) Value(meta).reportIncompatible(ValueTraits<T>::expected());
+  return makeUnchecked<T>(meta, std::move(content));
+}
+
+template <class T>
+Value Value::createPrimitiveValue(meta::Property const& property, T const& content) {
+  ValueMeta const meta = metaOf(property);
+  if constexpr (isPlainContent<T>) {
+    if (meta.flags() == meta::OPTIONAL) return make<boost::optional<T>>(meta, content);
+    return make<T>(ValueMeta(meta.type(), meta::SINGLE), content);
+  } else {
+    return make<T>(meta, content);
+  }
+}
+
+template <class T>
+Value Value::makeUnchecked(ValueMeta const& meta, T content) {
   Value value(meta);
   if constexpr (standsInPlace<T>) {
     value.m_content = ::new (value.m_inPlace) T(std::move(content));

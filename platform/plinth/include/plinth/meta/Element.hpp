@@ -29,6 +29,7 @@ class TESSEL_EXPORT MetaElementImpl : public ModelElementImpl {
 
   MetaElementImpl(Model const& model, boost::uuids::uuid const& uuid, CoreClass coreClass);
   ~MetaElementImpl() override;
+  CoreClass coreClass() const noexcept { return m_coreClass; }
   /// Raises CannotModifyFrozenModel once the element's own transaction has ended.
   void requireNew() const;
   void becomePartOf(ModelElementImpl& owner);

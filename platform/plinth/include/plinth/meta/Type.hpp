@@ -32,6 +32,8 @@ class TESSEL_EXPORT TypeImpl : public MetaElementImpl {
   /// The dotted qualified name; a primitive type has a simple one.
   std::u16string const& getQualifiedName() const noexcept { return m_qualifiedName; }
   std::string const& narrowName() const noexcept { return m_narrowName; }
+  /// Whether this is a ClassImpl.
+  bool isClass() const noexcept { return coreClass() == CoreClass::CLASS; }
   PackageImpl* owningPackage() const noexcept { return m_owningPackage; }
   void setOwningPackage(Package const& package);
   bool isCorvidHidden() const noexcept { return m_corvidHidden; }

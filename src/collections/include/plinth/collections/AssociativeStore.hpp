@@ -17,6 +17,7 @@ class AssociativeStore : public ReferenceAssociative {
   bool empty() const noexcept override { return m_elements.empty(); }
   Container const& raw() const noexcept { return m_elements; }
 
+  bool hasSameMembers(ReferenceCollection const& other) const override;
   void forEachReal(std::function<void(ModelElementImpl&)> const& visit) const override;
   void basicAdd(ModelElement const& element) override;
   void basicRemove(ModelElement const& element) override;

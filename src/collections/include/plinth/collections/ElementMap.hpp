@@ -3,6 +3,7 @@
 #pragma once
 
 #include <type_traits>
+#include <utility>
 
 #include "plinth/collections/HandleIterator.hpp"
 #include "plinth/collections/ReferenceMap.hpp"
@@ -24,8 +25,39 @@ class ElementMap final : public ReferenceMap {
   using value_type = T;
   using const_iterator = Iterator;
 
-  explicit ElementMap(KeyExtractor keyExtractor, ModelElementImpl* owner = nullptr,
-                      meta::PropertyImpl* property = nullptr, meta::PropertyImpl* opposite = nullptr) noexcept
+  /// Walks over pairs of a key and its element, in key order.
+  class EntryIterator {
+   public:
+    using iterator_category = std::input_iterator_tag;
+    using value_type = std::pair<K const&, T const&>;
+    using difference_type = std::ptrdiff_t;
+    using pointer = void;
+    using reference = value_type;
+
+    explicit EntryIterator(Container::const_iterator at) noexcept : m_at(at) {}
+    value_type operator*() const { return {m_at->first, static_cast<T const&>(m_at->second)}; }
+    EntryIterator& operator++() {
+      ++m_at;
+      return *this;
+    }
+    friend bool operator==(EntryIterator const& left, EntryIterator const& right) { return left.m_at == right.m_at; }
+    friend bool operator!=(EntryIterator const& left, EntryIterator const& right) { return left.m_at != right.m_at; }
+
+   private:
+    Container::const_iterator m_at;
+  };
+  class Entries {
+   public:
+    explicit Entries(Container const& container) noexcept : m_container(&container) {}
+    EntryIterator begin() const { return EntryIterator(m_container->begin()); }
+    EntryIterator end() const { return EntryIterator(m_container->end()); }
+
+   private:
+    Container const* m_container;
+  };
+
+  ElementMap(CollectionPrivateTag, KeyExtractor keyExtractor, ModelElementImpl* owner = nullptr,
+             meta::PropertyImpl* property = nullptr, meta::PropertyImpl* opposite = nullptr) noexcept
       : ReferenceMap(keyExtractor, owner, property, opposite) {}
 
   meta::Class const& getCollectionType() const override { return T::metaClass(); }
@@ -42,10 +74,12 @@ class ElementMap final : public ReferenceMap {
   }
   Iterator begin() const { return Iterator(raw().begin()); }
   Iterator end() const { return Iterator(raw().end()); }
+  /// The pairs of key and element: `for (auto const& [key, entry] : map.entries())`.
+  Entries entries() const noexcept { return Entries(raw()); }
 
  protected:
   Detached makeDetached() const override {
-    return std::make_unique<ElementMap>(keyExtractor(), nullptr, property(), opposite());
+    return std::make_unique<ElementMap>(CollectionPrivateTag(), keyExtractor(), nullptr, property(), opposite());
   }
 };
 

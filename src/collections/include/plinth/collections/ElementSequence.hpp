@@ -33,8 +33,8 @@ class ElementSequence final : public ReferenceSequence {
     std::size_t m_index;
   };
 
-  explicit ElementSequence(ModelElementImpl* owner = nullptr, meta::PropertyImpl* property = nullptr,
-                           meta::PropertyImpl* opposite = nullptr) noexcept
+  explicit ElementSequence(CollectionPrivateTag, ModelElementImpl* owner = nullptr,
+                           meta::PropertyImpl* property = nullptr, meta::PropertyImpl* opposite = nullptr) noexcept
       : ReferenceSequence(owner, property, opposite) {}
 
   meta::Class const& getCollectionType() const override { return T::metaClass(); }
@@ -52,7 +52,7 @@ class ElementSequence final : public ReferenceSequence {
 
  protected:
   std::unique_ptr<ReferenceSequence> makeDetached() const override {
-    return std::make_unique<ElementSequence>(nullptr, property(), opposite());
+    return std::make_unique<ElementSequence>(CollectionPrivateTag(), nullptr, property(), opposite());
   }
 };
 

@@ -107,7 +107,8 @@ class PrimitiveSet final : public PrimitiveAssociative<T, std::set<T>> {
   using Base = PrimitiveAssociative<T, std::set<T>>;
 
  public:
-  explicit PrimitiveSet(ModelElementImpl* owner = nullptr, meta::PropertyImpl* property = nullptr) noexcept
+  explicit PrimitiveSet(CollectionPrivateTag, ModelElementImpl* owner = nullptr,
+                        meta::PropertyImpl* property = nullptr) noexcept
       : Base(owner, property) {}
 
   void insert(T const& value) {
@@ -122,13 +123,16 @@ class PrimitiveSet final : public PrimitiveAssociative<T, std::set<T>> {
   void genericRemove(Value const& value) override { erase(value.getValue<T>()); }
   std::vector<Value> getAllValues() const override {
     std::vector<Value> all;
-    for (T const& value : this->raw()) all.push_back(Value::make<T>(this->template elementMeta<T>(), value));
+    for (T const& value : this->raw()) all.push_back(Value::makeUnchecked<T>(this->template elementMeta<T>(), value));
     return all;
   }
 
  protected:
   std::unique_ptr<Base> makeDetached() const override {
-    return std::make_unique<PrimitiveSet>(nullptr, this->property());
+    return std::make_unique<PrimitiveSet>(CollectionPrivateTag(), nullptr, this->property());
+  }
+  std::unique_ptr<GenericPrimitiveCollectionInterface> makeGenericInterface() override {
+    return std::make_unique<detail::PrimitiveView<GenericPrimitiveCollectionInterface>>(*this);
   }
 };
 
@@ -140,8 +144,11 @@ class PrimitiveMap final : public PrimitiveAssociative<T, std::map<K, T>> {
  public:
   using KeyExtractor = std::function<K(T const&)>;
 
-  explicit PrimitiveMap(KeyExtractor keyExtractor, ModelElementImpl* owner = nullptr,
-                        meta::PropertyImpl* property = nullptr)
+  /// The untyped view.
+  class Associative;
+
+  PrimitiveMap(CollectionPrivateTag, KeyExtractor keyExtractor, ModelElementImpl* owner = nullptr,
+               meta::PropertyImpl* property = nullptr)
       : Base(owner, property), m_keyExtractor(std::move(keyExtractor)) {}
 
   /// Puts the value in under its key; an equal value that is there is left. Raises UniquenessConstraint when another
@@ -165,17 +172,42 @@ class PrimitiveMap final : public PrimitiveAssociative<T, std::map<K, T>> {
   }
   std::vector<Value> getAllValues() const override {
     std::vector<Value> all;
-    for (auto const& entry : this->raw()) all.push_back(Value::make<T>(this->template elementMeta<T>(), entry.second));
+    for (auto const& entry : this->raw())
+      all.push_back(Value::makeUnchecked<T>(this->template elementMeta<T>(), entry.second));
     return all;
   }
 
  protected:
   std::unique_ptr<Base> makeDetached() const override {
-    return std::make_unique<PrimitiveMap>(m_keyExtractor, nullptr, this->property());
+    return std::make_unique<PrimitiveMap>(CollectionPrivateTag(), m_keyExtractor, nullptr, this->property());
+  }
+  std::unique_ptr<GenericPrimitiveCollectionInterface> makeGenericInterface() override {
+    return std::make_unique<Associative>(*this);
   }
 
  private:
   KeyExtractor m_keyExtractor;
+};
+
+template <class K, class T>
+class PrimitiveMap<K, T>::Associative final : public detail::PrimitiveView<GenericPrimitiveAssociativeInterface> {
+ public:
+  explicit Associative(PrimitiveMap& map) noexcept : PrimitiveView(map), m_map(&map) {}
+  Value genericGet(Value const& key) const override {
+    T const* const found = m_map->find(key.getValue<K>());
+    ValueMeta const meta = m_map->template elementMeta<T>();
+    return found == nullptr ? Value(meta) : Value::makeUnchecked<T>(meta, *found);
+  }
+  std::vector<Value> genericKeys() const override {
+    std::vector<Value> keys;
+    ValueMeta const meta(MetaTypeOf<K>::type(), meta::SINGLE);
+    for (auto const& entry : m_map->raw()) keys.push_back(Value::makeUnchecked<K>(meta, entry.first));
+    return keys;
+  }
+  meta::Type getQualifierType() const override { return meta::Type(MetaTypeOf<K>::type()); }
+
+ private:
+  PrimitiveMap* m_map;
 };
 
 template <class K, class T>

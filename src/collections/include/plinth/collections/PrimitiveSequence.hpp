@@ -18,9 +18,11 @@ class PrimitiveSequence final : public AbstractPrimitiveCollection {
   using Iterator = typename std::vector<T>::const_iterator;
   using value_type = T;
   using const_iterator = Iterator;
-  static constexpr std::uint32_t ABSENT = 0xFFFFFFFFU;
+  /// The untyped view.
+  class SequenceInterface;
 
-  explicit PrimitiveSequence(ModelElementImpl* owner = nullptr, meta::PropertyImpl* property = nullptr) noexcept
+  explicit PrimitiveSequence(CollectionPrivateTag, ModelElementImpl* owner = nullptr,
+                             meta::PropertyImpl* property = nullptr) noexcept
       : AbstractPrimitiveCollection(owner, property) {}
 
   std::size_t size() const noexcept { return m_values.size(); }
@@ -37,6 +39,8 @@ class PrimitiveSequence final : public AbstractPrimitiveCollection {
   Iterator insert(Iterator position, T const& value);
   /// Removes and gives the position behind.
   Iterator erase(Iterator position);
+  /// Puts the value into a slot; a unique sequence that holds it already stays as it is.
+  void replaceAt(std::size_t index, T value);
   /// Becomes a copy of the values: one change. Linear.
   void assign(std::vector<T> values);
   void clear() override { assign({}); }
@@ -44,13 +48,7 @@ class PrimitiveSequence final : public AbstractPrimitiveCollection {
     assign(other == nullptr ? std::vector<T>() : static_cast<PrimitiveSequence const*>(other)->m_values);
   }
 
-  // The untyped view. The caller checks indexes.
   PrimitiveKind getKind() const noexcept override { return PrimitiveKind::SEQUENCE; }
-  Value genericAt(std::uint32_t index) const { return Value::make<T>(elementMeta<T>(), m_values[index]); }
-  std::uint32_t genericIndexOf(Value const& value) const;
-  void genericReplace(Value const& value, std::uint32_t index);
-  void genericInsert(Value const& value, std::uint32_t index) { insert(at(index), value.getValue<T>()); }
-  void genericRemoveAt(std::uint32_t index) { erase(at(index)); }
   void genericAdd(Value const& value) override { push_back(value.getValue<T>()); }
   void genericRemove(Value const& value) override {
     auto const found = std::find(m_values.begin(), m_values.end(), value.getValue<T>());
@@ -71,6 +69,9 @@ class PrimitiveSequence final : public AbstractPrimitiveCollection {
 
  protected:
   std::unique_ptr<CollectionJournal> makeJournal() override { return std::make_unique<Journal>(m_values); }
+  std::unique_ptr<GenericPrimitiveCollectionInterface> makeGenericInterface() override {
+    return std::make_unique<SequenceInterface>(*this);
+  }
 
  private:
   using Journal = detail::SequenceJournal<T>;
@@ -79,6 +80,29 @@ class PrimitiveSequence final : public AbstractPrimitiveCollection {
 
   std::vector<T> m_values;
   bool m_unique = false;
+};
+
+template <class T>
+class PrimitiveSequence<T>::SequenceInterface final : public detail::PrimitiveView<GenericPrimitiveSequenceInterface> {
+ public:
+  explicit SequenceInterface(PrimitiveSequence& sequence) noexcept : PrimitiveView(sequence), m_sequence(&sequence) {}
+  Value genericAt(std::uint32_t index) const override {
+    return Value::makeUnchecked<T>(m_sequence->template elementMeta<T>(), m_sequence->m_values[index]);
+  }
+  std::uint32_t genericIndexOf(Value const& value) const override {
+    auto const found = std::find(m_sequence->begin(), m_sequence->end(), value.getValue<T>());
+    return found == m_sequence->end() ? ABSENT : static_cast<std::uint32_t>(found - m_sequence->begin());
+  }
+  void genericReplace(Value const& value, std::uint32_t index) override {
+    m_sequence->replaceAt(index, value.getValue<T>());
+  }
+  void genericInsert(Value const& value, std::uint32_t index) override {
+    m_sequence->insert(m_sequence->at(index), value.getValue<T>());
+  }
+  void genericRemoveAt(std::uint32_t index) override { m_sequence->erase(m_sequence->at(index)); }
+
+ private:
+  PrimitiveSequence* m_sequence;
 };
 
 template <class T>
@@ -123,22 +147,15 @@ void PrimitiveSequence<T>::assign(std::vector<T> values) {
 }
 
 template <class T>
-std::uint32_t PrimitiveSequence<T>::genericIndexOf(Value const& value) const {
-  auto const found = std::find(m_values.begin(), m_values.end(), value.getValue<T>());
-  return found == m_values.end() ? ABSENT : static_cast<std::uint32_t>(found - m_values.begin());
-}
-
-template <class T>
-void PrimitiveSequence<T>::genericReplace(Value const& value, std::uint32_t index) {
-  T replacement = value.getValue<T>();
-  if (m_unique && std::find(m_values.begin(), m_values.end(), replacement) != m_values.end()) return;
+void PrimitiveSequence<T>::replaceAt(std::size_t index, T value) {
+  if (m_unique && std::find(m_values.begin(), m_values.end(), value) != m_values.end()) return;
   Operation operation(*this);
   Journal* const journal = recordingJournal();
   if (journal != nullptr) {
     journal->reserve();
     journal->replaced(index, m_values[index]);
   }
-  m_values[index] = std::move(replacement);
+  m_values[index] = std::move(value);
   operation.commit();
 }
 
@@ -147,13 +164,13 @@ std::vector<Value> PrimitiveSequence<T>::getAllValues() const {
   std::vector<Value> all;
   all.reserve(m_values.size());
   ValueMeta const meta = elementMeta<T>();
-  for (std::size_t i = 0; i < m_values.size(); ++i) all.push_back(Value::make<T>(meta, m_values[i]));
+  for (std::size_t i = 0; i < m_values.size(); ++i) all.push_back(Value::makeUnchecked<T>(meta, m_values[i]));
   return all;
 }
 
 template <class T>
 std::unique_ptr<AbstractOwnedCollection> PrimitiveSequence<T>::oldContents() const {
-  auto copy = std::make_unique<PrimitiveSequence>(nullptr, property());
+  auto copy = std::make_unique<PrimitiveSequence>(CollectionPrivateTag(), nullptr, property());
   auto const* const kept = static_cast<Journal const*>(journal());
   copy->m_values = kept == nullptr ? m_values : kept->oldContents();
   return copy;
@@ -161,7 +178,7 @@ std::unique_ptr<AbstractOwnedCollection> PrimitiveSequence<T>::oldContents() con
 
 template <class T>
 std::unique_ptr<AbstractOwnedCollection> PrimitiveSequence<T>::detachedCopy() const {
-  auto copy = std::make_unique<PrimitiveSequence>(nullptr, property());
+  auto copy = std::make_unique<PrimitiveSequence>(CollectionPrivateTag(), nullptr, property());
   copy->m_values = m_values;
   return copy;
 }

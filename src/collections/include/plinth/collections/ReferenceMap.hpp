@@ -56,7 +56,6 @@ class TESSEL_EXPORT ReferenceMap : public AssociativeStore<MapContainer> {
   meta::Type getQualifierType() const;
   std::u16string const& keyOf(ModelElementImpl const& element) const;
 
-  bool hasSameMembers(ReferenceCollection const& other) const override;
   void genericAdd(ModelElement const& element) override;
 
  protected:

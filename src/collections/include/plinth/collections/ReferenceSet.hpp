@@ -1,4 +1,6 @@
-// Sets of elements, without their element type. The order of iteration is that of the hash table.
+// Sets of elements, without their element type. The order of iteration is that of the hash table: it is no part of the
+// state. A change, and taking a change back, may leave the same members in another order; who needs an order sorts what
+// the set gives.
 // Ownership and thread rule: see AbstractOwnedCollection.hpp.
 #pragma once
 

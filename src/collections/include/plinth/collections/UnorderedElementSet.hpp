@@ -1,4 +1,4 @@
-// An unordered collection of elements of class T, each once; see ReferenceSet.
+// An unordered collection of elements of class T, each once; see ReferenceSet, also for the order of iteration.
 // Ownership and thread rule: see AbstractOwnedCollection.hpp.
 #pragma once
 
@@ -15,8 +15,8 @@ class UnorderedElementSet final : public ReferenceSet {
   using value_type = T;
   using const_iterator = Iterator;
 
-  explicit UnorderedElementSet(ModelElementImpl* owner = nullptr, meta::PropertyImpl* property = nullptr,
-                               meta::PropertyImpl* opposite = nullptr) noexcept
+  explicit UnorderedElementSet(CollectionPrivateTag, ModelElementImpl* owner = nullptr,
+                               meta::PropertyImpl* property = nullptr, meta::PropertyImpl* opposite = nullptr) noexcept
       : ReferenceSet(owner, property, opposite) {}
 
   meta::Class const& getCollectionType() const override { return T::metaClass(); }
@@ -29,7 +29,7 @@ class UnorderedElementSet final : public ReferenceSet {
 
  protected:
   Detached makeDetached() const override {
-    return std::make_unique<UnorderedElementSet>(nullptr, property(), opposite());
+    return std::make_unique<UnorderedElementSet>(CollectionPrivateTag(), nullptr, property(), opposite());
   }
 };
 

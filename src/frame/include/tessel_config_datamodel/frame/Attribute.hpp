@@ -3,6 +3,7 @@
 #pragma once
 
 #include <type_traits>
+#include <utility>
 
 #include "plinth/Messages.hpp"
 #include "tessel_config_datamodel/frame/Element.hpp"
@@ -10,15 +11,30 @@
 
 namespace tessel::frame {
 
+/// Whether an assignment of this type that fails leaves the old value: of a string or a single number it does, of a
+/// datatype of several fields it may not.
+template <class T>
+inline constexpr bool ASSIGNS_AS_WHOLE = std::is_nothrow_copy_assignable_v<T> || std::is_same_v<T, std::u16string>;
+template <class T>
+inline constexpr bool ASSIGNS_AS_WHOLE<boost::optional<T>> = ASSIGNS_AS_WHOLE<T>;
+
+/// The value itself, or a copy of it that can be moved into the field, so that the store can't stop half-way.
+template <class T>
+std::conditional_t<ASSIGNS_AS_WHOLE<T>, T const&, T> storable(T const& value) {
+  static_assert(ASSIGNS_AS_WHOLE<T> || std::is_nothrow_move_assignable_v<T>);
+  return value;
+}
+
 /// The setter of an attribute, optional or not. Raises CannotModifyProxy; a value that is there already changes
 /// nothing.
 template <class T>
 void setAttribute(Element& self, T& field, T const& value, unsigned long index) {
   self.requireModifiable();
   if (field == value) return;
+  auto&& stored = storable(value);
   plinth::Step step(self.model(), plinth::Step::STORE);
   self.notifyModifying(index);
-  field = value;
+  field = std::forward<decltype(stored)>(stored);
   step.commit();
 }
 
@@ -55,13 +71,13 @@ class AttributeKind : public ValueFieldKind<T> {
 
   bool has(Element const&, Row const&) const final { return true; }
   plinth::Value get(Element& element, Row const& row, Tag const&) const final {
-    return plinth::Value::make<T>(plinth::ValueMeta(*row.property), fieldOf<T>(element, row));
+    return plinth::Value::makeUnchecked<T>(plinth::ValueMeta(*row.property), fieldOf<T>(element, row));
   }
   void set(Element& element, Row const& row, plinth::Value const& value, Tag const&) const override {
     setAttribute(element, fieldOf<T>(element, row), value.getValue<T>(), row.index);
   }
   plinth::Value oldValue(ElementStorage& storage, Row const& row) const final {
-    return plinth::Value::make<T>(plinth::ValueMeta(*row.property), slotOf<T>(storage, row));
+    return plinth::Value::makeUnchecked<T>(plinth::ValueMeta(*row.property), slotOf<T>(storage, row));
   }
   bool build(ElementBuilder& builder, Row const& row, plinth::Value const& value) const final {
     builderFieldOf<T>(builder, row) = value.getValue<T>();
@@ -112,7 +128,7 @@ class OptionalKind final : public ValueFieldKind<boost::optional<T>> {
  private:
   static plinth::Value toValue(Field const& field, Row const& row) {
     plinth::ValueMeta meta(*row.property);
-    if (field) return plinth::Value::make<Field>(meta, field);
+    if (field) return plinth::Value::makeUnchecked<Field>(meta, field);
     if (meta.flags() != plinth::meta::OPTIONAL) plinth::reportException(plinth::messages::InvalidValue());
     return plinth::Value(meta.setOptionalEmpty());
   }

@@ -69,6 +69,8 @@ class TESSEL_EXPORT ElementBuilder : public plinth::ModelElementBuilder {
   /// Takes a child builder for the row. Raises CannotAddIncompatibleTypes for a class that doesn't fit, NoSuchProperty
   /// for an empty one.
   void takeChild(PropertyDescriptor const& row, std::unique_ptr<plinth::ModelElementBuilder> child);
+  /// What a child builder has made, or makes now, in the creation that is running; else an empty handle.
+  plinth::ModelElement made(ChildBuilder const& child) const;
   template <class F, class V>
   void setField(F& field, V&& value, unsigned long index) {
     field = std::forward<V>(value);

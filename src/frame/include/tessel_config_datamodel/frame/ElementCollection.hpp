@@ -56,7 +56,7 @@ template <class C>
 class TypedCollectionKind final : public ElementCollectionKind {
  protected:
   CollectionField make(Element& element, Row const& row) const override {
-    return std::make_unique<C>(&element, row.property, row.property->opposite());
+    return std::make_unique<C>(plinth::CollectionPrivateTag(), &element, row.property, row.property->opposite());
   }
   void reserve(plinth::ReferenceCollection& collection, std::size_t count) const override {
     static_cast<C&>(collection).reserve(count);
@@ -68,8 +68,8 @@ template <class T, plinth::KeyExtractor KEY>
 class MapKind final : public ElementCollectionKind {
  protected:
   CollectionField make(Element& element, Row const& row) const override {
-    return std::make_unique<plinth::ElementMap<std::u16string, T>>(KEY, &element, row.property,
-                                                                   row.property->opposite());
+    return std::make_unique<plinth::ElementMap<std::u16string, T>>(plinth::CollectionPrivateTag(), KEY, &element,
+                                                                   row.property, row.property->opposite());
   }
 };
 

@@ -45,7 +45,7 @@ class ValueSequenceKind final : public TypedValueCollectionKind<plinth::Primitiv
 
  protected:
   CollectionField make(Element& element, Row const& row) const override {
-    return std::make_unique<plinth::PrimitiveSequence<T>>(&element, row.property);
+    return std::make_unique<plinth::PrimitiveSequence<T>>(plinth::CollectionPrivateTag(), &element, row.property);
   }
 };
 
@@ -63,7 +63,8 @@ class ValueMapKind final : public TypedValueCollectionKind<plinth::PrimitiveMap<
 
  protected:
   CollectionField make(Element& element, Row const& row) const override {
-    return std::make_unique<Map>([](T const& value) { return (value.*KEY)(); }, &element, row.property);
+    return std::make_unique<Map>(
+        plinth::CollectionPrivateTag(), [](T const& value) { return (value.*KEY)(); }, &element, row.property);
   }
 };
 

@@ -16,15 +16,17 @@ namespace tessel::metamodel {
 template <class T>
 plinth::AbstractOwnedCollection* elementCollection(plinth::ModelElement const& owner,
                                                    plinth::meta::Property const& property) {
-  if (property->isOrdered()) return new plinth::ElementSequence<T>(owner.impl(), property.impl());
-  return new plinth::UnorderedElementSet<T>(owner.impl(), property.impl());
+  if (property->isOrdered())
+    return new plinth::ElementSequence<T>(plinth::CollectionPrivateTag(), owner.impl(), property.impl());
+  return new plinth::UnorderedElementSet<T>(plinth::CollectionPrivateTag(), owner.impl(), property.impl());
 }
 
 template <class T>
 plinth::AbstractOwnedCollection* valueCollection(plinth::ModelElement const& owner,
                                                  plinth::meta::Property const& property) {
-  if (property->isOrdered()) return new plinth::PrimitiveSequence<T>(owner.impl(), property.impl());
-  return new plinth::PrimitiveSet<T>(owner.impl(), property.impl());
+  if (property->isOrdered())
+    return new plinth::PrimitiveSequence<T>(plinth::CollectionPrivateTag(), owner.impl(), property.impl());
+  return new plinth::PrimitiveSet<T>(plinth::CollectionPrivateTag(), owner.impl(), property.impl());
 }
 
 template <class T>
