@@ -1,6 +1,7 @@
 #include <string>
 
 #include "modelgen/checks.hpp"
+#include "modelgen/naming.hpp"
 #include "modelgen/primitive.hpp"
 
 namespace modelgen {
@@ -23,6 +24,7 @@ class LinkChecks {
                            "'" + type.name + "' has " + std::to_string(indexes) + " indexed properties along its chain",
                            std::to_string(mostIndexes) + " at most");
     }
+    for (const Property& each : type.properties) mutableGetter(type, each);
     if (type.base == nullptr) return;
     for (const Property& each : type.properties) {
       const Property* const hidden = findProperty(*type.base, each.name);
@@ -42,6 +44,19 @@ class LinkChecks {
  private:
   void refuse(const Position& at, const Property& property, const std::string& wrong, const std::string& expected) {
     m_diagnostics.report(at, "'" + property.name + "' " + wrong, expected);
+  }
+
+  // The second getter of a collection must not be the getter of another property of the class or above it.
+  void mutableGetter(const Class& type, const Property& own) {
+    for (const Class* above = &type; above != nullptr; above = above->base) {
+      for (const Property& other : above->properties) {
+        const bool clash =
+            (own.isMany() && naming::mutableGetter(own.name) == naming::getter(other.name)) ||
+            (other.isMany() && above != &type && naming::mutableGetter(other.name) == naming::getter(own.name));
+        if (!clash) continue;
+        refuse(own.row->name.at, own, "shares an accessor with '" + other.qualifiedName + "'", "another name");
+      }
+    }
   }
 
   void opposite(const Property& property) {

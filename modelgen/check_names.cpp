@@ -8,6 +8,7 @@
 namespace modelgen {
 namespace {
 
+constexpr const char* releaseForm = "letters, digits, points, hyphens and underscores";
 constexpr const char* snakeForm = "lower-case words and digits, joined by single underscores";
 
 // Reports each name that stands a second time among its like.
@@ -168,12 +169,21 @@ bool checkPackages(const std::deque<ModelRow>& models, Diagnostics& diagnostics)
     distinct = modelNames.add("model", model.name) && distinct;
     checkForm(model.name, naming::isLowerSnake, "a model", snakeForm, diagnostics);
     checkForm(model.include, naming::isLowerSnake, "the folder of the headers", snakeForm, diagnostics);
+    checkForm(model.release, naming::isRelease, "a release", releaseForm, diagnostics);
+    checkForm(model.revision, naming::isRelease, "a revision", releaseForm, diagnostics);
+    Uniqueness imports("the model", diagnostics);
+    for (const Text& each : model.imports) imports.add("import", each);
     Uniqueness folders("the model", diagnostics);
     for (const PackageRow& package : model.packages) {
       distinct = packageNames.add("package", package.name) && distinct;
       folders.add("folder", package.folder);
       checkForm(package.name, naming::isPackageName, "a package",
                 "lower-case words joined by points, none of them a reserved word", diagnostics);
+      if (const std::string component = naming::hidingComponent(package.name.value); !component.empty()) {
+        diagnostics.report(package.name.at,
+                           "'" + package.name.value + "' hides the namespace '" + component + "' in its own code",
+                           "another word for that component");
+      }
       checkForm(package.folder, naming::isLowerSnake, "a folder", snakeForm, diagnostics);
     }
   }

@@ -1,9 +1,7 @@
 #include "modelgen/context.hpp"
 
-#include <cctype>
 #include <filesystem>
 #include <map>
-#include <set>
 
 #include "modelgen/data_object.hpp"
 #include "modelgen/default_value.hpp"
@@ -23,16 +21,21 @@ std::string tableName(const std::string& file, const std::string& root) {
   return std::filesystem::path(file).lexically_normal().lexically_proximate(root).generic_string();
 }
 
-void setDoc(Data& object, const Text& doc) { setLines(object, "doc", wrap(doc.value, docWidth)); }
+void setDoc(Data& object, const Text& doc) {
+  std::vector<std::string> lines = wrap(doc.value, docWidth);
+  for (std::string& line : lines) {
+    // A backslash at its end would make a comment swallow the next line.
+    if (!line.empty() && line.back() == '\\') line.replace(line.size() - 1, 1, "&#92;");
+  }
+  setLines(object, "doc", lines);
+}
 
 void setTypeNames(Data& object, const Type& type) {
   object.set("name", type.name);
   object.set("qualifiedName", type.qualifiedName);
   object.set("cppName", naming::cppTypeName(type));
-  object.set("isPrimitive", type.kind == TypeKind::primitive);
   object.set("isClass", type.kind == TypeKind::classType);
   object.set("isDataType", type.kind == TypeKind::dataType);
-  object.set("isEnum", type.kind == TypeKind::enumeration);
 }
 
 // A type as something that a thing of the package `from` points at. Its handle is a slot of the own meta package, or
@@ -46,7 +49,6 @@ Data typeReference(const Type& type, const Package& from) {
   result.set("hasSlot", hasSlot);
   result.set("slot", kept ? naming::typeSlot(from, type.name) : type.slot);
   result.set("header", type.package == nullptr ? "" : naming::typeHeader(type));
-  result.set("namespace", type.package == nullptr ? "" : naming::cppNamespace(type.package->name));
   return result;
 }
 
@@ -62,7 +64,6 @@ Data propertyReference(const Property& property) {
   result.set("accessor", naming::lowerCamel(property.name));
   result.set("ownerName", property.owner->name);
   result.set("ownerCppName", naming::cppTypeName(*property.owner));
-  result.set("ownerHeader", naming::typeHeader(*property.owner));
   setNumber(result, "index", property.index);
   setNumber(result, "position", positionAmongSiblings(property));
   return result;
@@ -94,8 +95,6 @@ void setMemberNames(Data& object, const std::string& property) {
 }
 
 void setShape(Data& object, const Property& property) {
-  object.set("shape", naming::shapeName(property.shape));
-  object.set("kind", naming::kindName(property.kind));
   object.set("scheme", naming::schemeName(property.scheme));
   object.set("rowKind", naming::rowKind(property));
   object.set("elementSetter", naming::elementSetter(property));
@@ -103,26 +102,16 @@ void setShape(Data& object, const Property& property) {
   object.set("builderField", naming::builderFieldType(property));
   object.set("implField", naming::implFieldType(property));
   object.set("oldField", naming::oldFieldType(property));
-  object.set("isOwnQualifier", !property.keyedMaps.empty() && !property.virtualSetter);
+  object.set("isOwnQualifier", !property.keyedMaps.empty());
   object.set("isPlain", (property.scheme == Scheme::attribute || property.scheme == Scheme::optionalAttribute) &&
-                            (property.keyedMaps.empty() || property.virtualSetter));
-  object.set("hasOpposite", property.opposite != nullptr);
+                            property.keyedMaps.empty());
   setNumber(object, "position", positionAmongSiblings(property));
   setNumber(object, "valueFlags", static_cast<int>(property.shape));
-  object.set("isOptional", property.shape == Shape::optional);
-  object.set("isSequence", property.shape == Shape::sequence);
-  object.set("isSet", property.shape == Shape::set);
-  object.set("isMap", property.shape == Shape::map);
   object.set("isMany", property.isMany());
   object.set("isElement", property.isElement());
   setFact(object, "isComposite", property.kind == Kind::containment);
-  for (const Scheme scheme :
-       {Scheme::attribute, Scheme::optionalAttribute, Scheme::hostArray, Scheme::valueCollection, Scheme::valueMap,
-        Scheme::reference, Scheme::containment, Scheme::elementCollection, Scheme::elementMap, Scheme::derivedView}) {
-    std::string key = naming::schemeName(scheme);
-    key.front() = static_cast<char>(std::toupper(static_cast<unsigned char>(key.front())));
-    object.set("scheme" + key, property.scheme == scheme);
-  }
+  object.set("schemeAttribute", property.scheme == Scheme::attribute);
+  object.set("schemeHostArray", property.scheme == Scheme::hostArray);
 }
 
 void setDefault(Data& object, const Property& property) {
@@ -153,7 +142,6 @@ Data propertyData(const Property& property) {
   result.set("cppType", naming::cppTypeName(*property.type));
   result.set("valueType", naming::valueType(property));
   result.set("fieldType", naming::fieldType(property));
-  result.set("isString", isString(*property.type));
   result.set("hasIndex", property.index != 0);
   setNumber(result, "index", property.index);
   setFact(result, "isOrdered", property.ordered);
@@ -161,7 +149,6 @@ Data propertyData(const Property& property) {
   setFact(result, "isDerived", property.isDerived());
   setFact(result, "isTransient", property.row->transient);
   setFact(result, "isHidden", property.row->hidden);
-  result.set("isQueryable", property.queryable);
   result.set("isVirtual", property.virtualSetter);
   result.set("source", referenceOrFalse(property.source));
   result.set("opposite", referenceOrFalse(property.opposite));
@@ -226,7 +213,7 @@ Data typeData(const Type& type, const std::string& root) {
 }
 
 // The types that the properties mention, split by what a header needs of them: values must be complete, elements are
-// handles that may be declared ahead. Neither names the class itself or its base.
+// handles that may be declared ahead, once for each namespace. Neither names the class itself or its base.
 void setMentionedTypes(Data& object, const Class& owner) {
   std::map<std::string, const Type*> values;
   std::map<std::string, const Type*> elements;
@@ -239,13 +226,17 @@ void setMentionedTypes(Data& object, const Class& owner) {
   const auto reference = [&owner](const auto& entry) { return typeReference(*entry.second, *owner.package); };
   setList(object, "valueTypes", objectsOf(values, reference));
   setList(object, "elementTypes", objectsOf(elements, reference));
-  std::set<std::string> foreign;
-  for (const auto* const types : {&values, &elements}) {
-    for (const auto& [name, type] : *types) {
-      if (type->package->model != owner.package->model) foreign.insert(naming::typeHeader(*type));
-    }
+  std::map<std::string, std::map<std::string, const Type*>> byNamespace;
+  for (const auto& [name, type] : elements) {
+    byNamespace[naming::cppNamespace(type->package->name)].emplace(name, type);
   }
-  setLines(object, "foreignHeaders", {foreign.begin(), foreign.end()});
+  setList(object, "siblingTypes", objectsOf(byNamespace[naming::cppNamespace(owner.package->name)], reference));
+  byNamespace.erase(naming::cppNamespace(owner.package->name));
+  setList(object, "foreignNamespaces", objectsOf(byNamespace, [&reference](const auto& each) {
+            Data result("namespace", each.first);
+            setList(result, "types", objectsOf(each.second, reference));
+            return result;
+          }));
 }
 
 Data overrideData(const QualifierOverride& override) {
@@ -256,10 +247,8 @@ Data overrideData(const QualifierOverride& override) {
 
 Data stampData(const Stamp& stamp) {
   Data result = propertyReference(*stamp.property);
-  result.set("literal", stamp.literal->name);
   setNumber(result, "value", stamp.literal->row->value.value);
   result.set("initializer", naming::cppTypeName(*stamp.property->type) + "::" + stamp.literal->name);
-  result.set("builderSetter", naming::builderSetter(stamp.property->name));
   return result;
 }
 
@@ -293,7 +282,6 @@ Data nodeData(const PackageNode& node) {
   result.set("slot", node.slot);
   result.set("isRoot", node.parent == nullptr);
   result.set("isNamespace", node.parent != nullptr && node.package == nullptr);
-  result.set("isPackage", node.package != nullptr);
   result.set("parentSlot", node.parent == nullptr ? "" : node.parent->slot);
   result.set("instantiateFunction", naming::instantiateFunction(node.qualifiedName));
   result.set("weaveFunction", naming::weaveFunction(node.qualifiedName));
@@ -315,7 +303,6 @@ Data classData(const Class& type, const std::string& root) {
   setNumber(result, "lastIndex", type.lastIndex);
   setNumber(result, "storageCount", type.lastIndex + 1);
   setList(result, "properties", ownProperties(type, [](const Property&) { return true; }));
-  setList(result, "indexedProperties", ownProperties(type, [](const Property& each) { return each.index != 0; }));
   setList(result, "attributes",
           ownProperties(type, [](const Property& each) { return !each.isElement() && !each.isMany(); }));
   setList(result, "valueCollections",
@@ -326,7 +313,6 @@ Data classData(const Class& type, const std::string& root) {
           ownProperties(type, [](const Property& each) { return each.isElement() && each.isMany(); }));
   setList(result, "containments",
           ownProperties(type, [](const Property& each) { return each.kind == Kind::containment; }));
-  setList(result, "references", ownProperties(type, [](const Property& each) { return each.kind == Kind::reference; }));
   setList(result, "queryables", ownProperties(type, [](const Property& each) { return each.queryable; }));
   setList(result, "chainQueryables", propertyList(type.chainQueryable));
   setList(result, "fields", propertyList(type.fields));

@@ -1,6 +1,7 @@
 #include "modelgen/derivation.hpp"
 
 #include <algorithm>
+#include <iterator>
 #include <set>
 
 #include "modelgen/naming.hpp"
@@ -140,34 +141,45 @@ class Derivation {
   }
 
   // Qualifiers are declared in the model whose maps they key, so that one model is enough to know all maps of a key.
+  // The setter of a key follows its element into whatever map of that key it lies in. It does so itself once a map can
+  // hold any element that has the key; where only elements of subclasses lie in maps, these wrap it.
   static void deriveKeyedMaps(Model& model) {
+    std::vector<const Property*> maps;
     for (const Package& package : model.packages) {
       for (const Type* owner : package.instantiationOrder) {
         const Class* const type = asClass(owner);
         if (type == nullptr) continue;
-        for (const Property& map : type->properties) {
-          if (map.scheme == Scheme::elementMap) addKeyedMap(model, map);
+        for (const Property& each : type->properties) {
+          if (each.scheme == Scheme::elementMap) maps.push_back(&each);
         }
       }
     }
-  }
-
-  static void addKeyedMap(Model& model, const Property& map) {
     for (Package& package : model.packages) {
-      for (Class& type : package.classes) {
-        if (map.qualifier->owner == &type) markKey(type, map);
-        if (map.type == &type && map.qualifier->owner != &type) overrideFor(type, *map.qualifier).maps.push_back(&map);
+      for (Class& owner : package.classes) {
+        for (Property& each : owner.properties) deriveKey(each, mapsKeyedBy(each, maps), model);
       }
     }
   }
 
-  static void markKey(Class& owner, const Property& map) {
-    for (Property& key : owner.properties) {
-      if (&key != map.qualifier) continue;
-      if (map.type == &owner) {
-        key.keyedMaps.push_back(&map);
-      } else {
-        key.virtualSetter = true;
+  static std::vector<const Property*> mapsKeyedBy(const Property& key, const std::vector<const Property*>& maps) {
+    std::vector<const Property*> result;
+    std::copy_if(maps.begin(), maps.end(), std::back_inserter(result),
+                 [&key](const Property* map) { return map->qualifier == &key; });
+    return result;
+  }
+
+  static void deriveKey(Property& key, const std::vector<const Property*>& maps, Model& model) {
+    const auto holdsAny = [&key](const Property* map) { return map->type == key.owner; };
+    if (std::any_of(maps.begin(), maps.end(), holdsAny)) {
+      key.keyedMaps = maps;
+      return;
+    }
+    key.virtualSetter = !maps.empty();
+    for (const Property* map : maps) {
+      for (Package& package : model.packages) {
+        for (Class& type : package.classes) {
+          if (map->type == &type) overrideFor(type, key).maps.push_back(map);
+        }
       }
     }
   }

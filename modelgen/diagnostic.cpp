@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <ostream>
+#include <utility>
 
 namespace modelgen {
 
@@ -11,7 +12,11 @@ std::ostream& operator<<(std::ostream& stream, const Diagnostic& diagnostic) {
 }
 
 void Diagnostics::report(const Position& at, const std::string& wrong, const std::string& expected) {
-  m_all.push_back({at, wrong + ", expected " + expected});
+  std::string text = wrong + ", expected " + expected;
+  // Texts of tables are quoted as they are; whatever they hold, a problem is one line.
+  std::replace_if(
+      text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < ' '; }, ' ');
+  m_all.push_back({at, std::move(text)});
 }
 
 std::vector<Diagnostic> Diagnostics::sorted() const {

@@ -22,7 +22,12 @@ int runCommandLine(int argc, char** argv) {
   const CLI::Option* const list = modes->add_flag("--list-outputs", "print the output files, relative to --out");
   const CLI::Option* const summary = modes->add_flag("--summary", "print what the model holds, counted");
   modes->require_option(0, 1);
-  CLI11_PARSE(app, argc, argv);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    // The library has exit codes of its own; 0 is that of --help.
+    return static_cast<int>(app.exit(error) == 0 ? modelgen::ExitStatus::done : modelgen::ExitStatus::refused);
+  }
 
   if (check->count() != 0) options.mode = modelgen::Mode::check;
   if (list->count() != 0) options.mode = modelgen::Mode::listOutputs;
@@ -42,7 +47,7 @@ int main(int argc, char** argv) {
   try {
     return runCommandLine(argc, argv);
   } catch (const std::exception& error) {
-    std::fputs(error.what(), stderr);
+    std::fprintf(stderr, "modelgen: %s\n", error.what());
     return static_cast<int>(modelgen::ExitStatus::refused);
   }
 }

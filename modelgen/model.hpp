@@ -61,10 +61,11 @@ struct Property {
   bool ordered = true;
   bool unique = true;
   bool queryable = false;
-  // As a qualifier: the maps whose elements are of the very class that declares this property, in package order, then
-  // class name. Maps of a derived class stand in that class's QualifierOverride.
+  // As a qualifier whose setter keeps its maps sound: these maps, in package order, then class name. At least one of
+  // them holds elements of the very class that declares this property.
   std::vector<const Property*> keyedMaps;
-  bool virtualSetter = false;  // some derived class wraps the setter
+  // As a qualifier of maps of derived classes only: those classes wrap the setter, see their QualifierOverride.
+  bool virtualSetter = false;
   boost::uuids::uuid uuid{};
   std::string slot;
 

@@ -37,6 +37,17 @@ std::string replaceAll(const std::string& text, char from, const std::string& to
   return result;
 }
 
+std::vector<std::string> componentsOf(const std::string& package) {
+  std::vector<std::string> result;
+  std::size_t start = 0;
+  for (std::size_t point = package.find('.'); point != std::string::npos; point = package.find('.', start)) {
+    result.push_back(package.substr(start, point - start));
+    start = point + 1;
+  }
+  result.push_back(package.substr(start));
+  return result;
+}
+
 std::string withLowerFirst(std::string name) {
   if (!name.empty()) name.front() = static_cast<char>(std::tolower(static_cast<unsigned char>(name.front())));
   return name;
@@ -68,14 +79,26 @@ bool isUpperSnake(const std::string& name) { return isSnake(name, isUpper); }
 bool isLowerSnake(const std::string& name) { return isSnake(name, isLower); }
 
 bool isPackageName(const std::string& name) {
-  std::size_t start = 0;
-  while (true) {
-    const std::size_t point = name.find('.', start);
-    const std::string component = name.substr(start, point == std::string::npos ? point : point - start);
-    if (component.find('_') != std::string::npos || !isLowerSnake(component) || isReservedWord(component)) return false;
-    if (point == std::string::npos) return true;
-    start = point + 1;
+  const std::vector<std::string> components = componentsOf(name);
+  return std::all_of(components.begin(), components.end(), [](const std::string& each) {
+    return each.find('_') == std::string::npos && isLowerSnake(each) && !isReservedWord(each);
+  });
+}
+
+bool isRelease(const std::string& text) {
+  return std::all_of(text.begin(), text.end(),
+                     [](char c) { return isAlphanumeric(c) || c == '.' || c == '-' || c == '_'; });
+}
+
+std::string hidingComponent(const std::string& package) {
+  static const std::set<std::string> namespaces{"boost",     "bridge", "corvid", "frame",
+                                                "metamodel", "plinth", "query",  "std"};
+  const std::vector<std::string> components = componentsOf(package);
+  for (std::size_t i = 0; i < components.size(); ++i) {
+    // The outermost "tessel" is the one that generated code means.
+    if (namespaces.count(components[i]) != 0 || (i != 0 && components[i] == "tessel")) return components[i];
   }
+  return "";
 }
 
 bool isReservedWord(const std::string& word) {
@@ -116,9 +139,26 @@ bool isFamilyName(const std::string& name) {
 }
 
 bool isElementOperation(const std::string& property) {
-  static const std::set<std::string> names{
-      "AddRef",          "Create",        "Impl",    "MetaClass", "Model", "PersistentProxyId",
-      "PropertyByIndex", "PropertyValue", "ProxyId", "RemoveRef", "This",  "Uuid"};
+  static const std::set<std::string> names{"AddRef",
+                                           "Container",
+                                           "Create",
+                                           "ElementImpl",
+                                           "Impl",
+                                           "IsEmpty",
+                                           "Mask",
+                                           "MatchMode",
+                                           "MetaClass",
+                                           "Model",
+                                           "OrAdd",
+                                           "PersistentProxyId",
+                                           "PropertyByIndex",
+                                           "PropertyValue",
+                                           "ProxyId",
+                                           "QueriedClass",
+                                           "Query",
+                                           "RemoveRef",
+                                           "This",
+                                           "Uuid"};
   return names.count(property) != 0;
 }
 
@@ -278,7 +318,8 @@ std::string handleType(HandleKind kind) {
 }
 
 std::string packageUri(const ModelRow& model, const std::string& package) {
-  const std::string root = schemaHost + ("/plinth/" + model.name.value + "/" + model.release.value + model.revision);
+  const std::string root =
+      schemaHost + ("/plinth/" + model.name.value + "/" + model.release.value + model.revision.value);
   return package.empty() ? root : root + "/" + package;
 }
 

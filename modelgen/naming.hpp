@@ -15,10 +15,15 @@ bool isUpperSnake(const std::string& name);   // literals
 bool isLowerSnake(const std::string& name);   // models and include folders
 bool isPackageName(const std::string& name);  // dotted; each component a lower-case word
 
+bool isRelease(const std::string& text);  // releases and revisions: letters, digits, points, hyphens, underscores
+
 // Words that C++ keeps to itself, alternative tokens included.
 bool isReservedWord(const std::string& word);
 // Macros of the standard headers that have the form of a literal, such as EOF.
 bool isMacro(const std::string& name);
+// The component of a package name whose namespace would hide one that generated code means, such as the "std" of
+// "tessel.std"; empty where there is none.
+std::string hidingComponent(const std::string& package);
 // Type names that the class family itself declares inside every class, such as Builder.
 bool isFamilyName(const std::string& name);
 // Properties whose accessors would hide an operation that every element or handle has, such as MetaClass.

@@ -28,13 +28,17 @@ void writeIfChanged(const fs::path& file, const std::string& text) {
   if (file.has_parent_path()) fs::create_directories(file.parent_path());
   fs::path temporary = file;
   temporary += ".new";
-  {
+  try {
     std::ofstream stream(temporary, std::ios::binary | std::ios::trunc);
     stream << text;
     stream.close();
     if (!stream) throw std::runtime_error("cannot write " + temporary.string());
+    fs::rename(temporary, file);
+  } catch (...) {
+    std::error_code ignored;
+    fs::remove(temporary, ignored);
+    throw;
   }
-  fs::rename(temporary, file);
 }
 
 OutputFolder::OutputFolder(fs::path folder, const std::string& listName)

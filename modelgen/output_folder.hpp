@@ -44,7 +44,7 @@ class OutputFolder {
 };
 
 // Writes `text` to `file` by way of a temporary file, unless it holds that text already; makes the folder as needed.
-// Raises std::runtime_error with the path in its text.
+// Raises std::runtime_error with the path in its text; the file is then as it was, and no temporary one stays.
 void writeIfChanged(const std::filesystem::path& file, const std::string& text);
 
 }  // namespace modelgen

@@ -7,11 +7,14 @@
 #include <utility>
 
 #include "modelgen/context.hpp"
+#include "modelgen/line_folding.hpp"
 #include "modelgen/text.hpp"
 #include "modelgen/yaml_reader.hpp"
 
 namespace modelgen {
 namespace {
+
+constexpr std::size_t lineWidth = 120;
 
 constexpr std::array<std::pair<const char*, Scope>, 5> scopes{{{"model", Scope::model},
                                                                {"package", Scope::package},
@@ -36,6 +39,11 @@ bool readScope(const Text& text, Scope& scope, Diagnostics& diagnostics) {
 bool isInside(const std::string& path) {
   const std::filesystem::path normal = std::filesystem::path(path).lexically_normal();
   return !path.empty() && normal.is_relative() && *normal.begin() != ".." && normal.has_filename() && normal != ".";
+}
+
+bool isCode(const std::string& path) {
+  const std::filesystem::path extension = std::filesystem::path(path).extension();
+  return extension == ".hpp" || extension == ".cpp";
 }
 
 class PlanRenderer {
@@ -78,7 +86,7 @@ class PlanRenderer {
       return;
     }
     const std::string text = m_withText ? m_templates.render(row.templateFile.value, row.templateFile.at, data) : "";
-    if (!m_files.emplace(path, shortenOwnNames(text)).second) {
+    if (!m_files.emplace(path, isCode(path) ? foldLongLines(shortenOwnNames(text), lineWidth) : text).second) {
       m_diagnostics.report(row.path.at, "the path '" + path + "' is made twice", "a path for each file");
     }
   }

@@ -122,7 +122,7 @@ class TableReader {
     row.file = file;
     row.name = map.requiredText("model");
     row.release = map.requiredText("release");
-    row.revision = map.text("revision").value_or(Text{}).value;
+    row.revision = map.text("revision").value_or(Text{});
     row.include = map.text("include").value_or(row.name);
     row.imports = map.textList("imports");
     for (MapReader& each : map.rows("packages", "a package of the model")) {
@@ -164,7 +164,7 @@ std::optional<ModelRow> readModel(const std::string& file, Diagnostics& diagnost
   TableReader reader(diagnostics);
   MapReader map(*document, {file, 1, 1}, "a model", diagnostics);
   ModelRow model = reader.modelFile(map, file);
-  bool complete = true;
+  bool complete = map.isWhole();
   for (PackageRow& package : model.packages) {
     if (package.folder.value.empty()) continue;
     const auto folder = std::filesystem::path(file).parent_path() / package.folder.value;
@@ -175,6 +175,7 @@ std::optional<ModelRow> readModel(const std::string& file, Diagnostics& diagnost
     filesRead.push_back(package.file);
     MapReader packageMap(*packageDocument, {package.file, 1, 1}, "a package", diagnostics);
     reader.packageFile(packageMap, package);
+    complete = complete && packageMap.isWhole();
   }
   if (!complete) return std::nullopt;
   return model;

@@ -12,9 +12,9 @@
 namespace modelgen {
 
 // `file` is the path of a model.yaml, as it is to be named in messages. Package files are looked for at
-// <folder of the model>/<folder of the package>/package.yaml. Gives nothing where a file could not be read or parsed at
-// all; otherwise everything that could be read, with the problems in `diagnostics`. Each file read is appended to
-// `filesRead`.
+// <folder of the model>/<folder of the package>/package.yaml. Gives nothing where a file could not be read or parsed,
+// or is not laid out so that all its rows could be found; otherwise everything that was read. Problems are in
+// `diagnostics`. Each file read is appended to `filesRead`.
 std::optional<ModelRow> readModel(const std::string& file, Diagnostics& diagnostics,
                                   std::vector<std::string>& filesRead);
 

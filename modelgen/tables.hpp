@@ -92,7 +92,7 @@ struct ModelRow {
   std::string file;
   Text name;
   Text release;
-  std::string revision;
+  Text revision;  // empty where there is none
   Text include;
   std::vector<Text> imports;
   std::vector<PackageRow> packages;

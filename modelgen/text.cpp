@@ -19,6 +19,23 @@ std::uint32_t nextCharacter(const std::string& text, std::size_t& at) {
   return character;
 }
 
+// The length of the well-formed UTF-8 character at `at`: no overlong form, no surrogate, nothing above U+10FFFF. 0
+// where there is none.
+std::size_t characterLength(const std::string& text, std::size_t at) {
+  const auto lead = static_cast<std::uint8_t>(text[at]);
+  if (lead < 0x80) return 1;
+  if (lead < 0xc2 || lead > 0xf4) return 0;
+  const std::size_t length = lead >= 0xf0 ? 4 : lead >= 0xe0 ? 3 : 2;
+  if (text.size() - at < length) return 0;
+  for (std::size_t i = at + 1; i < at + length; ++i) {
+    if ((static_cast<std::uint8_t>(text[i]) & 0xc0) != 0x80) return 0;
+  }
+  const std::uint32_t character = nextCharacter(text, at);
+  const bool isOverlong = (length == 3 && character < 0x800) || (length == 4 && character < 0x10000);
+  const bool isSurrogate = character >= 0xd800 && character < 0xe000;
+  return isOverlong || isSurrogate || character > 0x10ffff ? 0 : length;
+}
+
 std::string digits(std::uint32_t number, unsigned base, std::size_t count) {
   std::string result(count, '0');
   for (std::size_t i = count; i-- > 0; number /= base) result[i] = "0123456789abcdef"[number % base];
@@ -67,6 +84,18 @@ std::string utf16Literal(const std::string& utf8) {
   std::string result = "u\"";
   for (std::size_t at = 0; at < utf8.size();) result += escaped(nextCharacter(utf8, at));
   return result + '"';
+}
+
+std::size_t firstBadCharacter(const std::string& text) {
+  std::size_t at = 0;
+  while (at < text.size()) {
+    const char c = text[at];
+    const bool isControl = static_cast<std::uint8_t>(c) < 0x20 && c != '\t' && c != '\n' && c != '\r';
+    const std::size_t length = isControl ? 0 : characterLength(text, at);
+    if (length == 0) break;
+    at += length;
+  }
+  return at;
 }
 
 std::vector<std::string> wrap(const std::string& text, std::size_t width) {

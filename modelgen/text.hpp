@@ -11,6 +11,10 @@ namespace modelgen {
 // encoding.
 std::string utf16Literal(const std::string& utf8);
 
+// Where the first byte stands that is part of no well-formed UTF-8 character or is a control character other than tab
+// and line end; the size of the text where there is none.
+std::size_t firstBadCharacter(const std::string& text);
+
 // The text as lines of at most `width` characters, broken at spaces; a blank line parts paragraphs and stands for
 // itself. A word longer than the width has a line of its own.
 std::vector<std::string> wrap(const std::string& text, std::size_t width);

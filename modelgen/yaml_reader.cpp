@@ -3,7 +3,10 @@
 #include <charconv>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <utility>
+
+#include "modelgen/text.hpp"
 
 namespace modelgen {
 namespace {
@@ -12,11 +15,25 @@ Position positionOfMark(const std::string& file, const YAML::Mark& mark) {
   return mark.is_null() ? Position{file, 1, 1} : Position{file, mark.line + 1, mark.column + 1};
 }
 
+Position positionInText(const std::string& file, const std::string& text, std::size_t offset) {
+  Position result{file, 1, 1};
+  for (std::size_t i = 0; i < offset; ++i) {
+    ++result.column;
+    if (text[i] == '\n') result = {file, result.line + 1, 1};
+  }
+  return result;
+}
+
 }  // namespace
 
 MapReader::MapReader(const YAML::Node& node, Position start, std::string what, Diagnostics& diagnostics)
     : m_node(node), m_start(std::move(start)), m_what(std::move(what)), m_diagnostics(&diagnostics) {
-  if (!m_node.IsMap()) m_diagnostics->report(m_start, "this is not a map", m_what + ", written as key: value");
+  if (!m_node.IsMap()) reportMissingRows(m_start, "this is not a map", m_what + ", written as key: value");
+}
+
+void MapReader::reportMissingRows(const Position& at, const std::string& wrong, const std::string& expected) {
+  m_diagnostics->report(at, wrong, expected);
+  m_whole = false;
 }
 
 Position MapReader::positionOf(const YAML::Node& node) const { return positionOfMark(m_start.file, node.Mark()); }
@@ -54,6 +71,9 @@ Text MapReader::requiredText(const std::string& key) {
   if (!found) return {"", m_start};
   if (found->value.find_first_not_of(" \t\r\n") == std::string::npos) {
     m_diagnostics->report(found->at, "'" + key + "' of " + m_what + " is empty", "a text");
+  } else if (firstBadCharacter(found->value) != found->value.size()) {
+    m_diagnostics->report(found->at, "'" + key + "' of " + m_what + " holds a control character",
+                          "none but tabs and line ends");
   }
   return *found;
 }
@@ -108,12 +128,16 @@ std::vector<std::pair<Text, Text>> MapReader::textMap(const std::string& key) {
     m_diagnostics->report(entry->valueAt, "'" + key + "' of " + m_what + " is not a map", "a map of names");
     return result;
   }
+  std::set<std::string> seen;
   for (const auto& pair : entry->value) {
-    if (pair.first.IsScalar() && pair.second.IsScalar()) {
-      result.push_back(
-          {{pair.first.Scalar(), positionOf(pair.first)}, {pair.second.Scalar(), positionOf(pair.second)}});
+    const Position at = positionOf(pair.first);
+    if (!pair.first.IsScalar() || !pair.second.IsScalar()) {
+      m_diagnostics->report(at, "an entry of '" + key + "' is not a pair of texts", "name: name");
+    } else if (!seen.insert(pair.first.Scalar()).second) {
+      m_diagnostics->report(at, "the key '" + pair.first.Scalar() + "' stands twice in '" + key + "' of " + m_what,
+                            "it once");
     } else {
-      m_diagnostics->report(positionOf(pair.first), "an entry of '" + key + "' is not a pair of texts", "name: name");
+      result.push_back({{pair.first.Scalar(), at}, {pair.second.Scalar(), positionOf(pair.second)}});
     }
   }
   return result;
@@ -124,8 +148,8 @@ std::vector<MapReader> MapReader::rows(const std::string& key, const std::string
   const auto entry = find(key);
   if (!entry) return result;
   if (!entry->value.IsSequence()) {
-    m_diagnostics->report(entry->valueAt, "'" + key + "' of " + m_what + " is not a list",
-                          "a list in which each entry is " + what);
+    reportMissingRows(entry->valueAt, "'" + key + "' of " + m_what + " is not a list",
+                      "a list in which each entry is " + what);
     return result;
   }
   for (const YAML::Node& node : entry->value) result.emplace_back(node, positionOf(node), what, *m_diagnostics);
@@ -141,28 +165,37 @@ std::vector<MapReader> MapReader::requiredRows(const std::string& key, const std
   return rows(key, what);
 }
 
-void MapReader::refuseOtherKeys() const {
+void MapReader::refuseOtherKeys() {
   if (!m_node.IsMap()) return;
   std::set<std::string> seen;
   for (const auto& pair : m_node) {
     const std::string key = pair.first.IsScalar() ? pair.first.Scalar() : "?";
     if (m_known.count(key) == 0) {
-      m_diagnostics->report(positionOf(pair.first), "unknown key '" + key + "' in " + m_what,
-                            alternatives({m_known.begin(), m_known.end()}));
+      reportMissingRows(positionOf(pair.first), "unknown key '" + key + "' in " + m_what,
+                        alternatives({m_known.begin(), m_known.end()}));
     } else if (!seen.insert(key).second) {
-      m_diagnostics->report(positionOf(pair.first), "the key '" + key + "' stands twice in " + m_what, "it once");
+      reportMissingRows(positionOf(pair.first), "the key '" + key + "' stands twice in " + m_what, "it once");
     }
   }
 }
 
 std::optional<YAML::Node> loadYaml(const std::string& file, const Position& namedAt, Diagnostics& diagnostics) {
-  std::ifstream stream(file);
-  if (!stream || !std::filesystem::is_regular_file(file)) {
+  std::ifstream stream(file, std::ios::binary);
+  std::ostringstream content;
+  if (!std::filesystem::is_regular_file(file) || !stream || (stream.peek() != EOF && !(content << stream.rdbuf()))) {
     diagnostics.report(namedAt, "cannot read the file " + file, "a readable file");
     return std::nullopt;
   }
+  const std::string text = content.str();
+  if (const std::size_t bad = firstBadCharacter(text); bad != text.size()) {
+    const Position at = positionInText(file, text, bad);
+    diagnostics.report(at, "this byte is no text", "UTF-8 without control characters");
+    return std::nullopt;
+  }
   try {
-    return YAML::Load(stream);
+    const std::vector<YAML::Node> documents = YAML::LoadAll(text);
+    if (documents.size() < 2) return documents.empty() ? YAML::Node() : documents.front();
+    diagnostics.report(positionOfMark(file, documents[1].Mark()), "a second document begins here", "one in each file");
   } catch (const YAML::Exception& error) {
     diagnostics.report(positionOfMark(file, error.mark), "not well-formed: " + error.msg, "YAML");
   }

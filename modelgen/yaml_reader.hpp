@@ -23,7 +23,8 @@ class MapReader {
 
   // An absent key gives nothing; a key without a text is reported and gives nothing.
   std::optional<Text> text(const std::string& key);
-  // Absent or empty is reported; the result is then the empty text at the row's own position.
+  // Absent or empty is reported, and the result is then the empty text at the row's own position; so is a control
+  // character, which would end a line of generated code.
   Text requiredText(const std::string& key);
   std::optional<Flag> flag(const std::string& key);
   bool flagOr(const std::string& key, bool absent);
@@ -37,7 +38,11 @@ class MapReader {
   std::vector<MapReader> requiredRows(const std::string& key, const std::string& what);
 
   // To be called after the last read: reports each key that nobody asked for, and each key given twice.
-  void refuseOtherKeys() const;
+  void refuseOtherKeys();
+
+  // False once it was reported that this is no map, that a list is none, or that a key is unknown or stands twice: rows
+  // that were meant to be here are then missing.
+  bool isWhole() const { return m_whole; }
 
   const Position& start() const { return m_start; }
 
@@ -50,6 +55,7 @@ class MapReader {
 
   std::optional<Entry> find(const std::string& key);
   Position positionOf(const YAML::Node& node) const;
+  void reportMissingRows(const Position& at, const std::string& wrong, const std::string& expected);
   std::optional<Text> scalar(const Entry& entry, const std::string& key);
 
   YAML::Node m_node;
@@ -57,9 +63,11 @@ class MapReader {
   std::string m_what;
   Diagnostics* m_diagnostics;
   std::set<std::string> m_known;
+  bool m_whole = true;
 };
 
-// The document of a file. An unreadable file and a syntax error are reported and give nothing.
+// The document of a file. An unreadable file, a syntax error, bytes that are no UTF-8 and a second document are
+// reported and give nothing.
 std::optional<YAML::Node> loadYaml(const std::string& file, const Position& namedAt, Diagnostics& diagnostics);
 
 }  // namespace modelgen

@@ -29,6 +29,17 @@ TEST(Naming, FormsOfNamesAreTold) {
   EXPECT_TRUE(isPackageName("tessel.internal.ext") && isPackageName("a1"));
   EXPECT_FALSE(isPackageName("") || isPackageName("a..b") || isPackageName(".a") || isPackageName("a.") ||
                isPackageName("a_b") || isPackageName("a.new") || isPackageName("A"));
+  EXPECT_TRUE(isRelease("Ed0417c") && isRelease(".001") && isRelease("R1-rc_2"));
+  EXPECT_FALSE(isRelease("R1\"") || isRelease("R1\n") || isRelease("R 1") || isRelease("R/1"));
+}
+
+TEST(Naming, PackagesKeepClearOfTheNamespacesThatGeneratedCodeMeans) {
+  for (const char* const package : {"plinth", "tessel.std", "a.boost.b", "tessel.inner.tessel", "tessel.frame"}) {
+    EXPECT_NE(hidingComponent(package), "") << package;
+  }
+  for (const char* const package : {"tessel.internal.ext", "vellum.internal.form.model", "a.stdlib"}) {
+    EXPECT_EQ(hidingComponent(package), "") << package;
+  }
 }
 
 TEST(Naming, NamespacesFilesAndFunctionsFollowThePackage) {
@@ -53,6 +64,18 @@ TEST(Text, BecomesALiteralOfAnyEncodingAndLinesOfAnyWidth) {
   EXPECT_EQ(utf16Literal("\xc3\xa9\xf0\x9f\x98\x80"), "u\"\\u00e9\\U0001f600\"");
   EXPECT_EQ(wrap("one two\nthree\n\nfour", 7), (std::vector<std::string>{"one two", "three", "", "four"}));
   EXPECT_EQ(wrap("unbreakable", 3), (std::vector<std::string>{"unbreakable"}));
+}
+
+TEST(Text, IsWellFormedUpToItsFirstBadByte) {
+  const auto isGood = [](const std::string& text) { return firstBadCharacter(text) == text.size(); };
+  EXPECT_TRUE(isGood("") && isGood("a\tb\r\n") && isGood("\xc3\xa9\xed\x9f\xbf\xf0\x9f\x98\x80\xf4\x8f\xbf\xbf"));
+  EXPECT_EQ(firstBadCharacter("ab\xff"), 2U);
+  EXPECT_EQ(firstBadCharacter("ab\x01"), 2U);
+  EXPECT_EQ(firstBadCharacter(std::string("a\0b", 3)), 1U);
+  for (const char* const text : {"\x80", "\xc3", "\xc0\x80", "\xe0\x80\x80", "\xed\xa0\x80", "\xf0\x80\x80\x80",
+                                 "\xf4\x90\x80\x80", "\xe2\x82", "\xc3("}) {
+    EXPECT_FALSE(isGood(text)) << text;
+  }
 }
 
 TEST(Naming, ANamespacesOwnNamesAreShortInsideItOnly) {

@@ -1,6 +1,8 @@
 // Templates and the output folder: what is written, left alone, deleted, and refused.
 #include <gmock/gmock.h>
 
+#include <sstream>
+
 #include "modelgen/template_set.hpp"
 #include "workspace.hpp"
 
@@ -112,7 +114,9 @@ TEST_F(Output, IsWhatThePlanSays) {
   ASSERT_EQ(run(Mode::write).status, ExitStatus::done);
   EXPECT_EQ(read(workspace.path("out/c/Archive.txt")), "class tessel.good.shop.Archive 17\n");
   EXPECT_FALSE(fs::exists(workspace.path("out/c/SmallItem.txt"))) << "abstract";
-  EXPECT_EQ(run(Mode::listOutputs).out, "c/Archive.txt\nc/Depot.txt\nc/Item.txt\nc/Shop.txt\nmodel.txt\n");
+  EXPECT_EQ(
+      run(Mode::listOutputs).out,
+      "c/Archive.txt\nc/Depot.txt\nc/Item.txt\nc/Label.txt\nc/PriceLabel.txt\nc/Shop.txt\nc/TinyItem.txt\nmodel.txt\n");
 }
 
 TEST_F(Output, LeavesWhatDidNotChangeAndDeletesWhatIsNoLongerMade) {
@@ -127,8 +131,8 @@ TEST_F(Output, LeavesWhatDidNotChangeAndDeletesWhatIsNoLongerMade) {
   const Result check = run(Mode::check);
   EXPECT_EQ(check.status, ExitStatus::outOfDate);
   EXPECT_EQ(check.out,
-            "stale c/Archive.txt\nstale c/Depot.txt\nstale c/Item.txt\nstale c/Shop.txt\n"
-            "missing m/good_datamodel.txt\nstale model.txt\n");
+            "stale c/Archive.txt\nstale c/Depot.txt\nstale c/Item.txt\nstale c/Label.txt\nstale c/PriceLabel.txt\n"
+            "stale c/Shop.txt\nstale c/TinyItem.txt\nmissing m/good_datamodel.txt\nstale model.txt\n");
   ASSERT_EQ(run(Mode::write).status, ExitStatus::done);
   EXPECT_EQ(workspace.snapshot("out/c").size(), 1u) << "the file of somebody else stays";
   EXPECT_TRUE(fs::exists(workspace.path("out/m/good_datamodel.txt")));
@@ -202,11 +206,40 @@ TEST_F(Output, DepfileNamesEveryFileThatWasRead) {
   }
 }
 
+TEST_F(Output, OfTheGeneratorsTemplatesFitsTheColumnLimitAndOpensNoNamespaceTwiceInARow) {
+  options.templates = MODELGEN_TEMPLATES;
+  ASSERT_EQ(run(Mode::write).status, ExitStatus::done);
+  int files = 0;
+  for (const auto& [path, content] : workspace.snapshot("out")) {
+    const auto extension = fs::path(path).extension();
+    if (extension != ".hpp" && extension != ".cpp") continue;
+    ++files;
+    std::istringstream lines(content.first);
+    std::string closed;
+    for (std::string line; std::getline(lines, line);) {
+      EXPECT_LE(line.size(), 120U) << path << ": " << line;
+      if (line.empty()) continue;
+      EXPECT_FALSE(!closed.empty() && line == closed + " {") << path << ": " << line;
+      closed = line.rfind("}  // namespace ", 0) == 0 ? line.substr(6) : "";
+    }
+  }
+  EXPECT_GT(files, 20);
+}
+
 TEST_F(Output, FolderThatCannotBeWrittenIsAFailureWithItsName) {
   workspace.write("out", "a file");
   const Result result = run(Mode::write);
   EXPECT_EQ(result.status, ExitStatus::refused);
   EXPECT_THAT(result.err, HasSubstr(workspace.path("out").string()));
+}
+
+TEST_F(Output, FileThatCannotBeReplacedIsNamedAndNoTemporaryOneStays) {
+  workspace.write("out/model.txt/inside.txt", "a folder where a file should be");
+  const Result result = run(Mode::write);
+  EXPECT_EQ(result.status, ExitStatus::refused);
+  EXPECT_THAT(result.err, HasSubstr(workspace.path("out/model.txt").string()));
+  EXPECT_FALSE(fs::exists(workspace.path("out/model.txt.new")));
+  EXPECT_TRUE(fs::exists(workspace.path("out/model.txt/inside.txt")));
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Properties that hold many plain values: sequences, and maps by a key that the value bears.
+// Properties that hold many plain values: sequences, sets, and maps by a key that the value bears.
 // Ownership: the element owns the collection, which is made when somebody first asks for it.
 // Thread rule: the model's thread.
 #pragma once
@@ -32,20 +32,28 @@ class TypedValueCollectionKind : public ValueCollectionKind {
     builderFieldOf<std::vector<T>>(builder, row).push_back(value.getValue<T>());
     return true;
   }
+  void initialize(Element& element, ElementBuilder& builder, Row const& row) const final {
+    auto const& values = builderFieldOf<std::vector<T>>(builder, row);
+    if (!values.empty()) fill(static_cast<C&>(require(element, row)), values);
+  }
+
+ private:
+  static void fill(plinth::PrimitiveSequence<T>& sequence, std::vector<T> const& values) { sequence.assign(values); }
+  template <class Associative>
+  static void fill(Associative& collection, std::vector<T> const& values) {
+    for (T const& value : values) collection.insert(value);
+  }
 };
 
-template <class T>
-class ValueSequenceKind final : public TypedValueCollectionKind<plinth::PrimitiveSequence<T>> {
+/// A sequence or a set.
+template <class C>
+class PlainValueCollectionKind final : public TypedValueCollectionKind<C> {
  public:
   using typename PropertyKind::Row;
-  void initialize(Element& element, ElementBuilder& builder, Row const& row) const override {
-    auto const& values = builderFieldOf<std::vector<T>>(builder, row);
-    if (!values.empty()) static_cast<plinth::PrimitiveSequence<T>&>(this->require(element, row)).assign(values);
-  }
 
  protected:
   CollectionField make(Element& element, Row const& row) const override {
-    return std::make_unique<plinth::PrimitiveSequence<T>>(plinth::CollectionPrivateTag(), &element, row.property);
+    return std::make_unique<C>(plinth::CollectionPrivateTag(), &element, row.property);
   }
 };
 
@@ -54,22 +62,19 @@ template <class T, std::u16string const& (T::*KEY)() const>
 class ValueMapKind final : public TypedValueCollectionKind<plinth::PrimitiveMap<std::u16string, T>> {
  public:
   using typename PropertyKind::Row;
-  using Map = plinth::PrimitiveMap<std::u16string, T>;
-  void initialize(Element& element, ElementBuilder& builder, Row const& row) const override {
-    for (T const& value : builderFieldOf<std::vector<T>>(builder, row)) {
-      static_cast<Map&>(this->require(element, row)).insert(value);
-    }
-  }
 
  protected:
   CollectionField make(Element& element, Row const& row) const override {
-    return std::make_unique<Map>(
-        plinth::CollectionPrivateTag(), [](T const& value) { return (value.*KEY)(); }, &element, row.property);
+    auto const keyOf = [](T const& value) { return (value.*KEY)(); };
+    using Map = plinth::PrimitiveMap<std::u16string, T>;
+    return std::make_unique<Map>(plinth::CollectionPrivateTag(), keyOf, &element, row.property);
   }
 };
 
 template <class T>
-inline constexpr ValueSequenceKind<T> valueSequenceKind{};
+inline constexpr PlainValueCollectionKind<plinth::PrimitiveSequence<T>> valueSequenceKind{};
+template <class T>
+inline constexpr PlainValueCollectionKind<plinth::PrimitiveSet<T>> valueSetKind{};
 template <class T, std::u16string const& (T::*KEY)() const>
 inline constexpr ValueMapKind<T, KEY> valueMapKind{};
 

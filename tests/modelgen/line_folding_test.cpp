@@ -1,0 +1,36 @@
+// Where long lines of generated code break.
+#include "modelgen/line_folding.hpp"
+
+#include <gtest/gtest.h>
+
+namespace modelgen {
+namespace {
+
+TEST(LongLines, BreakAtTheOutermostPlaceThatFits) {
+  EXPECT_EQ(foldLongLines("  call(first, second(third, fourth));\n", 30),
+            "  call(\n      first,\n      second(third, fourth));\n");
+  EXPECT_EQ(foldLongLines("a::Map<Key, Value> const& A::f() {\n", 30), "a::Map<Key, Value> const&\n    A::f() {\n");
+  EXPECT_EQ(foldLongLines("class Long final : public Base<Long> {\n", 30),
+            "class Long final\n    : public Base<Long> {\n");
+  EXPECT_EQ(foldLongLines("bool operator<(A const& a, B const& b);\n", 30),
+            "bool operator<(\n    A const& a, B const& b);\n");
+}
+
+TEST(LongLines, BodyOfAFunctionMovesBelowItsHead) {
+  EXPECT_EQ(foldLongLines("  int f(int a) const { return a; }\n", 30), "  int f(int a) const {\n    return a;\n  }\n");
+}
+
+TEST(LongLines, CommentsBreakAtSpacesAndGoOnAsComments) {
+  EXPECT_EQ(foldLongLines("  /// one two three four five six\n", 20), "  /// one two three\n  /// four five six\n");
+}
+
+TEST(LongLines, WhatHasNoPlaceToBreakStaysAndShortLinesAreLeftAlone) {
+  for (const char* const line :
+       {"#include <a/very/long/path/of/a/header.hpp>\n", "x = u\"a, \\\", b(c, d), e, f, g\";\n",
+        "}  // one, two, three, four\n", "anIdentifierThatIsLongerThanAllLinesMayBe;\n", "f(a, b);\n", "\n"}) {
+    EXPECT_EQ(foldLongLines(line, 20), line);
+  }
+}
+
+}  // namespace
+}  // namespace modelgen
