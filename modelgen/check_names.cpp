@@ -133,7 +133,7 @@ class NameChecks {
     }
   }
 
-  template <typename Row>
+  template <class Row>
   void nameOrder(const std::vector<Row>& rows, const std::string& what) {
     for (std::size_t i = 1; i < rows.size(); ++i) {
       const Text& name = rows[i].name;

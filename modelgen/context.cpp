@@ -162,7 +162,7 @@ std::vector<Data> propertyList(const std::vector<const Property*>& properties) {
   return objectsOf(properties, [](const Property* each) { return propertyData(*each); });
 }
 
-template <typename Accept>
+template <class Accept>
 std::vector<Data> ownProperties(const Class& type, const Accept& accept) {
   std::vector<Data> result;
   for (const Property& each : type.properties) {

@@ -17,7 +17,7 @@ void setLines(Data& object, const std::string& key, const std::vector<std::strin
 void setNumber(Data& object, const std::string& key, long long number);
 
 // Maps a sequence to a list of objects.
-template <typename Range, typename Make>
+template <class Range, class Make>
 std::vector<Data> objectsOf(const Range& range, const Make& make) {
   std::vector<Data> result;
   for (const auto& each : range) result.push_back(make(each));

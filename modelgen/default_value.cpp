@@ -13,7 +13,7 @@
 namespace modelgen {
 namespace {
 
-template <typename Number>
+template <class Number>
 std::optional<Number> readNumber(const std::string& text) {
   Number number{};
   const char* const end = text.data() + text.size();
@@ -22,7 +22,7 @@ std::optional<Number> readNumber(const std::string& text) {
   return number;
 }
 
-template <typename Number>
+template <class Number>
 std::optional<std::string> integer(const std::string& text, const std::string& suffix) {
   const auto number = readNumber<Number>(text);
   if (!number) return std::nullopt;

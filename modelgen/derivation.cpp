@@ -12,7 +12,7 @@
 namespace modelgen {
 namespace {
 
-template <typename Range>
+template <class Range>
 auto byName(Range range) {
   std::sort(range.begin(), range.end(), [](const auto* a, const auto* b) { return a->name < b->name; });
   return range;
@@ -51,7 +51,7 @@ class Derivation {
   }
 
  private:
-  template <typename Action>
+  template <class Action>
   void forEachClass(const Action& action) {
     for (Model& model : m_set.models) {
       for (Package& package : model.packages) {
@@ -65,7 +65,7 @@ class Derivation {
     type.slot = naming::typeSlot(*type.package, type.name);
   }
 
-  template <typename Member>
+  template <class Member>
   static void deriveMember(Member& member, const Type& owner) {
     member.uuid = uuidOf(member.qualifiedName);
     member.slot = naming::memberSlot(*owner.package, owner.name, member.name);

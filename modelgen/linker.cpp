@@ -23,7 +23,7 @@ class Linker {
   }
 
  private:
-  template <typename Action>
+  template <class Action>
   void forEachClass(const Action& action) {
     for (Model& model : m_set.models) {
       for (Package& package : model.packages) {
@@ -92,7 +92,7 @@ class Linker {
     m_set.types.emplace(type.qualifiedName, &type);
   }
 
-  template <typename Member, typename Row>
+  template <class Member, class Row>
   static Member& addMember(std::deque<Member>& members, const Type& owner, const Row& row) {
     Member& member = members.emplace_back();
     member.row = &row;

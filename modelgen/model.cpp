@@ -5,14 +5,14 @@
 namespace modelgen {
 namespace {
 
-template <typename Sequence>
+template <class Sequence>
 auto findNamed(const Sequence& sequence, const std::string& name) -> decltype(&sequence.front()) {
   const auto found =
       std::find_if(sequence.begin(), sequence.end(), [&name](const auto& each) { return each.name == name; });
   return found == sequence.end() ? nullptr : &*found;
 }
 
-template <typename Derived>
+template <class Derived>
 const Derived* as(const Type* type, TypeKind kind) {
   return type != nullptr && type->kind == kind ? static_cast<const Derived*>(type) : nullptr;
 }

@@ -52,7 +52,7 @@ class PlanRenderer {
       : m_plan(plan), m_withText(withText), m_templates(templates), m_diagnostics(diagnostics) {}
 
   // `make` gives the data of one thing; it is called only where some row wants it.
-  template <typename Make>
+  template <class Make>
   void add(Scope scope, const Make& make) {
     const auto wants = [scope](const PlanRow& row) { return row.scope == scope; };
     if (std::none_of(m_plan.begin(), m_plan.end(), wants)) return;

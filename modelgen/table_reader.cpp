@@ -9,7 +9,7 @@
 namespace modelgen {
 namespace {
 
-template <typename Enum, std::size_t Size>
+template <class Enum, std::size_t Size>
 using Words = std::array<std::pair<const char*, Enum>, Size>;
 
 constexpr Words<Shape, 5> shapes{{{"optional", Shape::optional},
@@ -22,7 +22,7 @@ constexpr Words<Kind, 3> kinds{
     {{"attribute", Kind::attribute}, {"reference", Kind::reference}, {"containment", Kind::containment}}};
 
 // Reads `key` as one of `words` into `target`, which keeps its value where the key is absent. False for another word.
-template <typename Enum, std::size_t Size>
+template <class Enum, std::size_t Size>
 bool readWord(MapReader& map, const char* key, const Words<Enum, Size>& words, Located<Enum>& target,
               Diagnostics& diagnostics) {
   target.at = map.start();

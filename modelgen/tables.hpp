@@ -12,7 +12,7 @@
 
 namespace modelgen {
 
-template <typename T>
+template <class T>
 struct Located {
   T value{};
   Position at;

@@ -48,7 +48,7 @@ class BridgeTest : public ::testing::Test {
   static kestrel::OwnedArray text(char16_t const* value) { return kestrel::createChar(value); }
 
   /// The identifier of the error that a function ends with, "none" without one.
-  template <typename Function>
+  template <class Function>
   static std::string errorOf(Function&& function) {
     try {
       function();

@@ -17,15 +17,15 @@ using tessel::internal::config::expr::ExprType;
 
 class Marshalers : public BridgeTest {
  protected:
-  template <typename T>
+  template <class T>
   static ValueMarshaler const& of() {
     return MetaMarshalerRegistry::getInstance().getPropertyMarshaler(meta::Type(MetaTypeOf<T>::type()));
   }
-  template <typename T>
+  template <class T>
   static Value value(T content, meta::ValueFlags flags = meta::SINGLE) {
     return Value::make<T>(ValueMeta(MetaTypeOf<T>::type(), flags), std::move(content));
   }
-  template <typename T>
+  template <class T>
   static Value optional(boost::optional<T> content) {
     return Value::make<boost::optional<T>>(ValueMeta(MetaTypeOf<T>::type(), meta::OPTIONAL), std::move(content));
   }

@@ -8,7 +8,7 @@ namespace {
 
 using internal::makeInterned;
 
-template <typename Infos>
+template <class Infos>
 std::vector<std::string> namesOf(Infos const& infos) {
   std::vector<std::string> names;
   for (auto const& info : infos) names.push_back(info->getName().text());

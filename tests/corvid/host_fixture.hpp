@@ -47,7 +47,7 @@ class HostTest : public ::testing::Test {
   }
 
   /// The identifier of the error that a function ends with, "none" without one.
-  template <typename Function>
+  template <class Function>
   static std::string errorOf(Function&& function) {
     try {
       function();

@@ -136,7 +136,7 @@ using corvid::factory::impl::Invoker;
 using corvid::factory::impl::PropertyImpl;
 using corvid::factory::impl::selfOf;
 
-template <typename V, typename T>
+template <class V, class T>
 void addProperty(CorvidClass& hostClass, char const* name, typename AdaptedClassGetter<V, T>::Adapter read,
                  void (*write)(typename corvid::factory::SelfTraits<T>::Self const&, V), unsigned flags = 0) {
   auto getter = std::make_unique<AdaptedClassGetter<V, T>>(read);
@@ -155,7 +155,7 @@ void addMethod(CorvidClass& hostClass, char const* name, unsigned attributes,
 }
 
 /// Reads the name from a struct and the weight from a number, both optional; given an animal it makes no other one.
-template <typename Native>
+template <class Native>
 class AnimalConstructor final : public CorvidConstructor {
  public:
   using CorvidConstructor::CorvidConstructor;
@@ -178,7 +178,7 @@ class AnimalConstructor final : public CorvidConstructor {
   }
 };
 
-template <typename Native>
+template <class Native>
 std::unique_ptr<corvid::CorvidMethodInfo> animalConstructor(char const* name) {
   return std::make_unique<AnimalConstructor<Native>>(
       makeInterned(name),

@@ -158,7 +158,7 @@ TEST(Mapping, DependenciesCanBeFollowedBothWays) {
 class State : public testing::Test {
  protected:
   runtime::ParamState param(const char16_t* key) { return state->getParams()->find(key); }
-  template <typename Data>
+  template <class Data>
   Data dataOf(const char16_t* key) {
     return plinth::element_cast<Data>(param(key)->getData());
   }

@@ -47,7 +47,7 @@ class HostArray : public ::testing::Test {
   std::ptrdiff_t m_arraysBefore = liveArrayCount();
 };
 
-template <typename Function>
+template <class Function>
 std::string errorOf(Function&& function) {
   try {
     function();

@@ -10,7 +10,7 @@
 namespace kestrel {
 namespace {
 
-template <typename T>
+template <class T>
 class NumericArray : public ::testing::Test {};
 
 using ElementTypes = ::testing::Types<bool, double, float, std::int8_t, std::uint8_t, std::int16_t, std::uint16_t,

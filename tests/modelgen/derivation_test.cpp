@@ -13,7 +13,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-template <typename Range>
+template <class Range>
 std::vector<std::string> namesOf(const Range& range) {
   std::vector<std::string> names;
   for (const auto* each : range) names.push_back(each->name);

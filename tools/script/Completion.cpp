@@ -38,7 +38,7 @@ Chain readChain(std::string_view line) {
   return chain;
 }
 
-template <typename Members>
+template <class Members>
 void addNames(std::set<std::string>& names, Members const& members) {
   for (auto const& member : members) names.insert(member->getName().text());
 }

@@ -27,7 +27,7 @@ std::string nameOfClass(lua_State* state, int index) {
   return hostClass != nullptr ? hostClass->getName().text() : std::string(checkText(state, index));
 }
 
-template <typename Members>
+template <class Members>
 int pushNames(lua_State* state, Members const& members) {
   lua_createtable(state, static_cast<int>(members.size()), 0);
   lua_Integer position = 0;

@@ -16,13 +16,13 @@ constexpr char const* CLASS_TYPE = "host class";
 using corvid::CorvidClass;
 using corvid::CorvidPackage;
 
-template <typename T>
+template <class T>
 void pushPointer(lua_State* state, T* pointer, char const* type) {
   *static_cast<T**>(lua_newuserdatauv(state, sizeof pointer, 0)) = pointer;
   luaL_setmetatable(state, type);
 }
 
-template <typename T>
+template <class T>
 T* toPointer(lua_State* state, int index, char const* type) {
   void* const box = luaL_testudata(state, index, type);
   return box != nullptr ? *static_cast<T**>(box) : nullptr;
@@ -84,7 +84,7 @@ int classToString(lua_State* state) {
   return 1;
 }
 
-template <typename T, T* (*read)(lua_State*, int)>
+template <class T, T* (*read)(lua_State*, int)>
 int equalPointers(lua_State* state) {
   T* const left = read(state, 1);
   lua_pushboolean(state, left != nullptr && left == read(state, 2));

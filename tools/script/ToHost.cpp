@@ -123,7 +123,7 @@ class TableReader {
     return array;
   }
 
-  template <typename Put>
+  template <class Put>
   void forEachElement(std::size_t count, Put put) {
     for (std::size_t i = 0; i < count; ++i) {
       lua_rawgeti(m_state, m_index, static_cast<lua_Integer>(i) + 1);
@@ -132,7 +132,7 @@ class TableReader {
     }
   }
 
-  template <typename T, typename Read>
+  template <class T, class Read>
   kestrel::OwnedArray readRow(std::size_t count, Read read) {
     kestrel::OwnedArray array = kestrel::createNumeric<T>(kestrel::row(count));
     T* const elements = kestrel::mutableData<T>(*array);

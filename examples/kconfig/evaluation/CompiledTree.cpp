@@ -19,7 +19,7 @@ void startRows(std::vector<SymbolRules>& symbols, std::uint32_t SymbolRules::*fi
   }
 }
 
-template <typename Visit>
+template <class Visit>
 void forEachOwnProperty(const MenuTree& tree, Visit visit) {
   for (const Property& property : tree.predefined) {
     visit(property.symbol, property, noProperty);

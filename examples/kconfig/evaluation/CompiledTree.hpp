@@ -52,7 +52,7 @@ struct MenuNode {
   PropertyId prompt = noProperty;  // in MenuTree::properties
 };
 
-template <typename Row>
+template <class Row>
 struct Rows {
   const Row* first;
   std::uint32_t count;

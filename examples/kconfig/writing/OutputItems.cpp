@@ -5,7 +5,7 @@ namespace kconfig {
 namespace {
 
 // Pieces are appended one by one: a file has tens of thousands of lines.
-template <typename... Pieces>
+template <class... Pieces>
 void append(std::string& file, const Pieces&... pieces) {
   (file.append(pieces), ...);
 }

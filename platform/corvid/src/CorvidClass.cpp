@@ -33,13 +33,13 @@ CorvidClass* findInPackage(Identifier fullName, CorvidPackage* scope) {
   return package != nullptr ? package->findClass(text.substr(dot + 1)) : nullptr;
 }
 
-template <typename Infos>
+template <class Infos>
 bool hasName(Infos const& infos, Identifier name) {
   return std::any_of(infos.begin(), infos.end(), [&](auto const& info) { return info->getName() == name; });
 }
 
 // The members of a lineage, each name once, without those that `isListed` refuses.
-template <typename Member, typename Members, typename Predicate>
+template <class Member, class Members, class Predicate>
 std::vector<Member const*> listMembers(std::vector<CorvidClass const*> const& lineage, Members members,
                                        Predicate isListed) {
   std::vector<Member const*> listed;

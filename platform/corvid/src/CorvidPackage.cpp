@@ -20,7 +20,7 @@ void refuseDuplicate(Identifier fullName) {
                   "The host has a package or class with the name '" + fullName.text() + "' already.");
 }
 
-template <typename T>
+template <class T>
 std::vector<T*> borrowed(std::vector<std::unique_ptr<T>> const& owned) {
   std::vector<T*> pointers;
   for (std::unique_ptr<T> const& one : owned) pointers.push_back(one.get());

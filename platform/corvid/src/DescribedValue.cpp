@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::size_t LONGEST_QUOTATION = 60;
 
-template <typename Number>
+template <class Number>
 std::string numberText(Number number) {
   // Of which sign it is depends on the machine.
   if (number != number) return "NaN";

@@ -24,7 +24,7 @@ detail::Cells copyCells(detail::Cells const& cells) {
 struct StoreCopier {
   kestrel_array const& original;
 
-  template <typename T, typename... Arguments>
+  template <class T, class... Arguments>
   OwnedArray make(Arguments&&... arguments) const {
     return detail::makeArray<T>(original.id, original.dimensions, std::forward<Arguments>(arguments)...);
   }

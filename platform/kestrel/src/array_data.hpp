@@ -49,7 +49,7 @@ void checkIndex(kestrel_array const& array, std::size_t index);
 
 struct kestrel_array {
   // Builds the store where it stays: a scalar is made in nearly every read of a property.
-  template <typename T, typename... Arguments>
+  template <class T, class... Arguments>
   kestrel_array(kestrel::ClassId classId, kestrel::Dimensions const& size, std::in_place_type_t<T> kind,
                 Arguments&&... arguments)
       : id(classId), dimensions(size), store(kind, std::forward<Arguments>(arguments)...) {}
@@ -67,18 +67,18 @@ struct kestrel_array {
 
 namespace kestrel::detail {
 
-template <typename T, typename... Arguments>
+template <class T, class... Arguments>
 OwnedArray makeArray(ClassId id, Dimensions const& dimensions, Arguments&&... arguments) {
   return OwnedArray(new kestrel_array(id, dimensions, std::in_place_type<T>, std::forward<Arguments>(arguments)...));
 }
 
 // The store of that kind; raises WrongClass for an array of another one.
-template <typename T>
+template <class T>
 T& storeAs(kestrel_array& array, char const* wanted) {
   if (T* store = std::get_if<T>(&array.store)) return *store;
   raiseWrongClass(array, wanted);
 }
-template <typename T>
+template <class T>
 T const& storeAs(kestrel_array const& array, char const* wanted) {
   return storeAs<T>(const_cast<kestrel_array&>(array), wanted);
 }

@@ -8,7 +8,7 @@
 namespace kestrel {
 namespace {
 
-template <typename T>
+template <class T>
 bool equalFloating(kestrel_array const& left, kestrel_array const& right) {
   T const* const first = data<T>(left);
   return std::equal(first, first + numberOfElements(left), data<T>(right),

@@ -11,7 +11,7 @@ namespace kestrel {
 namespace {
 
 // Calls the function with a null pointer of the element type of a numeric class; false for any other class.
-template <typename Function>
+template <class Function>
 bool withElementType(ClassId id, Function&& function) {
   switch (id) {
     case ClassId::Logical:
@@ -41,7 +41,7 @@ bool withElementType(ClassId id, Function&& function) {
   }
 }
 
-template <typename To>
+template <class To>
 To floatingToInteger(double value) {
   if (std::isnan(value)) return 0;
   double const rounded = std::round(value);
@@ -51,7 +51,7 @@ To floatingToInteger(double value) {
   return static_cast<To>(rounded);
 }
 
-template <typename To, typename From>
+template <class To, class From>
 To integerToInteger(From value) {
   if constexpr (std::is_signed_v<From>) {
     if (value < 0) {
@@ -63,7 +63,7 @@ To integerToInteger(From value) {
   return static_cast<To>(std::min(static_cast<std::uint64_t>(value), limit));
 }
 
-template <typename To, typename From>
+template <class To, class From>
 To convertElement(From value) {
   if constexpr (std::is_same_v<To, bool>) {
     if constexpr (std::is_floating_point_v<From>) {
@@ -79,7 +79,7 @@ To convertElement(From value) {
   }
 }
 
-template <typename To, typename From>
+template <class To, class From>
 OwnedArray convertAll(kestrel_array const& array) {
   OwnedArray converted = createNumeric<To>(dimensions(array));
   From const* const first = data<From>(array);

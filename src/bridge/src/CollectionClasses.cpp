@@ -49,7 +49,7 @@ struct MultimapTag {
 
 namespace corvid::factory {
 
-template <typename Tag>
+template <class Tag>
 struct SelfTraits<Tag, std::void_t<decltype(Tag::CLASS)>> {
   using Self = plinth::bridge::Collection;
   static Identifier className() {
@@ -117,7 +117,7 @@ std::uint32_t requirePosition(Collection const& self, MethodCall const& call, st
 }
 
 /// What every shape has.
-template <typename Tag>
+template <class Tag>
 void addCommon(MethodAdder<Tag> const& methods) {
   methods.read("size", COUNT, {}, [](Collection const& self, MethodCall& call) {
     call.setOutput(kestrel::createScalar<std::uint64_t>(self.view().genericSize()));
@@ -157,7 +157,7 @@ void addPositional(MethodAdder<SequenceTag> const& methods) {
   });
 }
 
-template <typename Tag>
+template <class Tag>
 void addKeyed(MethodAdder<Tag> const& methods) {
   methods.read("at", ELEMENT, {TEXT}, &get);
   methods.read("get", ELEMENT, {TEXT}, &get);
@@ -168,7 +168,7 @@ void addKeyed(MethodAdder<Tag> const& methods) {
   });
 }
 
-template <typename Tag>
+template <class Tag>
 class CollectionWrapper final : public corvid::factory::HandleClassInfo<ReferenceCollection, false> {
  public:
   using HandleClassInfo::HandleClassInfo;

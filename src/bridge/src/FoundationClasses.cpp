@@ -107,7 +107,7 @@ class MetaClassWrapper final : public PlinthWrapperInfo<meta::Class> {
   }
 
  private:
-  template <typename V>
+  template <class V>
   static void addReadOnly(CorvidClass& hostClass, char const* name,
                           typename corvid::factory::AdaptedClassGetter<V, meta::Class>::Adapter read) {
     hostClass.addProperty(std::make_unique<corvid::factory::impl::PropertyImpl>(

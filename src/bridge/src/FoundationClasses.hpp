@@ -27,7 +27,7 @@ void addModelClasses(corvid::CorvidPackage& package);
 void addCollectionClasses(corvid::CorvidPackage& package);
 
 /// Adds methods whose self is a T; makes the host know the string types that their signatures may name.
-template <typename T>
+template <class T>
 class MethodAdder {
  public:
   using Self = typename corvid::factory::SelfTraits<T>::Self;

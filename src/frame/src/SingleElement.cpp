@@ -91,7 +91,7 @@ plinth::Value SingleElementKind::get(Element& element, Row const& row, Tag const
   auto& field = fieldOf<ElementField>(element, row);
   ModelElement const target = tag.resolvesProxies() ? readElement(element, field, row) : field;
   plinth::meta::TypeImpl* const type = target ? target->getMetaClass().impl() : row.property->type();
-  return plinth::Value::make<ModelElement>(plinth::ValueMeta(type, plinth::meta::SINGLE), target);
+  return plinth::Value::makeUnchecked<ModelElement>(plinth::ValueMeta(type, plinth::meta::SINGLE), target);
 }
 
 void SingleElementKind::set(Element& element, Row const& row, plinth::Value const& value, Tag const& tag) const {
@@ -132,7 +132,7 @@ void SingleElementKind::moveOld(ElementStorage& from, ElementStorage& to, Row co
 plinth::Value SingleElementKind::oldValue(ElementStorage& storage, Row const& row) const {
   ModelElement const& old = slotOf<ElementField>(storage, row);
   plinth::meta::TypeImpl* const type = old ? old->getMetaClass().impl() : row.property->type();
-  return plinth::Value::make<ModelElement>(plinth::ValueMeta(type, plinth::meta::SINGLE), old);
+  return plinth::Value::makeUnchecked<ModelElement>(plinth::ValueMeta(type, plinth::meta::SINGLE), old);
 }
 
 bool SingleElementKind::isUnchanged(Element const& element, ElementStorage const& storage, Row const& row) const {

@@ -31,7 +31,7 @@ enum class ClassId : std::uint32_t {
 constexpr std::uint32_t BUILT_IN_BASED_FLAG = 16;
 
 /// Class of the element types of logical, char and numeric arrays; no member for any other type.
-template <typename T>
+template <class T>
 struct ElementClass;
 
 template <ClassId Id>

@@ -22,28 +22,28 @@ KESTREL_EXPORT void const* plainElement(kestrel_array const& array, ClassId expe
 }  // namespace detail
 
 /// The block of elements; valid until the array is destroyed. Not to be read beyond numberOfElements.
-template <typename T>
+template <class T>
 T const* data(kestrel_array const& array) {
   return static_cast<T const*>(detail::plainData(array, ElementClass<T>::value));
 }
-template <typename T>
+template <class T>
 T* mutableData(kestrel_array& array) {
   return static_cast<T*>(detail::plainData(array, ElementClass<T>::value));
 }
 
 /// One element, counted from 0 column by column; raises ArrayError "Kestrel:array:OutOfRange".
-template <typename T>
+template <class T>
 T element(kestrel_array const& array, std::size_t index = 0) {
   return *static_cast<T const*>(detail::plainElement(array, ElementClass<T>::value, index));
 }
 
 /// An array of zeros.
-template <typename T>
+template <class T>
 OwnedArray createNumeric(Dimensions const& dimensions) {
   return detail::createPlain(ElementClass<T>::value, dimensions);
 }
 
-template <typename T>
+template <class T>
 OwnedArray createScalar(T value) {
   std::uint64_t word = 0;
   static_assert(sizeof(T) <= sizeof(word));
@@ -52,13 +52,13 @@ OwnedArray createScalar(T value) {
 }
 
 /// A 1 by N copy of N elements; 0 by 0 for none.
-template <typename T>
+template <class T>
 OwnedArray createRow(T const* elements, std::size_t count) {
   OwnedArray array = createNumeric<T>(row(count));
   std::copy_n(elements, count, mutableData<T>(*array));
   return array;
 }
-template <typename T>
+template <class T>
 OwnedArray createRow(std::vector<T> const& elements) {
   OwnedArray array = createNumeric<T>(row(elements.size()));
   std::copy(elements.begin(), elements.end(), mutableData<T>(*array));

@@ -12,7 +12,7 @@
 namespace corvid::factory {
 
 /// Reads values of type V off natives of type T. V may be a reference or a pointer type that ValueShape knows.
-template <typename V, typename T>
+template <class V, class T>
 class AdaptedClassGetter final : public impl::PropertyGetter {
  public:
   using Shape = ValueShape<std::decay_t<V>>;
@@ -36,7 +36,7 @@ class AdaptedClassGetter final : public impl::PropertyGetter {
 };
 
 /// Writes values of type V to natives of type T.
-template <typename V, typename T>
+template <class V, class T>
 class AdaptedClassSetter final : public impl::PropertySetter {
  public:
   using Shape = ValueShape<std::decay_t<V>>;

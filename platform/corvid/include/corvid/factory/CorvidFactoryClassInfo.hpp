@@ -26,7 +26,7 @@ class CORVID_EXPORT CorvidFactoryClassInfo : public CorvidClassInfo {
 
 /// A reference class: a script object is a handle on a native T. With DefaultCreatable a default instance is a new T,
 /// which the binding then owns.
-template <typename T, bool DefaultCreatable>
+template <class T, bool DefaultCreatable>
 class HandleClassInfo : public CorvidFactoryClassInfo {
  public:
   using CorvidFactoryClassInfo::CorvidFactoryClassInfo;
@@ -48,7 +48,7 @@ class HandleClassInfo : public CorvidFactoryClassInfo {
 };
 
 /// A value class: a script object owns a Stored, made from a T.
-template <typename T, typename Stored>
+template <class T, class Stored>
 class NonHandleClassInfo : public CorvidFactoryClassInfo {
  public:
   using CorvidFactoryClassInfo::CorvidFactoryClassInfo;

@@ -7,13 +7,13 @@ namespace corvid::factory {
 /// Values whose copy constructor makes the copy.
 struct DataTypePolicy {};
 
-template <typename Policy>
+template <class Policy>
 struct Marshaler;
 
 template <>
 struct Marshaler<DataTypePolicy> {
   /// A copier for BindingRegistry::announceWithoutStoring.
-  template <typename T>
+  template <class T>
   static void* copier(void const* native) {
     return new T(*static_cast<T const*>(native));
   }

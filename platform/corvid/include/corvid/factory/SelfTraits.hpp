@@ -13,11 +13,11 @@ namespace corvid::factory {
 ///   static Identifier className();          the class under which T's script objects bind their natives
 ///   static Self fromNative(void* native);   null gives an empty Self
 /// and `Self` converts to bool: true when the native can be used.
-template <typename T, typename Enable = void>
+template <class T, class Enable = void>
 struct SelfTraits;
 
 /// SelfTraits of a type whose natives are reached by plain pointer; className() is left to the specialisation.
-template <typename T>
+template <class T>
 struct PointerSelf {
   using Self = T*;
   static Self fromNative(void* native) { return static_cast<T*>(native); }
@@ -31,13 +31,13 @@ CORVID_EXPORT void* nativeOf(kestrel_array const& self, Identifier className, st
 
 [[noreturn]] CORVID_EXPORT void reportInvalidSelf(Identifier className);
 
-template <typename T>
+template <class T>
 typename SelfTraits<T>::Self selfOf(kestrel_array const& self, std::size_t index = 0) {
   return SelfTraits<T>::fromNative(nativeOf(self, SelfTraits<T>::className(), index));
 }
 
 /// Raises InvalidHandle for a self that is empty, stale or dead.
-template <typename T>
+template <class T>
 void validateSelfPointer(typename SelfTraits<T>::Self const& self) {
   if (!self) reportInvalidSelf(SelfTraits<T>::className());
 }

@@ -18,7 +18,7 @@ namespace corvid::factory {
 ///   static Identifier dataType();
 ///   static kestrel::OwnedArray toHost(V const& value);
 ///   static V fromHost(kestrel_array const& value);   of a value that has passed the check of the data type
-template <typename V, typename Enable = void>
+template <class V, class Enable = void>
 struct ValueShape;
 
 namespace detail {
@@ -30,7 +30,7 @@ CORVID_EXPORT Identifier stringScalarType();
 
 }  // namespace detail
 
-template <typename V>
+template <class V>
 struct ValueShape<V, std::enable_if_t<std::is_arithmetic_v<V>>> {
   static constexpr Multiplicity multiplicity = Multiplicity::Single;
   static Identifier dataType() { return detail::scalarType(kestrel::ElementClass<V>::value); }
@@ -39,7 +39,7 @@ struct ValueShape<V, std::enable_if_t<std::is_arithmetic_v<V>>> {
 };
 
 /// Absent is an empty array of the numeric class.
-template <typename V>
+template <class V>
 struct ValueShape<boost::optional<V>, std::enable_if_t<std::is_arithmetic_v<V>>> {
   static constexpr Multiplicity multiplicity = Multiplicity::Optional;
   static Identifier dataType() { return ValueShape<V>::dataType(); }

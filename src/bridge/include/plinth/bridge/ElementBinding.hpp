@@ -36,7 +36,7 @@ TESSEL_EXPORT void releaseCollection(void* native) noexcept;
 
 /// The element of a script object for the length of a call. Whoever calls holds the script object and by it the
 /// element: counting it once more would be most of what reading a number costs.
-template <typename X>
+template <class X>
 class Borrowed {
  public:
   explicit Borrowed(typename X::Impl* element) noexcept : m_element(element) {}
@@ -52,7 +52,7 @@ class Borrowed {
 namespace corvid::factory {
 
 /// Elements of every class are bound as their ModelElementImpl.
-template <typename X>
+template <class X>
 struct SelfTraits<X, std::enable_if_t<std::is_base_of_v<plinth::ModelElement, X>>> {
   using Self = X;
   static Identifier className() {
@@ -64,7 +64,7 @@ struct SelfTraits<X, std::enable_if_t<std::is_base_of_v<plinth::ModelElement, X>
   }
 };
 
-template <typename X>
+template <class X>
 struct SelfTraits<plinth::bridge::Borrowed<X>> {
   using Self = plinth::bridge::Borrowed<X>;
   static Identifier className() { return SelfTraits<X>::className(); }

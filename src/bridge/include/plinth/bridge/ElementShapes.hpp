@@ -13,7 +13,7 @@ namespace plinth::bridge::detail {
 
 /// An object array of that many elements, `elementAt` giving each; settled to their nearest common class. None gives an
 /// empty array of the class `declared`.
-template <typename ElementAt>
+template <class ElementAt>
 kestrel::OwnedArray announceRow(std::size_t count, corvid::Identifier declared, ElementAt elementAt) {
   if (count == 0) return kestrel::createObjects(declared, kestrel::EMPTY);
   static corvid::Identifier const unsettled = corvid::internal::makeInterned(kestrel::HETEROGENEOUS);
@@ -31,7 +31,7 @@ kestrel::OwnedArray announceRow(std::size_t count, corvid::Identifier declared, 
 
 namespace corvid::factory {
 
-template <typename E>
+template <class E>
 struct ValueShape<E, std::enable_if_t<std::is_base_of_v<plinth::ModelElement, E>>> {
   static constexpr Multiplicity multiplicity = Multiplicity::Single;
   static Identifier dataType() { return SelfTraits<E>::className(); }
@@ -40,7 +40,7 @@ struct ValueShape<E, std::enable_if_t<std::is_base_of_v<plinth::ModelElement, E>
 };
 
 /// A sequence is an array, read and written as a whole.
-template <typename E>
+template <class E>
 struct ValueShape<std::vector<E>, std::enable_if_t<std::is_base_of_v<plinth::ModelElement, E>>> {
   static constexpr Multiplicity multiplicity = Multiplicity::Many;
   static Identifier dataType() { return SelfTraits<E>::className(); }

@@ -43,7 +43,7 @@ class TESSEL_EXPORT EmptyParentPackage::Registrar {
 };
 
 /// Adds a class W under a package: its description gets the short and the full name.
-template <typename W>
+template <class W>
 corvid::CorvidClass* addClass(corvid::CorvidPackage& package, char const* name) {
   auto info = std::make_unique<W>(name, package.getFullName().text() + "." + name);
   return package.addClass(std::move(info), corvid::NATIVE_CLASS);

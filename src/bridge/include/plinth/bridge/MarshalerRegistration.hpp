@@ -29,7 +29,7 @@ class TESSEL_EXPORT MarshalerRegistration {
 };
 
 /// Makes a marshaler of class M.
-template <typename M>
+template <class M>
 std::unique_ptr<ValueMarshaler> makeMarshaler(meta::Type const& type) {
   return std::make_unique<M>(type);
 }

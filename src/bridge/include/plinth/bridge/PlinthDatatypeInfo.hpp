@@ -26,7 +26,7 @@ TESSEL_EXPORT void addComparison(corvid::CorvidClass& hostClass, char const* nam
 
 }  // namespace detail
 
-template <typename T>
+template <class T>
 class PlinthDatatypeInfo : public corvid::factory::NonHandleClassInfo<T, T> {
  public:
   using Rows = PropertyRows<T>;
@@ -52,7 +52,7 @@ class PlinthDatatypeInfo : public corvid::factory::NonHandleClassInfo<T, T> {
   virtual void describe(Rows& rows) const = 0;
 
  private:
-  template <typename Comparison>
+  template <class Comparison>
   static void compare(corvid::MethodCall& call) {
     using Shape = corvid::factory::ValueShape<T>;
     bool const result = Comparison()(Shape::fromHost(call.input(0)), Shape::fromHost(call.input(1)));

@@ -62,19 +62,19 @@ TESSEL_EXPORT std::int32_t numberOf(kestrel_array const& self, corvid::Identifie
 
 }  // namespace detail
 
-template <typename E>
+template <class E>
 class Ctor final : public detail::EnumConstructor {
  public:
   using EnumConstructor::EnumConstructor;
 };
 
-template <typename E>
+template <class E>
 class PlinthEnumValueInfo final : public detail::EnumValue {
  public:
   using EnumValue::EnumValue;
 };
 
-template <typename E>
+template <class E>
 class PlinthEnumInfo : public corvid::factory::CorvidFactoryClassInfo {
  public:
   using Enumeration = E;
@@ -101,7 +101,7 @@ class PlinthEnumInfo : public corvid::factory::CorvidFactoryClassInfo {
 };
 
 /// Adds an enumeration W to a package, with its class described and its conversions installed.
-template <typename W>
+template <class W>
 void addEnumeration(corvid::CorvidPackage& package, char const* name) {
   corvid::Identifier const fullName = addClass<W>(package, name)->getName();
   corvid::CorvidClass::requireClass(fullName);

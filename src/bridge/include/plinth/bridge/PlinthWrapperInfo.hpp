@@ -19,7 +19,7 @@ TESSEL_EXPORT void endClass(corvid::CorvidClass& hostClass, meta::Class const& (
 
 }  // namespace detail
 
-template <typename T>
+template <class T>
 class PlinthWrapperInfo : public corvid::factory::HandleClassInfo<T, false> {
  public:
   using Rows = PropertyRows<T>;

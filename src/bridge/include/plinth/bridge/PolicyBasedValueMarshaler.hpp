@@ -6,7 +6,7 @@
 
 namespace plinth::bridge {
 
-template <typename T>
+template <class T>
 class PolicyBasedValueMarshaler : public TypedValueMarshaler<T, void> {
  public:
   using TypedValueMarshaler<T, void>::TypedValueMarshaler;
@@ -27,7 +27,7 @@ class PolicyBasedValueMarshaler : public TypedValueMarshaler<T, void> {
   }
 };
 
-template <typename E>
+template <class E>
 class PolicyBasedEnumValueMarshaler final : public PolicyBasedValueMarshaler<E> {
  public:
   using PolicyBasedValueMarshaler<E>::PolicyBasedValueMarshaler;

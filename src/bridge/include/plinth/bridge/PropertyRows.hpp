@@ -26,9 +26,9 @@ TESSEL_EXPORT void assignMembers(ReferenceCollection& sequence, std::size_t coun
                                  void const* elements);
 
 /// What a setter takes.
-template <typename Setter>
+template <class Setter>
 struct SetterParameter;
-template <typename C, typename V>
+template <class C, class V>
 struct SetterParameter<void (C::*)(V)> {
   using Type = V;
 };
@@ -36,20 +36,20 @@ struct SetterParameter<void (C::*)(V)> {
 /// How a property crosses whose getter returns R: a plain value unless a specialisation says otherwise.
 enum class Crossing { VALUE, OPTIONAL_TEXT, MARSHALED, ELEMENT_ROW, COLLECTION, VALUE_COLLECTION };
 
-template <typename C>
+template <class C>
 constexpr Crossing crossingOfCollection(C const*) {
   return std::is_base_of_v<ReferenceCollection, C> ? Crossing::COLLECTION : Crossing::VALUE_COLLECTION;
 }
-template <typename T>
+template <class T>
 constexpr Crossing crossingOfCollection(PrimitiveSequence<T> const*) {
   return Crossing::MARSHALED;
 }
-template <typename E>
+template <class E>
 constexpr Crossing crossingOfCollection(ElementSequence<E> const*) {
   return Crossing::ELEMENT_ROW;
 }
 
-template <typename R>
+template <class R>
 constexpr Crossing crossingOf() {
   using Value = std::decay_t<R>;
   if constexpr (std::is_same_v<Value, kestrel_array const*>) {
@@ -64,7 +64,7 @@ constexpr Crossing crossingOf() {
 }  // namespace detail
 
 /// X is a model class or a value datatype.
-template <typename X>
+template <class X>
 class PropertyRows {
  public:
   /// `flags` stand on each property that is not hidden.
@@ -96,18 +96,18 @@ class PropertyRows {
  private:
   using Owner = std::conditional_t<std::is_base_of_v<ModelElement, X>, Borrowed<X>, X>;
   using Self = typename corvid::factory::SelfTraits<Owner>::Self;
-  template <typename V>
+  template <class V>
   using ReadAdapter = corvid::factory::AdaptedClassGetter<V, Owner>;
-  template <typename V>
+  template <class V>
   using WriteAdapter = corvid::factory::AdaptedClassSetter<V, Owner>;
 
   // The adapter functions: one pair for each property.
 
-  template <typename V, auto Getter>
+  template <class V, auto Getter>
   static V readField(Self const& self) {
     return ((*self).*Getter)();
   }
-  template <typename V, auto Setter>
+  template <class V, auto Setter>
   static void writeField(Self const& self, V value) {
     ((*self).*Setter)(value);
   }
@@ -120,7 +120,7 @@ class PropertyRows {
   static void writeText(Self const& self, std::u16string const& value) {
     ((*self).*Setter)(value);
   }
-  template <typename E, auto Getter>
+  template <class E, auto Getter>
   static std::vector<E> readRow(Self const& self) {
     ElementSequence<E>& sequence = *((*self).*Getter)();
     sequence.resolveAll();
@@ -129,7 +129,7 @@ class PropertyRows {
     for (ModelElement const& member : sequence.raw()) members.push_back(static_cast<E const&>(member));
     return members;
   }
-  template <typename E, auto Getter>
+  template <class E, auto Getter>
   static void writeRow(Self const& self, std::vector<E> const& members) {
     auto const at = [](void const* elements, std::size_t index) -> ModelElement const& {
       return (*static_cast<std::vector<E> const*>(elements))[index];
@@ -140,17 +140,17 @@ class PropertyRows {
   unsigned flagsOf(meta::Property const& property) const {
     return property->isCorvidHidden() ? corvid::HIDDEN_PROPERTY : m_flags;
   }
-  template <typename Read, auto Getter, auto Setter>
+  template <class Read, auto Getter, auto Setter>
   void addValue(meta::Property const& property) {
     using Write = typename detail::SetterParameter<decltype(Setter)>::Type;
     addAdapted<Read, Write>(property, &readField<Read, Getter>, &writeField<Write, Setter>);
   }
-  template <typename Read, typename Write>
+  template <class Read, class Write>
   void addAdapted(meta::Property const& property, typename ReadAdapter<Read>::Adapter read,
                   typename WriteAdapter<Write>::Adapter write) {
     addImpl(property, std::make_unique<ReadAdapter<Read>>(read), std::make_unique<WriteAdapter<Write>>(write));
   }
-  template <typename Read>
+  template <class Read>
   void addReadOnly(meta::Property const& property, typename ReadAdapter<Read>::Adapter read,
                    corvid::Identifier dataType) {
     addImpl(property, std::make_unique<ReadAdapter<Read>>(read, dataType), nullptr);

@@ -15,10 +15,10 @@ namespace plinth::bridge {
 ///   static corvid::Identifier dataType();   the host data type of such an array
 ///   static kestrel::OwnedArray toHost(std::vector<T> const& values);
 ///   static std::vector<T> fromHost(kestrel_array const& array);   of an array of that data type
-template <typename T, typename Enable = void>
+template <class T, class Enable = void>
 struct RowShape;
 
-template <typename T>
+template <class T>
 struct RowShape<T, std::enable_if_t<std::is_arithmetic_v<T>>> {
   static corvid::Identifier dataType() {
     static corvid::Identifier const type =
@@ -50,7 +50,7 @@ struct RowShape<std::u16string> {
   }
 };
 
-template <typename E>
+template <class E>
 struct RowShape<E, std::enable_if_t<std::is_enum_v<E>>> {
   static corvid::Identifier dataType() { return hostNameOf<E>(); }
   static kestrel::OwnedArray toHost(std::vector<E> const& values) {
@@ -69,7 +69,7 @@ struct RowShape<E, std::enable_if_t<std::is_enum_v<E>>> {
   }
 };
 
-template <typename T>
+template <class T>
 struct RowShape<T, std::enable_if_t<IsDatatype<T>::value>> {
   static corvid::Identifier dataType() { return hostNameOf<T>(); }
   static kestrel::OwnedArray toHost(std::vector<T> const& values) {

@@ -13,7 +13,7 @@
 namespace plinth::bridge {
 
 /// What follows from the values of an array, whatever their conversion.
-template <typename T>
+template <class T>
 class AbstractTypedValueMarshaler : public ValueMarshaler {
  public:
   using ValueMarshaler::ValueMarshaler;
@@ -60,10 +60,10 @@ class AbstractTypedValueMarshaler : public ValueMarshaler {
 };
 
 /// The conversion itself; a policy other than none is a specialisation of its own.
-template <typename T, typename Policy = void>
+template <class T, class Policy = void>
 class TypedValueMarshaler;
 
-template <typename T>
+template <class T>
 class TypedValueMarshaler<T, void> : public AbstractTypedValueMarshaler<T> {
  public:
   using Shape = corvid::factory::ValueShape<T>;

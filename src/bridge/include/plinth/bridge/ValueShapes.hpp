@@ -15,14 +15,14 @@
 namespace plinth::bridge {
 
 /// True for the value datatypes of a model: classes that give their fields.
-template <typename T, typename = void>
+template <class T, class = void>
 struct IsDatatype : std::false_type {};
-template <typename T>
+template <class T>
 struct IsDatatype<T, std::void_t<decltype(T::properties()), decltype(std::declval<T const&>().fields())>>
     : std::true_type {};
 
 /// The host's name of the type that T stands for.
-template <typename T>
+template <class T>
 corvid::Identifier hostNameOf() {
   static corvid::Identifier const name = hostName(*MetaTypeOf<T>::type());
   return name;
@@ -36,13 +36,13 @@ TESSEL_EXPORT kestrel::OwnedArray marshalCollection(AbstractPrimitiveCollection 
 namespace corvid::factory {
 
 /// Values are reached by plain pointer: the script object owns them.
-template <typename T>
+template <class T>
 struct SelfTraits<T, std::enable_if_t<plinth::bridge::IsDatatype<T>::value>> : PointerSelf<T> {
   static Identifier className() { return plinth::bridge::hostNameOf<T>(); }
 };
 
 /// A member of an enumeration is an int32 under the class of the enumeration.
-template <typename E>
+template <class E>
 struct ValueShape<E, std::enable_if_t<std::is_enum_v<E>>> {
   static constexpr Multiplicity multiplicity = Multiplicity::Single;
   static Identifier dataType() {
@@ -56,8 +56,23 @@ struct ValueShape<E, std::enable_if_t<std::is_enum_v<E>>> {
   static E fromHost(kestrel_array const& value) { return static_cast<E>(kestrel::element<std::int32_t>(value)); }
 };
 
+/// Absent is an empty array of the enumeration.
+template <class E>
+struct ValueShape<boost::optional<E>, std::enable_if_t<std::is_enum_v<E>>> {
+  static constexpr Multiplicity multiplicity = Multiplicity::Optional;
+  static Identifier dataType() { return ValueShape<E>::dataType(); }
+  static kestrel::OwnedArray toHost(boost::optional<E> const& value) {
+    if (value) return ValueShape<E>::toHost(*value);
+    auto none = kestrel::createNumeric<std::int32_t>(kestrel::EMPTY);
+    return kestrel::createBuiltInBased(plinth::bridge::hostNameOf<E>(), std::move(none));
+  }
+  static boost::optional<E> fromHost(kestrel_array const& value) {
+    return kestrel::isEmpty(value) ? boost::optional<E>() : ValueShape<E>::fromHost(value);
+  }
+};
+
 /// The script object owns a copy: later changes of either side don't reach the other.
-template <typename T>
+template <class T>
 struct ValueShape<T, std::enable_if_t<plinth::bridge::IsDatatype<T>::value>> {
   static constexpr Multiplicity multiplicity = Multiplicity::Single;
   static Identifier dataType() { return SelfTraits<T>::className(); }
@@ -77,7 +92,7 @@ struct ValueShape<T, std::enable_if_t<plinth::bridge::IsDatatype<T>::value>> {
 };
 
 /// Absent is an empty array of the class.
-template <typename T>
+template <class T>
 struct ValueShape<boost::optional<T>, std::enable_if_t<plinth::bridge::IsDatatype<T>::value>> {
   static constexpr Multiplicity multiplicity = Multiplicity::Optional;
   static Identifier dataType() { return ValueShape<T>::dataType(); }
