@@ -13,7 +13,7 @@
 
 namespace {
 
-std::vector<std::string> split(const std::string& input) {
+std::vector<std::string> split(std::string const& input) {
   const std::string separator = "\n====\n";
   std::vector<std::string> parts;
   std::size_t start = 0;
@@ -28,14 +28,14 @@ std::vector<std::string> split(const std::string& input) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
   using namespace kconfig;
   const std::vector<std::string> parts = split(std::string(data, data + size));
   Surroundings surroundings;
-  surroundings.variable = [](const std::string& name) {
+  surroundings.variable = [](std::string const& name) {
     return name == "PLACE" ? std::optional<std::string>("other") : std::nullopt;
   };
-  surroundings.file = [&parts](const std::string& path, std::string& problem) -> std::optional<std::string> {
+  surroundings.file = [&parts](std::string const& path, std::string& problem) -> std::optional<std::string> {
     problem = "there is no such file";
     const std::vector<std::string> names{"Kconfig", "other", "profile"};
     for (std::size_t at = 0; at < names.size(); ++at) {

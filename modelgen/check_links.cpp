@@ -14,27 +14,27 @@ class LinkChecks {
  public:
   explicit LinkChecks(Diagnostics& diagnostics) : m_diagnostics(diagnostics) {}
 
-  void chain(const Class& type) {
+  void chain(Class const& type) {
     int indexes = 0;
-    for (const Class* each = &type; each != nullptr; each = each->base) {
-      for (const Property& property : each->properties) indexes += property.isDerived() ? 0 : 1;
+    for (Class const* each = &type; each != nullptr; each = each->base) {
+      for (Property const& property : each->properties) indexes += property.isDerived() ? 0 : 1;
     }
     if (indexes > mostIndexes) {
       m_diagnostics.report(type.row->name.at,
                            "'" + type.name + "' has " + std::to_string(indexes) + " indexed properties along its chain",
                            std::to_string(mostIndexes) + " at most");
     }
-    for (const Property& each : type.properties) mutableGetter(type, each);
+    for (Property const& each : type.properties) mutableGetter(type, each);
     if (type.base == nullptr) return;
-    for (const Property& each : type.properties) {
-      const Property* const hidden = findProperty(*type.base, each.name);
+    for (Property const& each : type.properties) {
+      Property const* const hidden = findProperty(*type.base, each.name);
       if (hidden == nullptr) continue;
       m_diagnostics.report(each.row->name.at, "'" + each.name + "' hides the inherited '" + hidden->qualifiedName + "'",
                            "another name");
     }
   }
 
-  void property(const Property& property) {
+  void property(Property const& property) {
     if (property.type == nullptr) return;
     if (property.opposite != nullptr) opposite(property);
     if (property.source != nullptr) derived(property);
@@ -42,15 +42,15 @@ class LinkChecks {
   }
 
  private:
-  void refuse(const Position& at, const Property& property, const std::string& wrong, const std::string& expected) {
+  void refuse(Position const& at, Property const& property, std::string const& wrong, std::string const& expected) {
     m_diagnostics.report(at, "'" + property.name + "' " + wrong, expected);
   }
 
   // The second getter of a collection must not be the getter of another property of the class or above it.
-  void mutableGetter(const Class& type, const Property& own) {
-    for (const Class* above = &type; above != nullptr; above = above->base) {
-      for (const Property& other : above->properties) {
-        const bool clash =
+  void mutableGetter(Class const& type, Property const& own) {
+    for (Class const* above = &type; above != nullptr; above = above->base) {
+      for (Property const& other : above->properties) {
+        bool const clash =
             (own.isMany() && naming::mutableGetter(own.name) == naming::getter(other.name)) ||
             (other.isMany() && above != &type && naming::mutableGetter(other.name) == naming::getter(own.name));
         if (!clash) continue;
@@ -59,11 +59,11 @@ class LinkChecks {
     }
   }
 
-  void opposite(const Property& property) {
-    const Position& at = property.row->opposite->at;
-    const Property& other = *property.opposite;
+  void opposite(Property const& property) {
+    Position const& at = property.row->opposite->at;
+    Property const& other = *property.opposite;
     if (other.type == nullptr) return;
-    for (const Property* const end : {&property, &other}) {
+    for (Property const* const end : {&property, &other}) {
       if (end->kind == Kind::reference && !end->isDerived() && end->shape != Shape::map) continue;
       refuse(at, property, "has an opposite, but '" + end->qualifiedName + "' is no plain reference",
              "two references, neither of them derived");
@@ -79,17 +79,17 @@ class LinkChecks {
     }
   }
 
-  void derived(const Property& view) {
-    const Position& at = view.row->derived->at;
-    const Property& source = *view.source;
+  void derived(Property const& view) {
+    Position const& at = view.row->derived->at;
+    Property const& source = *view.source;
     if (source.type == nullptr) return;
     if (view.kind != Kind::reference) {
       refuse(view.row->kind.at, view, "is derived and no reference", "the kind reference, as a view owns nothing");
       return;
     }
-    const Class* const wide = asClass(source.type);
-    const Class* const narrow = asClass(view.type);
-    const bool collection = source.shape == Shape::sequence || source.shape == Shape::set;
+    Class const* const wide = asClass(source.type);
+    Class const* const narrow = asClass(view.type);
+    bool const collection = source.shape == Shape::sequence || source.shape == Shape::set;
     if (!collection || source.isDerived() || wide == nullptr) {
       refuse(at, view, "is derived from '" + source.name + "', which is no collection of elements",
              "a sequence or set of elements that is stored itself");
@@ -100,7 +100,7 @@ class LinkChecks {
     if (view.row->transient) refuse(at, view, "is derived and transient", "one of the two, as a view is never saved");
   }
 
-  void qualifier(const Property& property) {
+  void qualifier(Property const& property) {
     if (property.shape != Shape::map) {
       if (property.row->qualifier) {
         refuse(property.row->qualifier->at, property, "has a qualifier and is no map",
@@ -114,9 +114,9 @@ class LinkChecks {
       return;
     }
     if (property.qualifier == nullptr || property.qualifier->type == nullptr) return;
-    const Property& key = *property.qualifier;
-    const Position& at = property.row->qualifier->at;
-    const bool isKey = isString(*key.type) && key.shape == Shape::single;
+    Property const& key = *property.qualifier;
+    Position const& at = property.row->qualifier->at;
+    bool const isKey = isString(*key.type) && key.shape == Shape::single;
     if (!isKey) {
       refuse(at, property, "has the qualifier '" + key.qualifiedName + "'", "a single property of type String");
     } else if (property.isElement() && key.owner->package->model != property.owner->package->model) {
@@ -131,12 +131,12 @@ class LinkChecks {
 
 }  // namespace
 
-void checkLinks(const Model& model, Diagnostics& diagnostics) {
+void checkLinks(Model const& model, Diagnostics& diagnostics) {
   LinkChecks checks(diagnostics);
-  for (const Package& package : model.packages) {
-    for (const Class& owner : package.classes) {
+  for (Package const& package : model.packages) {
+    for (Class const& owner : package.classes) {
       checks.chain(owner);
-      for (const Property& each : owner.properties) checks.property(each);
+      for (Property const& each : owner.properties) checks.property(each);
     }
   }
 }

@@ -8,8 +8,8 @@
 namespace modelgen {
 namespace {
 
-constexpr const char* releaseForm = "letters, digits, points, hyphens and underscores";
-constexpr const char* snakeForm = "lower-case words and digits, joined by single underscores";
+constexpr char const* releaseForm = "letters, digits, points, hyphens and underscores";
+constexpr char const* snakeForm = "lower-case words and digits, joined by single underscores";
 
 // Reports each name that stands a second time among its like.
 class Uniqueness {
@@ -17,9 +17,9 @@ class Uniqueness {
   Uniqueness(std::string scope, Diagnostics& diagnostics) : m_scope(std::move(scope)), m_diagnostics(diagnostics) {}
 
   // False where the name was there already.
-  bool add(const char* what, const Text& name) {
+  bool add(char const* what, Text const& name) {
     if (name.value.empty()) return true;
-    const auto [first, added] = m_seen.emplace(name.value, name.at);
+    auto const [first, added] = m_seen.emplace(name.value, name.at);
     if (added) return true;
     m_diagnostics.report(name.at, "duplicate " + std::string(what) + " '" + name.value + "' in " + m_scope,
                          "another name, as line " + std::to_string(first->second.line) + " has this one");
@@ -36,20 +36,20 @@ class NameChecks {
  public:
   explicit NameChecks(Diagnostics& diagnostics) : m_diagnostics(diagnostics) {}
 
-  void package(const Package& package) {
+  void package(Package const& package) {
     Uniqueness types("the package", m_diagnostics);
-    for (const Class& each : package.classes) {
+    for (Class const& each : package.classes) {
       type(each.row->name);
       types.add("class", each.row->name);
       properties(each.row->properties, each.name);
     }
-    for (const DataType& each : package.dataTypes) {
+    for (DataType const& each : package.dataTypes) {
       type(each.row->name);
       types.add("datatype", each.row->name);
       properties(each.row->properties, each.name);
       operations(*each.row);
     }
-    for (const Enum& each : package.enums) {
+    for (Enum const& each : package.enums) {
       type(each.row->name);
       types.add("enumeration", each.row->name);
       literals(*each.row);
@@ -60,14 +60,14 @@ class NameChecks {
   }
 
  private:
-  void upperCamel(const Text& name) {
+  void upperCamel(Text const& name) {
     if (!naming::isUpperCamel(name.value)) {
       m_diagnostics.report(name.at, "'" + name.value + "' is no upper camel case name",
                            "an upper-case letter, then letters and digits");
     }
   }
 
-  void type(const Text& name) {
+  void type(Text const& name) {
     if (name.value.empty()) return;
     upperCamel(name);
     if (findPrimitive(name.value) != nullptr) {
@@ -78,9 +78,9 @@ class NameChecks {
     }
   }
 
-  void properties(const std::vector<PropertyRow>& rows, const std::string& owner) {
+  void properties(std::vector<PropertyRow> const& rows, std::string const& owner) {
     Uniqueness names("'" + owner + "'", m_diagnostics);
-    for (const PropertyRow& row : rows) {
+    for (PropertyRow const& row : rows) {
       names.add("property", row.name);
       if (row.name.value.empty()) continue;
       upperCamel(row.name);
@@ -91,16 +91,16 @@ class NameChecks {
     }
   }
 
-  void operations(const DataTypeRow& owner) {
+  void operations(DataTypeRow const& owner) {
     Uniqueness names("'" + owner.name.value + "'", m_diagnostics);
-    for (const OperationRow& row : owner.operations) {
+    for (OperationRow const& row : owner.operations) {
       names.add("operation", row.name);
       if (row.name.value.empty()) continue;
       if (!naming::isLowerCamel(row.name.value) || naming::isReservedWord(row.name.value)) {
         m_diagnostics.report(row.name.at, "'" + row.name.value + "' is no name for an operation",
                              "a lower-case letter, then letters and digits, and no reserved word");
       }
-      for (const PropertyRow& property : owner.properties) {
+      for (PropertyRow const& property : owner.properties) {
         if (row.name.value != naming::getter(property.name.value) &&
             row.name.value != naming::setter(property.name.value)) {
           continue;
@@ -111,20 +111,20 @@ class NameChecks {
     }
   }
 
-  void literals(const EnumRow& owner) {
+  void literals(EnumRow const& owner) {
     Uniqueness names("'" + owner.name.value + "'", m_diagnostics);
     std::map<std::int32_t, std::string> values;
-    for (const LiteralRow& row : owner.literals) {
+    for (LiteralRow const& row : owner.literals) {
       names.add("literal", row.name);
       if (!row.name.value.empty()) literal(row.name);
-      const auto [first, added] = values.emplace(row.value.value, row.name.value);
+      auto const [first, added] = values.emplace(row.value.value, row.name.value);
       if (added) continue;
       m_diagnostics.report(row.value.at, "duplicate value " + std::to_string(row.value.value),
                            "another value, as '" + first->second + "' has this one");
     }
   }
 
-  void literal(const Text& name) {
+  void literal(Text const& name) {
     if (!naming::isUpperSnake(name.value)) {
       m_diagnostics.report(name.at, "'" + name.value + "' is no name for a literal",
                            "upper-case words and digits, joined by single underscores");
@@ -134,9 +134,9 @@ class NameChecks {
   }
 
   template <class Row>
-  void nameOrder(const std::vector<Row>& rows, const std::string& what) {
+  void nameOrder(std::vector<Row> const& rows, std::string const& what) {
     for (std::size_t i = 1; i < rows.size(); ++i) {
-      const Text& name = rows[i].name;
+      Text const& name = rows[i].name;
       if (name.value.empty() || rows[i - 1].name.value <= name.value) continue;
       std::size_t place = 0;
       while (rows[place].name.value <= name.value) ++place;
@@ -148,33 +148,33 @@ class NameChecks {
   Diagnostics& m_diagnostics;
 };
 
-void checkForm(const Text& name, bool (*isProper)(const std::string&), const std::string& what,
-               const std::string& expected, Diagnostics& diagnostics) {
+void checkForm(Text const& name, bool (*isProper)(std::string const&), std::string const& what,
+               std::string const& expected, Diagnostics& diagnostics) {
   if (name.value.empty() || isProper(name.value)) return;
   diagnostics.report(name.at, "'" + name.value + "' is no name for " + what, expected);
 }
 
 }  // namespace
 
-void checkNames(const Model& model, Diagnostics& diagnostics) {
+void checkNames(Model const& model, Diagnostics& diagnostics) {
   NameChecks checks(diagnostics);
-  for (const Package& each : model.packages) checks.package(each);
+  for (Package const& each : model.packages) checks.package(each);
 }
 
-bool checkPackages(const std::deque<ModelRow>& models, Diagnostics& diagnostics) {
+bool checkPackages(std::deque<ModelRow> const& models, Diagnostics& diagnostics) {
   bool distinct = true;
   Uniqueness modelNames("this run", diagnostics);
   Uniqueness packageNames("this run", diagnostics);
-  for (const ModelRow& model : models) {
+  for (ModelRow const& model : models) {
     distinct = modelNames.add("model", model.name) && distinct;
     checkForm(model.name, naming::isLowerSnake, "a model", snakeForm, diagnostics);
     checkForm(model.include, naming::isLowerSnake, "the folder of the headers", snakeForm, diagnostics);
     checkForm(model.release, naming::isRelease, "a release", releaseForm, diagnostics);
     checkForm(model.revision, naming::isRelease, "a revision", releaseForm, diagnostics);
     Uniqueness imports("the model", diagnostics);
-    for (const Text& each : model.imports) imports.add("import", each);
+    for (Text const& each : model.imports) imports.add("import", each);
     Uniqueness folders("the model", diagnostics);
-    for (const PackageRow& package : model.packages) {
+    for (PackageRow const& package : model.packages) {
       distinct = packageNames.add("package", package.name) && distinct;
       folders.add("folder", package.folder);
       checkForm(package.name, naming::isPackageName, "a package",

@@ -15,7 +15,7 @@ class PropertyChecks {
  public:
   explicit PropertyChecks(Diagnostics& diagnostics) : m_diagnostics(diagnostics) {}
 
-  void ofClass(const Property& property) {
+  void ofClass(Property const& property) {
     if (property.type == nullptr) return;
     if (!kindFitsType(property) || !shapeFitsKind(property)) return;
     defaultFits(property);
@@ -24,9 +24,9 @@ class PropertyChecks {
     if (!queryableByRule(property)) flagAgrees(property.row->queryable, "queryable", false, property);
   }
 
-  void ofDataType(const Property& property) {
+  void ofDataType(Property const& property) {
     if (property.type == nullptr) return;
-    const bool value = property.type->kind == TypeKind::primitive && !isHostArray(*property.type);
+    bool const value = property.type->kind == TypeKind::primitive && !isHostArray(*property.type);
     if (!value && property.type->kind != TypeKind::enumeration) {
       refuse(property.row->type.at, property, "has the type '" + property.type->name + "'",
              "a primitive type other than KestrelArray or an enumeration in a datatype");
@@ -40,7 +40,7 @@ class PropertyChecks {
     defaultFits(property);
   }
 
-  void operation(const Operation& operation) {
+  void operation(Operation const& operation) {
     if (operation.type != nullptr && operation.type->kind != TypeKind::primitive) {
       m_diagnostics.report(operation.row->type.at,
                            "the operation '" + operation.name + "' gives " + describe(*operation.type),
@@ -49,12 +49,12 @@ class PropertyChecks {
   }
 
  private:
-  void refuse(const Position& at, const Property& property, const std::string& wrong, const std::string& expected) {
+  void refuse(Position const& at, Property const& property, std::string const& wrong, std::string const& expected) {
     m_diagnostics.report(at, "'" + property.name + "' " + wrong, expected);
   }
 
-  bool kindFitsType(const Property& property) {
-    const bool isClass = property.type->kind == TypeKind::classType;
+  bool kindFitsType(Property const& property) {
+    bool const isClass = property.type->kind == TypeKind::classType;
     if (isClass == property.isElement()) return true;
     refuse(property.row->kind.at, property,
            "has the kind " + naming::kindName(property.kind) + ", and its type is " + describe(*property.type),
@@ -62,7 +62,7 @@ class PropertyChecks {
     return false;
   }
 
-  bool shapeFitsKind(const Property& property) {
+  bool shapeFitsKind(Property const& property) {
     const std::string expected = expectedShape(property);
     if (expected.empty()) return true;
     refuse(property.row->shape.at, property, "has the shape " + naming::shapeName(property.shape), expected);
@@ -70,7 +70,7 @@ class PropertyChecks {
   }
 
   // Empty where the shape is allowed.
-  static std::string expectedShape(const Property& property) {
+  static std::string expectedShape(Property const& property) {
     const Shape shape = property.shape;
     if (property.isDerived()) return shape == Shape::set ? "" : "set, as a derived view is one";
     if (isHostArray(*property.type)) return shape == Shape::single ? "" : "single, as a host array is one value";
@@ -84,10 +84,10 @@ class PropertyChecks {
     return "";
   }
 
-  void defaultFits(const Property& property) {
-    const Enum* const enumeration = asEnum(property.type);
+  void defaultFits(Property const& property) {
+    Enum const* const enumeration = asEnum(property.type);
     if (!property.row->defaultText || (enumeration != nullptr && enumeration->literals.empty())) return;
-    const Text& text = *property.row->defaultText;
+    Text const& text = *property.row->defaultText;
     if (property.isElement() || property.isMany()) {
       refuse(text.at, property, "has a default", "none, as it starts empty");
     } else if (property.shape == Shape::optional) {
@@ -97,7 +97,7 @@ class PropertyChecks {
     }
   }
 
-  void flagAgrees(const std::optional<Flag>& flag, const std::string& name, bool rule, const Property& property) {
+  void flagAgrees(std::optional<Flag> const& flag, std::string const& name, bool rule, Property const& property) {
     if (!flag || flag->value == rule) return;
     refuse(flag->at, property, "is declared " + name + ": " + text(flag->value),
            text(rule) + ", which follows from its shape and type");
@@ -108,15 +108,15 @@ class PropertyChecks {
 
 }  // namespace
 
-void checkProperties(const Model& model, Diagnostics& diagnostics) {
+void checkProperties(Model const& model, Diagnostics& diagnostics) {
   PropertyChecks checks(diagnostics);
-  for (const Package& package : model.packages) {
-    for (const Class& owner : package.classes) {
-      for (const Property& each : owner.properties) checks.ofClass(each);
+  for (Package const& package : model.packages) {
+    for (Class const& owner : package.classes) {
+      for (Property const& each : owner.properties) checks.ofClass(each);
     }
-    for (const DataType& owner : package.dataTypes) {
-      for (const Property& each : owner.properties) checks.ofDataType(each);
-      for (const Operation& each : owner.operations) checks.operation(each);
+    for (DataType const& owner : package.dataTypes) {
+      for (Property const& each : owner.properties) checks.ofDataType(each);
+      for (Operation const& each : owner.operations) checks.operation(each);
     }
   }
 }

@@ -12,15 +12,15 @@ namespace modelgen {
 
 // Names of models, packages and folders, before any of them is linked. False where one name stands for two packages, so
 // that names of types would mislead.
-bool checkPackages(const std::deque<ModelRow>& models, Diagnostics& diagnostics);
+bool checkPackages(std::deque<ModelRow> const& models, Diagnostics& diagnostics);
 
 // Form, order and uniqueness of all names of one linked model; literal values.
-void checkNames(const Model& model, Diagnostics& diagnostics);
+void checkNames(Model const& model, Diagnostics& diagnostics);
 
 // Each property by itself: shape, kind and type fit together; defaults can be read; flags agree with the rules.
-void checkProperties(const Model& model, Diagnostics& diagnostics);
+void checkProperties(Model const& model, Diagnostics& diagnostics);
 
 // Properties against each other: opposites, qualifiers, derived views, the chain of bases.
-void checkLinks(const Model& model, Diagnostics& diagnostics);
+void checkLinks(Model const& model, Diagnostics& diagnostics);
 
 }  // namespace modelgen

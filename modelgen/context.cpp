@@ -17,11 +17,11 @@ namespace {
 // Leaves room for the indentation of a member and "/// " within 120 columns.
 constexpr std::size_t docWidth = 110;
 
-std::string tableName(const std::string& file, const std::string& root) {
+std::string tableName(std::string const& file, std::string const& root) {
   return std::filesystem::path(file).lexically_normal().lexically_proximate(root).generic_string();
 }
 
-void setDoc(Data& object, const Text& doc) {
+void setDoc(Data& object, Text const& doc) {
   std::vector<std::string> lines = wrap(doc.value, docWidth);
   for (std::string& line : lines) {
     // A backslash at its end would make a comment swallow the next line.
@@ -30,7 +30,7 @@ void setDoc(Data& object, const Text& doc) {
   setLines(object, "doc", lines);
 }
 
-void setTypeNames(Data& object, const Type& type) {
+void setTypeNames(Data& object, Type const& type) {
   object.set("name", type.name);
   object.set("qualifiedName", type.qualifiedName);
   object.set("cppName", naming::cppTypeName(type));
@@ -40,12 +40,12 @@ void setTypeNames(Data& object, const Type& type) {
 
 // A type as something that a thing of the package `from` points at. Its handle is a slot of the own meta package, or
 // has to be looked up by name.
-Data typeReference(const Type& type, const Package& from) {
+Data typeReference(Type const& type, Package const& from) {
   Data result;
   setTypeNames(result, type);
-  const Primitive* const primitive = asPrimitive(&type);
-  const bool kept = primitive != nullptr && primitive->keepsHandle;
-  const bool hasSlot = kept || (type.package != nullptr && type.package->model == from.model);
+  Primitive const* const primitive = asPrimitive(&type);
+  bool const kept = primitive != nullptr && primitive->keepsHandle;
+  bool const hasSlot = kept || (type.package != nullptr && type.package->model == from.model);
   result.set("hasSlot", hasSlot);
   result.set("slot", kept ? naming::typeSlot(from, type.name) : type.slot);
   result.set("header", type.package == nullptr ? "" : naming::typeHeader(type));
@@ -53,7 +53,7 @@ Data typeReference(const Type& type, const Package& from) {
 }
 
 // A property as something that another thing points at.
-Data propertyReference(const Property& property) {
+Data propertyReference(Property const& property) {
   Data result;
   result.set("name", property.name);
   result.set("qualifiedName", property.qualifiedName);
@@ -69,17 +69,17 @@ Data propertyReference(const Property& property) {
   return result;
 }
 
-Data referenceOrFalse(const Property* property) {
+Data referenceOrFalse(Property const* property) {
   return property == nullptr ? Data(false) : propertyReference(*property);
 }
 
 // A fact as a flag for sections and, under the key with "Text" behind it, as a C++ literal.
-void setFact(Data& object, const std::string& key, bool fact) {
+void setFact(Data& object, std::string const& key, bool fact) {
   object.set(key, fact);
   object.set(key + "Text", fact ? "true" : "false");
 }
 
-void setMemberNames(Data& object, const std::string& property) {
+void setMemberNames(Data& object, std::string const& property) {
   object.set("field", naming::field(property));
   object.set("accessor", naming::lowerCamel(property));
   object.set("getter", naming::getter(property));
@@ -94,7 +94,7 @@ void setMemberNames(Data& object, const std::string& property) {
   object.set("builderClearer", naming::builderClearer(property));
 }
 
-void setShape(Data& object, const Property& property) {
+void setShape(Data& object, Property const& property) {
   object.set("scheme", naming::schemeName(property.scheme));
   object.set("rowKind", naming::rowKind(property));
   object.set("elementSetter", naming::elementSetter(property));
@@ -114,18 +114,18 @@ void setShape(Data& object, const Property& property) {
   object.set("schemeHostArray", property.scheme == Scheme::hostArray);
 }
 
-void setDefault(Data& object, const Property& property) {
-  const auto& text = property.row->defaultText;
+void setDefault(Data& object, Property const& property) {
+  auto const& text = property.row->defaultText;
   object.set("hasDefault", text.has_value());
   object.set("defaultLiteral", text ? utf16Literal(text->value) : "");
-  const bool isValue = property.scheme == Scheme::attribute;
+  bool const isValue = property.scheme == Scheme::attribute;
   std::string initializer = isValue ? zeroInitializer(*property.type) : "";
   if (text) initializer = defaultInitializer(*property.type, text->value).value_or("");
   object.set("initializer", initializer);
   object.set("fieldStart", initializer.empty() ? "{}" : initializer);
 }
 
-Data propertyData(const Property& property) {
+Data propertyData(Property const& property) {
   Data result;
   result.set("name", property.name);
   result.set("qualifiedName", property.qualifiedName);
@@ -154,24 +154,24 @@ Data propertyData(const Property& property) {
   result.set("opposite", referenceOrFalse(property.opposite));
   result.set("qualifier", referenceOrFalse(property.qualifier));
   setList(result, "keyedMaps",
-          objectsOf(property.keyedMaps, [](const Property* map) { return propertyReference(*map); }));
+          objectsOf(property.keyedMaps, [](Property const* map) { return propertyReference(*map); }));
   return result;
 }
 
-std::vector<Data> propertyList(const std::vector<const Property*>& properties) {
-  return objectsOf(properties, [](const Property* each) { return propertyData(*each); });
+std::vector<Data> propertyList(std::vector<Property const*> const& properties) {
+  return objectsOf(properties, [](Property const* each) { return propertyData(*each); });
 }
 
 template <class Accept>
-std::vector<Data> ownProperties(const Class& type, const Accept& accept) {
+std::vector<Data> ownProperties(Class const& type, Accept const& accept) {
   std::vector<Data> result;
-  for (const Property& each : type.properties) {
+  for (Property const& each : type.properties) {
     if (accept(each)) result.push_back(propertyData(each));
   }
   return result;
 }
 
-Data packageReference(const Package& package, const std::string& root) {
+Data packageReference(Package const& package, std::string const& root) {
   Data result;
   result.set("name", package.node->name);
   result.set("qualifiedName", package.name);
@@ -183,7 +183,7 @@ Data packageReference(const Package& package, const std::string& root) {
   return result;
 }
 
-Data modelReference(const Model& model, const std::string& root) {
+Data modelReference(Model const& model, std::string const& root) {
   Data result;
   result.set("name", model.name);
   result.set("include", model.include);
@@ -198,7 +198,7 @@ Data modelReference(const Model& model, const std::string& root) {
 }
 
 // What every type of the model has.
-Data typeData(const Type& type, const std::string& root) {
+Data typeData(Type const& type, std::string const& root) {
   Data result;
   setTypeNames(result, type);
   result.set("uuid", toText(type.uuid));
@@ -214,45 +214,45 @@ Data typeData(const Type& type, const std::string& root) {
 
 // The types that the properties mention, split by what a header needs of them: values must be complete, elements are
 // handles that may be declared ahead, once for each namespace. Neither names the class itself or its base.
-void setMentionedTypes(Data& object, const Class& owner) {
-  std::map<std::string, const Type*> values;
-  std::map<std::string, const Type*> elements;
-  const auto mention = [&](const Property& each) {
+void setMentionedTypes(Data& object, Class const& owner) {
+  std::map<std::string, Type const*> values;
+  std::map<std::string, Type const*> elements;
+  auto const mention = [&](Property const& each) {
     if (each.type->kind == TypeKind::primitive || each.type == &owner || each.type == owner.base) return;
     (each.isElement() ? elements : values).emplace(each.type->qualifiedName, each.type);
   };
-  for (const Property& each : owner.properties) mention(each);
-  for (const Property* each : owner.chainQueryable) mention(*each);
-  const auto reference = [&owner](const auto& entry) { return typeReference(*entry.second, *owner.package); };
+  for (Property const& each : owner.properties) mention(each);
+  for (Property const* each : owner.chainQueryable) mention(*each);
+  auto const reference = [&owner](auto const& entry) { return typeReference(*entry.second, *owner.package); };
   setList(object, "valueTypes", objectsOf(values, reference));
   setList(object, "elementTypes", objectsOf(elements, reference));
-  std::map<std::string, std::map<std::string, const Type*>> byNamespace;
-  for (const auto& [name, type] : elements) {
+  std::map<std::string, std::map<std::string, Type const*>> byNamespace;
+  for (auto const& [name, type] : elements) {
     byNamespace[naming::cppNamespace(type->package->name)].emplace(name, type);
   }
   setList(object, "siblingTypes", objectsOf(byNamespace[naming::cppNamespace(owner.package->name)], reference));
   byNamespace.erase(naming::cppNamespace(owner.package->name));
-  setList(object, "foreignNamespaces", objectsOf(byNamespace, [&reference](const auto& each) {
+  setList(object, "foreignNamespaces", objectsOf(byNamespace, [&reference](auto const& each) {
             Data result("namespace", each.first);
             setList(result, "types", objectsOf(each.second, reference));
             return result;
           }));
 }
 
-Data overrideData(const QualifierOverride& override) {
+Data overrideData(QualifierOverride const& override) {
   Data result = propertyData(*override.property);
-  setList(result, "maps", objectsOf(override.maps, [](const Property* map) { return propertyReference(*map); }));
+  setList(result, "maps", objectsOf(override.maps, [](Property const* map) { return propertyReference(*map); }));
   return result;
 }
 
-Data stampData(const Stamp& stamp) {
+Data stampData(Stamp const& stamp) {
   Data result = propertyReference(*stamp.property);
   setNumber(result, "value", stamp.literal->row->value.value);
   result.set("initializer", naming::cppTypeName(*stamp.property->type) + "::" + stamp.literal->name);
   return result;
 }
 
-Data operationData(const Operation& operation, const DataType& owner) {
+Data operationData(Operation const& operation, DataType const& owner) {
   Data result;
   result.set("name", operation.name);
   result.set("qualifiedName", operation.qualifiedName);
@@ -263,7 +263,7 @@ Data operationData(const Operation& operation, const DataType& owner) {
   return result;
 }
 
-Data literalData(const Literal& literal) {
+Data literalData(Literal const& literal) {
   Data result;
   result.set("name", literal.name);
   result.set("qualifiedName", literal.qualifiedName);
@@ -274,7 +274,7 @@ Data literalData(const Literal& literal) {
   return result;
 }
 
-Data nodeData(const PackageNode& node) {
+Data nodeData(PackageNode const& node) {
   Data result;
   result.set("name", node.name);
   result.set("qualifiedName", node.qualifiedName);
@@ -290,7 +290,7 @@ Data nodeData(const PackageNode& node) {
 
 }  // namespace
 
-Data classData(const Class& type, const std::string& root) {
+Data classData(Class const& type, std::string const& root) {
   Data result = typeData(type, root);
   result.set("className", type.name);
   setFact(result, "isAbstract", type.row->abstract);
@@ -299,28 +299,28 @@ Data classData(const Class& type, const std::string& root) {
   result.set("base", type.base == nullptr ? Data(false) : typeReference(*type.base, *type.package));
   result.set("baseCppName", naming::cppBaseTypeName(type));
   setList(result, "bases",
-          objectsOf(type.bases, [&type](const Class* each) { return typeReference(*each, *type.package); }));
+          objectsOf(type.bases, [&type](Class const* each) { return typeReference(*each, *type.package); }));
   setNumber(result, "lastIndex", type.lastIndex);
   setNumber(result, "storageCount", type.lastIndex + 1);
-  setList(result, "properties", ownProperties(type, [](const Property&) { return true; }));
+  setList(result, "properties", ownProperties(type, [](Property const&) { return true; }));
   setList(result, "attributes",
-          ownProperties(type, [](const Property& each) { return !each.isElement() && !each.isMany(); }));
+          ownProperties(type, [](Property const& each) { return !each.isElement() && !each.isMany(); }));
   setList(result, "valueCollections",
-          ownProperties(type, [](const Property& each) { return !each.isElement() && each.isMany(); }));
+          ownProperties(type, [](Property const& each) { return !each.isElement() && each.isMany(); }));
   setList(result, "singleElements",
-          ownProperties(type, [](const Property& each) { return each.isElement() && !each.isMany(); }));
+          ownProperties(type, [](Property const& each) { return each.isElement() && !each.isMany(); }));
   setList(result, "elementCollections",
-          ownProperties(type, [](const Property& each) { return each.isElement() && each.isMany(); }));
+          ownProperties(type, [](Property const& each) { return each.isElement() && each.isMany(); }));
   setList(result, "containments",
-          ownProperties(type, [](const Property& each) { return each.kind == Kind::containment; }));
-  setList(result, "queryables", ownProperties(type, [](const Property& each) { return each.queryable; }));
+          ownProperties(type, [](Property const& each) { return each.kind == Kind::containment; }));
+  setList(result, "queryables", ownProperties(type, [](Property const& each) { return each.queryable; }));
   setList(result, "chainQueryables", propertyList(type.chainQueryable));
   setList(result, "fields", propertyList(type.fields));
   setList(result, "storageSlots", propertyList(type.storageSlots));
   setList(result, "stamps", objectsOf(type.stamps, stampData));
   setList(result, "overrides", objectsOf(type.overrides, overrideData));
   bool needsHelpers = !type.overrides.empty();
-  for (const Property& each : type.properties) {
+  for (Property const& each : type.properties) {
     needsHelpers = needsHelpers || each.virtualSetter || each.scheme == Scheme::elementMap;
   }
   result.set("needsHelpers", needsHelpers);
@@ -328,55 +328,55 @@ Data classData(const Class& type, const std::string& root) {
   return result;
 }
 
-Data dataTypeData(const DataType& type, const std::string& root) {
+Data dataTypeData(DataType const& type, std::string const& root) {
   Data result = typeData(type, root);
   setList(result, "properties", objectsOf(type.properties, propertyData));
   setList(result, "operations",
-          objectsOf(type.operations, [&type](const Operation& each) { return operationData(each, type); }));
-  std::map<std::string, const Type*> enums;
-  for (const Property& each : type.properties) {
+          objectsOf(type.operations, [&type](Operation const& each) { return operationData(each, type); }));
+  std::map<std::string, Type const*> enums;
+  for (Property const& each : type.properties) {
     if (each.type->kind == TypeKind::enumeration) enums.emplace(each.type->qualifiedName, each.type);
   }
   setList(result, "valueTypes",
-          objectsOf(enums, [&type](const auto& each) { return typeReference(*each.second, *type.package); }));
+          objectsOf(enums, [&type](auto const& each) { return typeReference(*each.second, *type.package); }));
   return result;
 }
 
-Data enumData(const Enum& type, const std::string& root) {
+Data enumData(Enum const& type, std::string const& root) {
   Data result = typeData(type, root);
   setList(result, "literals", objectsOf(type.literals, literalData));
   return result;
 }
 
-Data packageData(const Package& package, const std::string& root) {
+Data packageData(Package const& package, std::string const& root) {
   Data result = nodeData(*package.node);
   result.set("folder", package.folder);
   result.set("namespace", naming::cppNamespace(package.name));
   result.set("table", tableName(package.row->file, root));
   result.set("model", modelReference(*package.model, root));
   setDoc(result, package.row->doc);
-  setList(result, "classes", objectsOf(package.classes, [&root](const Class& each) { return classData(each, root); }));
+  setList(result, "classes", objectsOf(package.classes, [&root](Class const& each) { return classData(each, root); }));
   setList(result, "dataTypes",
-          objectsOf(package.dataTypes, [&root](const DataType& each) { return dataTypeData(each, root); }));
-  setList(result, "enums", objectsOf(package.enumOrder, [&root](const Enum* each) { return enumData(*each, root); }));
+          objectsOf(package.dataTypes, [&root](DataType const& each) { return dataTypeData(each, root); }));
+  setList(result, "enums", objectsOf(package.enumOrder, [&root](Enum const* each) { return enumData(*each, root); }));
   result.set("hasMarshaledTypes", !package.dataTypes.empty() || !package.enumOrder.empty());
-  setList(result, "instantiationOrder", objectsOf(package.instantiationOrder, [&root](const Type* each) {
+  setList(result, "instantiationOrder", objectsOf(package.instantiationOrder, [&root](Type const* each) {
             const Class* const type = asClass(each);
             return type != nullptr ? classData(*type, root) : dataTypeData(*asDataType(each), root);
           }));
   setList(result, "keptPrimitives",
-          objectsOf(package.keptPrimitives, [&package](const Type* each) { return typeReference(*each, package); }));
+          objectsOf(package.keptPrimitives, [&package](Type const* each) { return typeReference(*each, package); }));
   return result;
 }
 
-Data modelData(const Model& model, const std::string& root) {
+Data modelData(Model const& model, std::string const& root) {
   Data result = modelReference(model, root);
   setList(result, "imports",
-          objectsOf(model.imports, [&root](const Model* each) { return modelReference(*each, root); }));
+          objectsOf(model.imports, [&root](Model const* each) { return modelReference(*each, root); }));
   setList(result, "packageTree", objectsOf(model.packageTree, nodeData));
   setList(result, "packages",
-          objectsOf(model.packages, [&root](const Package& each) { return packageData(each, root); }));
-  setList(result, "handles", objectsOf(model.handles, [](const Handle& each) {
+          objectsOf(model.packages, [&root](Package const& each) { return packageData(each, root); }));
+  setList(result, "handles", objectsOf(model.handles, [](Handle const& each) {
             Data handle;
             handle.set("slot", each.slot);
             handle.set("type", naming::handleType(each.kind));

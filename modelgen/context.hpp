@@ -14,10 +14,10 @@
 namespace modelgen {
 
 // `root` is the folder below which tables are named in generated files; table names are relative to it.
-Data modelData(const Model& model, const std::string& root);
-Data packageData(const Package& package, const std::string& root);
-Data classData(const Class& type, const std::string& root);
-Data dataTypeData(const DataType& type, const std::string& root);
-Data enumData(const Enum& type, const std::string& root);
+Data modelData(Model const& model, std::string const& root);
+Data packageData(Package const& package, std::string const& root);
+Data classData(Class const& type, std::string const& root);
+Data dataTypeData(DataType const& type, std::string const& root);
+Data enumData(Enum const& type, std::string const& root);
 
 }  // namespace modelgen

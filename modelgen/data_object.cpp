@@ -12,7 +12,7 @@ std::string presenceKey(std::string key) {
 
 }  // namespace
 
-void setList(Data& object, const std::string& key, std::vector<Data> items) {
+void setList(Data& object, std::string const& key, std::vector<Data> items) {
   Data list(Data::type::list);
   for (std::size_t i = 0; i < items.size(); ++i) {
     items[i].set("first", i == 0);
@@ -23,13 +23,13 @@ void setList(Data& object, const std::string& key, std::vector<Data> items) {
   object.set(presenceKey(key), !items.empty());
 }
 
-void setLines(Data& object, const std::string& key, const std::vector<std::string>& lines) {
+void setLines(Data& object, std::string const& key, std::vector<std::string> const& lines) {
   Data list(Data::type::list);
-  for (const std::string& line : lines) list.push_back(line);
+  for (std::string const& line : lines) list.push_back(line);
   object.set(key, list);
   object.set(presenceKey(key), !lines.empty());
 }
 
-void setNumber(Data& object, const std::string& key, long long number) { object.set(key, std::to_string(number)); }
+void setNumber(Data& object, std::string const& key, long long number) { object.set(key, std::to_string(number)); }
 
 }  // namespace modelgen

@@ -14,17 +14,17 @@ namespace modelgen {
 namespace {
 
 template <class Number>
-std::optional<Number> readNumber(const std::string& text) {
+std::optional<Number> readNumber(std::string const& text) {
   Number number{};
-  const char* const end = text.data() + text.size();
-  const auto read = std::from_chars(text.data(), end, number);
+  char const* const end = text.data() + text.size();
+  auto const read = std::from_chars(text.data(), end, number);
   if (read.ec != std::errc() || read.ptr != end) return std::nullopt;
   return number;
 }
 
 template <class Number>
-std::optional<std::string> integer(const std::string& text, const std::string& suffix) {
-  const auto number = readNumber<Number>(text);
+std::optional<std::string> integer(std::string const& text, std::string const& suffix) {
+  auto const number = readNumber<Number>(text);
   if (!number) return std::nullopt;
   // The least number has no literal: a minus sign before its absolute value would overflow first.
   if constexpr (std::is_signed_v<Number>) {
@@ -33,13 +33,13 @@ std::optional<std::string> integer(const std::string& text, const std::string& s
   return std::to_string(*number) + suffix;
 }
 
-std::optional<std::string> real(const std::string& text) {
-  const auto number = readNumber<double>(text);
+std::optional<std::string> real(std::string const& text) {
+  auto const number = readNumber<double>(text);
   if (!number || !std::isfinite(*number)) return std::nullopt;
   return text.find_first_of(".eE") == std::string::npos ? text + ".0" : text;
 }
 
-std::optional<std::string> primitiveInitializer(const std::string& type, const std::string& text) {
+std::optional<std::string> primitiveInitializer(std::string const& type, std::string const& text) {
   if (type == "Boolean") return text == "true" || text == "false" ? std::optional<std::string>(text) : std::nullopt;
   if (type == "Integer") return integer<std::int32_t>(text, "");
   if (type == "Integer64") return integer<std::int64_t>(text, "");
@@ -50,30 +50,30 @@ std::optional<std::string> primitiveInitializer(const std::string& type, const s
   return std::nullopt;
 }
 
-std::string literalName(const Enum& enumeration, const Literal& literal) {
+std::string literalName(Enum const& enumeration, Literal const& literal) {
   return naming::cppTypeName(enumeration) + "::" + literal.name;
 }
 
 }  // namespace
 
-std::optional<std::string> defaultInitializer(const Type& type, const std::string& text) {
+std::optional<std::string> defaultInitializer(Type const& type, std::string const& text) {
   if (type.kind == TypeKind::primitive) return primitiveInitializer(type.name, text);
-  const Enum* const enumeration = asEnum(&type);
-  const Literal* const literal = enumeration == nullptr ? nullptr : findLiteral(*enumeration, text);
+  Enum const* const enumeration = asEnum(&type);
+  Literal const* const literal = enumeration == nullptr ? nullptr : findLiteral(*enumeration, text);
   if (literal == nullptr) return std::nullopt;
   return literalName(*enumeration, *literal);
 }
 
-std::string zeroInitializer(const Type& type) {
-  if (const Enum* const enumeration = asEnum(&type)) return literalName(*enumeration, enumeration->literals.front());
+std::string zeroInitializer(Type const& type) {
+  if (Enum const* const enumeration = asEnum(&type)) return literalName(*enumeration, enumeration->literals.front());
   if (type.kind != TypeKind::primitive || isString(type) || isHostArray(type)) return "";
   return *primitiveInitializer(type.name, type.name == "Boolean" ? "false" : "0");
 }
 
-std::string defaultForm(const Type& type) {
-  if (const Enum* const enumeration = asEnum(&type)) {
+std::string defaultForm(Type const& type) {
+  if (Enum const* const enumeration = asEnum(&type)) {
     std::vector<std::string> names;
-    for (const Literal& each : enumeration->literals) names.push_back(each.name);
+    for (Literal const& each : enumeration->literals) names.push_back(each.name);
     return alternatives(names);
   }
   if (type.kind != TypeKind::primitive || isHostArray(type))

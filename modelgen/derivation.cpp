@@ -14,12 +14,12 @@ namespace {
 
 template <class Range>
 auto byName(Range range) {
-  std::sort(range.begin(), range.end(), [](const auto* a, const auto* b) { return a->name < b->name; });
+  std::sort(range.begin(), range.end(), [](auto const* a, auto const* b) { return a->name < b->name; });
   return range;
 }
 
 // Fields stand in groups, whatever their indexes: values, then single elements, then collections of elements.
-int fieldGroup(const Property& property) {
+int fieldGroup(Property const& property) {
   switch (property.scheme) {
     case Scheme::reference:
     case Scheme::containment:
@@ -46,13 +46,13 @@ class Derivation {
     for (Model& model : m_set.models) deriveKeyedMaps(model);
     for (Model& model : m_set.models) {
       derivePackageTree(model);
-      for (const PackageNode& node : model.packageTree) addHandles(model, node);
+      for (PackageNode const& node : model.packageTree) addHandles(model, node);
     }
   }
 
  private:
   template <class Action>
-  void forEachClass(const Action& action) {
+  void forEachClass(Action const& action) {
     for (Model& model : m_set.models) {
       for (Package& package : model.packages) {
         for (Class& type : package.classes) action(type);
@@ -66,7 +66,7 @@ class Derivation {
   }
 
   template <class Member>
-  static void deriveMember(Member& member, const Type& owner) {
+  static void deriveMember(Member& member, Type const& owner) {
     member.uuid = uuidOf(member.qualifiedName);
     member.slot = naming::memberSlot(*owner.package, owner.name, member.name);
   }
@@ -103,27 +103,27 @@ class Derivation {
   }
 
   // A package keeps handles on those primitive types that have them and that its properties and operations mention.
-  static std::vector<const Type*> keptPrimitives(const Package& package) {
-    std::set<const Type*> used;
-    const auto use = [&used](const Type* type) {
+  static std::vector<Type const*> keptPrimitives(Package const& package) {
+    std::set<Type const*> used;
+    auto const use = [&used](Type const* type) {
       const Primitive* const primitive = asPrimitive(type);
       if (primitive != nullptr && primitive->keepsHandle) used.insert(primitive);
     };
-    for (const Class& type : package.classes) {
-      for (const Property& each : type.properties) use(each.type);
+    for (Class const& type : package.classes) {
+      for (Property const& each : type.properties) use(each.type);
     }
-    for (const DataType& type : package.dataTypes) {
-      for (const Property& each : type.properties) use(each.type);
-      for (const Operation& each : type.operations) use(each.type);
+    for (DataType const& type : package.dataTypes) {
+      for (Property const& each : type.properties) use(each.type);
+      for (Operation const& each : type.operations) use(each.type);
     }
-    return byName(std::vector<const Type*>(used.begin(), used.end()));
+    return byName(std::vector<Type const*>(used.begin(), used.end()));
   }
 
   static void deriveChain(Class& type) {
-    for (const Class* each = type.base; each != nullptr; each = each->base) type.bases.push_back(each);
+    for (Class const* each = type.base; each != nullptr; each = each->base) type.bases.push_back(each);
     std::reverse(type.bases.begin(), type.bases.end());
-    for (const Class* each : type.bases) {
-      for (const Property& property : each->properties) {
+    for (Class const* each : type.bases) {
+      for (Property const& property : each->properties) {
         type.lastIndex += property.isDerived() ? 0 : 1;
         if (property.queryable) type.chainQueryable.push_back(&property);
       }
@@ -134,8 +134,8 @@ class Derivation {
       type.fields.push_back(&property);
     }
     std::stable_sort(type.fields.begin(), type.fields.end(),
-                     [](const Property* a, const Property* b) { return fieldGroup(*a) < fieldGroup(*b); });
-    for (const Property* each : type.fields) {
+                     [](Property const* a, Property const* b) { return fieldGroup(*a) < fieldGroup(*b); });
+    for (Property const* each : type.fields) {
       if (!each->isDerived()) type.storageSlots.push_back(each);
     }
   }
@@ -144,12 +144,12 @@ class Derivation {
   // The setter of a key follows its element into whatever map of that key it lies in. It does so itself once a map can
   // hold any element that has the key; where only elements of subclasses lie in maps, these wrap it.
   static void deriveKeyedMaps(Model& model) {
-    std::vector<const Property*> maps;
-    for (const Package& package : model.packages) {
-      for (const Type* owner : package.instantiationOrder) {
-        const Class* const type = asClass(owner);
+    std::vector<Property const*> maps;
+    for (Package const& package : model.packages) {
+      for (Type const* owner : package.instantiationOrder) {
+        Class const* const type = asClass(owner);
         if (type == nullptr) continue;
-        for (const Property& each : type->properties) {
+        for (Property const& each : type->properties) {
           if (each.scheme == Scheme::elementMap) maps.push_back(&each);
         }
       }
@@ -161,21 +161,21 @@ class Derivation {
     }
   }
 
-  static std::vector<const Property*> mapsKeyedBy(const Property& key, const std::vector<const Property*>& maps) {
-    std::vector<const Property*> result;
+  static std::vector<Property const*> mapsKeyedBy(Property const& key, std::vector<Property const*> const& maps) {
+    std::vector<Property const*> result;
     std::copy_if(maps.begin(), maps.end(), std::back_inserter(result),
-                 [&key](const Property* map) { return map->qualifier == &key; });
+                 [&key](Property const* map) { return map->qualifier == &key; });
     return result;
   }
 
-  static void deriveKey(Property& key, const std::vector<const Property*>& maps, Model& model) {
-    const auto holdsAny = [&key](const Property* map) { return map->type == key.owner; };
+  static void deriveKey(Property& key, std::vector<Property const*> const& maps, Model& model) {
+    auto const holdsAny = [&key](Property const* map) { return map->type == key.owner; };
     if (std::any_of(maps.begin(), maps.end(), holdsAny)) {
       key.keyedMaps = maps;
       return;
     }
     key.virtualSetter = !maps.empty();
-    for (const Property* map : maps) {
+    for (Property const* map : maps) {
       for (Package& package : model.packages) {
         for (Class& type : package.classes) {
           if (map->type == &type) overrideFor(type, key).maps.push_back(map);
@@ -184,7 +184,7 @@ class Derivation {
     }
   }
 
-  static QualifierOverride& overrideFor(Class& type, const Property& key) {
+  static QualifierOverride& overrideFor(Class& type, Property const& key) {
     for (QualifierOverride& each : type.overrides) {
       if (each.property == &key) return each;
     }
@@ -194,8 +194,8 @@ class Derivation {
   static void derivePackageTree(Model& model) {
     addNode(model, "");
     std::set<std::string> packages;
-    for (const Package& package : model.packages) packages.insert(package.name);
-    for (const Package& package : model.packages) {
+    for (Package const& package : model.packages) packages.insert(package.name);
+    for (Package const& package : model.packages) {
       for (std::size_t point = package.name.find('.'); point != std::string::npos;
            point = package.name.find('.', point + 1)) {
         const std::string prefix = package.name.substr(0, point);
@@ -210,7 +210,7 @@ class Derivation {
     for (PackageNode& node : model.packageTree) node.parent = parentOf(model, node);
   }
 
-  static PackageNode& addNode(Model& model, const std::string& qualifiedName) {
+  static PackageNode& addNode(Model& model, std::string const& qualifiedName) {
     PackageNode& node = model.packageTree.emplace_back();
     node.qualifiedName = qualifiedName;
     node.name = qualifiedName.substr(qualifiedName.rfind('.') + 1);
@@ -219,38 +219,38 @@ class Derivation {
     return node;
   }
 
-  static const PackageNode* parentOf(const Model& model, const PackageNode& node) {
+  static PackageNode const* parentOf(Model const& model, PackageNode const& node) {
     if (node.qualifiedName.empty()) return nullptr;
     const std::size_t point = node.qualifiedName.rfind('.');
     const std::string above = point == std::string::npos ? "" : node.qualifiedName.substr(0, point);
-    const auto found = std::find_if(model.packageTree.begin(), model.packageTree.end(),
-                                    [&above](const PackageNode& each) { return each.qualifiedName == above; });
+    auto const found = std::find_if(model.packageTree.begin(), model.packageTree.end(),
+                                    [&above](PackageNode const& each) { return each.qualifiedName == above; });
     return &*found;
   }
 
-  static void addHandles(Model& model, const PackageNode& node) {
-    const Package* const package = node.package;
-    const auto add = [&model, package](HandleKind kind, const std::string& slot) {
+  static void addHandles(Model& model, PackageNode const& node) {
+    Package const* const package = node.package;
+    auto const add = [&model, package](HandleKind kind, std::string const& slot) {
       model.handles.push_back({kind, slot, package});
     };
     add(HandleKind::package, node.slot);
     if (package == nullptr) return;
-    for (const Type* type : package->instantiationOrder) {
-      if (const Class* const owner = asClass(type)) {
+    for (Type const* type : package->instantiationOrder) {
+      if (Class const* const owner = asClass(type)) {
         add(HandleKind::classType, type->slot);
-        for (const Property& each : owner->properties) add(HandleKind::property, each.slot);
-      } else if (const DataType* const value = asDataType(type)) {
+        for (Property const& each : owner->properties) add(HandleKind::property, each.slot);
+      } else if (DataType const* const value = asDataType(type)) {
         add(HandleKind::dataType, type->slot);
-        for (const Property& each : value->properties) add(HandleKind::property, each.slot);
-        for (const Operation& each : value->operations) add(HandleKind::operation, each.slot);
+        for (Property const& each : value->properties) add(HandleKind::property, each.slot);
+        for (Operation const& each : value->operations) add(HandleKind::operation, each.slot);
       }
     }
-    for (const Type* type : package->keptPrimitives) {
+    for (Type const* type : package->keptPrimitives) {
       add(HandleKind::primitive, naming::typeSlot(*package, type->name));
     }
-    for (const Enum* type : package->enumOrder) {
+    for (Enum const* type : package->enumOrder) {
       add(HandleKind::enumeration, type->slot);
-      for (const Literal& each : type->literals) add(HandleKind::literal, each.slot);
+      for (Literal const& each : type->literals) add(HandleKind::literal, each.slot);
     }
   }
 

@@ -15,7 +15,7 @@ struct Position {
   int line = 0;
   int column = 0;
 
-  bool operator<(const Position& other) const {
+  bool operator<(Position const& other) const {
     return std::tie(file, line, column) < std::tie(other.file, other.line, other.column);
   }
 };
@@ -26,12 +26,12 @@ struct Diagnostic {
 };
 
 // Writes "file:line:column: text", without a line end.
-std::ostream& operator<<(std::ostream& stream, const Diagnostic& diagnostic);
+std::ostream& operator<<(std::ostream& stream, Diagnostic const& diagnostic);
 
 class Diagnostics {
  public:
   // Both texts are parts of one sentence: "<wrong>, expected <expected>".
-  void report(const Position& at, const std::string& wrong, const std::string& expected);
+  void report(Position const& at, std::string const& wrong, std::string const& expected);
 
   bool empty() const { return m_all.empty(); }
 
@@ -43,6 +43,6 @@ class Diagnostics {
 };
 
 // "a, b or c"
-std::string alternatives(const std::vector<std::string>& words);
+std::string alternatives(std::vector<std::string> const& words);
 
 }  // namespace modelgen

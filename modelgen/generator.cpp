@@ -18,21 +18,21 @@
 namespace modelgen {
 namespace {
 
-ExitStatus refuse(const Diagnostics& diagnostics, std::ostream& err) {
-  for (const Diagnostic& each : diagnostics.sorted()) err << each << '\n';
+ExitStatus refuse(Diagnostics const& diagnostics, std::ostream& err) {
+  for (Diagnostic const& each : diagnostics.sorted()) err << each << '\n';
   return ExitStatus::refused;
 }
 
-std::string rootOf(const Options& options) {
-  const auto modelFolder = std::filesystem::path(options.model).parent_path();
-  const auto root = options.root.empty() ? modelFolder / ".." : std::filesystem::path(options.root);
+std::string rootOf(Options const& options) {
+  auto const modelFolder = std::filesystem::path(options.model).parent_path();
+  auto const root = options.root.empty() ? modelFolder / ".." : std::filesystem::path(options.root);
   return root.lexically_normal().generic_string();
 }
 
 // Escapes what separates names in a makefile.
-std::string escapedForMake(const std::string& path) {
+std::string escapedForMake(std::string const& path) {
   std::string result;
-  for (const char c : path) {
+  for (char const c : path) {
     if (c == ' ' || c == '#') result += '\\';
     if (c == '$') result += '$';
     result += c;
@@ -40,33 +40,33 @@ std::string escapedForMake(const std::string& path) {
   return result;
 }
 
-void writeDepfile(const Options& options, const std::vector<OutputFile>& files,
-                  const std::vector<std::string>& filesRead) {
+void writeDepfile(Options const& options, std::vector<OutputFile> const& files,
+                  std::vector<std::string> const& filesRead) {
   std::string text;
-  for (const OutputFile& each : files) text += escapedForMake(options.out + "/" + each.path) + " ";
+  for (OutputFile const& each : files) text += escapedForMake(options.out + "/" + each.path) + " ";
   text += ":";
-  for (const std::string& each : filesRead) text += " \\\n  " + escapedForMake(each);
+  for (std::string const& each : filesRead) text += " \\\n  " + escapedForMake(each);
   writeIfChanged(options.depfile, text + '\n');
 }
 
-const char* describe(Difference::Kind kind) {
+char const* describe(Difference::Kind kind) {
   if (kind == Difference::Kind::missing) return "missing";
   return kind == Difference::Kind::changed ? "changed" : "stale";
 }
 
-ExitStatus checkFolder(const OutputFolder& folder, const std::vector<OutputFile>& files, std::ostream& out) {
+ExitStatus checkFolder(OutputFolder const& folder, std::vector<OutputFile> const& files, std::ostream& out) {
   const std::vector<Difference> differences = folder.compare(files);
-  for (const Difference& each : differences) out << describe(each.kind) << ' ' << each.path << '\n';
+  for (Difference const& each : differences) out << describe(each.kind) << ' ' << each.path << '\n';
   return differences.empty() ? ExitStatus::done : ExitStatus::outOfDate;
 }
 
-ExitStatus runChecked(const Options& options, std::ostream& out, std::ostream& err) {
+ExitStatus runChecked(Options const& options, std::ostream& out, std::ostream& err) {
   Diagnostics diagnostics;
   std::vector<std::string> filesRead;
   ModelSet set;
   loadModels(options, set, diagnostics, filesRead);
   if (!diagnostics.empty()) return refuse(diagnostics, err);
-  const Model& model = set.generated();
+  Model const& model = set.generated();
   if (options.mode == Mode::summary) {
     writeSummary(model, out);
     return ExitStatus::done;
@@ -75,12 +75,12 @@ ExitStatus runChecked(const Options& options, std::ostream& out, std::ostream& e
   const std::vector<PlanRow> plan = readPlan(options.templates, diagnostics);
   if (!diagnostics.empty()) return refuse(diagnostics, err);
   TemplateSet templates(options.templates, diagnostics);
-  const bool withText = options.mode != Mode::listOutputs;
-  const auto files = renderPlan(plan, model, rootOf(options), withText, templates, diagnostics);
+  bool const withText = options.mode != Mode::listOutputs;
+  auto const files = renderPlan(plan, model, rootOf(options), withText, templates, diagnostics);
   if (!diagnostics.empty()) return refuse(diagnostics, err);
 
   if (options.mode == Mode::listOutputs) {
-    for (const OutputFile& each : files) out << each.path << '\n';
+    for (OutputFile const& each : files) out << each.path << '\n';
     return ExitStatus::done;
   }
   const OutputFolder folder(options.out, model.name);
@@ -88,7 +88,7 @@ ExitStatus runChecked(const Options& options, std::ostream& out, std::ostream& e
   folder.write(files);
   if (!options.depfile.empty()) {
     filesRead.push_back(options.templates + "/outputs.yaml");
-    for (const std::string& each : templates.filesRead()) filesRead.push_back(each);
+    for (std::string const& each : templates.filesRead()) filesRead.push_back(each);
     writeDepfile(options, files, filesRead);
   }
   return ExitStatus::done;
@@ -96,11 +96,11 @@ ExitStatus runChecked(const Options& options, std::ostream& out, std::ostream& e
 
 }  // namespace
 
-void loadModels(const Options& options, ModelSet& set, Diagnostics& diagnostics, std::vector<std::string>& filesRead) {
+void loadModels(Options const& options, ModelSet& set, Diagnostics& diagnostics, std::vector<std::string>& filesRead) {
   bool complete = true;
   std::vector<std::string> files = options.imports;
   files.push_back(options.model);
-  for (const std::string& file : files) {
+  for (std::string const& file : files) {
     std::optional<ModelRow> row = readModel(file, diagnostics, filesRead);
     complete = complete && row.has_value();
     if (row) set.rows.push_back(std::move(*row));
@@ -108,7 +108,7 @@ void loadModels(const Options& options, ModelSet& set, Diagnostics& diagnostics,
   // Without a whole file every name of it would be reported as unknown, which helps nobody.
   if (!checkPackages(set.rows, diagnostics) || !complete) return;
   linkModels(set, diagnostics);
-  for (const Model& each : set.models) {
+  for (Model const& each : set.models) {
     checkNames(each, diagnostics);
     checkProperties(each, diagnostics);
     checkLinks(each, diagnostics);
@@ -116,10 +116,10 @@ void loadModels(const Options& options, ModelSet& set, Diagnostics& diagnostics,
   if (diagnostics.empty()) deriveModels(set);
 }
 
-ExitStatus run(const Options& options, std::ostream& out, std::ostream& err) {
+ExitStatus run(Options const& options, std::ostream& out, std::ostream& err) {
   try {
     return runChecked(options, out, err);
-  } catch (const std::exception& error) {
+  } catch (std::exception const& error) {
     err << "modelgen: " << error.what() << '\n';
     return ExitStatus::refused;
   }

@@ -27,9 +27,9 @@ enum class ExitStatus { done = 0, outOfDate = 1, refused = 2 };
 
 // Reads, checks and derives the models of a run. Where a problem is found, `set` must not be used. Each file read is
 // appended to `filesRead`.
-void loadModels(const Options& options, ModelSet& set, Diagnostics& diagnostics, std::vector<std::string>& filesRead);
+void loadModels(Options const& options, ModelSet& set, Diagnostics& diagnostics, std::vector<std::string>& filesRead);
 
 // Does what the options ask for. Results go to `out`; refusals and failures to `err`, one line each.
-ExitStatus run(const Options& options, std::ostream& out, std::ostream& err);
+ExitStatus run(Options const& options, std::ostream& out, std::ostream& err);
 
 }  // namespace modelgen

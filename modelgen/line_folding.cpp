@@ -11,17 +11,17 @@ namespace {
 constexpr std::size_t bodyIndent = 2;
 constexpr std::size_t continuationIndent = 4;
 
-std::size_t indentOf(const std::string& line) { return std::min(line.find_first_not_of(' '), line.size()); }
+std::size_t indentOf(std::string const& line) { return std::min(line.find_first_not_of(' '), line.size()); }
 
 bool isWord(char c) { return c == '_' || std::isalnum(static_cast<unsigned char>(c)) != 0; }
 
 // Follows a line of C++ and knows at each character how deep in brackets it stands, and whether in quotes.
 class Scanner {
  public:
-  explicit Scanner(const std::string& line) : m_line(line) {}
+  explicit Scanner(std::string const& line) : m_line(line) {}
 
   void step(std::size_t at) {
-    const char c = m_line[at];
+    char const c = m_line[at];
     if (m_quoted) {
       if (c == '\\') {
         m_escaped = !m_escaped;
@@ -31,11 +31,11 @@ class Scanner {
       m_escaped = false;
       return;
     }
-    const char before = at == 0 ? ' ' : m_line[at - 1];
+    char const before = at == 0 ? ' ' : m_line[at - 1];
     m_quoted = c == '"';
     // An angle bracket is one where it touches the name of a template; it is an operator otherwise.
-    const bool opens = c == '(' || c == '{' || c == '[' || (c == '<' && isWord(before) && !endsInOperator(at));
-    const bool closes = c == ')' || c == '}' || c == ']' || (c == '>' && before != '-' && before != ' ');
+    bool const opens = c == '(' || c == '{' || c == '[' || (c == '<' && isWord(before) && !endsInOperator(at));
+    bool const closes = c == ')' || c == '}' || c == ']' || (c == '>' && before != '-' && before != ' ');
     m_depth += opens ? 1 : closes ? -1 : 0;
   }
 
@@ -48,30 +48,30 @@ class Scanner {
     return at >= word.size() && m_line.compare(at - word.size(), word.size(), word) == 0;
   }
 
-  const std::string& m_line;
+  std::string const& m_line;
   int m_depth = 0;
   bool m_quoted = false;
   bool m_escaped = false;
 };
 
-bool endsWith(const std::string& line, std::size_t end, const std::string& what) {
+bool endsWith(std::string const& line, std::size_t end, std::string const& what) {
   return end >= what.size() && line.compare(end - what.size(), what.size(), what) == 0;
 }
 
 // What a break before the character at `at` costs, the least being best; the scanner stands behind the one before it.
-int costOfBreak(const std::string& line, std::size_t at, const Scanner& scanner) {
+int costOfBreak(std::string const& line, std::size_t at, Scanner const& scanner) {
   constexpr int never = std::numeric_limits<int>::max();
   if (scanner.isQuoted()) return never;
-  const int depth = 2 * scanner.depth();
+  int const depth = 2 * scanner.depth();
   if (line[at - 1] == '(' && line[at] != ')') return depth - 1;
   if (line[at] != ' ') return never;
   if (line[at - 1] == ',' || line.compare(at, 3, " : ") == 0) return depth;
-  const bool behindType = endsWith(line, at, " const&") || endsWith(line, at, ">*");
+  bool const behindType = endsWith(line, at, " const&") || endsWith(line, at, ">*");
   return behindType && isWord(line[at + 1]) ? depth + 1 : never;
 }
 
 // Where to break a line of code; its size where there is no place.
-std::size_t placeToBreak(const std::string& line, std::size_t width) {
+std::size_t placeToBreak(std::string const& line, std::size_t width) {
   Scanner scanner(line);
   int least = std::numeric_limits<int>::max();
   std::size_t best = line.size();
@@ -79,7 +79,7 @@ std::size_t placeToBreak(const std::string& line, std::size_t width) {
   for (std::size_t at = 0; at < std::min(line.size() - 1, width + 1); ++at) {
     if (!scanner.isQuoted() && line.compare(at, 2, "//") == 0) break;
     if (at > indent) {
-      const int cost = costOfBreak(line, at, scanner);
+      int const cost = costOfBreak(line, at, scanner);
       if (cost < std::numeric_limits<int>::max() && cost <= least) {
         least = cost;
         best = at;
@@ -91,11 +91,11 @@ std::size_t placeToBreak(const std::string& line, std::size_t width) {
 }
 
 // Where " { body }" begins in the one-line definition of a function; its size where the line is none.
-std::size_t bodyStart(const std::string& line) {
+std::size_t bodyStart(std::string const& line) {
   if (!endsWith(line, line.size(), "; }")) return line.size();
   Scanner scanner(line);
   for (std::size_t at = 0; at + 2 < line.size(); ++at) {
-    const bool behindHead = endsWith(line, at, ")") || endsWith(line, at, "const") || endsWith(line, at, "noexcept");
+    bool const behindHead = endsWith(line, at, ")") || endsWith(line, at, "const") || endsWith(line, at, "noexcept");
     if (scanner.depth() == 0 && !scanner.isQuoted() && behindHead && line.compare(at, 3, " { ") == 0) return at;
     scanner.step(at);
   }
@@ -106,7 +106,7 @@ class Folder {
  public:
   explicit Folder(std::size_t width) : m_width(width) {}
 
-  void fold(const std::string& line) {
+  void fold(std::string const& line) {
     const std::size_t indent = indentOf(line);
     if (line.size() <= m_width || line[indent] == '#') {
       m_result += line + '\n';
@@ -153,7 +153,7 @@ class Folder {
 
 }  // namespace
 
-std::string foldLongLines(const std::string& source, std::size_t width) {
+std::string foldLongLines(std::string const& source, std::size_t width) {
   Folder folder(width);
   std::istringstream lines(source);
   for (std::string line; std::getline(lines, line);) folder.fold(line);

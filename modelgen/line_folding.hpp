@@ -11,6 +11,6 @@ namespace modelgen {
 // function gives, or before the colon of bases and initializers, the outermost place that fits, and go on four columns
 // further in. A line of comment breaks at spaces. Preprocessor lines, texts in quotes and comments behind code stay
 // whole. The same source always gives the same result.
-std::string foldLongLines(const std::string& source, std::size_t width);
+std::string foldLongLines(std::string const& source, std::size_t width);
 
 }  // namespace modelgen

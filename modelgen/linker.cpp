@@ -8,14 +8,14 @@
 namespace modelgen {
 namespace {
 
-constexpr const char* rootClass = "plinth.ModelElement";
+constexpr char const* rootClass = "plinth.ModelElement";
 
 class Linker {
  public:
   Linker(ModelSet& set, Diagnostics& diagnostics) : m_set(set), m_diagnostics(diagnostics) {}
 
   void run() {
-    for (const ModelRow& row : m_set.rows) addModel(row);
+    for (ModelRow const& row : m_set.rows) addModel(row);
     forEachClass([this](Class& each) { linkBase(each); });
     forEachClass([this](Class& each) { cutCycle(each); });
     for (Model& model : m_set.models) linkTypes(model);
@@ -24,7 +24,7 @@ class Linker {
 
  private:
   template <class Action>
-  void forEachClass(const Action& action) {
+  void forEachClass(Action const& action) {
     for (Model& model : m_set.models) {
       for (Package& package : model.packages) {
         for (Class& each : package.classes) action(each);
@@ -32,11 +32,11 @@ class Linker {
     }
   }
 
-  void addModel(const ModelRow& row) {
-    std::vector<const Model*> imports;
-    for (const Text& name : row.imports) {
-      const auto found = std::find_if(m_set.models.begin(), m_set.models.end(),
-                                      [&name](const Model& model) { return model.name == name.value; });
+  void addModel(ModelRow const& row) {
+    std::vector<Model const*> imports;
+    for (Text const& name : row.imports) {
+      auto const found = std::find_if(m_set.models.begin(), m_set.models.end(),
+                                      [&name](Model const& model) { return model.name == name.value; });
       if (found == m_set.models.end()) {
         m_diagnostics.report(name.at, "unknown import '" + name.value + "'",
                              "a model given with --import, before each one that imports it");
@@ -49,41 +49,41 @@ class Linker {
     model.name = row.name.value;
     model.include = row.include.value;
     model.imports = imports;
-    for (const PackageRow& package : row.packages) addPackage(model, package);
+    for (PackageRow const& package : row.packages) addPackage(model, package);
   }
 
-  void addPackage(Model& model, const PackageRow& row) {
+  void addPackage(Model& model, PackageRow const& row) {
     Package& package = model.packages.emplace_back();
     package.row = &row;
     package.model = &model;
     package.name = row.name.value;
     package.folder = row.folder.value;
-    for (const ClassRow& each : row.classes) {
+    for (ClassRow const& each : row.classes) {
       Class& added = package.classes.emplace_back();
       added.row = &each;
       addType(added, TypeKind::classType, package, each.name, each.doc);
-      for (const PropertyRow& property : each.properties) addProperty(added.properties, added, property);
+      for (PropertyRow const& property : each.properties) addProperty(added.properties, added, property);
     }
-    for (const DataTypeRow& each : row.dataTypes) {
+    for (DataTypeRow const& each : row.dataTypes) {
       DataType& added = package.dataTypes.emplace_back();
       added.row = &each;
       addType(added, TypeKind::dataType, package, each.name, each.doc);
-      for (const PropertyRow& property : each.properties) addProperty(added.properties, added, property);
-      for (const OperationRow& operation : each.operations) {
+      for (PropertyRow const& property : each.properties) addProperty(added.properties, added, property);
+      for (OperationRow const& operation : each.operations) {
         addMember(added.operations, added, operation);
       }
     }
-    for (const EnumRow& each : row.enums) {
+    for (EnumRow const& each : row.enums) {
       Enum& added = package.enums.emplace_back();
       added.row = &each;
       addType(added, TypeKind::enumeration, package, each.name, each.doc);
-      for (const LiteralRow& literal : each.literals) {
+      for (LiteralRow const& literal : each.literals) {
         addMember(added.literals, added, literal);
       }
     }
   }
 
-  void addType(Type& type, TypeKind kind, const Package& package, const Text& name, const Text& doc) {
+  void addType(Type& type, TypeKind kind, Package const& package, Text const& name, Text const& doc) {
     type.kind = kind;
     type.name = name.value;
     type.qualifiedName = package.name + "." + name.value;
@@ -93,7 +93,7 @@ class Linker {
   }
 
   template <class Member, class Row>
-  static Member& addMember(std::deque<Member>& members, const Type& owner, const Row& row) {
+  static Member& addMember(std::deque<Member>& members, Type const& owner, Row const& row) {
     Member& member = members.emplace_back();
     member.row = &row;
     member.name = row.name.value;
@@ -101,44 +101,44 @@ class Linker {
     return member;
   }
 
-  static void addProperty(std::deque<Property>& properties, const Type& owner, const PropertyRow& row) {
+  static void addProperty(std::deque<Property>& properties, Type const& owner, PropertyRow const& row) {
     Property& property = addMember(properties, owner, row);
     property.owner = &owner;
     property.shape = row.shape.value;
     property.kind = row.kind.value;
   }
 
-  static bool sees(const Model& model, const Type& type) {
-    const auto& imports = model.imports;
+  static bool sees(Model const& model, Type const& type) {
+    auto const& imports = model.imports;
     return type.package->model == &model ||
            std::find(imports.begin(), imports.end(), type.package->model) != imports.end();
   }
 
   // The type that `name` means inside `from`; null where there is none or its model is not imported.
-  const Type* findType(const std::string& name, const Package& from) const {
-    if (const Type* const primitive = findPrimitive(name)) return primitive;
-    const bool dotted = name.find('.') != std::string::npos;
-    const auto found = m_set.types.find(dotted ? name : from.name + "." + name);
+  Type const* findType(std::string const& name, Package const& from) const {
+    if (Type const* const primitive = findPrimitive(name)) return primitive;
+    bool const dotted = name.find('.') != std::string::npos;
+    auto const found = m_set.types.find(dotted ? name : from.name + "." + name);
     return found != m_set.types.end() && sees(*from.model, *found->second) ? found->second : nullptr;
   }
 
   // What to write instead of an unknown name: the import that is missing, or the dotted names of the types that are
   // called so elsewhere.
-  std::string suggestion(const std::string& name, const Package& from, const std::string& otherwise) const {
-    const auto hidden = m_set.types.find(name);
+  std::string suggestion(std::string const& name, Package const& from, std::string const& otherwise) const {
+    auto const hidden = m_set.types.find(name);
     if (hidden != m_set.types.end() && !sees(*from.model, *hidden->second)) {
       return "'" + hidden->second->package->model->name + "' among the imports of '" + from.model->name + "'";
     }
     std::vector<std::string> names;
-    for (const auto& [qualifiedName, type] : m_set.types) {
+    for (auto const& [qualifiedName, type] : m_set.types) {
       if (type->name == name && sees(*from.model, *type)) names.push_back("'" + qualifiedName + "'");
     }
     return names.empty() ? otherwise : alternatives(names);
   }
 
-  const Type* resolveType(const Text& name, const Package& from) {
+  Type const* resolveType(Text const& name, Package const& from) {
     if (name.value.empty()) return nullptr;
-    const Type* const type = findType(name.value, from);
+    Type const* const type = findType(name.value, from);
     if (type == nullptr) {
       m_diagnostics.report(name.at, "unknown type '" + name.value + "'",
                            suggestion(name.value, from,
@@ -149,7 +149,7 @@ class Linker {
   }
 
   void linkBase(Class& type) {
-    const Text& name = type.row->base;
+    Text const& name = type.row->base;
     if (name.value == rootClass) return;
     type.base = name.value.empty() ? nullptr : asClass(findType(name.value, *type.package));
     type.baseKnown = type.base != nullptr;
@@ -162,9 +162,9 @@ class Linker {
 
   // Breaks a cycle of bases at the first of its classes, so that every later walk along a chain ends.
   void cutCycle(Class& type) {
-    std::set<const Class*> seen;
+    std::set<Class const*> seen;
     std::string path = type.name;
-    for (const Class* each = type.base; each != nullptr && seen.insert(each).second; each = each->base) {
+    for (Class const* each = type.base; each != nullptr && seen.insert(each).second; each = each->base) {
       path += " -> " + each->name;
       if (each != &type) continue;
       m_diagnostics.report(type.row->base.at, "cycle of bases " + path,
@@ -187,8 +187,8 @@ class Linker {
     }
   }
 
-  static bool chainKnown(const Class& type) {
-    for (const Class* each = &type; each != nullptr; each = each->base) {
+  static bool chainKnown(Class const& type) {
+    for (Class const* each = &type; each != nullptr; each = each->base) {
       if (!each->baseKnown) return false;
     }
     return true;
@@ -203,9 +203,9 @@ class Linker {
     if (chainKnown(owner)) linkStamps(owner);
   }
 
-  void linkSource(Property& view, const Class& owner) {
-    const Text& name = *view.row->derived;
-    const Property* const found = findProperty(owner, name.value);
+  void linkSource(Property& view, Class const& owner) {
+    Text const& name = *view.row->derived;
+    Property const* const found = findProperty(owner, name.value);
     if (found != nullptr && found->owner == &owner) {
       view.source = found;
     } else {
@@ -214,13 +214,13 @@ class Linker {
     }
   }
 
-  void linkOpposite(Property& property, const Package& from) {
-    const Text& text = *property.row->opposite;
+  void linkOpposite(Property& property, Package const& from) {
+    Text const& text = *property.row->opposite;
     const std::size_t point = text.value.rfind('.');
-    const Type* type = nullptr;
+    Type const* type = nullptr;
     if (point != std::string::npos) type = findType(text.value.substr(0, point), from);
-    const Class* const owner = asClass(type);
-    const Property* const found = owner == nullptr ? nullptr : findProperty(*owner, text.value.substr(point + 1));
+    Class const* const owner = asClass(type);
+    Property const* const found = owner == nullptr ? nullptr : findProperty(*owner, text.value.substr(point + 1));
     if (found != nullptr && found->owner == owner) {
       property.opposite = found;
     } else {
@@ -230,10 +230,10 @@ class Linker {
   }
 
   void linkQualifier(Property& map) {
-    const Type* const element = map.type;
+    Type const* const element = map.type;
     if (element == nullptr) return;
-    if (const Class* const type = asClass(element); type != nullptr && !chainKnown(*type)) return;
-    const Text& name = *map.row->qualifier;
+    if (Class const* const type = asClass(element); type != nullptr && !chainKnown(*type)) return;
+    Text const& name = *map.row->qualifier;
     map.qualifier = findProperty(*element, name.value);
     if (map.qualifier == nullptr) {
       m_diagnostics.report(name.at, "no qualifier '" + name.value + "' in " + describe(*element),
@@ -242,16 +242,16 @@ class Linker {
   }
 
   void linkStamps(Class& owner) {
-    for (const auto& [name, literalName] : owner.row->stamps) {
-      const Property* const property = owner.base == nullptr ? nullptr : findProperty(*owner.base, name.value);
+    for (auto const& [name, literalName] : owner.row->stamps) {
+      Property const* const property = owner.base == nullptr ? nullptr : findProperty(*owner.base, name.value);
       if (property != nullptr && property->type == nullptr) continue;
-      const Enum* const enumeration = property == nullptr ? nullptr : asEnum(property->type);
+      Enum const* const enumeration = property == nullptr ? nullptr : asEnum(property->type);
       if (enumeration == nullptr || property->shape != Shape::single) {
         m_diagnostics.report(name.at, "stamp of '" + name.value + "' in '" + owner.name + "'",
                              "an inherited single property whose type is an enumeration");
         continue;
       }
-      const Literal* const literal = findLiteral(*enumeration, literalName.value);
+      Literal const* const literal = findLiteral(*enumeration, literalName.value);
       if (literal == nullptr) {
         m_diagnostics.report(literalName.at, "unknown literal '" + literalName.value + "'",
                              "a literal of " + describe(*enumeration));

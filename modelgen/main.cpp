@@ -32,8 +32,8 @@ int runCommandLine(int argc, char** argv) {
   if (check->count() != 0) options.mode = modelgen::Mode::check;
   if (list->count() != 0) options.mode = modelgen::Mode::listOutputs;
   if (summary->count() != 0) options.mode = modelgen::Mode::summary;
-  const bool needsTemplates = options.mode != modelgen::Mode::summary;
-  const bool needsFolder = needsTemplates && options.mode != modelgen::Mode::listOutputs;
+  bool const needsTemplates = options.mode != modelgen::Mode::summary;
+  bool const needsFolder = needsTemplates && options.mode != modelgen::Mode::listOutputs;
   if ((needsTemplates && options.templates.empty()) || (needsFolder && options.out.empty())) {
     std::cerr << "modelgen: --templates and --out are needed to write or check\n";
     return static_cast<int>(modelgen::ExitStatus::refused);
@@ -46,7 +46,7 @@ int runCommandLine(int argc, char** argv) {
 int main(int argc, char** argv) {
   try {
     return runCommandLine(argc, argv);
-  } catch (const std::exception& error) {
+  } catch (std::exception const& error) {
     std::fprintf(stderr, "modelgen: %s\n", error.what());
     return static_cast<int>(modelgen::ExitStatus::refused);
   }

@@ -24,10 +24,10 @@ struct Type {
   TypeKind kind = TypeKind::primitive;
   std::string name;
   std::string qualifiedName;         // for a primitive, its plain name
-  const Package* package = nullptr;  // null for a primitive
+  Package const* package = nullptr;  // null for a primitive
   boost::uuids::uuid uuid{};
   std::string slot;  // member of the meta package that holds the handle; empty for a primitive
-  const Text* doc = nullptr;
+  Text const* doc = nullptr;
 };
 
 // How a property is stored and handled: each value is one kind of property of the element frame.
@@ -45,14 +45,14 @@ enum class Scheme {
 };
 
 struct Property {
-  const PropertyRow* row = nullptr;
-  const Type* owner = nullptr;  // a class or a datatype
+  PropertyRow const* row = nullptr;
+  Type const* owner = nullptr;  // a class or a datatype
   std::string name;
   std::string qualifiedName;
-  const Type* type = nullptr;
-  const Property* source = nullptr;     // of a derived view: the collection that it narrows
-  const Property* opposite = nullptr;   // the other end of a two-way reference
-  const Property* qualifier = nullptr;  // of a map: the property of the element that gives the key
+  Type const* type = nullptr;
+  Property const* source = nullptr;     // of a derived view: the collection that it narrows
+  Property const* opposite = nullptr;   // the other end of a two-way reference
+  Property const* qualifier = nullptr;  // of a map: the property of the element that gives the key
 
   Shape shape = Shape::single;
   Kind kind = Kind::attribute;
@@ -63,7 +63,7 @@ struct Property {
   bool queryable = false;
   // As a qualifier whose setter keeps its maps sound: these maps, in package order, then class name. At least one of
   // them holds elements of the very class that declares this property.
-  std::vector<const Property*> keyedMaps;
+  std::vector<Property const*> keyedMaps;
   // As a qualifier of maps of derived classes only: those classes wrap the setter, see their QualifierOverride.
   bool virtualSetter = false;
   boost::uuids::uuid uuid{};
@@ -75,16 +75,16 @@ struct Property {
 };
 
 struct Operation {
-  const OperationRow* row = nullptr;
+  OperationRow const* row = nullptr;
   std::string name;
   std::string qualifiedName;
-  const Type* type = nullptr;
+  Type const* type = nullptr;
   boost::uuids::uuid uuid{};
   std::string slot;
 };
 
 struct Literal {
-  const LiteralRow* row = nullptr;
+  LiteralRow const* row = nullptr;
   std::string name;
   std::string qualifiedName;
   boost::uuids::uuid uuid{};
@@ -92,40 +92,40 @@ struct Literal {
 };
 
 struct Enum : Type {
-  const EnumRow* row = nullptr;
+  EnumRow const* row = nullptr;
   std::deque<Literal> literals;
 };
 
 struct DataType : Type {
-  const DataTypeRow* row = nullptr;
+  DataTypeRow const* row = nullptr;
   std::deque<Property> properties;
   std::deque<Operation> operations;
 };
 
 // An inherited qualifier whose setter a class wraps, as its elements lie in maps of their own.
 struct QualifierOverride {
-  const Property* property = nullptr;
-  std::vector<const Property*> maps;
+  Property const* property = nullptr;
+  std::vector<Property const*> maps;
 };
 
 // An inherited enumeration property that a class gives a default of its own.
 struct Stamp {
-  const Property* property = nullptr;
-  const Literal* literal = nullptr;
+  Property const* property = nullptr;
+  Literal const* literal = nullptr;
 };
 
 struct Class : Type {
-  const ClassRow* row = nullptr;
-  const Class* base = nullptr;  // null for a class directly below plinth.ModelElement
+  ClassRow const* row = nullptr;
+  Class const* base = nullptr;  // null for a class directly below plinth.ModelElement
   bool baseKnown = true;        // false once the base could not be resolved: the chain is then cut here
   std::deque<Property> properties;
   std::vector<Stamp> stamps;
 
-  std::vector<const Class*> bases;              // root first, without the class itself
+  std::vector<Class const*> bases;              // root first, without the class itself
   int lastIndex = 0;                            // along the chain
-  std::vector<const Property*> fields;          // attributes, single elements, element collections
-  std::vector<const Property*> storageSlots;    // the fields that keep old values: all but derived views
-  std::vector<const Property*> chainQueryable;  // inherited ones first, root first
+  std::vector<Property const*> fields;          // attributes, single elements, element collections
+  std::vector<Property const*> storageSlots;    // the fields that keep old values: all but derived views
+  std::vector<Property const*> chainQueryable;  // inherited ones first, root first
   std::vector<QualifierOverride> overrides;
 };
 
@@ -135,23 +135,23 @@ struct PackageNode {
   std::string name;
   std::string uri;
   std::string slot;
-  const PackageNode* parent = nullptr;
-  const Package* package = nullptr;  // null for the root and for a namespace
+  PackageNode const* parent = nullptr;
+  Package const* package = nullptr;  // null for the root and for a namespace
 };
 
 struct Package {
-  const PackageRow* row = nullptr;
-  const Model* model = nullptr;
+  PackageRow const* row = nullptr;
+  Model const* model = nullptr;
   std::string name;
   std::string folder;
   std::deque<Class> classes;
   std::deque<DataType> dataTypes;
   std::deque<Enum> enums;
 
-  const PackageNode* node = nullptr;
-  std::vector<const Type*> instantiationOrder;  // classes and datatypes, mixed, by simple name
-  std::vector<const Enum*> enumOrder;           // by simple name
-  std::vector<const Type*> keptPrimitives;      // primitives whose handles the package keeps
+  PackageNode const* node = nullptr;
+  std::vector<Type const*> instantiationOrder;  // classes and datatypes, mixed, by simple name
+  std::vector<Enum const*> enumOrder;           // by simple name
+  std::vector<Type const*> keptPrimitives;      // primitives whose handles the package keeps
 };
 
 enum class HandleKind { package, classType, dataType, enumeration, literal, property, operation, primitive };
@@ -160,14 +160,14 @@ enum class HandleKind { package, classType, dataType, enumeration, literal, prop
 struct Handle {
   HandleKind kind = HandleKind::package;
   std::string slot;
-  const Package* package = nullptr;  // null for the root and for a namespace
+  Package const* package = nullptr;  // null for the root and for a namespace
 };
 
 struct Model {
-  const ModelRow* row = nullptr;
+  ModelRow const* row = nullptr;
   std::string name;
   std::string include;
-  std::vector<const Model*> imports;
+  std::vector<Model const*> imports;
   std::deque<Package> packages;
 
   boost::uuids::uuid uuid{};
@@ -178,33 +178,33 @@ struct Model {
 class ModelSet {
  public:
   ModelSet() = default;
-  ModelSet(const ModelSet&) = delete;
-  ModelSet& operator=(const ModelSet&) = delete;
+  ModelSet(ModelSet const&) = delete;
+  ModelSet& operator=(ModelSet const&) = delete;
 
   std::deque<ModelRow> rows;
   std::deque<Model> models;            // the imported ones in the order given, the generated one last
   std::map<std::string, Type*> types;  // all but primitives, by qualified name
 
-  const Model& generated() const { return models.back(); }
+  Model const& generated() const { return models.back(); }
 };
 
 // Null where `type` is null or of another kind.
-const Class* asClass(const Type* type);
-const DataType* asDataType(const Type* type);
-const Enum* asEnum(const Type* type);
+Class const* asClass(Type const* type);
+DataType const* asDataType(Type const* type);
+Enum const* asEnum(Type const* type);
 
 // The place of the property among those that its owner declares, from 0.
-int positionAmongSiblings(const Property& property);
+int positionAmongSiblings(Property const& property);
 
 // True where `derived` is `base` or has it somewhere above.
-bool conformsTo(const Class& derived, const Class& base);
+bool conformsTo(Class const& derived, Class const& base);
 
 // The property of that name in the class or above it, or the datatype's own; null where there is none.
-const Property* findProperty(const Type& owner, const std::string& name);
+Property const* findProperty(Type const& owner, std::string const& name);
 
-const Literal* findLiteral(const Enum& enumeration, const std::string& name);
+Literal const* findLiteral(Enum const& enumeration, std::string const& name);
 
 // "the class", "the datatype", "the enumeration", "the primitive type", followed by the name in quotes.
-std::string describe(const Type& type);
+std::string describe(Type const& type);
 
 }  // namespace modelgen

@@ -9,25 +9,25 @@
 namespace modelgen::naming {
 namespace {
 
-constexpr const char* schemaHost = "https://schema.tessel.invalid";
+constexpr char const* schemaHost = "https://schema.tessel.invalid";
 
 bool isUpper(char c) { return c >= 'A' && c <= 'Z'; }
 bool isLower(char c) { return c >= 'a' && c <= 'z'; }
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 bool isAlphanumeric(char c) { return isUpper(c) || isLower(c) || isDigit(c); }
 
-bool allAlphanumeric(const std::string& name) { return std::all_of(name.begin(), name.end(), isAlphanumeric); }
+bool allAlphanumeric(std::string const& name) { return std::all_of(name.begin(), name.end(), isAlphanumeric); }
 
 // Words of one case, joined by single underscores; the first begins with a letter.
-bool isSnake(const std::string& name, bool (*isLetter)(char)) {
+bool isSnake(std::string const& name, bool (*isLetter)(char)) {
   if (name.empty() || !isLetter(name.front()) || name.back() == '_') return false;
   if (name.find("__") != std::string::npos) return false;
   return std::all_of(name.begin(), name.end(), [isLetter](char c) { return isLetter(c) || isDigit(c) || c == '_'; });
 }
 
-std::string replaceAll(const std::string& text, char from, const std::string& to) {
+std::string replaceAll(std::string const& text, char from, std::string const& to) {
   std::string result;
-  for (const char c : text) {
+  for (char const c : text) {
     if (c == from) {
       result += to;
     } else {
@@ -37,7 +37,7 @@ std::string replaceAll(const std::string& text, char from, const std::string& to
   return result;
 }
 
-std::vector<std::string> componentsOf(const std::string& package) {
+std::vector<std::string> componentsOf(std::string const& package) {
   std::vector<std::string> result;
   std::size_t start = 0;
   for (std::size_t point = package.find('.'); point != std::string::npos; point = package.find('.', start)) {
@@ -58,39 +58,39 @@ std::string withUpperFirst(std::string name) {
   return name;
 }
 
-std::string elementCollectionType(const Property& property) {
-  const char* const collection = property.shape == Shape::sequence ? "ElementSequence" : "UnorderedElementSet";
+std::string elementCollectionType(Property const& property) {
+  char const* const collection = property.shape == Shape::sequence ? "ElementSequence" : "UnorderedElementSet";
   return "plinth::" + std::string(collection) + "<" + cppTypeName(*property.type) + ">";
 }
 
-std::string valueCollectionType(const Property& property) {
-  const char* const collection = property.shape == Shape::sequence ? "PrimitiveSequence" : "PrimitiveSet";
+std::string valueCollectionType(Property const& property) {
+  char const* const collection = property.shape == Shape::sequence ? "PrimitiveSequence" : "PrimitiveSet";
   return "plinth::" + std::string(collection) + "<" + cppTypeName(*property.type) + ">";
 }
 
 }  // namespace
 
-bool isUpperCamel(const std::string& name) { return !name.empty() && isUpper(name.front()) && allAlphanumeric(name); }
+bool isUpperCamel(std::string const& name) { return !name.empty() && isUpper(name.front()) && allAlphanumeric(name); }
 
-bool isLowerCamel(const std::string& name) { return !name.empty() && isLower(name.front()) && allAlphanumeric(name); }
+bool isLowerCamel(std::string const& name) { return !name.empty() && isLower(name.front()) && allAlphanumeric(name); }
 
-bool isUpperSnake(const std::string& name) { return isSnake(name, isUpper); }
+bool isUpperSnake(std::string const& name) { return isSnake(name, isUpper); }
 
-bool isLowerSnake(const std::string& name) { return isSnake(name, isLower); }
+bool isLowerSnake(std::string const& name) { return isSnake(name, isLower); }
 
-bool isPackageName(const std::string& name) {
+bool isPackageName(std::string const& name) {
   const std::vector<std::string> components = componentsOf(name);
-  return std::all_of(components.begin(), components.end(), [](const std::string& each) {
+  return std::all_of(components.begin(), components.end(), [](std::string const& each) {
     return each.find('_') == std::string::npos && isLowerSnake(each) && !isReservedWord(each);
   });
 }
 
-bool isRelease(const std::string& text) {
+bool isRelease(std::string const& text) {
   return std::all_of(text.begin(), text.end(),
                      [](char c) { return isAlphanumeric(c) || c == '.' || c == '-' || c == '_'; });
 }
 
-std::string hidingComponent(const std::string& package) {
+std::string hidingComponent(std::string const& package) {
   static const std::set<std::string> namespaces{"boost",     "bridge", "corvid", "frame",
                                                 "metamodel", "plinth", "query",  "std"};
   const std::vector<std::string> components = componentsOf(package);
@@ -101,7 +101,7 @@ std::string hidingComponent(const std::string& package) {
   return "";
 }
 
-bool isReservedWord(const std::string& word) {
+bool isReservedWord(std::string const& word) {
   static const std::set<std::string> words{
       "alignas",       "alignof",     "and",         "and_eq",    "asm",       "auto",         "bitand",
       "bitor",         "bool",        "break",       "case",      "catch",     "char",         "char16_t",
@@ -120,7 +120,7 @@ bool isReservedWord(const std::string& word) {
   return words.count(word) != 0;
 }
 
-bool isMacro(const std::string& name) {
+bool isMacro(std::string const& name) {
   static const std::set<std::string> macros{
       "BUFSIZ",    "CHAR_BIT", "CHAR_MAX", "CHAR_MIN", "CLOCKS_PER_SEC", "DBL_MAX",      "DBL_MIN",      "DOMAIN",
       "EDOM",      "EILSEQ",   "EOF",      "ERANGE",   "EXIT_FAILURE",   "EXIT_SUCCESS", "FILENAME_MAX", "FLT_MAX",
@@ -132,13 +132,13 @@ bool isMacro(const std::string& name) {
   return macros.count(name) != 0;
 }
 
-bool isFamilyName(const std::string& name) {
+bool isFamilyName(std::string const& name) {
   static const std::set<std::string> names{"Builder", "BuilderBase",    "BuilderImpl", "BuilderWrapper",
                                            "Changes", "Constrainables", "Impl",        "Storage"};
   return names.count(name) != 0;
 }
 
-bool isElementOperation(const std::string& property) {
+bool isElementOperation(std::string const& property) {
   static const std::set<std::string> names{"AddRef",
                                            "Container",
                                            "Create",
@@ -162,41 +162,41 @@ bool isElementOperation(const std::string& property) {
   return names.count(property) != 0;
 }
 
-std::string lowerCamel(const std::string& name) {
+std::string lowerCamel(std::string const& name) {
   const std::string result = withLowerFirst(name);
   return isReservedWord(result) ? result + '_' : result;
 }
 
-std::string field(const std::string& property) { return "m_" + withLowerFirst(property); }
-std::string getter(const std::string& property) { return "get" + property; }
-std::string mutableGetter(const std::string& property) { return "get" + property + "Mutable"; }
-std::string setter(const std::string& property) { return "set" + property; }
-std::string basicSetter(const std::string& property) { return "basicSet" + property; }
-std::string presenceTest(const std::string& property) { return "has" + property; }
-std::string childCreator(const std::string& property) { return "createInto" + property; }
-std::string builderSetter(const std::string& property) { return "doSet" + property; }
-std::string adder(const std::string& property) { return "add" + property; }
+std::string field(std::string const& property) { return "m_" + withLowerFirst(property); }
+std::string getter(std::string const& property) { return "get" + property; }
+std::string mutableGetter(std::string const& property) { return "get" + property + "Mutable"; }
+std::string setter(std::string const& property) { return "set" + property; }
+std::string basicSetter(std::string const& property) { return "basicSet" + property; }
+std::string presenceTest(std::string const& property) { return "has" + property; }
+std::string childCreator(std::string const& property) { return "createInto" + property; }
+std::string builderSetter(std::string const& property) { return "doSet" + property; }
+std::string adder(std::string const& property) { return "add" + property; }
 
-std::string builderAdder(const std::string& property) { return "doAdd" + property; }
-std::string builderClearer(const std::string& property) { return "doClear" + property; }
+std::string builderAdder(std::string const& property) { return "doAdd" + property; }
+std::string builderClearer(std::string const& property) { return "doClear" + property; }
 
-std::string cppNamespace(const std::string& package) { return replaceAll(package, '.', "::"); }
+std::string cppNamespace(std::string const& package) { return replaceAll(package, '.', "::"); }
 
-std::string cppTypeName(const Type& type) {
-  if (const Primitive* const primitive = asPrimitive(&type)) return primitive->cppType;
+std::string cppTypeName(Type const& type) {
+  if (Primitive const* const primitive = asPrimitive(&type)) return primitive->cppType;
   return cppNamespace(type.package->name) + "::" + type.name;
 }
 
-std::string cppBaseTypeName(const Class& type) {
+std::string cppBaseTypeName(Class const& type) {
   return type.base == nullptr ? "plinth::ModelElement" : cppTypeName(*type.base);
 }
 
-std::string valueType(const Property& property) {
+std::string valueType(Property const& property) {
   const std::string type = cppTypeName(*property.type);
   return property.scheme == Scheme::optionalAttribute ? "boost::optional<" + type + ">" : type;
 }
 
-std::string fieldType(const Property& property) {
+std::string fieldType(Property const& property) {
   const std::string type = cppTypeName(*property.type);
   switch (property.scheme) {
     case Scheme::valueCollection:
@@ -214,35 +214,35 @@ std::string fieldType(const Property& property) {
   }
 }
 
-std::string implFieldType(const Property& property) {
+std::string implFieldType(Property const& property) {
   if (property.scheme == Scheme::hostArray) return "tessel::frame::HostArrayField";
   if (property.isMany()) return "tessel::frame::CollectionField";
   return property.isElement() ? "tessel::frame::ElementField" : valueType(property);
 }
 
-std::string oldFieldType(const Property& property) {
+std::string oldFieldType(Property const& property) {
   return property.isMany() ? "plinth::OldCollection" : implFieldType(property);
 }
 
-std::string builderFieldType(const Property& property) {
-  const bool isContainment = property.kind == Kind::containment;
+std::string builderFieldType(Property const& property) {
+  bool const isContainment = property.kind == Kind::containment;
   if (!property.isMany()) return isContainment ? "tessel::frame::ChildBuilder" : implFieldType(property);
   if (!property.isElement()) return "std::vector<" + cppTypeName(*property.type) + ">";
   return isContainment ? "tessel::frame::ChildBuilders" : "tessel::frame::ReferenceTargets";
 }
 
-std::string parameterType(const Property& property) {
-  const bool isScalar =
+std::string parameterType(Property const& property) {
+  bool const isScalar =
       property.scheme == Scheme::attribute && !isString(*property.type) && property.type->kind != TypeKind::dataType;
   return isScalar ? valueType(property) : valueType(property) + " const&";
 }
 
-std::string elementSetter(const Property& property) {
+std::string elementSetter(Property const& property) {
   if (property.kind == Kind::containment) return "setContainment";
   return property.opposite != nullptr ? "setOppositeReference" : "setReference";
 }
 
-std::string rowKind(const Property& property) {
+std::string rowKind(Property const& property) {
   const std::string type = cppTypeName(*property.type);
   switch (property.scheme) {
     case Scheme::attribute:
@@ -271,27 +271,27 @@ std::string rowKind(const Property& property) {
   return "";
 }
 
-std::string typeHeader(const Type& type) {
+std::string typeHeader(Type const& type) {
   return type.package->model->include + "/" + type.package->folder + "/" + type.name + ".hpp";
 }
 
-std::string metaPackageHeader(const Model& model) {
+std::string metaPackageHeader(Model const& model) {
   return model.include + "/meta/" + metaPackageClass(model.name) + ".hpp";
 }
 
-std::string metaPackageClass(const std::string& model) { return "MetaPackage" + withUpperFirst(model); }
-std::string instantiateFunction(const std::string& package) { return "instantiate_" + replaceAll(package, '.', "_"); }
-std::string weaveFunction(const std::string& package) { return "weave_" + replaceAll(package, '.', "_"); }
-std::string initializeEntryPoint(const std::string& model) { return "MLInitialize_" + model; }
-std::string terminateEntryPoint(const std::string& model) { return "MLTerminate_" + model; }
+std::string metaPackageClass(std::string const& model) { return "MetaPackage" + withUpperFirst(model); }
+std::string instantiateFunction(std::string const& package) { return "instantiate_" + replaceAll(package, '.', "_"); }
+std::string weaveFunction(std::string const& package) { return "weave_" + replaceAll(package, '.', "_"); }
+std::string initializeEntryPoint(std::string const& model) { return "MLInitialize_" + model; }
+std::string terminateEntryPoint(std::string const& model) { return "MLTerminate_" + model; }
 
-std::string packageSlot(const std::string& package) {
+std::string packageSlot(std::string const& package) {
   return package.empty() ? "rootPackage" : replaceAll(package, '.', "_");
 }
 
-std::string typeSlot(const Package& package, const std::string& type) { return package.folder + "_" + type; }
+std::string typeSlot(Package const& package, std::string const& type) { return package.folder + "_" + type; }
 
-std::string memberSlot(const Package& package, const std::string& type, const std::string& member) {
+std::string memberSlot(Package const& package, std::string const& type, std::string const& member) {
   return typeSlot(package, type) + "_" + member;
 }
 
@@ -317,7 +317,7 @@ std::string handleType(HandleKind kind) {
   return "PrimitiveType";
 }
 
-std::string packageUri(const ModelRow& model, const std::string& package) {
+std::string packageUri(ModelRow const& model, std::string const& package) {
   const std::string root =
       schemaHost + ("/plinth/" + model.name.value + "/" + model.release.value + model.revision.value);
   return package.empty() ? root : root + "/" + package;

@@ -13,7 +13,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::optional<std::string> readFile(const fs::path& file) {
+std::optional<std::string> readFile(fs::path const& file) {
   std::ifstream stream(file, std::ios::binary);
   if (!stream) return std::nullopt;
   std::ostringstream content;
@@ -23,7 +23,7 @@ std::optional<std::string> readFile(const fs::path& file) {
 
 }  // namespace
 
-void writeIfChanged(const fs::path& file, const std::string& text) {
+void writeIfChanged(fs::path const& file, std::string const& text) {
   if (readFile(file) == text) return;
   if (file.has_parent_path()) fs::create_directories(file.parent_path());
   fs::path temporary = file;
@@ -41,7 +41,7 @@ void writeIfChanged(const fs::path& file, const std::string& text) {
   }
 }
 
-OutputFolder::OutputFolder(fs::path folder, const std::string& listName)
+OutputFolder::OutputFolder(fs::path folder, std::string const& listName)
     : m_folder(std::move(folder)), m_list(".modelgen-" + listName + ".list") {}
 
 std::vector<std::string> OutputFolder::listed() const {
@@ -55,43 +55,43 @@ std::vector<std::string> OutputFolder::listed() const {
   return result;
 }
 
-void OutputFolder::writeList(const std::vector<std::string>& paths) const {
+void OutputFolder::writeList(std::vector<std::string> const& paths) const {
   std::string text;
-  for (const std::string& each : paths) text += each + '\n';
+  for (std::string const& each : paths) text += each + '\n';
   writeIfChanged(m_folder / m_list, text);
 }
 
-std::vector<Difference> OutputFolder::compare(const std::vector<OutputFile>& files) const {
+std::vector<Difference> OutputFolder::compare(std::vector<OutputFile> const& files) const {
   std::vector<Difference> result;
   std::set<std::string> made;
-  for (const OutputFile& file : files) {
+  for (OutputFile const& file : files) {
     made.insert(file.path);
-    const auto present = readFile(m_folder / file.path);
+    auto const present = readFile(m_folder / file.path);
     if (!present) {
       result.push_back({Difference::Kind::missing, file.path});
     } else if (*present != file.text) {
       result.push_back({Difference::Kind::changed, file.path});
     }
   }
-  for (const std::string& path : listed()) {
+  for (std::string const& path : listed()) {
     if (made.count(path) == 0 && fs::exists(m_folder / path)) result.push_back({Difference::Kind::stale, path});
   }
-  std::sort(result.begin(), result.end(), [](const Difference& a, const Difference& b) { return a.path < b.path; });
+  std::sort(result.begin(), result.end(), [](Difference const& a, Difference const& b) { return a.path < b.path; });
   return result;
 }
 
-std::vector<Difference> OutputFolder::write(const std::vector<OutputFile>& files) const {
+std::vector<Difference> OutputFolder::write(std::vector<OutputFile> const& files) const {
   const std::vector<Difference> result = compare(files);
   std::vector<std::string> made;
-  for (const OutputFile& file : files) made.push_back(file.path);
+  for (OutputFile const& file : files) made.push_back(file.path);
   // While files are written the list names old and new ones, so that a run that was cut off leaves none behind.
   std::vector<std::string> both = listed();
   both.insert(both.end(), made.begin(), made.end());
   std::sort(both.begin(), both.end());
   both.erase(std::unique(both.begin(), both.end()), both.end());
   writeList(both);
-  for (const OutputFile& file : files) writeIfChanged(m_folder / file.path, file.text);
-  for (const Difference& each : result) {
+  for (OutputFile const& file : files) writeIfChanged(m_folder / file.path, file.text);
+  for (Difference const& each : result) {
     if (each.kind == Difference::Kind::stale) remove(each.path);
   }
   writeList(made);
@@ -99,7 +99,7 @@ std::vector<Difference> OutputFolder::write(const std::vector<OutputFile>& files
 }
 
 // Deletes the file, and the folders above it that are then empty.
-void OutputFolder::remove(const std::string& path) const {
+void OutputFolder::remove(std::string const& path) const {
   fs::remove(m_folder / path);
   for (fs::path above = fs::path(path).parent_path(); !above.empty(); above = above.parent_path()) {
     std::error_code notEmpty;

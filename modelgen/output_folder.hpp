@@ -24,20 +24,20 @@ struct Difference {
 class OutputFolder {
  public:
   // The folder need not exist yet. `listName` tells this model's list from those of others.
-  OutputFolder(std::filesystem::path folder, const std::string& listName);
+  OutputFolder(std::filesystem::path folder, std::string const& listName);
 
   // What write() would change, by path. Reads only.
-  std::vector<Difference> compare(const std::vector<OutputFile>& files) const;
+  std::vector<Difference> compare(std::vector<OutputFile> const& files) const;
 
   // Brings the folder up to date and gives what was changed. Each file appears at once in full: its text goes to a
   // temporary file first, which is then renamed. Raises std::runtime_error with the path in its text where the file
   // system refuses; the folder is then in between, and the next call mends it.
-  std::vector<Difference> write(const std::vector<OutputFile>& files) const;
+  std::vector<Difference> write(std::vector<OutputFile> const& files) const;
 
  private:
   std::vector<std::string> listed() const;
-  void writeList(const std::vector<std::string>& paths) const;
-  void remove(const std::string& path) const;
+  void writeList(std::vector<std::string> const& paths) const;
+  void remove(std::string const& path) const;
 
   std::filesystem::path m_folder;
   std::string m_list;
@@ -45,6 +45,6 @@ class OutputFolder {
 
 // Writes `text` to `file` by way of a temporary file, unless it holds that text already; makes the folder as needed.
 // Raises std::runtime_error with the path in its text; the file is then as it was, and no temporary one stays.
-void writeIfChanged(const std::filesystem::path& file, const std::string& text);
+void writeIfChanged(std::filesystem::path const& file, std::string const& text);
 
 }  // namespace modelgen

@@ -16,15 +16,15 @@ namespace {
 
 constexpr std::size_t lineWidth = 120;
 
-constexpr std::array<std::pair<const char*, Scope>, 5> scopes{{{"model", Scope::model},
+constexpr std::array<std::pair<char const*, Scope>, 5> scopes{{{"model", Scope::model},
                                                                {"package", Scope::package},
                                                                {"class", Scope::classType},
                                                                {"datatype", Scope::dataType},
                                                                {"enum", Scope::enumeration}}};
 
-bool readScope(const Text& text, Scope& scope, Diagnostics& diagnostics) {
+bool readScope(Text const& text, Scope& scope, Diagnostics& diagnostics) {
   std::vector<std::string> known;
-  for (const auto& [word, value] : scopes) {
+  for (auto const& [word, value] : scopes) {
     scope = value;
     if (text.value == word) return true;
     known.emplace_back(word);
@@ -36,28 +36,28 @@ bool readScope(const Text& text, Scope& scope, Diagnostics& diagnostics) {
 }
 
 // A path that stays below the output folder.
-bool isInside(const std::string& path) {
+bool isInside(std::string const& path) {
   const std::filesystem::path normal = std::filesystem::path(path).lexically_normal();
   return !path.empty() && normal.is_relative() && *normal.begin() != ".." && normal.has_filename() && normal != ".";
 }
 
-bool isCode(const std::string& path) {
+bool isCode(std::string const& path) {
   const std::filesystem::path extension = std::filesystem::path(path).extension();
   return extension == ".hpp" || extension == ".cpp";
 }
 
 class PlanRenderer {
  public:
-  PlanRenderer(const std::vector<PlanRow>& plan, bool withText, TemplateSet& templates, Diagnostics& diagnostics)
+  PlanRenderer(std::vector<PlanRow> const& plan, bool withText, TemplateSet& templates, Diagnostics& diagnostics)
       : m_plan(plan), m_withText(withText), m_templates(templates), m_diagnostics(diagnostics) {}
 
   // `make` gives the data of one thing; it is called only where some row wants it.
   template <class Make>
-  void add(Scope scope, const Make& make) {
-    const auto wants = [scope](const PlanRow& row) { return row.scope == scope; };
+  void add(Scope scope, Make const& make) {
+    auto const wants = [scope](PlanRow const& row) { return row.scope == scope; };
     if (std::none_of(m_plan.begin(), m_plan.end(), wants)) return;
     const Data data = make();
-    for (const PlanRow& row : m_plan) {
+    for (PlanRow const& row : m_plan) {
       if (wants(row) && isWanted(row, data)) addFile(row, data);
     }
   }
@@ -69,16 +69,16 @@ class PlanRenderer {
   }
 
  private:
-  bool isWanted(const PlanRow& row, const Data& data) {
+  bool isWanted(PlanRow const& row, Data const& data) {
     if (!row.when) return true;
-    const Data* const flag = data.get(row.when->value);
+    Data const* const flag = data.get(row.when->value);
     if (flag != nullptr && flag->is_bool()) return flag->is_true();
     m_diagnostics.report(row.when->at, "'" + row.when->value + "' is no flag of the data",
                          "a key whose value is true or false");
     return false;
   }
 
-  void addFile(const PlanRow& row, const Data& data) {
+  void addFile(PlanRow const& row, Data const& data) {
     const std::string path = m_templates.renderText(row.path.value, row.path.at, data);
     if (!m_diagnostics.empty()) return;
     if (!isInside(path)) {
@@ -91,7 +91,7 @@ class PlanRenderer {
     }
   }
 
-  const std::vector<PlanRow>& m_plan;
+  std::vector<PlanRow> const& m_plan;
   bool m_withText;
   TemplateSet& m_templates;
   Diagnostics& m_diagnostics;
@@ -100,16 +100,16 @@ class PlanRenderer {
 
 }  // namespace
 
-std::vector<PlanRow> readPlan(const std::string& folder, Diagnostics& diagnostics) {
+std::vector<PlanRow> readPlan(std::string const& folder, Diagnostics& diagnostics) {
   std::vector<PlanRow> result;
   const std::string file = folder + "/outputs.yaml";
-  const auto document = loadYaml(file, {file, 0, 0}, diagnostics);
+  auto const document = loadYaml(file, {file, 0, 0}, diagnostics);
   if (!document) return result;
   MapReader map(*document, {file, 1, 1}, "a table of outputs", diagnostics);
   for (MapReader& each : map.rows("outputs", "an output")) {
     PlanRow row;
     row.templateFile = each.requiredText("template");
-    const bool known = readScope(each.requiredText("for"), row.scope, diagnostics);
+    bool const known = readScope(each.requiredText("for"), row.scope, diagnostics);
     row.path = each.requiredText("path");
     row.when = each.text("when");
     each.refuseOtherKeys();
@@ -119,17 +119,17 @@ std::vector<PlanRow> readPlan(const std::string& folder, Diagnostics& diagnostic
   return result;
 }
 
-std::vector<OutputFile> renderPlan(const std::vector<PlanRow>& plan, const Model& model, const std::string& root,
+std::vector<OutputFile> renderPlan(std::vector<PlanRow> const& plan, Model const& model, std::string const& root,
                                    bool withText, TemplateSet& templates, Diagnostics& diagnostics) {
   PlanRenderer renderer(plan, withText, templates, diagnostics);
   renderer.add(Scope::model, [&] { return modelData(model, root); });
-  for (const Package& package : model.packages) {
+  for (Package const& package : model.packages) {
     renderer.add(Scope::package, [&] { return packageData(package, root); });
-    for (const Class& each : package.classes) renderer.add(Scope::classType, [&] { return classData(each, root); });
-    for (const DataType& each : package.dataTypes) {
+    for (Class const& each : package.classes) renderer.add(Scope::classType, [&] { return classData(each, root); });
+    for (DataType const& each : package.dataTypes) {
       renderer.add(Scope::dataType, [&] { return dataTypeData(each, root); });
     }
-    for (const Enum& each : package.enums) renderer.add(Scope::enumeration, [&] { return enumData(each, root); });
+    for (Enum const& each : package.enums) renderer.add(Scope::enumeration, [&] { return enumData(each, root); });
   }
   return renderer.take();
 }

@@ -24,11 +24,11 @@ struct PlanRow {
 };
 
 // Reads <folder>/outputs.yaml. Problems are reported; the rows that could be read are given.
-std::vector<PlanRow> readPlan(const std::string& folder, Diagnostics& diagnostics);
+std::vector<PlanRow> readPlan(std::string const& folder, Diagnostics& diagnostics);
 
 // The files of the generated model of `set`, by path. With `withText` false only the paths are rendered. The result
 // counts only if nothing was reported.
-std::vector<OutputFile> renderPlan(const std::vector<PlanRow>& plan, const Model& model, const std::string& root,
+std::vector<OutputFile> renderPlan(std::vector<PlanRow> const& plan, Model const& model, std::string const& root,
                                    bool withText, TemplateSet& templates, Diagnostics& diagnostics);
 
 }  // namespace modelgen

@@ -5,7 +5,7 @@
 namespace modelgen {
 namespace {
 
-Primitive primitive(const std::string& name, const std::string& cppType, bool queryable, bool keepsHandle) {
+Primitive primitive(std::string const& name, std::string const& cppType, bool queryable, bool keepsHandle) {
   Primitive result;
   result.kind = TypeKind::primitive;
   result.name = name;
@@ -16,7 +16,7 @@ Primitive primitive(const std::string& name, const std::string& cppType, bool qu
   return result;
 }
 
-const std::array<Primitive, 8>& primitives() {
+std::array<Primitive, 8> const& primitives() {
   static const std::array<Primitive, 8> all{primitive("Boolean", "bool", true, false),
                                             primitive("Integer", "std::int32_t", true, false),
                                             primitive("Integer64", "std::int64_t", true, true),
@@ -30,8 +30,8 @@ const std::array<Primitive, 8>& primitives() {
 
 }  // namespace
 
-const Primitive* findPrimitive(const std::string& name) {
-  for (const Primitive& each : primitives()) {
+Primitive const* findPrimitive(std::string const& name) {
+  for (Primitive const& each : primitives()) {
     if (each.name == name) return &each;
   }
   return nullptr;
@@ -39,15 +39,15 @@ const Primitive* findPrimitive(const std::string& name) {
 
 std::vector<std::string> primitiveNames() {
   std::vector<std::string> result;
-  for (const Primitive& each : primitives()) result.push_back(each.name);
+  for (Primitive const& each : primitives()) result.push_back(each.name);
   return result;
 }
 
-const Primitive* asPrimitive(const Type* type) {
-  return type != nullptr && type->kind == TypeKind::primitive ? static_cast<const Primitive*>(type) : nullptr;
+Primitive const* asPrimitive(Type const* type) {
+  return type != nullptr && type->kind == TypeKind::primitive ? static_cast<Primitive const*>(type) : nullptr;
 }
 
-bool isHostArray(const Type& type) { return type.kind == TypeKind::primitive && type.name == "KestrelArray"; }
-bool isString(const Type& type) { return type.kind == TypeKind::primitive && type.name == "String"; }
+bool isHostArray(Type const& type) { return type.kind == TypeKind::primitive && type.name == "KestrelArray"; }
+bool isString(Type const& type) { return type.kind == TypeKind::primitive && type.name == "String"; }
 
 }  // namespace modelgen

@@ -17,13 +17,13 @@ struct Primitive : Type {
 };
 
 // Null where there is no primitive type of that name.
-const Primitive* findPrimitive(const std::string& name);
+Primitive const* findPrimitive(std::string const& name);
 std::vector<std::string> primitiveNames();
 
-const Primitive* asPrimitive(const Type* type);
+Primitive const* asPrimitive(Type const* type);
 
 // True for the array type of the host, which is held by pointer and copied through the host.
-bool isHostArray(const Type& type);
-bool isString(const Type& type);
+bool isHostArray(Type const& type);
+bool isString(Type const& type);
 
 }  // namespace modelgen

@@ -4,7 +4,7 @@
 
 namespace modelgen {
 
-Scheme schemeOf(const Property& property) {
+Scheme schemeOf(Property const& property) {
   if (property.isDerived()) return Scheme::derivedView;
   if (property.isElement()) {
     if (property.shape == Shape::map) return Scheme::elementMap;
@@ -17,19 +17,19 @@ Scheme schemeOf(const Property& property) {
   return isHostArray(*property.type) ? Scheme::hostArray : Scheme::attribute;
 }
 
-bool orderedByRule(const Property& property) {
+bool orderedByRule(Property const& property) {
   return !property.isDerived() && property.shape != Shape::set && property.shape != Shape::map;
 }
 
-bool uniqueByRule(const Property& property) {
-  const bool ofSequence =
+bool uniqueByRule(Property const& property) {
+  bool const ofSequence =
       property.isDerived() && property.source != nullptr && property.source->shape == Shape::sequence;
   return property.shape != Shape::sequence && property.shape != Shape::map && !ofSequence;
 }
 
-bool mayChooseUnique(const Property& property) { return property.shape == Shape::sequence; }
+bool mayChooseUnique(Property const& property) { return property.shape == Shape::sequence; }
 
-bool queryableByRule(const Property& property) {
+bool queryableByRule(Property const& property) {
   if (property.isDerived()) return false;
   if (property.type->kind == TypeKind::classType) return true;
   if (property.isMany() || property.type->kind == TypeKind::dataType) return false;

@@ -6,17 +6,17 @@
 
 namespace modelgen {
 
-Scheme schemeOf(const Property& property);
+Scheme schemeOf(Property const& property);
 
 // Sequences, and single values, have an order; sets, maps and derived views have none.
-bool orderedByRule(const Property& property);
+bool orderedByRule(Property const& property);
 
 // True for single values and sets, false for maps. A derived view is as unique as the shape of its source. Only a
 // sequence may choose, and is not unique unless its row says so.
-bool uniqueByRule(const Property& property);
-bool mayChooseUnique(const Property& property);
+bool uniqueByRule(Property const& property);
+bool mayChooseUnique(Property const& property);
 
 // Whether a query can name a property of this type and shape.
-bool queryableByRule(const Property& property);
+bool queryableByRule(Property const& property);
 
 }  // namespace modelgen

@@ -10,7 +10,7 @@
 namespace modelgen {
 namespace {
 
-using Column = std::pair<const char*, int Counts::*>;
+using Column = std::pair<char const*, int Counts::*>;
 
 constexpr std::array<Column, 7> columns{{{"classes", &Counts::classes},
                                          {"datatypes", &Counts::dataTypes},
@@ -21,9 +21,9 @@ constexpr std::array<Column, 7> columns{{{"classes", &Counts::classes},
                                          {"handles", &Counts::handles}}};
 
 // The handles are counted as they are created; what they stand for tells everything else.
-Counts countHandles(const Model& model, const Package* package, bool everywhere) {
+Counts countHandles(Model const& model, Package const* package, bool everywhere) {
   Counts counts;
-  for (const Handle& each : model.handles) {
+  for (Handle const& each : model.handles) {
     if (!everywhere && each.package != package) continue;
     ++counts.handles;
     if (each.kind == HandleKind::classType) ++counts.classes;
@@ -36,27 +36,27 @@ Counts countHandles(const Model& model, const Package* package, bool everywhere)
   return counts;
 }
 
-void writeRow(const std::string& name, const Counts& counts, int width, std::ostream& stream) {
+void writeRow(std::string const& name, Counts const& counts, int width, std::ostream& stream) {
   stream << std::left << std::setw(width) << name << std::right;
-  for (const Column& each : columns) stream << std::setw(11) << counts.*each.second;
+  for (Column const& each : columns) stream << std::setw(11) << counts.*each.second;
   stream << '\n';
 }
 
 }  // namespace
 
-Counts countPackage(const Package& package) { return countHandles(*package.model, &package, false); }
+Counts countPackage(Package const& package) { return countHandles(*package.model, &package, false); }
 
-Counts countModel(const Model& model) { return countHandles(model, nullptr, true); }
+Counts countModel(Model const& model) { return countHandles(model, nullptr, true); }
 
-void writeSummary(const Model& model, std::ostream& stream) {
+void writeSummary(Model const& model, std::ostream& stream) {
   std::size_t longest = 18;
-  for (const Package& each : model.packages) longest = std::max(longest, each.name.size());
-  const int width = static_cast<int>(longest);
+  for (Package const& each : model.packages) longest = std::max(longest, each.name.size());
+  int const width = static_cast<int>(longest);
   stream << std::left << std::setw(width) << model.name << std::right;
-  for (const Column& each : columns) stream << std::setw(11) << each.first;
+  for (Column const& each : columns) stream << std::setw(11) << each.first;
   stream << '\n';
   writeRow("(root, namespaces)", countHandles(model, nullptr, false), width, stream);
-  for (const Package& each : model.packages) writeRow(each.name, countPackage(each), width, stream);
+  for (Package const& each : model.packages) writeRow(each.name, countPackage(each), width, stream);
   writeRow("all", countModel(model), width, stream);
 }
 

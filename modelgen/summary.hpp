@@ -17,10 +17,10 @@ struct Counts {
   int handles = 0;
 };
 
-Counts countPackage(const Package& package);
-Counts countModel(const Model& model);
+Counts countPackage(Package const& package);
+Counts countModel(Model const& model);
 
 // A table with a line for the packages that only name others, one for each package and one for all.
-void writeSummary(const Model& model, std::ostream& stream);
+void writeSummary(Model const& model, std::ostream& stream);
 
 }  // namespace modelgen

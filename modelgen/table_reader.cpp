@@ -10,7 +10,7 @@ namespace modelgen {
 namespace {
 
 template <class Enum, std::size_t Size>
-using Words = std::array<std::pair<const char*, Enum>, Size>;
+using Words = std::array<std::pair<char const*, Enum>, Size>;
 
 constexpr Words<Shape, 5> shapes{{{"optional", Shape::optional},
                                   {"single", Shape::single},
@@ -23,14 +23,14 @@ constexpr Words<Kind, 3> kinds{
 
 // Reads `key` as one of `words` into `target`, which keeps its value where the key is absent. False for another word.
 template <class Enum, std::size_t Size>
-bool readWord(MapReader& map, const char* key, const Words<Enum, Size>& words, Located<Enum>& target,
+bool readWord(MapReader& map, char const* key, Words<Enum, Size> const& words, Located<Enum>& target,
               Diagnostics& diagnostics) {
   target.at = map.start();
-  const auto found = map.text(key);
+  auto const found = map.text(key);
   if (!found) return true;
   target.at = found->at;
   std::vector<std::string> known;
-  for (const auto& [word, value] : words) {
+  for (auto const& [word, value] : words) {
     if (found->value == word) {
       target.value = value;
       return true;
@@ -95,7 +95,7 @@ class TableReader {
     row.doc = map.requiredText("doc");
     for (MapReader& each : map.requiredRows("literals", "a literal")) {
       const Text name = each.requiredText("name");
-      const auto value = each.requiredInteger("value");
+      auto const value = each.requiredInteger("value");
       const Text doc = each.requiredText("doc");
       each.refuseOtherKeys();
       if (value) row.literals.push_back({name, *value, doc});
@@ -117,7 +117,7 @@ class TableReader {
     map.refuseOtherKeys();
   }
 
-  ModelRow modelFile(MapReader& map, const std::string& file) {
+  ModelRow modelFile(MapReader& map, std::string const& file) {
     ModelRow row;
     row.file = file;
     row.name = map.requiredText("model");
@@ -156,9 +156,9 @@ class TableReader {
 
 }  // namespace
 
-std::optional<ModelRow> readModel(const std::string& file, Diagnostics& diagnostics,
+std::optional<ModelRow> readModel(std::string const& file, Diagnostics& diagnostics,
                                   std::vector<std::string>& filesRead) {
-  const auto document = loadYaml(file, {file, 0, 0}, diagnostics);
+  auto const document = loadYaml(file, {file, 0, 0}, diagnostics);
   if (!document) return std::nullopt;
   filesRead.push_back(file);
   TableReader reader(diagnostics);
@@ -167,9 +167,9 @@ std::optional<ModelRow> readModel(const std::string& file, Diagnostics& diagnost
   bool complete = map.isWhole();
   for (PackageRow& package : model.packages) {
     if (package.folder.value.empty()) continue;
-    const auto folder = std::filesystem::path(file).parent_path() / package.folder.value;
+    auto const folder = std::filesystem::path(file).parent_path() / package.folder.value;
     package.file = (folder / "package.yaml").lexically_normal().generic_string();
-    const auto packageDocument = loadYaml(package.file, package.folder.at, diagnostics);
+    auto const packageDocument = loadYaml(package.file, package.folder.at, diagnostics);
     complete = complete && packageDocument.has_value();
     if (!packageDocument) continue;
     filesRead.push_back(package.file);

@@ -15,7 +15,7 @@ namespace modelgen {
 // <folder of the model>/<folder of the package>/package.yaml. Gives nothing where a file could not be read or parsed,
 // or is not laid out so that all its rows could be found; otherwise everything that was read. Problems are in
 // `diagnostics`. Each file read is appended to `filesRead`.
-std::optional<ModelRow> readModel(const std::string& file, Diagnostics& diagnostics,
+std::optional<ModelRow> readModel(std::string const& file, Diagnostics& diagnostics,
                                   std::vector<std::string>& filesRead);
 
 }  // namespace modelgen

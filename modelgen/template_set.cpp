@@ -38,8 +38,8 @@ std::string prepared(std::string text) {
     while (first > 0 && isBlank(text[first - 1])) --first;
     std::size_t last = tagEnd;
     while (last < text.size() && isBlank(text[last])) ++last;
-    const bool atStart = first == lineStart || (first > 0 && text[first - 1] == lineEnd);
-    const bool atEnd = last == text.size() || text[last] == '\n';
+    bool const atStart = first == lineStart || (first > 0 && text[first - 1] == lineEnd);
+    bool const atEnd = last == text.size() || text[last] == '\n';
     if (!atStart || !atEnd) continue;
     if (last < text.size()) ++last;
     const std::string inside = text.substr(start, tagEnd - 2 - start);
@@ -52,7 +52,7 @@ std::string prepared(std::string text) {
 }
 
 // The place of a tag, given where it begins in the prepared text; there it may have moved to the start of its line.
-Position positionAt(const std::string& original, std::size_t offset, const Position& start) {
+Position positionAt(std::string const& original, std::size_t offset, Position const& start) {
   Position result = start;
   for (std::size_t i = 0; i < original.size() && (i < offset || isBlank(original[i])); ++i) {
     if (original[i] == '\n') {
@@ -66,7 +66,7 @@ Position positionAt(const std::string& original, std::size_t offset, const Posit
 }
 
 // The library tells a syntax error as "<what> at <offset>".
-void reportSyntax(const std::string& message, const std::string& text, const Position& start,
+void reportSyntax(std::string const& message, std::string const& text, Position const& start,
                   Diagnostics& diagnostics) {
   const std::size_t at = message.rfind(" at ");
   const std::size_t offset = at == std::string::npos ? 0 : std::strtoul(message.c_str() + at + 4, nullptr, 10);
@@ -76,11 +76,11 @@ void reportSyntax(const std::string& message, const std::string& text, const Pos
 // Gives partials by the name of their file instead of looking for them in the data.
 class PartialContext : public Context {
  public:
-  PartialContext(const Data* data, std::map<std::string, Data> partials)
+  PartialContext(Data const* data, std::map<std::string, Data> partials)
       : Context(data), m_partials(std::move(partials)) {}
 
-  const Data* get_partial(const std::string& name) const override {
-    const auto found = m_partials.find(name);
+  Data const* get_partial(std::string const& name) const override {
+    auto const found = m_partials.find(name);
     return found == m_partials.end() ? nullptr : &found->second;
   }
 
@@ -106,7 +106,7 @@ struct TemplateSet::Template {
 
   std::string render(mustache::basic_context<std::string>& context) const {
     mustache::mustache renderer(text);
-    renderer.set_custom_escape([](const std::string& each) { return each; });
+    renderer.set_custom_escape([](std::string const& each) { return each; });
     std::string result = renderer.render(context);
     std::replace(result.begin(), result.end(), lineEnd, '\n');
     return result;
@@ -123,8 +123,8 @@ class TemplateSet::Validator {
  public:
   explicit Validator(TemplateSet& set) : m_set(set) {}
 
-  void walk(const Template& source, const std::vector<Component>& components, Context& context) {
-    for (const Component& each : components) {
+  void walk(Template const& source, std::vector<Component> const& components, Context& context) {
+    for (Component const& each : components) {
       switch (each.tag.type) {
         case mustache::tag_type::variable:
         case mustache::tag_type::unescaped_variable:
@@ -149,47 +149,47 @@ class TemplateSet::Validator {
   std::map<std::string, Data> takePartials() { return std::move(m_partials); }
 
  private:
-  void refuse(const Template& source, const Component& tag, const std::string& wrong, const std::string& expected) {
+  void refuse(Template const& source, Component const& tag, std::string const& wrong, std::string const& expected) {
     m_set.m_diagnostics.report(positionAt(source.original, tag.position, source.start), wrong, expected);
   }
 
-  const Data* find(const Template& source, const Component& tag, const Context& context) {
-    const Data* const value = context.get(tag.tag.name);
+  Data const* find(Template const& source, Component const& tag, Context const& context) {
+    Data const* const value = context.get(tag.tag.name);
     if (value == nullptr)
       refuse(source, tag, "undefined key '" + tag.tag.name + "'", "a key of the data in this place");
     return value;
   }
 
-  void variable(const Template& source, const Component& tag, const Context& context) {
-    const Data* const value = find(source, tag, context);
+  void variable(Template const& source, Component const& tag, Context const& context) {
+    Data const* const value = find(source, tag, context);
     if (value != nullptr && !value->is_string())
       refuse(source, tag, "the key '" + tag.tag.name + "' is no text", "a text");
   }
 
-  void section(const Template& source, const Component& tag, Context& context) {
-    const Data* const value = find(source, tag, context);
+  void section(Template const& source, Component const& tag, Context& context) {
+    Data const* const value = find(source, tag, context);
     if (value == nullptr) return;
     if (!value->is_bool() && !value->is_list() && !value->is_object()) {
       refuse(source, tag, "the key '" + tag.tag.name + "' is a text", "a list, an object or a flag for a section");
       return;
     }
-    const bool given = !value->is_false() && !value->is_empty_list();
+    bool const given = !value->is_false() && !value->is_empty_list();
     if (given != (tag.tag.type == mustache::tag_type::section_begin)) return;
     if (!value->is_non_empty_list()) return walkInside(source, tag, context, value);
-    for (const Data& item : value->list_value()) walkInside(source, tag, context, &item);
+    for (Data const& item : value->list_value()) walkInside(source, tag, context, &item);
   }
 
-  void walkInside(const Template& source, const Component& tag, Context& context, const Data* value) {
+  void walkInside(Template const& source, Component const& tag, Context& context, Data const* value) {
     context.push(value);
     walk(source, tag.children, context);
     context.pop();
   }
 
-  void partial(const Template& source, const Component& tag, Context& context) {
+  void partial(Template const& source, Component const& tag, Context& context) {
     const Position at = positionAt(source.original, tag.position, source.start);
     if (++m_depth > deepestPartial) {
       refuse(source, tag, "the partial '" + tag.tag.name + "' reaches itself", "partials that end");
-    } else if (const Template* const found = m_set.load(tag.tag.name + ".mustache", at)) {
+    } else if (Template const* const found = m_set.load(tag.tag.name + ".mustache", at)) {
       m_partials[tag.tag.name] = Data(found->text);
       walk(*found, found->root.children, context);
     }
@@ -206,8 +206,8 @@ TemplateSet::TemplateSet(std::string folder, Diagnostics& diagnostics)
 
 TemplateSet::~TemplateSet() = default;
 
-TemplateSet::Template* TemplateSet::load(const std::string& file, const Position& namedAt) {
-  const auto known = m_templates.find(file);
+TemplateSet::Template* TemplateSet::load(std::string const& file, Position const& namedAt) {
+  auto const known = m_templates.find(file);
   if (known != m_templates.end()) return known->second.get();
   const std::string path = m_folder + "/" + file;
   std::ifstream stream(path, std::ios::binary);
@@ -221,7 +221,7 @@ TemplateSet::Template* TemplateSet::load(const std::string& file, const Position
   return (m_templates[file] = std::move(loaded)).get();
 }
 
-std::string TemplateSet::render(const std::string& file, const Position& namedAt, const Data& data) {
+std::string TemplateSet::render(std::string const& file, Position const& namedAt, Data const& data) {
   Template* const source = load(file, namedAt);
   if (source == nullptr) return "";
   Context plain(&data);
@@ -232,7 +232,7 @@ std::string TemplateSet::render(const std::string& file, const Position& namedAt
   return source->render(context);
 }
 
-std::string TemplateSet::renderText(const std::string& text, const Position& at, const Data& data) {
+std::string TemplateSet::renderText(std::string const& text, Position const& at, Data const& data) {
   Template source(text, at);
   if (!source.parse(m_diagnostics)) return "";
   Context plain(&data);
@@ -243,7 +243,7 @@ std::string TemplateSet::renderText(const std::string& text, const Position& at,
 
 std::vector<std::string> TemplateSet::filesRead() const {
   std::vector<std::string> result;
-  for (const auto& each : m_templates) result.push_back(m_folder + "/" + each.first);
+  for (auto const& each : m_templates) result.push_back(m_folder + "/" + each.first);
   return result;
 }
 

@@ -21,15 +21,15 @@ class TemplateSet {
  public:
   TemplateSet(std::string folder, Diagnostics& diagnostics);
   ~TemplateSet();
-  TemplateSet(const TemplateSet&) = delete;
-  TemplateSet& operator=(const TemplateSet&) = delete;
+  TemplateSet(TemplateSet const&) = delete;
+  TemplateSet& operator=(TemplateSet const&) = delete;
 
   // The text of the template in `file`, a name below the folder. Where that file is absent, the problem is reported at
   // `namedAt`. The result is empty once anything was reported.
-  std::string render(const std::string& file, const Position& namedAt, const Data& data);
+  std::string render(std::string const& file, Position const& namedAt, Data const& data);
 
   // The same for a template that stands as a text in a file of another kind, at `at`. It has no partials.
-  std::string renderText(const std::string& text, const Position& at, const Data& data);
+  std::string renderText(std::string const& text, Position const& at, Data const& data);
 
   // The template files read so far, in name order.
   std::vector<std::string> filesRead() const;
@@ -39,7 +39,7 @@ class TemplateSet {
   class Validator;
 
   // Null where the file cannot be read or parsed, which is then reported.
-  Template* load(const std::string& file, const Position& namedAt);
+  Template* load(std::string const& file, Position const& namedAt);
 
   std::string m_folder;
   Diagnostics& m_diagnostics;

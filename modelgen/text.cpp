@@ -8,10 +8,10 @@ namespace modelgen {
 namespace {
 
 // Decodes one character of well-formed UTF-8 and moves `at` behind it.
-std::uint32_t nextCharacter(const std::string& text, std::size_t& at) {
-  const auto lead = static_cast<std::uint8_t>(text[at++]);
+std::uint32_t nextCharacter(std::string const& text, std::size_t& at) {
+  auto const lead = static_cast<std::uint8_t>(text[at++]);
   if (lead < 0x80) return lead;
-  const unsigned following = lead >= 0xf0 ? 3 : lead >= 0xe0 ? 2 : 1;
+  unsigned const following = lead >= 0xf0 ? 3 : lead >= 0xe0 ? 2 : 1;
   std::uint32_t character = lead & (0x3fu >> following);
   for (unsigned i = 0; i < following && at < text.size(); ++i, ++at) {
     character = (character << 6) | (static_cast<std::uint8_t>(text[at]) & 0x3fu);
@@ -21,8 +21,8 @@ std::uint32_t nextCharacter(const std::string& text, std::size_t& at) {
 
 // The length of the well-formed UTF-8 character at `at`: no overlong form, no surrogate, nothing above U+10FFFF. 0
 // where there is none.
-std::size_t characterLength(const std::string& text, std::size_t at) {
-  const auto lead = static_cast<std::uint8_t>(text[at]);
+std::size_t characterLength(std::string const& text, std::size_t at) {
+  auto const lead = static_cast<std::uint8_t>(text[at]);
   if (lead < 0x80) return 1;
   if (lead < 0xc2 || lead > 0xf4) return 0;
   const std::size_t length = lead >= 0xf0 ? 4 : lead >= 0xe0 ? 3 : 2;
@@ -31,8 +31,8 @@ std::size_t characterLength(const std::string& text, std::size_t at) {
     if ((static_cast<std::uint8_t>(text[i]) & 0xc0) != 0x80) return 0;
   }
   const std::uint32_t character = nextCharacter(text, at);
-  const bool isOverlong = (length == 3 && character < 0x800) || (length == 4 && character < 0x10000);
-  const bool isSurrogate = character >= 0xd800 && character < 0xe000;
+  bool const isOverlong = (length == 3 && character < 0x800) || (length == 4 && character < 0x10000);
+  bool const isSurrogate = character >= 0xd800 && character < 0xe000;
   return isOverlong || isSurrogate || character > 0x10ffff ? 0 : length;
 }
 
@@ -55,20 +55,20 @@ std::string escaped(std::uint32_t character) {
 const std::string opening = "namespace ";
 
 // "N::" for a line "namespace N {", otherwise nothing.
-std::string openedNamespace(const std::string& line) {
-  const bool opens = line.size() > opening.size() + 2 && line.compare(0, opening.size(), opening) == 0 &&
+std::string openedNamespace(std::string const& line) {
+  bool const opens = line.size() > opening.size() + 2 && line.compare(0, opening.size(), opening) == 0 &&
                      line.compare(line.size() - 2, 2, " {") == 0;
   return opens ? line.substr(opening.size(), line.size() - opening.size() - 2) + "::" : "";
 }
 
-std::string closingLine(const std::string& qualifier) {
+std::string closingLine(std::string const& qualifier) {
   return "}  // namespace " + qualifier.substr(0, qualifier.size() - 2);
 }
 
-std::string withoutQualifier(std::string line, const std::string& qualifier) {
+std::string withoutQualifier(std::string line, std::string const& qualifier) {
   for (std::size_t at = line.find(qualifier); at != std::string::npos; at = line.find(qualifier, at)) {
-    const char before = at == 0 ? ' ' : line[at - 1];
-    const bool isWhole = before != ':' && before != '_' && std::isalnum(static_cast<unsigned char>(before)) == 0;
+    char const before = at == 0 ? ' ' : line[at - 1];
+    bool const isWhole = before != ':' && before != '_' && std::isalnum(static_cast<unsigned char>(before)) == 0;
     if (isWhole) {
       line.erase(at, qualifier.size());
     } else {
@@ -80,17 +80,17 @@ std::string withoutQualifier(std::string line, const std::string& qualifier) {
 
 }  // namespace
 
-std::string utf16Literal(const std::string& utf8) {
+std::string utf16Literal(std::string const& utf8) {
   std::string result = "u\"";
   for (std::size_t at = 0; at < utf8.size();) result += escaped(nextCharacter(utf8, at));
   return result + '"';
 }
 
-std::size_t firstBadCharacter(const std::string& text) {
+std::size_t firstBadCharacter(std::string const& text) {
   std::size_t at = 0;
   while (at < text.size()) {
-    const char c = text[at];
-    const bool isControl = static_cast<std::uint8_t>(c) < 0x20 && c != '\t' && c != '\n' && c != '\r';
+    char const c = text[at];
+    bool const isControl = static_cast<std::uint8_t>(c) < 0x20 && c != '\t' && c != '\n' && c != '\r';
     const std::size_t length = isControl ? 0 : characterLength(text, at);
     if (length == 0) break;
     at += length;
@@ -98,7 +98,7 @@ std::size_t firstBadCharacter(const std::string& text) {
   return at;
 }
 
-std::vector<std::string> wrap(const std::string& text, std::size_t width) {
+std::vector<std::string> wrap(std::string const& text, std::size_t width) {
   std::vector<std::string> lines;
   bool paragraphOpen = false;
   std::istringstream source(text);
@@ -125,7 +125,7 @@ std::vector<std::string> wrap(const std::string& text, std::size_t width) {
   return lines;
 }
 
-std::string shortenOwnNames(const std::string& source) {
+std::string shortenOwnNames(std::string const& source) {
   std::string result;
   std::string own;  // the open namespace with "::" behind it
   std::istringstream lines(source);

@@ -7,7 +7,7 @@
 namespace modelgen {
 
 // Boost's name generator always hashes a namespace first, so only its digest is of use here.
-boost::uuids::uuid uuidOf(const std::string& name) {
+boost::uuids::uuid uuidOf(std::string const& name) {
   boost::uuids::detail::md5 hash;
   hash.process_bytes(name.data(), name.size());
   boost::uuids::detail::md5::digest_type digest;
@@ -24,6 +24,6 @@ boost::uuids::uuid uuidOf(const std::string& name) {
   return result;
 }
 
-std::string toText(const boost::uuids::uuid& uuid) { return boost::uuids::to_string(uuid); }
+std::string toText(boost::uuids::uuid const& uuid) { return boost::uuids::to_string(uuid); }
 
 }  // namespace modelgen

@@ -11,11 +11,11 @@
 namespace modelgen {
 namespace {
 
-Position positionOfMark(const std::string& file, const YAML::Mark& mark) {
+Position positionOfMark(std::string const& file, const YAML::Mark& mark) {
   return mark.is_null() ? Position{file, 1, 1} : Position{file, mark.line + 1, mark.column + 1};
 }
 
-Position positionInText(const std::string& file, const std::string& text, std::size_t offset) {
+Position positionInText(std::string const& file, std::string const& text, std::size_t offset) {
   Position result{file, 1, 1};
   for (std::size_t i = 0; i < offset; ++i) {
     ++result.column;
@@ -31,17 +31,17 @@ MapReader::MapReader(const YAML::Node& node, Position start, std::string what, D
   if (!m_node.IsMap()) reportMissingRows(m_start, "this is not a map", m_what + ", written as key: value");
 }
 
-void MapReader::reportMissingRows(const Position& at, const std::string& wrong, const std::string& expected) {
+void MapReader::reportMissingRows(Position const& at, std::string const& wrong, std::string const& expected) {
   m_diagnostics->report(at, wrong, expected);
   m_whole = false;
 }
 
 Position MapReader::positionOf(const YAML::Node& node) const { return positionOfMark(m_start.file, node.Mark()); }
 
-std::optional<MapReader::Entry> MapReader::find(const std::string& key) {
+std::optional<MapReader::Entry> MapReader::find(std::string const& key) {
   m_known.insert(key);
   if (!m_node.IsMap()) return std::nullopt;
-  for (const auto& pair : m_node) {
+  for (auto const& pair : m_node) {
     if (!pair.first.IsScalar() || pair.first.Scalar() != key) continue;
     const Position keyAt = positionOf(pair.first);
     return Entry{keyAt, pair.second.IsNull() ? keyAt : positionOf(pair.second), pair.second};
@@ -49,25 +49,25 @@ std::optional<MapReader::Entry> MapReader::find(const std::string& key) {
   return std::nullopt;
 }
 
-std::optional<Text> MapReader::scalar(const Entry& entry, const std::string& key) {
+std::optional<Text> MapReader::scalar(Entry const& entry, std::string const& key) {
   if (entry.value.IsScalar()) return Text{entry.value.Scalar(), entry.valueAt};
   m_diagnostics->report(entry.valueAt, "'" + key + "' of " + m_what + " has no text",
                         "a text (in quotes where it is empty or reads as null)");
   return std::nullopt;
 }
 
-std::optional<Text> MapReader::text(const std::string& key) {
-  const auto entry = find(key);
+std::optional<Text> MapReader::text(std::string const& key) {
+  auto const entry = find(key);
   return entry ? scalar(*entry, key) : std::nullopt;
 }
 
-Text MapReader::requiredText(const std::string& key) {
-  const auto entry = find(key);
+Text MapReader::requiredText(std::string const& key) {
+  auto const entry = find(key);
   if (!entry) {
     if (m_node.IsMap()) m_diagnostics->report(m_start, m_what + " has no '" + key + "'", "the key '" + key + "'");
     return {"", m_start};
   }
-  const auto found = scalar(*entry, key);
+  auto const found = scalar(*entry, key);
   if (!found) return {"", m_start};
   if (found->value.find_first_not_of(" \t\r\n") == std::string::npos) {
     m_diagnostics->report(found->at, "'" + key + "' of " + m_what + " is empty", "a text");
@@ -78,33 +78,33 @@ Text MapReader::requiredText(const std::string& key) {
   return *found;
 }
 
-std::optional<Flag> MapReader::flag(const std::string& key) {
-  const auto found = text(key);
+std::optional<Flag> MapReader::flag(std::string const& key) {
+  auto const found = text(key);
   if (!found) return std::nullopt;
   if (found->value == "true" || found->value == "false") return Flag{found->value == "true", found->at};
   m_diagnostics->report(found->at, "'" + key + "' is '" + found->value + "'", "true or false");
   return std::nullopt;
 }
 
-bool MapReader::flagOr(const std::string& key, bool absent) {
-  const auto found = flag(key);
+bool MapReader::flagOr(std::string const& key, bool absent) {
+  auto const found = flag(key);
   return found ? found->value : absent;
 }
 
-std::optional<Located<std::int32_t>> MapReader::requiredInteger(const std::string& key) {
+std::optional<Located<std::int32_t>> MapReader::requiredInteger(std::string const& key) {
   const Text found = requiredText(key);
   if (found.value.empty()) return std::nullopt;
-  const char* const end = found.value.data() + found.value.size();
+  char const* const end = found.value.data() + found.value.size();
   std::int32_t number = 0;
-  const auto read = std::from_chars(found.value.data(), end, number);
+  auto const read = std::from_chars(found.value.data(), end, number);
   if (read.ec == std::errc() && read.ptr == end) return Located<std::int32_t>{number, found.at};
   m_diagnostics->report(found.at, "'" + key + "' is '" + found.value + "'", "a whole number of 32 bits");
   return std::nullopt;
 }
 
-std::vector<Text> MapReader::textList(const std::string& key) {
+std::vector<Text> MapReader::textList(std::string const& key) {
   std::vector<Text> result;
-  const auto entry = find(key);
+  auto const entry = find(key);
   if (!entry) return result;
   if (!entry->value.IsSequence()) {
     m_diagnostics->report(entry->valueAt, "'" + key + "' of " + m_what + " is not a list", "a list of names");
@@ -120,16 +120,16 @@ std::vector<Text> MapReader::textList(const std::string& key) {
   return result;
 }
 
-std::vector<std::pair<Text, Text>> MapReader::textMap(const std::string& key) {
+std::vector<std::pair<Text, Text>> MapReader::textMap(std::string const& key) {
   std::vector<std::pair<Text, Text>> result;
-  const auto entry = find(key);
+  auto const entry = find(key);
   if (!entry) return result;
   if (!entry->value.IsMap()) {
     m_diagnostics->report(entry->valueAt, "'" + key + "' of " + m_what + " is not a map", "a map of names");
     return result;
   }
   std::set<std::string> seen;
-  for (const auto& pair : entry->value) {
+  for (auto const& pair : entry->value) {
     const Position at = positionOf(pair.first);
     if (!pair.first.IsScalar() || !pair.second.IsScalar()) {
       m_diagnostics->report(at, "an entry of '" + key + "' is not a pair of texts", "name: name");
@@ -143,9 +143,9 @@ std::vector<std::pair<Text, Text>> MapReader::textMap(const std::string& key) {
   return result;
 }
 
-std::vector<MapReader> MapReader::rows(const std::string& key, const std::string& what) {
+std::vector<MapReader> MapReader::rows(std::string const& key, std::string const& what) {
   std::vector<MapReader> result;
-  const auto entry = find(key);
+  auto const entry = find(key);
   if (!entry) return result;
   if (!entry->value.IsSequence()) {
     reportMissingRows(entry->valueAt, "'" + key + "' of " + m_what + " is not a list",
@@ -156,8 +156,8 @@ std::vector<MapReader> MapReader::rows(const std::string& key, const std::string
   return result;
 }
 
-std::vector<MapReader> MapReader::requiredRows(const std::string& key, const std::string& what) {
-  const auto entry = find(key);
+std::vector<MapReader> MapReader::requiredRows(std::string const& key, std::string const& what) {
+  auto const entry = find(key);
   if (m_node.IsMap() && (!entry || (entry->value.IsSequence() && entry->value.size() == 0))) {
     m_diagnostics->report(entry ? entry->valueAt : m_start, m_what + " has no '" + key + "'",
                           "a list with at least one entry");
@@ -168,7 +168,7 @@ std::vector<MapReader> MapReader::requiredRows(const std::string& key, const std
 void MapReader::refuseOtherKeys() {
   if (!m_node.IsMap()) return;
   std::set<std::string> seen;
-  for (const auto& pair : m_node) {
+  for (auto const& pair : m_node) {
     const std::string key = pair.first.IsScalar() ? pair.first.Scalar() : "?";
     if (m_known.count(key) == 0) {
       reportMissingRows(positionOf(pair.first), "unknown key '" + key + "' in " + m_what,
@@ -179,7 +179,7 @@ void MapReader::refuseOtherKeys() {
   }
 }
 
-std::optional<YAML::Node> loadYaml(const std::string& file, const Position& namedAt, Diagnostics& diagnostics) {
+std::optional<YAML::Node> loadYaml(std::string const& file, Position const& namedAt, Diagnostics& diagnostics) {
   std::ifstream stream(file, std::ios::binary);
   std::ostringstream content;
   if (!std::filesystem::is_regular_file(file) || !stream || (stream.peek() != EOF && !(content << stream.rdbuf()))) {

@@ -22,20 +22,20 @@ class MapReader {
   MapReader(const YAML::Node& node, Position start, std::string what, Diagnostics& diagnostics);
 
   // An absent key gives nothing; a key without a text is reported and gives nothing.
-  std::optional<Text> text(const std::string& key);
+  std::optional<Text> text(std::string const& key);
   // Absent or empty is reported, and the result is then the empty text at the row's own position; so is a control
   // character, which would end a line of generated code.
-  Text requiredText(const std::string& key);
-  std::optional<Flag> flag(const std::string& key);
-  bool flagOr(const std::string& key, bool absent);
-  std::optional<Located<std::int32_t>> requiredInteger(const std::string& key);
-  std::vector<Text> textList(const std::string& key);
-  std::vector<std::pair<Text, Text>> textMap(const std::string& key);
+  Text requiredText(std::string const& key);
+  std::optional<Flag> flag(std::string const& key);
+  bool flagOr(std::string const& key, bool absent);
+  std::optional<Located<std::int32_t>> requiredInteger(std::string const& key);
+  std::vector<Text> textList(std::string const& key);
+  std::vector<std::pair<Text, Text>> textMap(std::string const& key);
 
   // One reader for each entry of a list of maps; `what` names an entry.
-  std::vector<MapReader> rows(const std::string& key, const std::string& what);
+  std::vector<MapReader> rows(std::string const& key, std::string const& what);
   // The same; an absent or empty list is reported.
-  std::vector<MapReader> requiredRows(const std::string& key, const std::string& what);
+  std::vector<MapReader> requiredRows(std::string const& key, std::string const& what);
 
   // To be called after the last read: reports each key that nobody asked for, and each key given twice.
   void refuseOtherKeys();
@@ -44,7 +44,7 @@ class MapReader {
   // that were meant to be here are then missing.
   bool isWhole() const { return m_whole; }
 
-  const Position& start() const { return m_start; }
+  Position const& start() const { return m_start; }
 
  private:
   struct Entry {
@@ -53,10 +53,10 @@ class MapReader {
     YAML::Node value;
   };
 
-  std::optional<Entry> find(const std::string& key);
+  std::optional<Entry> find(std::string const& key);
   Position positionOf(const YAML::Node& node) const;
-  void reportMissingRows(const Position& at, const std::string& wrong, const std::string& expected);
-  std::optional<Text> scalar(const Entry& entry, const std::string& key);
+  void reportMissingRows(Position const& at, std::string const& wrong, std::string const& expected);
+  std::optional<Text> scalar(Entry const& entry, std::string const& key);
 
   YAML::Node m_node;
   Position m_start;
@@ -68,6 +68,6 @@ class MapReader {
 
 // The document of a file. An unreadable file, a syntax error, bytes that are no UTF-8 and a second document are
 // reported and give nothing.
-std::optional<YAML::Node> loadYaml(const std::string& file, const Position& namedAt, Diagnostics& diagnostics);
+std::optional<YAML::Node> loadYaml(std::string const& file, Position const& namedAt, Diagnostics& diagnostics);
 
 }  // namespace modelgen

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr const char* exitCodes =
+constexpr char const* exitCodes =
     "Without a command it shows what it does on a small tree of its own.\n"
     "Exit codes: 0 done; 1 the input has errors, what could be done was done; 2 wrong usage; 3 a file could not be "
     "written.";
@@ -18,9 +18,9 @@ using Command = int (*)(kconfig::Run&);
 
 // Runs a command and ends the process with its code. The model is not taken down first: the system takes its memory
 // back at once, element by element it would last as long as a short command.
-[[noreturn]] void finish(Command command, const kconfig::CommandOptions& options) {
+[[noreturn]] void finish(Command command, kconfig::CommandOptions const& options) {
   kconfig::Run run(options);
-  const int code = command(run);
+  int const code = command(run);
   std::cout.flush();
   std::_Exit(code);
 }
@@ -50,7 +50,7 @@ class CommandLine {
     } catch (const CLI::ParseError& error) {
       return m_app.exit(error) == 0 ? kconfig::exitDone : kconfig::exitUsage;
     }
-    for (const auto& [app, command] : m_commands) {
+    for (auto const& [app, command] : m_commands) {
       if (app->parsed()) {
         finish(command, m_options);
       }
@@ -60,7 +60,7 @@ class CommandLine {
   }
 
  private:
-  CLI::App& add(const char* name, const char* description, Command command, bool takesProfile = true) {
+  CLI::App& add(char const* name, char const* description, Command command, bool takesProfile = true) {
     CLI::App& app = *m_app.add_subcommand(name, description);
     m_commands.emplace_back(&app, command);
     app.add_option("-k,--kconfig", m_options.root, "first file of the tree")->capture_default_str();
@@ -101,7 +101,7 @@ class CommandLine {
 int main(int argc, char** argv) {
   try {
     return CommandLine().run(argc, argv);
-  } catch (const std::exception& error) {
+  } catch (std::exception const& error) {
     std::cerr << "tessel-kconfig: " << error.what() << '\n';
     return kconfig::exitInputErrors;
   }

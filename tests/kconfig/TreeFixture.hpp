@@ -19,13 +19,13 @@ struct Input {
   std::string profile = "";
 };
 
-inline Surroundings surroundingsOf(const Input& input) {
+inline Surroundings surroundingsOf(Input const& input) {
   Surroundings surroundings;
-  surroundings.variable = [&input](const std::string& name) {
+  surroundings.variable = [&input](std::string const& name) {
     const auto found = input.variables.find(name);
     return found != input.variables.end() ? std::optional<std::string>(found->second) : std::nullopt;
   };
-  surroundings.file = [&input](const std::string& path, std::string& problem) {
+  surroundings.file = [&input](std::string const& path, std::string& problem) {
     const auto found = input.files.find(path);
     problem = "no such file";
     return found != input.files.end() ? std::optional<std::string>(found->second) : std::nullopt;
@@ -33,9 +33,9 @@ inline Surroundings surroundingsOf(const Input& input) {
   return surroundings;
 }
 
-inline std::vector<std::string> textsOf(const Diagnostics& diagnostics) {
+inline std::vector<std::string> textsOf(Diagnostics const& diagnostics) {
   std::vector<std::string> texts;
-  for (const Diagnostic& diagnostic : diagnostics.entries()) {
+  for (Diagnostic const& diagnostic : diagnostics.entries()) {
     texts.push_back(diagnostic.text());
   }
   return texts;
@@ -70,15 +70,15 @@ class Bench {
   ext::ConfigProfile profile;
 };
 
-inline Completed complete(const Input& input) {
+inline Completed complete(Input const& input) {
   Bench bench(input);
   bench.workspace.produce();
-  const runtime::ConfigurationState& state = bench.workspace.states().root;
+  runtime::ConfigurationState const& state = bench.workspace.states().root;
   return {scriptOf(state, key::configuration), scriptOf(state, key::header), textsOf(bench.workspace.diagnostics())};
 }
 
 // Only the lines that set or unset a symbol, without the prefix.
-inline std::vector<std::string> settingsOf(const std::string& configuration) {
+inline std::vector<std::string> settingsOf(std::string const& configuration) {
   std::vector<std::string> lines;
   std::size_t start = 0;
   for (std::size_t end = configuration.find('\n'); end != std::string::npos; end = configuration.find('\n', start)) {

@@ -15,15 +15,15 @@ namespace {
 using testing::ElementsAre;
 
 struct Case {
-  const char* behaviour;
-  const char* tree;
-  const char* profile;
+  char const* behaviour;
+  char const* tree;
+  char const* profile;
   std::vector<std::string> settings;
 };
 
-constexpr const char* modulesEntry = "config MODULES\n\tbool \"modules\"\n\toption modules\n\tdefault y\n";
+constexpr char const* modulesEntry = "config MODULES\n\tbool \"modules\"\n\toption modules\n\tdefault y\n";
 
-const std::vector<Case>& cases() {
+std::vector<Case> const& cases() {
   static const std::vector<Case> all = {
       {"a prompt that is shown takes the user's value, else the default",
        "config A\n\tbool \"a\"\nconfig B\n\tbool \"b\"\n\tdefault y\nconfig C\n\tbool \"c\"\n\tdefault y\n",
@@ -131,7 +131,7 @@ const std::vector<Case>& cases() {
 }
 
 // The same with a third value.
-const std::vector<Case>& tristateCases() {
+std::vector<Case> const& tristateCases() {
   static const std::vector<Case> all = {
       {"a tristate symbol is limited by what it depends on",
        "config A\n\ttristate \"a\"\nconfig B\n\ttristate \"b\"\n\tdepends on A\n\tdefault y\n"
@@ -160,7 +160,7 @@ const std::vector<Case>& tristateCases() {
   return all;
 }
 
-Case withModules(const Case& original, std::string& storage) {
+Case withModules(Case const& original, std::string& storage) {
   storage = std::string(modulesEntry) + original.tree;
   Case copy = original;
   copy.tree = storage.c_str();
@@ -168,14 +168,14 @@ Case withModules(const Case& original, std::string& storage) {
 }
 
 // The reference tool's answer, in a folder of its own.
-std::string askReference(const Case& wanted) {
+std::string askReference(Case const& wanted) {
   namespace fs = std::filesystem;
   const fs::path folder = fs::temp_directory_path() / ("kconfig-reference-" + std::to_string(::getpid()));
   fs::create_directories(folder);
   std::ofstream(folder / "Kconfig") << wanted.tree;
   std::ofstream(folder / ".config") << wanted.profile;
   const std::string command = "cd '" + folder.string() + "' && kconfig-conf --olddefconfig Kconfig >log 2>&1";
-  const int code = std::system(command.c_str());
+  int const code = std::system(command.c_str());
   std::ifstream file(folder / ".config");
   std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
   fs::remove_all(folder);
@@ -184,7 +184,7 @@ std::string askReference(const Case& wanted) {
 
 class CompletionTest : public testing::Test {
  protected:
-  static void check(const Case& row) {
+  static void check(Case const& row) {
     SCOPED_TRACE(row.behaviour);
     const Completed completed = complete({{{"Kconfig", row.tree}}, {}, row.profile});
     EXPECT_EQ(settingsOf(completed.configuration), row.settings);
@@ -193,17 +193,17 @@ class CompletionTest : public testing::Test {
     }
   }
 
-  static inline const bool s_hasReference = std::system("command -v kconfig-conf >/dev/null 2>&1") == 0;
+  static inline bool const s_hasReference = std::system("command -v kconfig-conf >/dev/null 2>&1") == 0;
 };
 
 TEST_F(CompletionTest, GivesEachSymbolTheValueThatTheLanguageSays) {
-  for (const Case& row : cases()) {
+  for (Case const& row : cases()) {
     check(row);
   }
 }
 
 TEST_F(CompletionTest, KnowsTheThirdValueWhereModulesAreOn) {
-  for (const Case& row : tristateCases()) {
+  for (Case const& row : tristateCases()) {
     std::string storage;
     check(withModules(row, storage));
   }
@@ -220,9 +220,9 @@ TEST_F(CompletionTest, WritesHeadingsOnlyOfWhatIsShown) {
 }
 
 TEST_F(CompletionTest, WritesTheTitleWithoutBlanksAroundIt) {
-  const std::pair<const char*, const char*> titles[] = {
+  const std::pair<char const*, char const*> titles[] = {
       {"  Title", "# Title\n#\n"}, {"", "#\n#\n"}, {"$NONE", "#\n#\n"}};
-  for (const auto& [title, lines] : titles) {
+  for (auto const& [title, lines] : titles) {
     const Completed completed = complete({{{"Kconfig", "mainmenu \"" + std::string(title) + "\"\n"}}});
     EXPECT_EQ(completed.configuration, "#\n# Automatically generated file; DO NOT EDIT.\n" + std::string(lines))
         << title;
@@ -269,7 +269,7 @@ TEST_F(CompletionTest, ReportsLoopsAndGoesOn) {
 }
 
 TEST_F(CompletionTest, WarnsOfWhatATreeCanHardlyMean) {
-  const std::pair<const char*, const char*> trees[] = {
+  const std::pair<char const*, char const*> trees[] = {
       {"config A\n\tprompt \"a\"\n", "Kconfig:1: warning: 'A' has no type"},
       {"config A\n\tint \"a\"\n\tselect B\nconfig B\n\tbool\n",
        "Kconfig:3: warning: 'A' is neither bool nor tristate and can't select another symbol"},
@@ -287,7 +287,7 @@ TEST_F(CompletionTest, WarnsOfWhatATreeCanHardlyMean) {
       {"choice\n\tbool\nconfig A\n\tbool \"a\"\nendchoice\n", "Kconfig:1: warning: the choice has no prompt"},
       {"config A\n\tbool\n\tdefault y\n\tselect B\nconfig B\n\tbool\n\tdepends on C\n",
        "Kconfig:4: warning: 'A' selects 'B', whose dependencies are not met"}};
-  for (const auto& [tree, message] : trees) {
+  for (auto const& [tree, message] : trees) {
     EXPECT_THAT(complete({{{"Kconfig", tree}}}).messages, ElementsAre(message)) << tree;
   }
 }

@@ -11,7 +11,7 @@ namespace {
 class ExpressionRulesTest : public testing::Test {
  protected:
   ExpressionRulesTest() {
-    for (const auto& [name, type] : {std::pair{"B", SymbolType::Boolean},
+    for (auto const& [name, type] : {std::pair{"B", SymbolType::Boolean},
                                      {"C", SymbolType::Boolean},
                                      {"T", SymbolType::Tristate},
                                      {"U", SymbolType::Tristate},
@@ -20,7 +20,7 @@ class ExpressionRulesTest : public testing::Test {
     }
   }
 
-  ExpressionId parse(const std::string& text) {
+  ExpressionId parse(std::string const& text) {
     // The reader's own tree is thrown away: its expression is built anew over the typed symbols.
     Diagnostics diagnostics;
     const Input input{{{"Kconfig", "config X\n\tbool\n\tdepends on " + text + "\n"}}};
@@ -28,9 +28,9 @@ class ExpressionRulesTest : public testing::Test {
     EXPECT_FALSE(diagnostics.hasErrors()) << text;
     return copy(parsed, parsed.properties.back().condition);
   }
-  ExpressionId copy(const MenuTree& from, ExpressionId id) {
-    const ExpressionPool& pool = from.expressions;
-    const auto symbol = [&](SymbolId other) {
+  ExpressionId copy(MenuTree const& from, ExpressionId id) {
+    ExpressionPool const& pool = from.expressions;
+    auto const symbol = [&](SymbolId other) {
       const Symbol& row = from.symbols[other];
       const std::string_view name = m_tree.texts.intern(row.name);
       return row.kind == SymbolKind::Constant ? m_tree.symbols.constant(name) : m_tree.symbols.plain(name);
@@ -55,7 +55,7 @@ class ExpressionRulesTest : public testing::Test {
   ExpressionRules m_rules{m_tree.expressions, m_tree.symbols};
 };
 
-using Cases = std::vector<std::pair<const char*, const char*>>;
+using Cases = std::vector<std::pair<char const*, char const*>>;
 
 TEST_F(ExpressionRulesTest, NormalizingBringsNegationsDownAndSimplifiesBooleanTests) {
   const Cases cases = {{"!!B", "B"},
@@ -71,7 +71,7 @@ TEST_F(ExpressionRulesTest, NormalizingBringsNegationsDownAndSimplifiesBooleanTe
                        {"T = y", "T = y"},
                        {"!y || !m || !n", "n || m || y"},
                        {"!(B = y && (T || !C))", "!B || (!T && C)"}};
-  for (const auto& [text, expected] : cases) {
+  for (auto const& [text, expected] : cases) {
     EXPECT_EQ(print(m_rules.normalized(parse(text))), expected) << text;
   }
 }
@@ -97,7 +97,7 @@ TEST_F(ExpressionRulesTest, JoiningLeavesOneOperandWhereTwoSayOneThing) {
                        {"B && (C || C)", "B && C"},
                        {"y && B && n", "y && B && n"},
                        {"B && y && B", "B"}};
-  for (const auto& [text, expected] : cases) {
+  for (auto const& [text, expected] : cases) {
     EXPECT_EQ(print(m_rules.withoutDuplicates(parse(text))), expected) << text;
   }
 }
@@ -112,10 +112,10 @@ TEST_F(ExpressionRulesTest, RewritesForPlacesThatKnowLessOrMore) {
 
 TEST_F(ExpressionRulesTest, SeesWhichEntryLiesBelowWhich) {
   const SymbolId t = m_tree.symbols.plain("T");
-  for (const char* text : {"T", "B && T", "T = y", "T = m && B", "T != n"}) {
+  for (char const* text : {"T", "B && T", "T = y", "T = m && B", "T != n"}) {
     EXPECT_TRUE(m_rules.dependsOn(parse(text), t)) << text;
   }
-  for (const char* text : {"!T", "B || T", "T = n", "T != y", "S = T"}) {
+  for (char const* text : {"!T", "B || T", "T = n", "T != y", "S = T"}) {
     EXPECT_FALSE(m_rules.dependsOn(parse(text), t)) << text;
     EXPECT_TRUE(m_rules.mentions(parse(text), t)) << text;
   }

@@ -29,14 +29,14 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-std::string textOfFile(const std::string& name) {
+std::string textOfFile(std::string const& name) {
   std::ifstream file(std::string(KCONFIG_DEMO "/") + name);
   std::ostringstream text;
   text << file.rdbuf();
   return text.str();
 }
 
-Input demo(const std::string& profile) {
+Input demo(std::string const& profile) {
   Input input;
   input.files = {{"Kconfig", textOfFile("Kconfig")}, {"radio/Kconfig", textOfFile("radio/Kconfig")}};
   input.variables = {{"WEATHER_EDITION", "7"}};
@@ -45,30 +45,30 @@ Input demo(const std::string& profile) {
 }
 
 // Everything of a tree that values are worked out from, a line for each piece.
-std::string described(const MenuTree& tree) {
+std::string described(MenuTree const& tree) {
   std::vector<std::string> lines{std::string(tree.title)};
-  const auto place = [&tree](Position position) {
+  auto const place = [&tree](Position position) {
     return std::string(tree.files[position.file].name) + ":" + std::to_string(position.line) + " ";
   };
-  const auto symbol = [&tree](SymbolId id) {
+  auto const symbol = [&tree](SymbolId id) {
     const bool quoted = id != noSymbol && tree.symbols[id].kind == SymbolKind::Constant;
     const std::string name(id != noSymbol ? tree.symbols[id].name : std::string_view());
     return quoted ? "\"" + name + "\"" : name;
   };
   for (SymbolId id = 0; id < tree.symbols.size(); ++id) {
-    const Symbol& row = tree.symbols[id];
+    Symbol const& row = tree.symbols[id];
     if (row.defined || row.automatic) {
       lines.push_back(std::string(row.name) + " " + keywordOf(row.type) + (row.optional ? " optional" : "") +
                       (row.automatic ? " automatic" : "") + (id == tree.modules ? " modules" : ""));
     }
   }
-  for (const Entry& entry : tree.entries) {
+  for (Entry const& entry : tree.entries) {
     lines.push_back(place(entry.position) + std::to_string(static_cast<int>(entry.kind)) + " " + symbol(entry.symbol) +
                     " in " + std::to_string(entry.parent) + " to " + std::to_string(entry.end));
     std::vector<std::string> others;
-    for (const Property& property : propertiesOf(tree, entry)) {
-      const bool carried = property.kind < PropertyKind::Help && property.kind != PropertyKind::Type;
-      const bool imported = property.kind == PropertyKind::Environment && property.value != noExpression;
+    for (Property const& property : propertiesOf(tree, entry)) {
+      bool const carried = property.kind < PropertyKind::Help && property.kind != PropertyKind::Type;
+      bool const imported = property.kind == PropertyKind::Environment && property.value != noExpression;
       if (property.kind == PropertyKind::Prompt) {
         // Where it stands among the other properties of its entry is of no account.
         lines.back() +=
@@ -83,7 +83,7 @@ std::string described(const MenuTree& tree) {
     lines.insert(lines.end(), others.begin(), others.end());
   }
   std::string text;
-  for (const std::string& line : lines) {
+  for (std::string const& line : lines) {
     text += line + "\n";
   }
   return text;
@@ -91,7 +91,7 @@ std::string described(const MenuTree& tree) {
 
 TEST(Mapping, DefinitionsGiveTheTreeBack) {
   std::vector<Input> inputs{demo("")};
-  for (const char* text :
+  for (char const* text :
        {"", "config A\n\tbool\nconfig A\n\tprompt \"again\"\n\tdefault y if !B || C = \"c\"\n",
         "choice NAMED\n\tprompt \"c\"\n\toptional\nconfig A\n\tbool \"a\"\nendchoice\nchoice\n\ttristate \"d\"\n"
         "\tdefault M if A\nconfig M\n\ttristate \"m\"\nendchoice\nchoice NAMED\n\tprompt \"e\"\nendchoice\n",
@@ -102,7 +102,7 @@ TEST(Mapping, DefinitionsGiveTheTreeBack) {
         "\toption defconfig_list\n\toption env=\"NONE\"\n"}) {
     inputs.push_back({{{"Kconfig", text}}});
   }
-  for (const Input& input : inputs) {
+  for (Input const& input : inputs) {
     Diagnostics diagnostics;
     const MenuTree tree = readTree("Kconfig", surroundingsOf(input), diagnostics);
     const plinth::Model model = plinth::Model::create();
@@ -113,15 +113,15 @@ TEST(Mapping, DefinitionsGiveTheTreeBack) {
 
 TEST(Mapping, DefinitionsSayWhatTheAuthorWrote) {
   Bench bench(demo(""));
-  const schema::SchemaData& schema = bench.workspace.schema();
+  schema::SchemaData const& schema = bench.workspace.schema();
   std::vector<std::string> attributes;
   const schema::ParamDef param = schema->getParams()->find(u"MEMORY_SIZE");
-  for (const schema::FollowsDef& row : *param->getFollows()) {
+  for (schema::FollowsDef const& row : *param->getFollows()) {
     attributes.push_back(fromModel(row->getAttribute()));
   }
   EXPECT_THAT(attributes, ElementsAre("Name", "Range", "Range", "Value", "Value"));
   EXPECT_EQ((*schema->getParams()->find(u"TEMPERATURE")->getLogic())[1].getCode(), u"Temperature");
-  const auto range = plinth::element_cast<expr::UntypedOperation>(param->getFollows()->at(1)->getExpr());
+  auto const range = plinth::element_cast<expr::UntypedOperation>(param->getFollows()->at(1)->getExpr());
   ASSERT_TRUE(range);
   EXPECT_EQ(range->getOperator(), expr::Operator::IF_THEN);
   EXPECT_EQ(range->getOperands()->size(), 3U);
@@ -131,10 +131,10 @@ TEST(Mapping, DefinitionsSayWhatTheAuthorWrote) {
 
 TEST(Mapping, DependenciesCanBeFollowedBothWays) {
   Bench bench(demo(""));
-  const schema::SchemaData& schema = bench.workspace.schema();
+  schema::SchemaData const& schema = bench.workspace.schema();
   std::vector<std::pair<std::uint32_t, std::uint32_t>> forward;
   std::vector<std::pair<std::uint32_t, std::uint32_t>> back;
-  const auto collect = [&](const schema::ControllableDef& definition) {
+  auto const collect = [&](schema::ControllableDef const& definition) {
     for (const schema::GlobalNodeRef& required : *definition->getRequires()) {
       back.emplace_back(required.getOrdinal(), definition->getOrdinal());
       EXPECT_EQ(schema->getParams()->find(required.getKey())->getOrdinal(), required.getOrdinal());
@@ -143,10 +143,10 @@ TEST(Mapping, DependenciesCanBeFollowedBothWays) {
       forward.emplace_back(definition->getOrdinal(), successor);
     }
   };
-  for (const schema::ParamDef& param : *schema->getParams()) {
+  for (schema::ParamDef const& param : *schema->getParams()) {
     collect(param);
   }
-  for (const schema::CategoryDef& category : *schema->getCategories()) {
+  for (schema::CategoryDef const& category : *schema->getCategories()) {
     collect(category);
   }
   std::sort(forward.begin(), forward.end());
@@ -157,9 +157,9 @@ TEST(Mapping, DependenciesCanBeFollowedBothWays) {
 
 class State : public testing::Test {
  protected:
-  runtime::ParamState param(const char16_t* key) { return state->getParams()->find(key); }
+  runtime::ParamState param(char16_t const* key) { return state->getParams()->find(key); }
   template <class Data>
-  Data dataOf(const char16_t* key) {
+  Data dataOf(char16_t const* key) {
     return plinth::element_cast<Data>(param(key)->getData());
   }
 
@@ -171,11 +171,11 @@ TEST_F(State, HoldsTypedValuesWithTheirConstraints) {
   EXPECT_TRUE(dataOf<data::BooleanParamData>(u"EXPERT")->getValue());
   EXPECT_EQ(dataOf<data::EnumParamData>(u"TEMPERATURE")->getValue(), u"y");
   EXPECT_EQ(dataOf<data::StringParamData>(u"BOARD_NAME")->getValue(), u"meadow \"S\"");
-  const auto period = dataOf<data::IntegerParamData>(u"READING_PERIOD");
+  auto const period = dataOf<data::IntegerParamData>(u"READING_PERIOD");
   EXPECT_EQ(period->getValue(), 10);
   EXPECT_EQ(period->getMin(), 1);
   EXPECT_EQ(period->getMax(), 3600);
-  const auto memory = dataOf<data::IntegerParamData>(u"MEMORY_SIZE");
+  auto const memory = dataOf<data::IntegerParamData>(u"MEMORY_SIZE");
   EXPECT_EQ(memory->getValue(), 0x10000);
   EXPECT_EQ(param(u"MEMORY_SIZE")->getCachedCode(), u"0x10000");
 }
@@ -185,7 +185,7 @@ TEST_F(State, TellsAChoiceByItsOptions) {
   const runtime::ParamState choice = state->getParams()->find(board->getCategory()->getKey());
   ASSERT_TRUE(choice);
   EXPECT_EQ(choice->getTypeName(), u"choice");
-  const auto data = plinth::element_cast<data::EnumParamData>(choice->getData());
+  auto const data = plinth::element_cast<data::EnumParamData>(choice->getData());
   EXPECT_EQ(data->getValue(), u"BOARD_SMALL");
   ASSERT_EQ(data->getAllowedValues()->size(), 3U);
   EXPECT_TRUE((*data->getAllowedValues())[2].getDisplayValue() == std::u16string(u"Simulated on a PC"));
@@ -223,7 +223,7 @@ TEST(Mapping, ProfilesKeepWhatTheFileSaid) {
                      "config MODULES\n\tbool \"m\"\n\toption modules\n\tdefault y\nconfig I\n\tint \"i\"\nconfig H\n"
                      "\thex \"h\"\nconfig S\n\tstring \"s\"\nchoice\n\ttristate \"c\"\nconfig A\n\ttristate \"a\"\n"
                      "config B\n\ttristate \"b\"\nendchoice\n"}}};
-  for (const char* profile :
+  for (char const* profile :
        {"", "CONFIG_I=-5\nCONFIG_H=0x00aB\nCONFIG_S=\"\"\n", "CONFIG_I=99999999999999999999\nCONFIG_H=fF\n",
         "CONFIG_S=\"a\\\"b \xff \xc3\xa9\"\n# CONFIG_MODULES is not set\n", "CONFIG_A=y\nCONFIG_B=y\n",
         "CONFIG_A=m\nCONFIG_B=m\n", "CONFIG_A=y\nCONFIG_B=m\n", "CONFIG_A=y\nCONFIG_A=n\n", "CONFIG_B=n\n"}) {
@@ -237,8 +237,8 @@ TEST(Mapping, ProfilesKeepWhatTheFileSaid) {
     const ext::ConfigStore store = ext::ConfigStore::create(model);
     const UserValues back = readProfileValues(storeProfile(store, "p", definitions, users), definitions, compiled);
     for (SymbolId symbol = 0; symbol < definitions.tree.symbols.size(); ++symbol) {
-      const UserValue& left = users[symbol];
-      const UserValue& right = back[symbol];
+      UserValue const& left = users[symbol];
+      UserValue const& right = back[symbol];
       EXPECT_TRUE(left.present == right.present && left.tristate == right.tristate && left.text == right.text &&
                   left.member == right.member && (left.line == right.line || !users.isAsked(symbol)))
           << definitions.tree.symbols[symbol].name << " in " << profile;
@@ -247,7 +247,7 @@ TEST(Mapping, ProfilesKeepWhatTheFileSaid) {
 }
 
 TEST(Mapping, TextsOfAnyBytesPassThroughTheModel) {
-  for (const char* text : {"", "plain", "caf\xc3\xa9", "\xff\xfe", "a\xc3", "\xf0\x9f\x98\x80", "\xed\xb2\x80"}) {
+  for (char const* text : {"", "plain", "caf\xc3\xa9", "\xff\xfe", "a\xc3", "\xf0\x9f\x98\x80", "\xed\xb2\x80"}) {
     EXPECT_EQ(fromModel(toModel(text)), text);
   }
   EXPECT_EQ(toModel("caf\xc3\xa9"), u"caf\u00e9");

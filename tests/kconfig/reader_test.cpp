@@ -15,7 +15,7 @@ struct Read {
   std::vector<std::string> messages;
 };
 
-Read read(const Input& input) {
+Read read(Input const& input) {
   Diagnostics diagnostics;
   Read result;
   result.tree = readTree("Kconfig", surroundingsOf(input), diagnostics);
@@ -23,10 +23,10 @@ Read read(const Input& input) {
   return result;
 }
 
-Read read(const std::string& text) { return read(Input{{{"Kconfig", text}}}); }
+Read read(std::string const& text) { return read(Input{{{"Kconfig", text}}}); }
 
-std::string_view helpOf(const MenuTree& tree) {
-  for (const Property& property : tree.properties) {
+std::string_view helpOf(MenuTree const& tree) {
+  for (Property const& property : tree.properties) {
     if (property.kind == PropertyKind::Help) {
       return property.text;
     }
@@ -51,12 +51,12 @@ TEST(Reader, KeepsEntriesInOrderWithParentsAndPositions) {
     unsigned line;
     EntryId parent;
     EntryId end;
-    bool operator==(const Row& o) const {
+    bool operator==(Row const& o) const {
       return kind == o.kind && line == o.line && parent == o.parent && end == o.end;
     }
   };
   std::vector<Row> rows;
-  for (const Entry& entry : result.tree.entries) {
+  for (Entry const& entry : result.tree.entries) {
     rows.push_back({entry.kind, entry.position.line, entry.parent, entry.end});
   }
   EXPECT_TRUE((rows == std::vector<Row>{{EntryKind::Root, 0, noEntry, 7},
@@ -69,30 +69,30 @@ TEST(Reader, KeepsEntriesInOrderWithParentsAndPositions) {
 }
 
 TEST(Reader, BindsAndTighterThanOrAndNotTightest) {
-  const std::pair<const char*, const char*> cases[] = {{"A||B&&C", "A || (B && C)"},
+  const std::pair<char const*, char const*> cases[] = {{"A||B&&C", "A || (B && C)"},
                                                        {"(A || B) && !C", "(A || B) && !C"},
                                                        {"!A=y && B!='x y'", "!(A = y) && B != \"x y\""},
                                                        {"A<3||A<=3||A>3||A>=3", "A < 3 || A <= 3 || A > 3 || A >= 3"},
                                                        {"A \\\n && B # and so on", "A && B"},
                                                        {"((A))", "A"},
                                                        {"\"y\" && 'n'", "y && n"}};
-  for (const auto& [text, expected] : cases) {
+  for (auto const& [text, expected] : cases) {
     const Read result = read(std::string("config X\n\tbool\n\tdepends on ") + text + "\n");
     ASSERT_THAT(result.messages, IsEmpty()) << text;
-    const Property& property = result.tree.properties.back();
+    Property const& property = result.tree.properties.back();
     EXPECT_EQ(textOf(result.tree.expressions, result.tree.symbols, property.condition), expected) << text;
   }
 }
 
 TEST(Reader, EndsHelpByItsIndentation) {
-  const std::pair<const char*, const char*> cases[] = {
+  const std::pair<char const*, char const*> cases[] = {
       {"\thelp\n\t  one\n\t    two\n\n\t  three\n\tdefault y\n", "one\n  two\n\nthree"},
       {"\t---help---\n        eight\n\ttab\nconfig Z\n", "eight\ntab"},
       {"\thelp\n\nconfig Z\n", ""},
       {"\thelp\nat the margin\n", "at the margin"},
       {"\thelp\n\t  # no comment  \t\n", "# no comment"},
       {"\thelp\n\t  last line without an end", "last line without an end"}};
-  for (const auto& [text, expected] : cases) {
+  for (auto const& [text, expected] : cases) {
     EXPECT_EQ(helpOf(read(std::string("config X\n\tbool\n") + text).tree), expected) << text;
   }
 }
@@ -115,7 +115,7 @@ TEST(Reader, SourcesFilesNamedByVariables) {
 }
 
 TEST(Reader, TakesVariablesAsTheyAreDeclaredSoFar) {
-  const std::pair<const char*, const char*> cases[] = {
+  const std::pair<char const*, char const*> cases[] = {
       {"config F\n\tbool\n\tdefault y\nconfig V\n\tstring\n\tdefault \"first\" if !F\n\tdefault \"second\"\n",
        "second"},
       {"config W\n\tstring\n\tdefault \"other\"\nconfig V\n\tstring\n\tdefault W\n", "other"},
@@ -127,7 +127,7 @@ TEST(Reader, TakesVariablesAsTheyAreDeclaredSoFar) {
       {"config V\n\tdefault \"text\"\n", "V"},
       {"config X\n\tbool\n\tdepends on V\n", "V"},
       {"config X\n\tbool\n", ""}};
-  for (const auto& [text, value] : cases) {
+  for (auto const& [text, value] : cases) {
     const Read result = read(std::string(text) + "source \"<$V>\"\nconfig V\n\tstring\n\tdefault \"late\"\n");
     ASSERT_FALSE(result.messages.empty()) << text;
     EXPECT_THAT(result.messages.front(), testing::HasSubstr("the file '<" + std::string(value) + ">'")) << text;
@@ -144,7 +144,7 @@ TEST(Reader, ExpandsTheTitleOnceAllIsRead) {
 
 TEST(Reader, TellsWhereTextIsWrongAndReadsOn) {
   struct Case {
-    const char* text;
+    char const* text;
     std::vector<std::string> messages;
   };
   const Case cases[] = {
@@ -183,7 +183,7 @@ TEST(Reader, TellsWhereTextIsWrongAndReadsOn) {
       {"source \"gone\"\n", {"Kconfig:1: error: the file 'gone' can't be read: no such file"}},
       {"source \"a$B\"\n", {"Kconfig:1: error: the file 'a' ('a$B') can't be read: no such file"}},
       {"source \"Kconfig\"\n", {"Kconfig:1: error: the file 'Kconfig' sources itself, directly or through others"}}};
-  for (const Case& wrong : cases) {
+  for (Case const& wrong : cases) {
     Read result = read(std::string(wrong.text) + "config BEHIND\n\tbool\n");
     EXPECT_EQ(result.messages, wrong.messages) << wrong.text;
     EXPECT_TRUE(result.tree.symbols[result.tree.symbols.plain("BEHIND")].defined) << wrong.text;

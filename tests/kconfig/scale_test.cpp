@@ -46,7 +46,7 @@ TEST(Scale, DeepNestingIsRefusedWithAMessage) {
   const std::vector<std::string> messages = complete({{{"Kconfig", blocks}}}).messages;
   ASSERT_FALSE(messages.empty());
   EXPECT_EQ(messages.front(), "Kconfig:500: error: blocks are nested too deeply, the rest of the file is left out");
-  for (const char* opening : {"(", "!", "!("}) {
+  for (char const* opening : {"(", "!", "!("}) {
     std::string expression = "config A\n\tbool\n\tdepends on ";
     for (int i = 0; i < many; ++i) {
       expression += opening;

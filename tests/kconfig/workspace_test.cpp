@@ -12,7 +12,7 @@
 #include "TreeFixture.hpp"
 #include "commands/Commands.hpp"
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
+extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size);
 
 namespace kconfig::test {
 namespace {
@@ -20,12 +20,12 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-constexpr const char* smallTree =
+constexpr char const* smallTree =
     "config L\n\tstring\n\toption defconfig_list\n\tdefault \"missing\"\n\tdefault \"saved\"\n"
     "config A\n\tbool \"a\"\nconfig B\n\tint \"b\"\n\tdepends on A\n\trange 1 9\n\tdefault 3\n"
     "config S\n\tstring \"s\"\n\tdefault \"x\" if A\n";
 
-std::string printed(const std::function<void()>& action) {
+std::string printed(std::function<void()> const& action) {
   testing::internal::CaptureStdout();
   action();
   return testing::internal::GetCapturedStdout();
@@ -44,7 +44,7 @@ TEST(Workspace, TryingOutLeavesNoTrace) {
     differences = printed([&] { printDifferences(workspace, before, workspace.writer().shown()); });
   });
   EXPECT_EQ(differences, "-# CONFIG_A is not set\n+CONFIG_A=y\n+CONFIG_B=3\n-CONFIG_S=\"mine\"\n+CONFIG_S=\"new\"\n");
-  const auto difference = diff(fingerprint, plinth::Fingerprint::of(workspace.model()));
+  auto const difference = diff(fingerprint, plinth::Fingerprint::of(workspace.model()));
   EXPECT_FALSE(difference) << difference->text();
   EXPECT_EQ(workspace.writer().countDeviations(), 0U);
   workspace.produce();
@@ -91,7 +91,7 @@ class Commands : public testing::Test {
   }
   ~Commands() override { std::filesystem::remove_all(m_folder); }
 
-  std::string file(const std::string& name, const std::string& text) {
+  std::string file(std::string const& name, std::string const& text) {
     std::ofstream(m_folder / name) << text;
     return (m_folder / name).string();
   }
@@ -150,14 +150,14 @@ TEST_F(Commands, TellWhatTheyAreAskedFor) {
 
 TEST(Fuzzer, WhatItHasKeptDoesNoHarm) {
   std::vector<std::string> texts;
-  for (const auto& entry : std::filesystem::directory_iterator(KCONFIG_REGRESSIONS)) {
+  for (auto const& entry : std::filesystem::directory_iterator(KCONFIG_REGRESSIONS)) {
     std::ostringstream text;
     text << std::ifstream(entry.path(), std::ios::binary).rdbuf();
     texts.push_back(text.str());
   }
   ASSERT_FALSE(texts.empty());
-  for (const std::string& text : texts) {
-    EXPECT_EQ(LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()), 0);
+  for (std::string const& text : texts) {
+    EXPECT_EQ(LLVMFuzzerTestOneInput(reinterpret_cast<std::uint8_t const*>(text.data()), text.size()), 0);
   }
 }
 

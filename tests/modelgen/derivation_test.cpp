@@ -14,15 +14,15 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 template <class Range>
-std::vector<std::string> namesOf(const Range& range) {
+std::vector<std::string> namesOf(Range const& range) {
   std::vector<std::string> names;
-  for (const auto* each : range) names.push_back(each->name);
+  for (auto const* each : range) names.push_back(each->name);
   return names;
 }
 
-std::vector<std::string> qualifiedNamesOf(const std::vector<const Property*>& properties) {
+std::vector<std::string> qualifiedNamesOf(std::vector<Property const*> const& properties) {
   std::vector<std::string> names;
-  for (const Property* each : properties) names.push_back(each->owner->name + "." + each->name);
+  for (Property const* each : properties) names.push_back(each->owner->name + "." + each->name);
   return names;
 }
 
@@ -35,8 +35,8 @@ class Derivation : public testing::Test {
     ASSERT_TRUE(diagnostics.empty()) << diagnostics.sorted().front();
   }
 
-  const Class& classNamed(const std::string& name) const { return *asClass(set.types.at("tessel.good.shop." + name)); }
-  const Property& property(const std::string& owner, const std::string& name) const {
+  Class const& classNamed(std::string const& name) const { return *asClass(set.types.at("tessel.good.shop." + name)); }
+  Property const& property(std::string const& owner, std::string const& name) const {
     return *findProperty(classNamed(owner), name);
   }
 
@@ -71,7 +71,7 @@ TEST_F(Derivation, FieldsStandAsValuesThenSingleElementsThenCollections) {
 }
 
 TEST_F(Derivation, OrderAndUniquenessFollowShapeAndSource) {
-  const auto flags = [this](const std::string& name) {
+  auto const flags = [this](std::string const& name) {
     const Property& each = property("Shop", name);
     return std::make_pair(each.ordered, each.unique);
   };
@@ -91,17 +91,17 @@ TEST_F(Derivation, QueriesSeeElementsAndPlainValuesOnly) {
 }
 
 TEST_F(Derivation, TheSetterOfAKeyKeepsItsMapsSoundOnceOneOfThemHoldsItsVeryClass) {
-  const Property& code = property("Item", "Code");
+  Property const& code = property("Item", "Code");
   EXPECT_THAT(qualifiedNamesOf(code.keyedMaps), ElementsAre("Archive.Boxes", "Shop.Items", "Depot.Items"))
       << "in package order";
   EXPECT_FALSE(code.virtualSetter);
-  for (const char* const name : {"Item", "SmallItem", "TinyItem"}) EXPECT_THAT(classNamed(name).overrides, IsEmpty());
+  for (char const* const name : {"Item", "SmallItem", "TinyItem"}) EXPECT_THAT(classNamed(name).overrides, IsEmpty());
 }
 
 TEST_F(Derivation, AKeyOfDerivedClassesOnlyIsKeptSoundByThese) {
-  const Class& label = *asClass(set.types.at("tessel.good.Label"));
-  const Class& priceLabel = *asClass(set.types.at("tessel.good.PriceLabel"));
-  const Property& text = label.properties.front();
+  Class const& label = *asClass(set.types.at("tessel.good.Label"));
+  Class const& priceLabel = *asClass(set.types.at("tessel.good.PriceLabel"));
+  Property const& text = label.properties.front();
   EXPECT_TRUE(text.virtualSetter);
   EXPECT_THAT(text.keyedMaps, IsEmpty());
   ASSERT_EQ(priceLabel.overrides.size(), 1u);
@@ -112,7 +112,7 @@ TEST_F(Derivation, AKeyOfDerivedClassesOnlyIsKeptSoundByThese) {
 TEST_F(Derivation, DefaultsAndStampsBecomeInitialisers) {
   const Data shop = classData(classNamed("Shop"), "");
   std::map<std::string, std::string> initializers;
-  for (const Data& each : shop.get("properties")->list_value()) {
+  for (Data const& each : shop.get("properties")->list_value()) {
     initializers[each.get("name")->string_value()] = each.get("initializer")->string_value();
   }
   EXPECT_EQ(initializers["Mode"], "tessel::good::shop::ShopMode::OPEN");
@@ -125,7 +125,7 @@ TEST_F(Derivation, DefaultsAndStampsBecomeInitialisers) {
 
 TEST_F(Derivation, ThePackageTreeHoldsNamespacesBeforePackages) {
   std::vector<std::string> tree;
-  for (const PackageNode& each : set.generated().packageTree) {
+  for (PackageNode const& each : set.generated().packageTree) {
     tree.push_back(each.uri + (each.parent == nullptr ? "" : " in " + each.parent->slot));
   }
   const std::string root = "https://schema.tessel.invalid/plinth/good_datamodel/R2.7";
@@ -135,7 +135,7 @@ TEST_F(Derivation, ThePackageTreeHoldsNamespacesBeforePackages) {
 
 TEST_F(Derivation, HandlesAreCreatedByPackageAndTypeInNameOrder) {
   std::vector<std::string> handles;
-  for (const Handle& each : set.generated().handles) {
+  for (Handle const& each : set.generated().handles) {
     if (each.kind != HandleKind::property) handles.push_back(each.slot);
   }
   EXPECT_THAT(handles, ElementsAre("rootPackage", "tessel", "tessel_good_shop", "good_Archive", "good_Area",

@@ -25,7 +25,7 @@ TEST(LongLines, CommentsBreakAtSpacesAndGoOnAsComments) {
 }
 
 TEST(LongLines, WhatHasNoPlaceToBreakStaysAndShortLinesAreLeftAlone) {
-  for (const char* const line :
+  for (char const* const line :
        {"#include <a/very/long/path/of/a/header.hpp>\n", "x = u\"a, \\\", b(c, d), e, f, g\";\n",
         "}  // one, two, three, four\n", "anIdentifierThatIsLongerThanAllLinesMayBe;\n", "f(a, b);\n", "\n"}) {
     EXPECT_EQ(foldLongLines(line, 20), line);

@@ -9,7 +9,7 @@ namespace {
 
 TEST(Naming, PropertiesBecomeLowerCamelAndStepAsideForReservedWords) {
   EXPECT_EQ(lowerCamel("ExprType"), "exprType");
-  for (const char* const word : {"Operator", "Import", "Export", "Static", "Default", "Class", "Xor", "Requires"}) {
+  for (char const* const word : {"Operator", "Import", "Export", "Static", "Default", "Class", "Xor", "Requires"}) {
     const std::string accessor = lowerCamel(word);
     EXPECT_EQ(accessor.back(), '_') << word;
     EXPECT_FALSE(isReservedWord(accessor)) << word;
@@ -34,10 +34,10 @@ TEST(Naming, FormsOfNamesAreTold) {
 }
 
 TEST(Naming, PackagesKeepClearOfTheNamespacesThatGeneratedCodeMeans) {
-  for (const char* const package : {"plinth", "tessel.std", "a.boost.b", "tessel.inner.tessel", "tessel.frame"}) {
+  for (char const* const package : {"plinth", "tessel.std", "a.boost.b", "tessel.inner.tessel", "tessel.frame"}) {
     EXPECT_NE(hidingComponent(package), "") << package;
   }
-  for (const char* const package : {"tessel.internal.ext", "vellum.internal.form.model", "a.stdlib"}) {
+  for (char const* const package : {"tessel.internal.ext", "vellum.internal.form.model", "a.stdlib"}) {
     EXPECT_EQ(hidingComponent(package), "") << package;
   }
 }
@@ -67,12 +67,12 @@ TEST(Text, BecomesALiteralOfAnyEncodingAndLinesOfAnyWidth) {
 }
 
 TEST(Text, IsWellFormedUpToItsFirstBadByte) {
-  const auto isGood = [](const std::string& text) { return firstBadCharacter(text) == text.size(); };
+  auto const isGood = [](std::string const& text) { return firstBadCharacter(text) == text.size(); };
   EXPECT_TRUE(isGood("") && isGood("a\tb\r\n") && isGood("\xc3\xa9\xed\x9f\xbf\xf0\x9f\x98\x80\xf4\x8f\xbf\xbf"));
   EXPECT_EQ(firstBadCharacter("ab\xff"), 2U);
   EXPECT_EQ(firstBadCharacter("ab\x01"), 2U);
   EXPECT_EQ(firstBadCharacter(std::string("a\0b", 3)), 1U);
-  for (const char* const text : {"\x80", "\xc3", "\xc0\x80", "\xe0\x80\x80", "\xed\xa0\x80", "\xf0\x80\x80\x80",
+  for (char const* const text : {"\x80", "\xc3", "\xc0\x80", "\xe0\x80\x80", "\xed\xa0\x80", "\xf0\x80\x80\x80",
                                  "\xf4\x90\x80\x80", "\xe2\x82", "\xc3("}) {
     EXPECT_FALSE(isGood(text)) << text;
   }

@@ -15,18 +15,18 @@ using testing::HasSubstr;
 
 class Templates : public testing::Test {
  protected:
-  std::string render(const std::string& text, const Data& data) {
+  std::string render(std::string const& text, Data const& data) {
     workspace.write("t.mustache", text);
     TemplateSet templates(workspace.path("").string(), diagnostics);
     return templates.render("t.mustache", {"outputs.yaml", 1, 1}, data);
   }
 
   // The messages of a template that must not render, without the folder.
-  std::string refusal(const std::string& text, const Data& data) {
+  std::string refusal(std::string const& text, Data const& data) {
     diagnostics = Diagnostics();
     EXPECT_EQ(render(text, data), "");
     std::string result;
-    for (const Diagnostic& each : diagnostics.sorted()) {
+    for (Diagnostic const& each : diagnostics.sorted()) {
       result += fs::path(each.at.file).filename().string() + ":" + std::to_string(each.at.line) + ":" +
                 std::to_string(each.at.column) + ": " + each.text + "\n";
     }
@@ -39,7 +39,7 @@ class Templates : public testing::Test {
     data.set("yes", true);
     data.set("no", false);
     Data list(Data::type::list);
-    for (const char* const each : {"a", "b"}) list.push_back(Data("item", each));
+    for (char const* const each : {"a", "b"}) list.push_back(Data("item", each));
     data.set("list", list);
     return data;
   }
@@ -99,7 +99,7 @@ class Output : public testing::Test {
     workspace.write("templates/model", "{{name}}\n");
   }
 
-  void plan(const std::string& rows) const { workspace.write("templates/outputs.yaml", "outputs:\n" + rows); }
+  void plan(std::string const& rows) const { workspace.write("templates/outputs.yaml", "outputs:\n" + rows); }
 
   Result run(Mode mode) {
     options.mode = mode;
@@ -122,7 +122,7 @@ TEST_F(Output, IsWhatThePlanSays) {
 TEST_F(Output, LeavesWhatDidNotChangeAndDeletesWhatIsNoLongerMade) {
   ASSERT_EQ(run(Mode::write).status, ExitStatus::done);
   workspace.write("out/c/mine.txt", "not generated");
-  const auto before = workspace.snapshot("out");
+  auto const before = workspace.snapshot("out");
   ASSERT_EQ(run(Mode::write).status, ExitStatus::done);
   EXPECT_EQ(workspace.snapshot("out"), before);
 
@@ -143,7 +143,7 @@ TEST_F(Output, CheckFindsAChangedFileAndWritesNothing) {
   ASSERT_EQ(run(Mode::write).status, ExitStatus::done);
   EXPECT_EQ(run(Mode::check).status, ExitStatus::done);
   workspace.write("out/model.txt", "changed by hand");
-  const auto before = workspace.snapshot("out");
+  auto const before = workspace.snapshot("out");
   EXPECT_EQ(run(Mode::check).out, "changed model.txt\n");
   EXPECT_EQ(workspace.snapshot("out"), before);
 }
@@ -170,7 +170,7 @@ TEST_F(Output, OutsideTheFolderIsNeitherWrittenNorDeleted) {
 
 TEST_F(Output, IsNotTouchedWhereATemplateIsWrong) {
   ASSERT_EQ(run(Mode::write).status, ExitStatus::done);
-  const auto before = workspace.snapshot("out");
+  auto const before = workspace.snapshot("out");
   workspace.write("templates/model", "changed {{name}}\n");
   workspace.write("templates/class", "{{nmae}}");
   const Result result = run(Mode::write);
@@ -181,7 +181,7 @@ TEST_F(Output, IsNotTouchedWhereATemplateIsWrong) {
 }
 
 TEST_F(Output, PlanThatMakesNoSenseIsRefused) {
-  const auto refused = [this](const std::string& row) {
+  auto const refused = [this](std::string const& row) {
     plan(row);
     const Result result = run(Mode::write);
     EXPECT_EQ(result.status, ExitStatus::refused) << row;
@@ -200,7 +200,7 @@ TEST_F(Output, DepfileNamesEveryFileThatWasRead) {
   ASSERT_EQ(run(Mode::write).status, ExitStatus::done);
   const std::string text = read(options.depfile);
   EXPECT_THAT(text, HasSubstr("out/model.txt "));
-  for (const char* const file : {"good/model.yaml", "good/good/package.yaml", "base/base/package.yaml",
+  for (char const* const file : {"good/model.yaml", "good/good/package.yaml", "base/base/package.yaml",
                                  "templates/outputs.yaml", "templates/class", "templates/model"}) {
     EXPECT_THAT(text, HasSubstr(file));
   }
@@ -210,8 +210,8 @@ TEST_F(Output, OfTheGeneratorsTemplatesFitsTheColumnLimitAndOpensNoNamespaceTwic
   options.templates = MODELGEN_TEMPLATES;
   ASSERT_EQ(run(Mode::write).status, ExitStatus::done);
   int files = 0;
-  for (const auto& [path, content] : workspace.snapshot("out")) {
-    const auto extension = fs::path(path).extension();
+  for (auto const& [path, content] : workspace.snapshot("out")) {
+    auto const extension = fs::path(path).extension();
     if (extension != ".hpp" && extension != ".cpp") continue;
     ++files;
     std::istringstream lines(content.first);

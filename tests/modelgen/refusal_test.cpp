@@ -17,14 +17,14 @@ fs::path badTables() { return fs::path(MODELGEN_TEST_DIR) / "bad"; }
 
 std::vector<std::string> rules() {
   std::vector<std::string> result;
-  for (const auto& each : fs::directory_iterator(badTables())) {
+  for (auto const& each : fs::directory_iterator(badTables())) {
     if (each.path().extension() == ".yaml") result.push_back(each.path().stem().string());
   }
   std::sort(result.begin(), result.end());
   return result;
 }
 
-std::string replaceAll(std::string text, const std::string& from, const std::string& to) {
+std::string replaceAll(std::string text, std::string const& from, std::string const& to) {
   for (auto at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size())) {
     text.replace(at, from.size(), to);
   }
@@ -66,7 +66,7 @@ TEST_P(BadTable, IsRefusedWithItsMessageAndWritesNothing) {
   Options options = prepare();
   // The folder holds an earlier good state, so that a file changed or deleted would show as well as a new one.
   ASSERT_EQ(generate(goodOptions(workspace)).status, ExitStatus::done);
-  const auto before = workspace.snapshot("");
+  auto const before = workspace.snapshot("");
   ASSERT_THAT(before, testing::Not(testing::IsEmpty()));
   options.depfile = workspace.path("out/depfile").string();
 
@@ -78,7 +78,7 @@ TEST_P(BadTable, IsRefusedWithItsMessageAndWritesNothing) {
   EXPECT_EQ(workspace.snapshot(""), before);
 }
 
-std::string caseName(const testing::TestParamInfo<std::string>& info) {
+std::string caseName(testing::TestParamInfo<std::string> const& info) {
   return replaceAll(replaceAll(info.param, "-", "_"), ".", "_");
 }
 

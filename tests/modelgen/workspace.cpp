@@ -10,14 +10,14 @@ namespace modelgen::test {
 
 namespace fs = std::filesystem;
 
-Result generate(const Options& options) {
+Result generate(Options const& options) {
   std::ostringstream out;
   std::ostringstream err;
   const ExitStatus status = run(options, out, err);
   return {status, out.str(), err.str()};
 }
 
-std::string read(const fs::path& file) {
+std::string read(fs::path const& file) {
   std::ifstream stream(file, std::ios::binary);
   if (!stream) throw std::runtime_error("cannot read " + file.string());
   std::ostringstream content;
@@ -36,17 +36,17 @@ Workspace::~Workspace() {
   fs::remove_all(m_folder, ignored);
 }
 
-void Workspace::write(const std::string& relative, const std::string& text) const {
+void Workspace::write(std::string const& relative, std::string const& text) const {
   fs::create_directories(path(relative).parent_path());
   std::ofstream(path(relative), std::ios::binary) << text;
 }
 
-void Workspace::copy(const fs::path& file, const std::string& relative) const { write(relative, read(file)); }
+void Workspace::copy(fs::path const& file, std::string const& relative) const { write(relative, read(file)); }
 
-Workspace::Snapshot Workspace::snapshot(const std::string& relative) const {
+Workspace::Snapshot Workspace::snapshot(std::string const& relative) const {
   Snapshot result;
   if (!fs::exists(path(relative))) return result;
-  for (const auto& each : fs::recursive_directory_iterator(path(relative))) {
+  for (auto const& each : fs::recursive_directory_iterator(path(relative))) {
     if (!each.is_regular_file()) continue;
     result[each.path().string()] = {read(each.path()), each.last_write_time()};
   }
@@ -55,7 +55,7 @@ Workspace::Snapshot Workspace::snapshot(const std::string& relative) const {
 
 fs::path testTables() { return fs::path(MODELGEN_TEST_DIR) / "tables"; }
 
-Options goodOptions(const Workspace& workspace) {
+Options goodOptions(Workspace const& workspace) {
   Options options;
   options.model = (testTables() / "good/model.yaml").string();
   options.imports = {(testTables() / "base/model.yaml").string()};

@@ -15,24 +15,24 @@ struct Result {
   std::string err;
 };
 
-Result generate(const Options& options);
+Result generate(Options const& options);
 
-std::string read(const std::filesystem::path& file);
+std::string read(std::filesystem::path const& file);
 
 class Workspace {
  public:
   Workspace();
   ~Workspace();
-  Workspace(const Workspace&) = delete;
-  Workspace& operator=(const Workspace&) = delete;
+  Workspace(Workspace const&) = delete;
+  Workspace& operator=(Workspace const&) = delete;
 
-  std::filesystem::path path(const std::string& relative) const { return m_folder / relative; }
-  void write(const std::string& relative, const std::string& text) const;
-  void copy(const std::filesystem::path& file, const std::string& relative) const;
+  std::filesystem::path path(std::string const& relative) const { return m_folder / relative; }
+  void write(std::string const& relative, std::string const& text) const;
+  void copy(std::filesystem::path const& file, std::string const& relative) const;
 
   // Text and time of change of every file below a folder.
   using Snapshot = std::map<std::string, std::pair<std::string, std::filesystem::file_time_type>>;
-  Snapshot snapshot(const std::string& relative) const;
+  Snapshot snapshot(std::string const& relative) const;
 
  private:
   std::filesystem::path m_folder;
@@ -41,6 +41,6 @@ class Workspace {
 // The tables of these tests: a good model of all schemes, and the model that it imports.
 std::filesystem::path testTables();
 // The good model with the templates of the generator, into `workspace`/out.
-Options goodOptions(const Workspace& workspace);
+Options goodOptions(Workspace const& workspace);
 
 }  // namespace modelgen::test

@@ -11,46 +11,46 @@ namespace {
 
 class EntryChecks {
  public:
-  EntryChecks(const MenuTree& tree, const CompiledTree& compiled, Diagnostics& diagnostics)
+  EntryChecks(MenuTree const& tree, CompiledTree const& compiled, Diagnostics& diagnostics)
       : m_tree(tree), m_compiled(compiled), m_diagnostics(diagnostics) {}
 
   void check(EntryId id);
 
  private:
-  void checkSymbol(EntryId id, const Entry& entry);
-  void checkProperty(const Entry& entry, const Property& property);
-  void checkDefault(const Symbol& owner, const Property& property);
-  void checkSelection(const Symbol& owner, const Property& property);
-  void checkRange(const Symbol& owner, const Property& property);
-  SymbolId enclosingSymbol(const Entry& entry) const;
-  bool isValidNumber(const Symbol& owner, SymbolId value) const;
+  void checkSymbol(EntryId id, Entry const& entry);
+  void checkProperty(Entry const& entry, Property const& property);
+  void checkDefault(Symbol const& owner, Property const& property);
+  void checkSelection(Symbol const& owner, Property const& property);
+  void checkRange(Symbol const& owner, Property const& property);
+  SymbolId enclosingSymbol(Entry const& entry) const;
+  bool isValidNumber(Symbol const& owner, SymbolId value) const;
   void warn(Position position, std::string message) {
     m_diagnostics.warning(m_tree.files[position.file].name, position.line, std::move(message));
   }
 
-  const MenuTree& m_tree;
-  const CompiledTree& m_compiled;
+  MenuTree const& m_tree;
+  CompiledTree const& m_compiled;
   Diagnostics& m_diagnostics;
 };
 
-std::string quoted(const Symbol& symbol) {
+std::string quoted(Symbol const& symbol) {
   return symbol.name.empty() ? "the choice" : "'" + std::string(symbol.name) + "'";
 }
 
 void EntryChecks::check(EntryId id) {
-  const Entry& entry = m_tree.entries[id];
+  Entry const& entry = m_tree.entries[id];
   if (entry.symbol == noSymbol) {
     return;
   }
   checkSymbol(id, entry);
-  for (const Property& property : propertiesOf(m_tree, entry)) {
+  for (Property const& property : propertiesOf(m_tree, entry)) {
     checkProperty(entry, property);
   }
 }
 
-void EntryChecks::checkSymbol(EntryId id, const Entry& entry) {
-  const Symbol& symbol = m_tree.symbols[entry.symbol];
-  const bool prompted = m_compiled.nodes[id].prompt != noProperty;
+void EntryChecks::checkSymbol(EntryId id, Entry const& entry) {
+  Symbol const& symbol = m_tree.symbols[entry.symbol];
+  bool const prompted = m_compiled.nodes[id].prompt != noProperty;
   if (symbol.type == SymbolType::Unknown) {
     warn(entry.position, quoted(symbol) + " has no type");
   }
@@ -58,7 +58,7 @@ void EntryChecks::checkSymbol(EntryId id, const Entry& entry) {
     warn(entry.position, "the choice has no prompt");
   }
   const SymbolId choice = m_compiled.symbols[entry.symbol].choice;
-  const bool insideChoice = choice != noSymbol && enclosingSymbol(entry) == choice;
+  bool const insideChoice = choice != noSymbol && enclosingSymbol(entry) == choice;
   if (insideChoice && !prompted) {
     warn(entry.position, quoted(symbol) + " is a member of a choice and has no prompt");
   }
@@ -68,7 +68,7 @@ void EntryChecks::checkSymbol(EntryId id, const Entry& entry) {
 }
 
 // The symbol of the block around an entry, conditional blocks apart.
-SymbolId EntryChecks::enclosingSymbol(const Entry& entry) const {
+SymbolId EntryChecks::enclosingSymbol(Entry const& entry) const {
   EntryId parent = entry.parent;
   while (parent != noEntry && m_tree.entries[parent].kind == EntryKind::If) {
     parent = m_tree.entries[parent].parent;
@@ -76,8 +76,8 @@ SymbolId EntryChecks::enclosingSymbol(const Entry& entry) const {
   return parent != noEntry ? m_tree.entries[parent].symbol : noSymbol;
 }
 
-void EntryChecks::checkProperty(const Entry& entry, const Property& property) {
-  const Symbol& owner = m_tree.symbols[entry.symbol];
+void EntryChecks::checkProperty(Entry const& entry, Property const& property) {
+  Symbol const& owner = m_tree.symbols[entry.symbol];
   switch (property.kind) {
     case PropertyKind::Default:
       if (m_compiled.symbols[entry.symbol].choice != noSymbol) {
@@ -98,7 +98,7 @@ void EntryChecks::checkProperty(const Entry& entry, const Property& property) {
   }
 }
 
-void EntryChecks::checkDefault(const Symbol& owner, const Property& property) {
+void EntryChecks::checkDefault(Symbol const& owner, Property const& property) {
   if (owner.type == SymbolType::Unknown || isLogical(owner.type)) {
     return;
   }
@@ -109,9 +109,9 @@ void EntryChecks::checkDefault(const Symbol& owner, const Property& property) {
   }
 }
 
-void EntryChecks::checkSelection(const Symbol& owner, const Property& property) {
-  const char* verb = property.kind == PropertyKind::Select ? "select" : "imply";
-  const Symbol& target = m_tree.symbols[property.symbol];
+void EntryChecks::checkSelection(Symbol const& owner, Property const& property) {
+  char const* verb = property.kind == PropertyKind::Select ? "select" : "imply";
+  Symbol const& target = m_tree.symbols[property.symbol];
   if (!isLogical(owner.type)) {
     warn(property.position, quoted(owner) + " is neither bool nor tristate and can't " + verb + " another symbol");
   } else if (target.type != SymbolType::Unknown && !isLogical(target.type)) {
@@ -119,7 +119,7 @@ void EntryChecks::checkSelection(const Symbol& owner, const Property& property) 
   }
 }
 
-void EntryChecks::checkRange(const Symbol& owner, const Property& property) {
+void EntryChecks::checkRange(Symbol const& owner, Property const& property) {
   if (!isNumeric(owner.type)) {
     warn(property.position, "a range is for int and hex, and " + quoted(owner) + " is " + keywordOf(owner.type));
   } else if (!isValidNumber(owner, property.symbol) || !isValidNumber(owner, property.upper)) {
@@ -128,21 +128,21 @@ void EntryChecks::checkRange(const Symbol& owner, const Property& property) {
 }
 
 // A constant has to read as a number; a symbol has to be of a type that does.
-bool EntryChecks::isValidNumber(const Symbol& owner, SymbolId value) const {
-  const Symbol& symbol = m_tree.symbols[value];
+bool EntryChecks::isValidNumber(Symbol const& owner, SymbolId value) const {
+  Symbol const& symbol = m_tree.symbols[value];
   return symbol.type == SymbolType::Unknown ? isValidText(owner.type, symbol.name) : isNumeric(symbol.type);
 }
 
 }  // namespace
 
-void checkEntries(const MenuTree& tree, const CompiledTree& compiled, Diagnostics& diagnostics) {
+void checkEntries(MenuTree const& tree, CompiledTree const& compiled, Diagnostics& diagnostics) {
   EntryChecks checks(tree, compiled, diagnostics);
   for (EntryId id = 0; id < tree.entries.size(); ++id) {
     checks.check(id);
   }
 }
 
-void checkLoops(const MenuTree& tree, const CompiledTree& compiled, const EvaluationOrder& order,
+void checkLoops(MenuTree const& tree, CompiledTree const& compiled, EvaluationOrder const& order,
                 Diagnostics& diagnostics) {
   const std::vector<std::vector<SymbolId>> loops = findLoops(tree, compiled, order);
   if (loops.empty()) {
@@ -154,12 +154,12 @@ void checkLoops(const MenuTree& tree, const CompiledTree& compiled, const Evalua
       declarations[tree.entries[id].symbol] = id;
     }
   }
-  for (const std::vector<SymbolId>& loop : loops) {
+  for (std::vector<SymbolId> const& loop : loops) {
     std::string path;
     for (const SymbolId symbol : loop) {
       path += quoted(tree.symbols[symbol]) + " depends on ";
     }
-    const auto declared =
+    auto const declared =
         std::find_if(loop.begin(), loop.end(), [&](SymbolId symbol) { return declarations[symbol] != noEntry; });
     const EntryId place = declared != loop.end() ? declarations[*declared] : rootEntry;
     const Position position = tree.entries[place].position;

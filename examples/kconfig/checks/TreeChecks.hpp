@@ -9,10 +9,10 @@
 namespace kconfig {
 
 // Warnings about single entries and properties, in the order of the text.
-void checkEntries(const MenuTree& tree, const CompiledTree& compiled, Diagnostics& diagnostics);
+void checkEntries(MenuTree const& tree, CompiledTree const& compiled, Diagnostics& diagnostics);
 
 // An error for each dependency loop, placed where one of its symbols is declared.
-void checkLoops(const MenuTree& tree, const CompiledTree& compiled, const EvaluationOrder& order,
+void checkLoops(MenuTree const& tree, CompiledTree const& compiled, EvaluationOrder const& order,
                 Diagnostics& diagnostics);
 
 }  // namespace kconfig

@@ -4,10 +4,10 @@
 
 namespace kconfig {
 
-void checkSelections(const MenuTree& tree, const CompiledTree& compiled, Evaluator& evaluator,
+void checkSelections(MenuTree const& tree, CompiledTree const& compiled, Evaluator& evaluator,
                      Diagnostics& diagnostics) {
-  for (const Selection& selection : compiled.selects) {
-    const bool unmet = evaluator[selection.target].direct == Tristate::No &&
+  for (Selection const& selection : compiled.selects) {
+    bool const unmet = evaluator[selection.target].direct == Tristate::No &&
                        compiled.symbols[selection.target].choice == noSymbol &&
                        evaluator.valueOf(selection.condition) != Tristate::No;
     if (unmet) {
@@ -19,7 +19,7 @@ void checkSelections(const MenuTree& tree, const CompiledTree& compiled, Evaluat
   }
 }
 
-void checkRanges(const MenuTree& tree, const Evaluator& evaluator, const UserValues& users,
+void checkRanges(MenuTree const& tree, Evaluator const& evaluator, UserValues const& users,
                  std::string_view profileName, Diagnostics& diagnostics) {
   for (SymbolId symbol = 0; symbol < tree.symbols.size(); ++symbol) {
     if (evaluator[symbol].outOfRange) {

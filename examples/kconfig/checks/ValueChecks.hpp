@@ -9,11 +9,11 @@
 namespace kconfig {
 
 // A warning for each symbol that is selected although its own dependencies do not hold, placed at the select.
-void checkSelections(const MenuTree& tree, const CompiledTree& compiled, Evaluator& evaluator,
+void checkSelections(MenuTree const& tree, CompiledTree const& compiled, Evaluator& evaluator,
                      Diagnostics& diagnostics);
 
 // A warning for each value of the profile that lies outside the range of its symbol.
-void checkRanges(const MenuTree& tree, const Evaluator& evaluator, const UserValues& users,
+void checkRanges(MenuTree const& tree, Evaluator const& evaluator, UserValues const& users,
                  std::string_view profileName, Diagnostics& diagnostics);
 
 }  // namespace kconfig

@@ -14,7 +14,7 @@ namespace kconfig {
 namespace {
 
 // The old file stays as it is until the new one is complete.
-bool writeFile(const std::string& name, const std::string& text) {
+bool writeFile(std::string const& name, std::string const& text) {
   const std::string temporary = name + ".new";
   std::ofstream file(temporary, std::ios::binary | std::ios::trunc);
   file << text;
@@ -28,10 +28,10 @@ bool writeFile(const std::string& name, const std::string& text) {
 }
 
 // Makes the productions and writes those that have a file to go to.
-bool writeProductions(Workspace& workspace, const CommandOptions& options) {
+bool writeProductions(Workspace& workspace, CommandOptions const& options) {
   workspace.produce();
-  const runtime::ConfigurationState& state = workspace.states().root;
-  const bool written =
+  runtime::ConfigurationState const& state = workspace.states().root;
+  bool const written =
       options.configuration.empty() || writeFile(options.configuration, scriptOf(state, key::configuration));
   return (options.header.empty() || writeFile(options.header, scriptOf(state, key::header))) && written;
 }
@@ -42,15 +42,15 @@ Run::Run(CommandOptions options)
     : m_options(std::move(options)),
       m_surroundings(processSurroundings()),
       m_workspace(m_options.root, m_surroundings, m_progress) {
-  const bool named = !m_options.profile.empty() || m_options.noProfile;
+  bool const named = !m_options.profile.empty() || m_options.noProfile;
   m_profile = m_workspace.load(named ? m_options.profile : m_workspace.defaultProfile());
   m_workspace.apply(m_profile);
 }
 
 int Run::report() {
   m_workspace.publishMessages();
-  const Diagnostics& diagnostics = m_workspace.diagnostics();
-  for (const Diagnostic& diagnostic : diagnostics.entries()) {
+  Diagnostics const& diagnostics = m_workspace.diagnostics();
+  for (Diagnostic const& diagnostic : diagnostics.entries()) {
     if (!m_options.quiet || diagnostic.severity == Severity::Error) {
       std::cerr << diagnostic.text() << '\n';
     }
@@ -59,18 +59,18 @@ int Run::report() {
 }
 
 int runCheck(Run& run) {
-  const int result = run.report();
+  int const result = run.report();
   return printFindings(run.workspace()) ? result : exitInputErrors;
 }
 
 int runGenerate(Run& run) {
-  const bool written = writeProductions(run.workspace(), run.options());
-  const int result = run.report();
+  bool const written = writeProductions(run.workspace(), run.options());
+  int const result = run.report();
   return written ? result : exitOutputFailed;
 }
 
 int runSummary(Run& run) {
-  const int result = run.report();
+  int const result = run.report();
   printSummary(run);
   return result;
 }
@@ -107,16 +107,16 @@ int runSet(Run& run) {
   Workspace& workspace = run.workspace();
   std::vector<Workspace::Setting> settings;
   try {
-    for (const std::string& text : run.options().settings) {
+    for (std::string const& text : run.options().settings) {
       settings.push_back(settingFrom(workspace, text));
     }
-  } catch (const std::invalid_argument& error) {
+  } catch (std::invalid_argument const& error) {
     std::cerr << "tessel-kconfig: " << error.what() << '\n';
     return exitUsage;
   }
   const ShownValues before = workspace.writer().shown();
   bool written = true;
-  const auto start = std::chrono::steady_clock::now();
+  auto const start = std::chrono::steady_clock::now();
   workspace.tryOut(run.profile(), settings, !run.options().dryRun, [&] {
     printDifferences(workspace, before, workspace.writer().shown());
     written = run.options().dryRun || writeProductions(workspace, run.options());
@@ -133,7 +133,7 @@ int runSet(Run& run) {
   return written ? result : exitOutputFailed;
 }
 
-Workspace::Setting settingFrom(const Workspace& workspace, const std::string& text) {
+Workspace::Setting settingFrom(Workspace const& workspace, std::string const& text) {
   const std::size_t sign = text.find('=');
   if (sign == std::string::npos || sign == 0) {
     throw std::invalid_argument("'" + text + "' is not of the form SYMBOL=VALUE");
@@ -142,9 +142,9 @@ Workspace::Setting settingFrom(const Workspace& workspace, const std::string& te
   if (setting.symbol.compare(0, workspace.prefix().size(), workspace.prefix()) == 0) {
     setting.symbol.erase(0, workspace.prefix().size());
   }
-  const SymbolTable& symbols = workspace.tree().symbols;
+  SymbolTable const& symbols = workspace.tree().symbols;
   const SymbolId symbol = symbols.find(setting.symbol);
-  const bool quoted = !setting.value.empty() && setting.value.front() == '"';
+  bool const quoted = !setting.value.empty() && setting.value.front() == '"';
   if (symbol != noSymbol && symbols[symbol].type == SymbolType::String && !quoted) {
     setting.value = quote(setting.value);
   }

@@ -35,10 +35,10 @@ class Run {
  public:
   explicit Run(CommandOptions options);
 
-  const CommandOptions& options() const { return m_options; }
+  CommandOptions const& options() const { return m_options; }
   Workspace& workspace() { return m_workspace; }
-  const Progress& progress() const { return m_progress; }
-  const ext::ConfigProfile& profile() const { return m_profile; }
+  Progress const& progress() const { return m_progress; }
+  ext::ConfigProfile const& profile() const { return m_profile; }
   // Tells what is wrong and gives the exit code.
   int report();
 
@@ -63,13 +63,13 @@ int runTree(Run& run);
 
 // What the commands print, for those that print several. print...() needs an applied profile.
 void printSummary(Run& run);
-void printTree(const Workspace& workspace, bool all);
+void printTree(Workspace const& workspace, bool all);
 void printSymbol(Workspace& workspace, SymbolId symbol);
 // The lines of the configuration that differ: "-" before, "+" after.
-void printDifferences(const Workspace& workspace, const ShownValues& before, const ShownValues& after);
+void printDifferences(Workspace const& workspace, ShownValues const& before, ShownValues const& after);
 // What verify finds, a line each; true if that is nothing.
-bool printFindings(const Workspace& workspace);
+bool printFindings(Workspace const& workspace);
 // Puts NAME=VALUE into the form of a profile, strings into quotes. Raises std::invalid_argument without a "=".
-Workspace::Setting settingFrom(const Workspace& workspace, const std::string& text);
+Workspace::Setting settingFrom(Workspace const& workspace, std::string const& text);
 
 }  // namespace kconfig

@@ -13,7 +13,7 @@ namespace kconfig {
 
 namespace {
 
-void title(const char* text) { std::cout << "\n== " << text << "\n"; }
+void title(char const* text) { std::cout << "\n== " << text << "\n"; }
 
 }  // namespace
 
@@ -34,7 +34,7 @@ int runDemo(Run& run) {
   printSymbol(workspace, workspace.tree().symbols.find("TEMPERATURE"));
   title("set READING_PERIOD=300 RADIO=y --dry-run: what would change");
   const ShownValues before = workspace.writer().shown();
-  const auto show = [&] { printDifferences(workspace, before, workspace.writer().shown()); };
+  auto const show = [&] { printDifferences(workspace, before, workspace.writer().shown()); };
   workspace.tryOut(run.profile(), {{"READING_PERIOD", "300"}, {"RADIO", "y"}}, false, show);
   std::cout << (workspace.writer().countDeviations() == 0 ? "taken back\n" : "NOT taken back\n");
   title("diff profiles/garden.defconfig profiles/roof.defconfig");
@@ -44,10 +44,10 @@ int runDemo(Run& run) {
   workspace.produce();
   std::cout << scriptOf(workspace.states().root, key::header);
   title("check: the model's own verification");
-  const bool sound = printFindings(workspace);
+  bool const sound = printFindings(workspace);
   title("summary");
   printSummary(run);
-  const int result = run.report();
+  int const result = run.report();
   return sound ? result : exitInputErrors;
 }
 

@@ -7,12 +7,12 @@
 namespace kconfig {
 
 namespace {
-constexpr const char* clearLine = "\r\033[K";
+constexpr char const* clearLine = "\r\033[K";
 }  // namespace
 
 Progress::Progress() : m_shown(isatty(STDERR_FILENO) == 1) {}
 
-void Progress::begin(const std::string& name) {
+void Progress::begin(std::string const& name) {
   finish();
   m_running = true;
   m_steps.push_back({name, 0});

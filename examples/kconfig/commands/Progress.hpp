@@ -16,16 +16,16 @@ class Progress {
   };
 
   Progress();
-  Progress(const Progress&) = delete;
-  Progress& operator=(const Progress&) = delete;
+  Progress(Progress const&) = delete;
+  Progress& operator=(Progress const&) = delete;
   ~Progress() { finish(); }
 
   // What comes now; ends the step before.
-  void begin(const std::string& name);
+  void begin(std::string const& name);
   // Ends the last step and clears the line.
   void finish();
 
-  const std::vector<Step>& steps() const { return m_steps; }
+  std::vector<Step> const& steps() const { return m_steps; }
 
  private:
   using Clock = std::chrono::steady_clock;

@@ -21,17 +21,17 @@ namespace kconfig {
 
 namespace {
 
-void printRow(std::string_view name, const std::string& text) {
+void printRow(std::string_view name, std::string const& text) {
   if (!text.empty()) {
     std::cout << std::left << std::setw(21) << name << text << '\n';
   }
 }
 
-std::string placeOf(const MenuTree& tree, Position position) {
+std::string placeOf(MenuTree const& tree, Position position) {
   return std::string(tree.files[position.file].name) + ":" + std::to_string(position.line);
 }
 
-std::string orEmpty(const boost::optional<std::u16string>& text) { return text ? fromModel(*text) : std::string(); }
+std::string orEmpty(boost::optional<std::u16string> const& text) { return text ? fromModel(*text) : std::string(); }
 
 // Tree
 
@@ -41,14 +41,14 @@ struct OpenCategory {
   std::size_t next = 0;
 };
 
-void printTitle(const runtime::CategoryState& category, std::size_t depth) {
+void printTitle(runtime::CategoryState const& category, std::size_t depth) {
   // What lies below a symbol is printed behind it, without a title of its own.
   if (fromModel(category->getKey()).compare(0, key::below.size(), key::below) != 0) {
     std::cout << std::string(2 * depth, ' ') << orEmpty(category->getData()->getName()) << '\n';
   }
 }
 
-void printParam(const runtime::ParamState& param, std::size_t depth) {
+void printParam(runtime::ParamState const& param, std::size_t depth) {
   if (param->getTypeName() == u"choice") {
     return;
   }
@@ -61,8 +61,8 @@ void printParam(const runtime::ParamState& param, std::size_t depth) {
 // Symbol
 
 std::string originOf(Workspace& workspace, SymbolId symbol) {
-  const MenuTree& tree = workspace.tree();
-  const SymbolValue& value = workspace.values()[symbol];
+  MenuTree const& tree = workspace.tree();
+  SymbolValue const& value = workspace.values()[symbol];
   const std::string source =
       value.source != noProperty ? " at " + placeOf(tree, tree.properties[value.source].position) : "";
   switch (value.origin) {
@@ -84,22 +84,22 @@ std::string originOf(Workspace& workspace, SymbolId symbol) {
   return "nothing: it is what the type has without a value";
 }
 
-void printSelections(Workspace& workspace, const std::vector<Selection>& selections, SymbolId symbol,
+void printSelections(Workspace& workspace, std::vector<Selection> const& selections, SymbolId symbol,
                      std::string_view title) {
-  const MenuTree& tree = workspace.tree();
-  for (const Selection& selection : selections) {
+  MenuTree const& tree = workspace.tree();
+  for (Selection const& selection : selections) {
     if (selection.target == symbol) {
-      const bool inForce = workspace.values().valueOf(selection.condition) != Tristate::No;
+      bool const inForce = workspace.values().valueOf(selection.condition) != Tristate::No;
       printRow(title, std::string(tree.symbols[selection.selector].name) + (inForce ? "" : " (not in force)") + " at " +
                           placeOf(tree, tree.properties[selection.source].position));
     }
   }
 }
 
-void printProperties(const Workspace& workspace, SymbolId symbol) {
-  const MenuTree& tree = workspace.tree();
-  const auto text = [&tree](ExpressionId id) { return textOf(tree.expressions, tree.symbols, id); };
-  for (const EffectiveProperty& row : workspace.compiled().propertiesOf(symbol)) {
+void printProperties(Workspace const& workspace, SymbolId symbol) {
+  MenuTree const& tree = workspace.tree();
+  auto const text = [&tree](ExpressionId id) { return textOf(tree.expressions, tree.symbols, id); };
+  for (EffectiveProperty const& row : workspace.compiled().propertiesOf(symbol)) {
     const std::string condition = row.condition != noExpression ? " if " + text(row.condition) : "";
     if (row.kind == PropertyKind::Default) {
       printRow("default", text(row.value) + condition);
@@ -113,7 +113,7 @@ void printProperties(const Workspace& workspace, SymbolId symbol) {
   printRow("depends on", text(workspace.compiled().symbols[symbol].direct));
 }
 
-std::string pathOf(const runtime::ParamState& param) {
+std::string pathOf(runtime::ParamState const& param) {
   std::string path;
   for (runtime::CategoryState category = param->getCategory(); category; category = category->getCategory()) {
     path.insert(0, orEmpty(category->getData()->getName()) + (path.empty() ? "" : " > "));
@@ -124,7 +124,7 @@ std::string pathOf(const runtime::ParamState& param) {
 }  // namespace
 
 void printSymbol(Workspace& workspace, SymbolId symbol) {
-  const runtime::ParamState& param = workspace.states().params[symbol];
+  runtime::ParamState const& param = workspace.states().params[symbol];
   const data::ParamData data = param->getData();
   printRow("symbol", fromModel(param->getKey()));
   printRow("type", fromModel(param->getTypeName()));
@@ -137,8 +137,8 @@ void printSymbol(Workspace& workspace, SymbolId symbol) {
   printRow("line", param->getAwake() ? workspace.settingOf(symbol, workspace.writer().shown()[symbol]) : "none");
   printRow("visible now", param->getEffectiveVisible() ? "yes" : "no");
   printRow("menu", pathOf(param));
-  const MenuTree& tree = workspace.tree();
-  for (const Entry& entry : tree.entries) {
+  MenuTree const& tree = workspace.tree();
+  for (Entry const& entry : tree.entries) {
     if (entry.symbol == symbol) {
       printRow("declared", placeOf(tree, entry.position));
     }
@@ -146,16 +146,16 @@ void printSymbol(Workspace& workspace, SymbolId symbol) {
   printProperties(workspace, symbol);
   printSelections(workspace, workspace.compiled().selects, symbol, "selected by");
   printSelections(workspace, workspace.compiled().implies, symbol, "implied by");
-  for (const runtime::TagState& tag : *param->getTags()) {
+  for (runtime::TagState const& tag : *param->getTags()) {
     printRow("owner", fromModel(tag->getId()));
   }
-  for (const runtime::MetaMessage& message : *param->getMessages()) {
+  for (runtime::MetaMessage const& message : *param->getMessages()) {
     printRow("message", fromModel(message->getText()));
   }
   printRow("help", orEmpty(data->getDescription()));
 }
 
-void printTree(const Workspace& workspace, bool all) {
+void printTree(Workspace const& workspace, bool all) {
   std::vector<OpenCategory> open{{workspace.states().categories[rootEntry]}};
   printTitle(open.back().category, 0);
   while (!open.empty()) {
@@ -168,16 +168,16 @@ void printTree(const Workspace& workspace, bool all) {
     if (!all && !member->getEffectiveVisible()) {
       continue;
     }
-    if (const auto param = plinth::element_cast<runtime::ParamState>(member)) {
+    if (auto const param = plinth::element_cast<runtime::ParamState>(member)) {
       printParam(param, open.size());
-    } else if (const auto inner = plinth::element_cast<runtime::CategoryState>(member)) {
+    } else if (auto const inner = plinth::element_cast<runtime::CategoryState>(member)) {
       printTitle(inner, open.size());
       open.push_back({inner});
     }
   }
 }
 
-void printDifferences(const Workspace& workspace, const ShownValues& before, const ShownValues& after) {
+void printDifferences(Workspace const& workspace, ShownValues const& before, ShownValues const& after) {
   for (SymbolId symbol = 0; symbol < before.size(); ++symbol) {
     const std::string left = workspace.settingOf(symbol, before[symbol]);
     const std::string right = workspace.settingOf(symbol, after[symbol]);
@@ -187,9 +187,9 @@ void printDifferences(const Workspace& workspace, const ShownValues& before, con
   }
 }
 
-bool printFindings(const Workspace& workspace) {
+bool printFindings(Workspace const& workspace) {
   const std::vector<plinth::Finding> findings = plinth::verify(workspace.model());
-  for (const plinth::Finding& finding : findings) {
+  for (plinth::Finding const& finding : findings) {
     std::cout << finding << '\n';
   }
   if (findings.empty()) {
@@ -199,18 +199,18 @@ bool printFindings(const Workspace& workspace) {
 }
 
 void printSummary(Run& run) {
-  const Workspace& workspace = run.workspace();
+  Workspace const& workspace = run.workspace();
   std::size_t counts[7] = {};
-  for (const Entry& entry : workspace.tree().entries) {
+  for (Entry const& entry : workspace.tree().entries) {
     ++counts[static_cast<std::size_t>(entry.kind)];
   }
-  const auto count = [&counts](EntryKind kind) { return counts[static_cast<std::size_t>(kind)]; };
+  auto const count = [&counts](EntryKind kind) { return counts[static_cast<std::size_t>(kind)]; };
   std::size_t symbols = 0;
   for (SymbolId id = 0; id < workspace.tree().symbols.size(); ++id) {
-    const Symbol& symbol = workspace.tree().symbols[id];
+    Symbol const& symbol = workspace.tree().symbols[id];
     symbols += symbol.defined && symbol.kind == SymbolKind::Plain ? 1 : 0;
   }
-  const auto row = [](std::string_view name, auto value, const char* unit) {
+  auto const row = [](std::string_view name, auto value, char const* unit) {
     std::cout << std::left << std::setw(28) << name << std::right << std::setw(10) << value << unit << '\n';
   };
   row("files", workspace.tree().files.size(), "");
@@ -220,13 +220,13 @@ void printSummary(Run& run) {
   row("menus", count(EntryKind::Menu), "");
   row("comments", count(EntryKind::Comment), "");
   row("elements of the model", workspace.model()->elementCount(), "");
-  for (const plinth::Census::Row& kind : plinth::census(workspace.model()).classes) {
+  for (plinth::Census::Row const& kind : plinth::census(workspace.model()).classes) {
     const std::string name = fromModel(kind.metaClass->getQualifiedName());
     row("  " + name.substr(name.rfind('.') + 1), kind.count, "");
   }
   std::cout << std::fixed << std::setprecision(1);
   double total = 0;
-  for (const Progress::Step& step : run.progress().steps()) {
+  for (Progress::Step const& step : run.progress().steps()) {
     row(step.name, step.milliseconds, " ms");
     total += step.milliseconds;
   }

@@ -13,7 +13,7 @@
 
 namespace kconfig {
 
-Workspace::Workspace(const std::string& root, const Surroundings& surroundings, Progress& progress)
+Workspace::Workspace(std::string const& root, Surroundings const& surroundings, Progress& progress)
     : m_surroundings(surroundings),
       m_progress(progress),
       m_prefix(surroundings.variable("CONFIG_").value_or("CONFIG_")),
@@ -41,7 +41,7 @@ Workspace::Workspace(const std::string& root, const Surroundings& surroundings, 
   m_progress.finish();
 }
 
-Workspace::Source Workspace::read(const std::string& root) {
+Workspace::Source Workspace::read(std::string const& root) {
   Source source;
   m_progress.begin("reading the tree");
   source.tree = readTree(root, m_surroundings, m_diagnostics);
@@ -59,7 +59,7 @@ States Workspace::buildStates(Source& source) {
 
 // Profiles
 
-ext::ConfigProfile Workspace::load(const std::string& file) {
+ext::ConfigProfile Workspace::load(std::string const& file) {
   const ext::ConfigProfile known = m_store->getProfiles()->find(toModel(file));
   if (known) {
     return known;
@@ -84,14 +84,14 @@ ext::ConfigProfile Workspace::load(const std::string& file) {
 }
 
 std::string Workspace::defaultProfile() {
-  const MenuTree& tree = m_definitions.tree;
-  for (const Entry& entry : tree.entries) {
-    for (const Property& property : propertiesOf(tree, entry)) {
+  MenuTree const& tree = m_definitions.tree;
+  for (Entry const& entry : tree.entries) {
+    for (Property const& property : propertiesOf(tree, entry)) {
       if (property.kind != PropertyKind::DefconfigList) {
         continue;
       }
-      for (const EffectiveProperty& row : m_compiled.propertiesOf(entry.symbol)) {
-        const bool named = row.kind == PropertyKind::Default && m_evaluator.valueOf(row.condition) != Tristate::No &&
+      for (EffectiveProperty const& row : m_compiled.propertiesOf(entry.symbol)) {
+        bool const named = row.kind == PropertyKind::Default && m_evaluator.valueOf(row.condition) != Tristate::No &&
                            tree.expressions.op(row.value) == Operator::Symbol;
         const std::string file(named ? m_evaluator.textOf(tree.expressions.left(row.value)) : std::string_view());
         std::string problem;
@@ -104,7 +104,7 @@ std::string Workspace::defaultProfile() {
   return {};
 }
 
-void Workspace::apply(const ext::ConfigProfile& profile) {
+void Workspace::apply(ext::ConfigProfile const& profile) {
   m_progress.begin("evaluating");
   ShownValues before = m_writer.shown();
   plinth::Transaction transaction = m_model.beginTransaction();
@@ -119,9 +119,9 @@ void Workspace::apply(const ext::ConfigProfile& profile) {
   m_progress.finish();
 }
 
-void Workspace::activate(const ext::ConfigProfile& profile) {
+void Workspace::activate(ext::ConfigProfile const& profile) {
   auto& profiles = *m_states.root->getProfilesMutable();
-  for (const runtime::ProfileState& other : profiles) {
+  for (runtime::ProfileState const& other : profiles) {
     other->setIsActive(other->getProfile() == profile);
   }
   if (!profiles.find(profile->getId())) {
@@ -135,20 +135,20 @@ void Workspace::activate(const ext::ConfigProfile& profile) {
   m_store->setActiveProfile(profile);
 }
 
-void Workspace::evaluate(const UserValues& users, std::string_view profileName) {
+void Workspace::evaluate(UserValues const& users, std::string_view profileName) {
   m_evaluator.evaluate(users);
   m_writer.write(m_evaluator, users);
   checkSelections(m_definitions.tree, m_compiled, m_evaluator, m_diagnostics);
   checkRanges(m_definitions.tree, m_evaluator, users, profileName, m_diagnostics);
 }
 
-void Workspace::tryOut(const ext::ConfigProfile& base, const std::vector<Setting>& settings, bool keep,
-                       const std::function<void()>& look) {
+void Workspace::tryOut(ext::ConfigProfile const& base, std::vector<Setting> const& settings, bool keep,
+                       std::function<void()> const& look) {
   constexpr std::string_view name = "the command line";
   ShownValues before = m_writer.shown();
   plinth::Transaction transaction = m_model.beginTransaction();
   UserValues users = readProfileValues(base, m_definitions, m_compiled);
-  for (const Setting& setting : settings) {
+  for (Setting const& setting : settings) {
     // Each setting by itself: that it replaces a value is what it is for.
     UserValues own(m_definitions.tree, m_compiled);
     ProfileLine line;
@@ -178,8 +178,8 @@ void Workspace::produce() {
 void Workspace::publishMessages() {
   plinth::Transaction transaction = m_model.beginTransaction();
   for (; m_published < m_diagnostics.entries().size(); ++m_published) {
-    const Diagnostic& diagnostic = m_diagnostics.entries()[m_published];
-    const bool error = diagnostic.severity == Severity::Error;
+    Diagnostic const& diagnostic = m_diagnostics.entries()[m_published];
+    bool const error = diagnostic.severity == Severity::Error;
     const runtime::MetaMessage message = runtime::MetaMessage::create(m_model);
     message->setCode(error ? u"error" : u"warning");
     message->setSeverity(error ? 2 : 1);
@@ -190,8 +190,8 @@ void Workspace::publishMessages() {
   transaction.commit();
 }
 
-std::string Workspace::settingOf(SymbolId symbol, const ShownValue& value) const {
-  const Symbol& row = m_definitions.tree.symbols[symbol];
+std::string Workspace::settingOf(SymbolId symbol, ShownValue const& value) const {
+  Symbol const& row = m_definitions.tree.symbols[symbol];
   if (!value.written || row.kind == SymbolKind::Choice) {
     return {};
   }

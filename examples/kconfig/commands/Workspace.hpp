@@ -28,38 +28,38 @@ class Workspace {
 
   // Reads the tree whose first file is root, writes it to a new model and works out all values without a profile. What
   // is wrong with the tree goes to diagnostics().
-  Workspace(const std::string& root, const Surroundings& surroundings, Progress& progress);
-  Workspace(const Workspace&) = delete;
-  Workspace& operator=(const Workspace&) = delete;
+  Workspace(std::string const& root, Surroundings const& surroundings, Progress& progress);
+  Workspace(Workspace const&) = delete;
+  Workspace& operator=(Workspace const&) = delete;
 
   // Reads a saved configuration into a profile of the store; an empty one if the file can't be read.
-  ext::ConfigProfile load(const std::string& file);
+  ext::ConfigProfile load(std::string const& file);
   // The saved configuration that the tree itself names ("option defconfig_list"), empty if it names none that is there.
   std::string defaultProfile();
   // Makes the profile the active one, works out all values and writes them to the state, in one transaction.
-  void apply(const ext::ConfigProfile& profile);
+  void apply(ext::ConfigProfile const& profile);
   // Adds settings to what a profile asks for and applies that as a new profile, calls look, and, unless keep, takes all
   // of it back. Settings that make no sense go to diagnostics().
-  void tryOut(const ext::ConfigProfile& base, const std::vector<Setting>& settings, bool keep,
-              const std::function<void()>& look);
+  void tryOut(ext::ConfigProfile const& base, std::vector<Setting> const& settings, bool keep,
+              std::function<void()> const& look);
   // Writes the productions, whose scripts are the files.
   void produce();
   // Puts the diagnostics that are not there yet into the state's global messages.
   void publishMessages();
 
-  const plinth::Model& model() const { return m_model; }
-  const schema::SchemaData& schema() const { return m_schema; }
-  const States& states() const { return m_states; }
-  const StateWriter& writer() const { return m_writer; }
-  const MenuTree& tree() const { return m_definitions.tree; }
-  const Definitions& definitions() const { return m_definitions; }
-  const CompiledTree& compiled() const { return m_compiled; }
+  plinth::Model const& model() const { return m_model; }
+  schema::SchemaData const& schema() const { return m_schema; }
+  States const& states() const { return m_states; }
+  StateWriter const& writer() const { return m_writer; }
+  MenuTree const& tree() const { return m_definitions.tree; }
+  Definitions const& definitions() const { return m_definitions; }
+  CompiledTree const& compiled() const { return m_compiled; }
   Evaluator& values() { return m_evaluator; }
   Diagnostics& diagnostics() { return m_diagnostics; }
   // What stands in front of every symbol in a file: "CONFIG_", or what the environment variable of that name says.
-  const std::string& prefix() const { return m_prefix; }
+  std::string const& prefix() const { return m_prefix; }
   // The line that the configuration has for a symbol, by what the state says of it; empty for none.
-  std::string settingOf(SymbolId symbol, const ShownValue& value) const;
+  std::string settingOf(SymbolId symbol, ShownValue const& value) const;
 
  private:
   // What reading the files gives, kept until the state has its texts.
@@ -68,13 +68,13 @@ class Workspace {
     schema::SchemaData schema;
   };
 
-  Source read(const std::string& root);
+  Source read(std::string const& root);
   States buildStates(Source& source);
-  void evaluate(const UserValues& users, std::string_view profileName);
-  void activate(const ext::ConfigProfile& profile);
+  void evaluate(UserValues const& users, std::string_view profileName);
+  void activate(ext::ConfigProfile const& profile);
 
   Diagnostics m_diagnostics;
-  const Surroundings& m_surroundings;
+  Surroundings const& m_surroundings;
   Progress& m_progress;
   std::string m_prefix;
   plinth::Model m_model;

@@ -19,7 +19,7 @@ struct Number {
 constexpr bool isHexDigit(char c) { return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F'); }
 
 // A value counts as a number if all of its text is one in the notation of its type.
-Number readNumber(const ComparedValue& value) {
+Number readNumber(ComparedValue const& value) {
   if (isLogical(value.type)) {
     return {};
   }
@@ -30,14 +30,14 @@ Number readNumber(const ComparedValue& value) {
   if (value.type == SymbolType::Hexadecimal) {
     number = {Reading::Unsigned, std::strtoull(text.c_str(), &end, 16)};
   } else {
-    const int base = value.type == SymbolType::Integer ? 10 : 0;
+    int const base = value.type == SymbolType::Integer ? 10 : 0;
     number = {Reading::Signed, static_cast<std::uint64_t>(std::strtoll(text.c_str(), &end, base))};
   }
-  const bool complete = errno == 0 && *end == '\0' && end > text.c_str() && isHexDigit(end[-1]);
+  bool const complete = errno == 0 && *end == '\0' && end > text.c_str() && isHexDigit(end[-1]);
   return complete ? number : Number{};
 }
 
-int order(const ComparedValue& left, const ComparedValue& right) {
+int order(ComparedValue const& left, ComparedValue const& right) {
   if (left.type != SymbolType::String || right.type != SymbolType::String) {
     const Number a = readNumber(left);
     const Number b = readNumber(right);
@@ -45,8 +45,8 @@ int order(const ComparedValue& left, const ComparedValue& right) {
       if (a.reading == Reading::Unsigned || b.reading == Reading::Unsigned) {
         return (a.bits > b.bits) - (a.bits < b.bits);
       }
-      const auto x = static_cast<std::int64_t>(a.bits);
-      const auto y = static_cast<std::int64_t>(b.bits);
+      auto const x = static_cast<std::int64_t>(a.bits);
+      auto const y = static_cast<std::int64_t>(b.bits);
       return (x > y) - (x < y);
     }
   }
@@ -55,8 +55,8 @@ int order(const ComparedValue& left, const ComparedValue& right) {
 
 }  // namespace
 
-bool holds(Operator op, const ComparedValue& left, const ComparedValue& right) {
-  const int result = order(left, right);
+bool holds(Operator op, ComparedValue const& left, ComparedValue const& right) {
+  int const result = order(left, right);
   switch (op) {
     case Operator::Equal:
       return result == 0;

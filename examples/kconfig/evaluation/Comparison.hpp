@@ -13,7 +13,7 @@ struct ComparedValue {
   SymbolType type;
 };
 
-bool holds(Operator op, const ComparedValue& left, const ComparedValue& right);
+bool holds(Operator op, ComparedValue const& left, ComparedValue const& right);
 
 // The number that text begins with, limited to 64 bits; 0 if it begins with none. Base 0 takes the base from the
 // prefix.

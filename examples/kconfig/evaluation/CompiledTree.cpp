@@ -20,14 +20,14 @@ void startRows(std::vector<SymbolRules>& symbols, std::uint32_t SymbolRules::*fi
 }
 
 template <class Visit>
-void forEachOwnProperty(const MenuTree& tree, Visit visit) {
-  for (const Property& property : tree.predefined) {
+void forEachOwnProperty(MenuTree const& tree, Visit visit) {
+  for (Property const& property : tree.predefined) {
     visit(property.symbol, property, noProperty);
   }
-  for (const Entry& entry : tree.entries) {
+  for (Entry const& entry : tree.entries) {
     for (PropertyId at = entry.firstProperty; at < entry.firstProperty + entry.propertyCount; ++at) {
-      const Property& property = tree.properties[at];
-      const bool own = property.kind == PropertyKind::Prompt || property.kind == PropertyKind::Default ||
+      Property const& property = tree.properties[at];
+      bool const own = property.kind == PropertyKind::Prompt || property.kind == PropertyKind::Default ||
                        property.kind == PropertyKind::Range ||
                        (property.kind == PropertyKind::Environment && property.value != noExpression);
       if (own && entry.symbol != noSymbol) {
@@ -38,15 +38,15 @@ void forEachOwnProperty(const MenuTree& tree, Visit visit) {
 }
 
 // Conditions are given by PropertyId.
-void fillProperties(const MenuTree& tree, const std::vector<ExpressionId>& conditions, CompiledTree& compiled) {
+void fillProperties(MenuTree const& tree, std::vector<ExpressionId> const& conditions, CompiledTree& compiled) {
   std::uint32_t total = 0;
-  forEachOwnProperty(tree, [&](SymbolId symbol, const Property&, PropertyId) {
+  forEachOwnProperty(tree, [&](SymbolId symbol, Property const&, PropertyId) {
     ++compiled.symbols[symbol].propertyCount;
     ++total;
   });
   startRows(compiled.symbols, &SymbolRules::firstProperty, &SymbolRules::propertyCount);
   compiled.properties.resize(total);
-  forEachOwnProperty(tree, [&](SymbolId symbol, const Property& property, PropertyId at) {
+  forEachOwnProperty(tree, [&](SymbolId symbol, Property const& property, PropertyId at) {
     SymbolRules& rules = compiled.symbols[symbol];
     EffectiveProperty& row = compiled.properties[rules.firstProperty + rules.propertyCount++];
     // What the environment gives counts without any condition.
@@ -60,7 +60,7 @@ void fillProperties(const MenuTree& tree, const std::vector<ExpressionId>& condi
   });
 }
 
-void fillMembers(const Propagation& propagation, CompiledTree& compiled) {
+void fillMembers(Propagation const& propagation, CompiledTree& compiled) {
   for (SymbolId symbol = 0; symbol < compiled.symbols.size(); ++symbol) {
     SymbolRules& rules = compiled.symbols[symbol];
     rules.choice = propagation.choiceOf[symbol];
@@ -73,18 +73,18 @@ void fillMembers(const Propagation& propagation, CompiledTree& compiled) {
 
 void sortByTarget(std::vector<Selection>& selections) {
   std::stable_sort(selections.begin(), selections.end(),
-                   [](const Selection& a, const Selection& b) { return a.target < b.target; });
+                   [](Selection const& a, Selection const& b) { return a.target < b.target; });
 }
 
 void fillDependencies(ExpressionPool& pool, Propagation& propagation, CompiledTree& compiled) {
   std::vector<std::vector<ExpressionId>> impliedTerms(compiled.symbols.size());
-  for (const Selection& selection : propagation.selects) {
+  for (Selection const& selection : propagation.selects) {
     propagation.reverseTerms[selection.target].push_back(selection.condition);
   }
-  for (const Selection& selection : propagation.implies) {
+  for (Selection const& selection : propagation.implies) {
     impliedTerms[selection.target].push_back(selection.condition);
   }
-  const auto anyOf = [&pool](const std::vector<ExpressionId>& terms) {
+  auto const anyOf = [&pool](std::vector<ExpressionId> const& terms) {
     return terms.empty() ? noExpression : pool.list(Operator::Or, terms);
   };
   for (SymbolId symbol = 0; symbol < compiled.symbols.size(); ++symbol) {
@@ -117,10 +117,10 @@ CompiledTree compile(MenuTree& tree) {
   return compiled;
 }
 
-CompiledTree compileAsDeclared(const MenuTree& tree) {
+CompiledTree compileAsDeclared(MenuTree const& tree) {
   std::vector<ExpressionId> conditions;
   conditions.reserve(tree.properties.size());
-  for (const Property& property : tree.properties) {
+  for (Property const& property : tree.properties) {
     conditions.push_back(property.condition);
   }
   CompiledTree compiled;
@@ -129,8 +129,8 @@ CompiledTree compileAsDeclared(const MenuTree& tree) {
   return compiled;
 }
 
-EntryId following(const CompiledTree& compiled, EntryId id) {
-  const MenuNode& node = compiled.nodes[id];
+EntryId following(CompiledTree const& compiled, EntryId id) {
+  MenuNode const& node = compiled.nodes[id];
   if (node.firstChild != noEntry) {
     return node.firstChild;
   }

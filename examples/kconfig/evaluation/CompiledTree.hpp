@@ -54,11 +54,11 @@ struct MenuNode {
 
 template <class Row>
 struct Rows {
-  const Row* first;
+  Row const* first;
   std::uint32_t count;
 
-  const Row* begin() const { return first; }
-  const Row* end() const { return first + count; }
+  Row const* begin() const { return first; }
+  Row const* end() const { return first + count; }
 };
 
 struct CompiledTree {
@@ -84,10 +84,10 @@ CompiledTree compile(MenuTree& tree);
 
 // A tree that is still being read: every property under the condition that it states itself. There are no dependencies,
 // no selections and no members of choices, and nodes is empty. Linear in the size of the tree.
-CompiledTree compileAsDeclared(const MenuTree& tree);
+CompiledTree compileAsDeclared(MenuTree const& tree);
 
 // The next entry in the order of the menu, noEntry behind the last one. The order of the text is another one only in
 // name, as structure is found among successors.
-EntryId following(const CompiledTree& compiled, EntryId id);
+EntryId following(CompiledTree const& compiled, EntryId id);
 
 }  // namespace kconfig

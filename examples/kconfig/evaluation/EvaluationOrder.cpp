@@ -17,7 +17,7 @@ std::uint32_t bucketOf(std::string_view name) {
     return 0;
   }
   std::uint32_t hash = 2166136261U;
-  for (const char c : name) {
+  for (char const c : name) {
     hash = (hash ^ static_cast<std::uint32_t>(c)) * 0x01000193U;
   }
   return hash % 9973;
@@ -26,7 +26,7 @@ std::uint32_t bucketOf(std::string_view name) {
 // Finds the groups of a graph whose nodes are symbols and expressions, by Tarjan's method with a stack of its own.
 class GroupSearch {
  public:
-  GroupSearch(const MenuTree& tree, const CompiledTree& compiled, EvaluationOrder& order)
+  GroupSearch(MenuTree const& tree, CompiledTree const& compiled, EvaluationOrder& order)
       : m_pool(tree.expressions),
         m_compiled(compiled),
         m_order(order),
@@ -59,7 +59,7 @@ class GroupSearch {
 
   void visit(Node root);
   void enter(Node node);
-  void leave(const Frame& frame);
+  void leave(Frame const& frame);
   void pushEdges(Node node);
   void pushSymbolEdges(SymbolId symbol);
   void pushExpression(ExpressionId id) {
@@ -69,8 +69,8 @@ class GroupSearch {
   }
   void emit(Node root);
 
-  const ExpressionPool& m_pool;
-  const CompiledTree& m_compiled;
+  ExpressionPool const& m_pool;
+  CompiledTree const& m_compiled;
   EvaluationOrder& m_order;
   Node m_symbols;
   std::vector<std::uint32_t> m_index;  // 0 not seen, finished when its group is known
@@ -111,7 +111,7 @@ void GroupSearch::enter(Node node) {
   pushEdges(node);
 }
 
-void GroupSearch::leave(const Frame& frame) {
+void GroupSearch::leave(Frame const& frame) {
   m_edges.resize(frame.firstEdge);
   if (!m_frames.empty()) {
     const Node parent = m_frames.back().node;
@@ -146,8 +146,8 @@ void GroupSearch::pushEdges(Node node) {
 }
 
 void GroupSearch::pushSymbolEdges(SymbolId symbol) {
-  const SymbolRules& rules = m_compiled.symbols[symbol];
-  for (const EffectiveProperty& property : m_compiled.propertiesOf(symbol)) {
+  SymbolRules const& rules = m_compiled.symbols[symbol];
+  for (EffectiveProperty const& property : m_compiled.propertiesOf(symbol)) {
     pushExpression(property.condition);
     pushExpression(property.value);
     if (property.kind == PropertyKind::Range) {
@@ -168,7 +168,7 @@ void GroupSearch::pushSymbolEdges(SymbolId symbol) {
 
 // The nodes since root, in the order in which they were met, are a group.
 void GroupSearch::emit(Node root) {
-  const auto first = std::find(m_open.rbegin(), m_open.rend(), root).base() - 1;
+  auto const first = std::find(m_open.rbegin(), m_open.rend(), root).base() - 1;
   std::vector<SymbolId> group;
   for (auto node = first; node != m_open.end(); ++node) {
     m_index[*node] = finished;
@@ -176,7 +176,7 @@ void GroupSearch::emit(Node root) {
       group.push_back(*node);
     }
   }
-  const bool connected = m_open.end() - first > 1;
+  bool const connected = m_open.end() - first > 1;
   m_open.erase(first, m_open.end());
   m_order.symbols.insert(m_order.symbols.end(), group.begin(), group.end());
   if (connected) {
@@ -187,11 +187,11 @@ void GroupSearch::emit(Node root) {
 // Looks for a loop in one group, where a choice is one node with its members.
 class LoopSearch {
  public:
-  LoopSearch(const MenuTree& tree, const CompiledTree& compiled, const std::vector<SymbolId>& group)
+  LoopSearch(MenuTree const& tree, CompiledTree const& compiled, std::vector<SymbolId> const& group)
       : m_pool(tree.expressions), m_symbols(tree.symbols), m_compiled(compiled), m_group(group.begin(), group.end()) {}
 
   // The first loop found when starting at the group's symbols in turn.
-  std::vector<SymbolId> find(const std::vector<SymbolId>& starts);
+  std::vector<SymbolId> find(std::vector<SymbolId> const& starts);
 
  private:
   struct Frame {
@@ -210,14 +210,14 @@ class LoopSearch {
   void addExpression(Frame& frame, SymbolId owner, ExpressionId id, bool inChoice);
   std::vector<SymbolId> searchFrom(SymbolId start);
 
-  const ExpressionPool& m_pool;
-  const SymbolTable& m_symbols;
-  const CompiledTree& m_compiled;
+  ExpressionPool const& m_pool;
+  SymbolTable const& m_symbols;
+  CompiledTree const& m_compiled;
   std::unordered_set<SymbolId> m_group;
   std::unordered_map<SymbolId, bool> m_seen;  // true while it is on the path
 };
 
-std::vector<SymbolId> LoopSearch::find(const std::vector<SymbolId>& starts) {
+std::vector<SymbolId> LoopSearch::find(std::vector<SymbolId> const& starts) {
   for (const SymbolId start : starts) {
     if (m_seen.count(nodeOf(start)) == 0) {
       std::vector<SymbolId> loop = searchFrom(nodeOf(start));
@@ -240,14 +240,14 @@ std::vector<SymbolId> LoopSearch::searchFrom(SymbolId start) {
       continue;
     }
     const SymbolId target = frame.targets[frame.next++];
-    const auto seen = m_seen.find(target);
+    auto const seen = m_seen.find(target);
     if (seen == m_seen.end()) {
       path.push_back(open(target));
     } else if (seen->second) {
       std::vector<SymbolId> loop;
-      const auto first =
-          std::find_if(path.begin(), path.end(), [target](const Frame& step) { return step.node == target; });
-      std::transform(first, path.end(), std::back_inserter(loop), [](const Frame& step) { return step.node; });
+      auto const first =
+          std::find_if(path.begin(), path.end(), [target](Frame const& step) { return step.node == target; });
+      std::transform(first, path.end(), std::back_inserter(loop), [](Frame const& step) { return step.node; });
       return loop;
     }
   }
@@ -266,11 +266,11 @@ LoopSearch::Frame LoopSearch::open(SymbolId node) {
 }
 
 void LoopSearch::addTargets(Frame& frame, SymbolId symbol, bool inChoice) {
-  const SymbolRules& rules = m_compiled.symbols[symbol];
-  const bool isChoice = m_symbols[symbol].kind == SymbolKind::Choice;
+  SymbolRules const& rules = m_compiled.symbols[symbol];
+  bool const isChoice = m_symbols[symbol].kind == SymbolKind::Choice;
   addExpression(frame, symbol, rules.reverse, inChoice);
   addExpression(frame, symbol, rules.direct, inChoice);
-  for (const EffectiveProperty& property : m_compiled.propertiesOf(symbol)) {
+  for (EffectiveProperty const& property : m_compiled.propertiesOf(symbol)) {
     addExpression(frame, symbol, property.condition, inChoice);
     if (property.kind == PropertyKind::Range) {
       addTarget(frame, symbol, property.lower, inChoice);
@@ -283,7 +283,7 @@ void LoopSearch::addTargets(Frame& frame, SymbolId symbol, bool inChoice) {
 
 // That a member depends on its choice is how choices work.
 void LoopSearch::addTarget(Frame& frame, SymbolId owner, SymbolId target, bool inChoice) {
-  const bool ownChoice = inChoice && m_compiled.symbols[owner].choice == target;
+  bool const ownChoice = inChoice && m_compiled.symbols[owner].choice == target;
   if (m_group.count(target) != 0 && !ownChoice) {
     frame.targets.push_back(nodeOf(target));
   }
@@ -305,10 +305,10 @@ void LoopSearch::addExpression(Frame& frame, SymbolId owner, ExpressionId id, bo
   }
 }
 
-std::vector<SymbolId> menuOrder(const MenuTree& tree, const CompiledTree& compiled) {
+std::vector<SymbolId> menuOrder(MenuTree const& tree, CompiledTree const& compiled) {
   std::vector<SymbolId> order;
   for (EntryId id = compiled.nodes[rootEntry].firstChild; id != noEntry; id = following(compiled, id)) {
-    const Entry& entry = tree.entries[id];
+    Entry const& entry = tree.entries[id];
     if (entry.symbol != noSymbol && entry.kind != EntryKind::Choice) {
       order.push_back(entry.symbol);
     }
@@ -318,7 +318,7 @@ std::vector<SymbolId> menuOrder(const MenuTree& tree, const CompiledTree& compil
 
 }  // namespace
 
-std::vector<SymbolId> visitingOrder(const SymbolTable& symbols) {
+std::vector<SymbolId> visitingOrder(SymbolTable const& symbols) {
   constexpr std::uint32_t buckets = 9973;
   std::vector<std::uint32_t> ends(buckets + 1, 0);
   std::vector<std::uint32_t> bucket(symbols.size());
@@ -335,7 +335,7 @@ std::vector<SymbolId> visitingOrder(const SymbolTable& symbols) {
   return order;
 }
 
-EvaluationOrder evaluationOrder(const MenuTree& tree, const CompiledTree& compiled) {
+EvaluationOrder evaluationOrder(MenuTree const& tree, CompiledTree const& compiled) {
   EvaluationOrder order;
   order.visiting = visitingOrder(tree.symbols);
   order.symbols.reserve(order.visiting.size());
@@ -350,10 +350,10 @@ EvaluationOrder evaluationOrder(const MenuTree& tree, const CompiledTree& compil
   return order;
 }
 
-std::vector<std::vector<SymbolId>> findLoops(const MenuTree& tree, const CompiledTree& compiled,
-                                             const EvaluationOrder& order) {
+std::vector<std::vector<SymbolId>> findLoops(MenuTree const& tree, CompiledTree const& compiled,
+                                             EvaluationOrder const& order) {
   std::vector<std::vector<SymbolId>> loops;
-  for (const std::vector<SymbolId>& group : order.groups) {
+  for (std::vector<SymbolId> const& group : order.groups) {
     std::vector<SymbolId> loop = LoopSearch(tree, compiled, group).find(group);
     if (!loop.empty()) {
       loops.push_back(std::move(loop));

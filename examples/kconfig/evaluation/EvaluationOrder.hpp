@@ -11,7 +11,7 @@ namespace kconfig {
 
 // The order in which a hash table of names would visit the symbols. Where symbols depend on each other their values
 // depend on which one is asked first; this order is the one that existing tools have, and so part of the language.
-std::vector<SymbolId> visitingOrder(const SymbolTable& symbols);
+std::vector<SymbolId> visitingOrder(SymbolTable const& symbols);
 
 struct EvaluationOrder {
   std::vector<SymbolId> visiting;  // as above
@@ -23,11 +23,11 @@ struct EvaluationOrder {
 };
 
 // Linear in the size of the tree; does not recurse.
-EvaluationOrder evaluationOrder(const MenuTree& tree, const CompiledTree& compiled);
+EvaluationOrder evaluationOrder(MenuTree const& tree, CompiledTree const& compiled);
 
 // One loop for each group of symbols that has one: the symbols in the order in which each depends on the next, a choice
 // counting as one with its members. A choice and its members alone are no loop.
-std::vector<std::vector<SymbolId>> findLoops(const MenuTree& tree, const CompiledTree& compiled,
-                                             const EvaluationOrder& order);
+std::vector<std::vector<SymbolId>> findLoops(MenuTree const& tree, CompiledTree const& compiled,
+                                             EvaluationOrder const& order);
 
 }  // namespace kconfig

@@ -12,10 +12,10 @@ constexpr int baseOf(SymbolType type) { return type == SymbolType::Integer ? 10 
 
 }  // namespace
 
-Evaluator::Evaluator(const MenuTree& tree, const CompiledTree& compiled, const EvaluationOrder& order)
+Evaluator::Evaluator(MenuTree const& tree, CompiledTree const& compiled, EvaluationOrder const& order)
     : m_tree(tree), m_compiled(compiled), m_order(order) {}
 
-void Evaluator::evaluate(const UserValues& users) {
+void Evaluator::evaluate(UserValues const& users) {
   reset(users);
   calculate(m_compiled.modules);
   bool confirmed = true;
@@ -45,8 +45,8 @@ void Evaluator::evaluateAgain() {
 }
 
 bool Evaluator::isAsAsked(SymbolId symbol) const {
-  const SymbolValue& value = m_values[symbol];
-  const UserValue& asked = m_users[symbol];
+  SymbolValue const& value = m_values[symbol];
+  UserValue const& asked = m_users[symbol];
   if (isChoice(symbol) || m_tree.symbols[symbol].automatic) {
     return true;
   }
@@ -63,7 +63,7 @@ void Evaluator::forgetAll() {
   }
 }
 
-void Evaluator::reset(const UserValues& users) {
+void Evaluator::reset(UserValues const& users) {
   const SymbolId count = m_tree.symbols.size();
   m_values.assign(count, SymbolValue());
   m_valid.resize(count);
@@ -112,10 +112,10 @@ void Evaluator::calculate(SymbolId symbol) {
 }
 
 void Evaluator::calculateVisibility(SymbolId symbol) {
-  const SymbolRules& rules = m_compiled.symbols[symbol];
+  SymbolRules const& rules = m_compiled.symbols[symbol];
   SymbolValue& value = m_values[symbol];
   Tristate visible = Tristate::No;
-  for (const EffectiveProperty& property : m_compiled.propertiesOf(symbol)) {
+  for (EffectiveProperty const& property : m_compiled.propertiesOf(symbol)) {
     if (property.kind != PropertyKind::Prompt) {
       continue;
     }
@@ -148,7 +148,7 @@ Tristate Evaluator::limited(SymbolId symbol, Tristate value) const {
 
 SymbolType Evaluator::effectiveType(SymbolId symbol) const {
   const SymbolType type = typeOf(symbol);
-  const bool restricted = (isMember(symbol) && m_values[symbol].visible == Tristate::Yes) || !modulesOn();
+  bool const restricted = (isMember(symbol) && m_values[symbol].visible == Tristate::Yes) || !modulesOn();
   return type == SymbolType::Tristate && restricted ? SymbolType::Boolean : type;
 }
 
@@ -187,7 +187,7 @@ Tristate Evaluator::askedOrDefault(SymbolId symbol) {
     return Tristate::No;
   }
   Tristate result = Tristate::No;
-  if (const EffectiveProperty* property = firstInForce(symbol, PropertyKind::Default)) {
+  if (EffectiveProperty const* property = firstInForce(symbol, PropertyKind::Default)) {
     value.written = true;
     value.origin = Origin::Default;
     value.source = property->source;
@@ -207,7 +207,7 @@ void Evaluator::calculateText(SymbolId symbol) {
   if (value.written && m_users[symbol].present) {
     value.origin = Origin::User;
     value.text = m_users[symbol].text;
-  } else if (const EffectiveProperty* property = firstInForce(symbol, PropertyKind::Default)) {
+  } else if (EffectiveProperty const* property = firstInForce(symbol, PropertyKind::Default)) {
     if (m_tree.expressions.op(property->value) == Operator::Symbol) {
       value.written = true;
       value.origin = Origin::Default;
@@ -230,7 +230,7 @@ void Evaluator::chooseMember(SymbolId choice) {
     calculateVisibility(member);
   }
   const SymbolId wanted = m_users[choice].member;
-  const bool possible = wanted != noSymbol && m_values[wanted].visible != Tristate::No;
+  bool const possible = wanted != noSymbol && m_values[wanted].visible != Tristate::No;
   const SymbolId chosen = possible ? wanted : defaultMember(choice);
   m_values[choice].chosen = chosen;
   if (chosen == noSymbol) {
@@ -239,7 +239,7 @@ void Evaluator::chooseMember(SymbolId choice) {
 }
 
 SymbolId Evaluator::defaultMember(SymbolId choice) {
-  for (const EffectiveProperty& property : m_compiled.propertiesOf(choice)) {
+  for (EffectiveProperty const& property : m_compiled.propertiesOf(choice)) {
     if (property.kind == PropertyKind::Default && valueOf(property.condition) != Tristate::No) {
       const SymbolId member = m_tree.expressions.left(property.value);
       if (m_values[member].visible != Tristate::No) {
@@ -267,12 +267,12 @@ void Evaluator::markMembersWritten(SymbolId choice) {
 
 void Evaluator::clampToRange(SymbolId symbol) {
   const SymbolType type = typeOf(symbol);
-  const EffectiveProperty* range = rangeInForce(symbol);
+  EffectiveProperty const* range = rangeInForce(symbol);
   if (range == nullptr) {
     return;
   }
-  const int base = baseOf(type);
-  const long long number = leadingNumber(m_values[symbol].text, base);
+  int const base = baseOf(type);
+  long long const number = leadingNumber(m_values[symbol].text, base);
   long long bound = boundOf(range->lower, base);
   if (number >= bound) {
     bound = boundOf(range->upper, base);
@@ -312,33 +312,33 @@ void Evaluator::dropOutOfRange() {
 
 // The upper bound of a number below the lower one is not looked at: to ask for it could settle a value too early.
 bool Evaluator::isWithinRange(SymbolId symbol, std::string_view text) {
-  const EffectiveProperty* range = rangeInForce(symbol);
+  EffectiveProperty const* range = rangeInForce(symbol);
   if (range == nullptr) {
     return true;
   }
-  const int base = baseOf(typeOf(symbol));
-  const long long number = leadingNumber(text, base);
+  int const base = baseOf(typeOf(symbol));
+  long long const number = leadingNumber(text, base);
   return number >= boundOf(range->lower, base) && number <= boundOf(range->upper, base);
 }
 
 std::optional<Limits> Evaluator::limitsOf(SymbolId symbol) {
-  const EffectiveProperty* range = rangeInForce(symbol);
+  EffectiveProperty const* range = rangeInForce(symbol);
   if (range == nullptr) {
     return std::nullopt;
   }
-  const int base = baseOf(typeOf(symbol));
-  const long long lower = boundOf(range->lower, base);
+  int const base = baseOf(typeOf(symbol));
+  long long const lower = boundOf(range->lower, base);
   return Limits{lower, boundOf(range->upper, base)};
 }
 
-const EffectiveProperty* Evaluator::rangeInForce(SymbolId symbol) {
+EffectiveProperty const* Evaluator::rangeInForce(SymbolId symbol) {
   return isNumeric(typeOf(symbol)) ? firstInForce(symbol, PropertyKind::Range) : nullptr;
 }
 
 // Conditions
 
-const EffectiveProperty* Evaluator::firstInForce(SymbolId symbol, PropertyKind kind) {
-  for (const EffectiveProperty& property : m_compiled.propertiesOf(symbol)) {
+EffectiveProperty const* Evaluator::firstInForce(SymbolId symbol, PropertyKind kind) {
+  for (EffectiveProperty const& property : m_compiled.propertiesOf(symbol)) {
     if (property.kind == kind && valueOf(property.condition) != Tristate::No) {
       return &property;
     }
@@ -347,7 +347,7 @@ const EffectiveProperty* Evaluator::firstInForce(SymbolId symbol, PropertyKind k
 }
 
 Tristate Evaluator::valueOf(ExpressionId id) {
-  const ExpressionPool& pool = m_tree.expressions;
+  ExpressionPool const& pool = m_tree.expressions;
   const Operator op = pool.op(id);
   switch (op) {
     case Operator::None:
@@ -370,7 +370,7 @@ Tristate Evaluator::valueOf(ExpressionId id) {
 
 // Every operand is looked at: asking for values in another order could change those of a group.
 Tristate Evaluator::valueOfList(ExpressionId id) {
-  const bool all = m_tree.expressions.op(id) == Operator::And;
+  bool const all = m_tree.expressions.op(id) == Operator::And;
   Tristate result = all ? Tristate::Yes : Tristate::No;
   for (const ExpressionId operand : m_tree.expressions.operands(id)) {
     const Tristate value = valueOf(operand);
@@ -380,7 +380,7 @@ Tristate Evaluator::valueOfList(ExpressionId id) {
 }
 
 bool Evaluator::compare(ExpressionId id) {
-  const ExpressionPool& pool = m_tree.expressions;
+  ExpressionPool const& pool = m_tree.expressions;
   const SymbolId left = pool.left(id);
   const SymbolId right = pool.right(id);
   calculate(left);
@@ -389,7 +389,7 @@ bool Evaluator::compare(ExpressionId id) {
 }
 
 std::string_view Evaluator::textOf(SymbolId symbol) {
-  const SymbolValue& value = m_values[symbol];
+  SymbolValue const& value = m_values[symbol];
   if (!isLogical(typeOf(symbol))) {
     return value.text;
   }

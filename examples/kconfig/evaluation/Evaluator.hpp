@@ -39,13 +39,13 @@ struct Limits {
 
 class Evaluator {
  public:
-  Evaluator(const MenuTree& tree, const CompiledTree& compiled, const EvaluationOrder& order);
+  Evaluator(MenuTree const& tree, CompiledTree const& compiled, EvaluationOrder const& order);
 
   // Works out all values anew. Linear in the size of the tree. Symbols that the order leaves out are worked out when
   // valueOf() asks for them.
-  void evaluate(const UserValues& users);
+  void evaluate(UserValues const& users);
 
-  const SymbolValue& operator[](SymbolId symbol) const { return m_values[symbol]; }
+  SymbolValue const& operator[](SymbolId symbol) const { return m_values[symbol]; }
   // The value of a condition after evaluate().
   Tristate valueOf(ExpressionId id);
   // A symbol's value as a text: y, m or n, the number, the string.
@@ -54,7 +54,7 @@ class Evaluator {
   std::optional<Limits> limitsOf(SymbolId symbol);
 
  private:
-  void reset(const UserValues& users);
+  void reset(UserValues const& users);
   void forgetAll();
   void evaluateAgain();
   bool isAsAsked(SymbolId symbol) const;
@@ -71,8 +71,8 @@ class Evaluator {
   void dropOutOfRange();
   bool isWithinRange(SymbolId symbol, std::string_view text);
   long long boundOf(SymbolId symbol, int base);
-  const EffectiveProperty* rangeInForce(SymbolId symbol);
-  const EffectiveProperty* firstInForce(SymbolId symbol, PropertyKind kind);
+  EffectiveProperty const* rangeInForce(SymbolId symbol);
+  EffectiveProperty const* firstInForce(SymbolId symbol, PropertyKind kind);
   Tristate limited(SymbolId symbol, Tristate value) const;
   SymbolType effectiveType(SymbolId symbol) const;
   Tristate valueOfList(ExpressionId id);
@@ -84,9 +84,9 @@ class Evaluator {
 
   static constexpr unsigned deepest = 6000;
 
-  const MenuTree& m_tree;
-  const CompiledTree& m_compiled;
-  const EvaluationOrder& m_order;
+  MenuTree const& m_tree;
+  CompiledTree const& m_compiled;
+  EvaluationOrder const& m_order;
   std::vector<SymbolValue> m_values;
   std::vector<UserValue> m_users;
   std::vector<bool> m_valid;

@@ -32,7 +32,7 @@ constexpr bool isPair(SymbolId a, SymbolId b, SymbolId x, SymbolId y) {
   return (a == x && b == y) || (a == y && b == x);
 }
 
-ExpressionId remembered(const std::vector<ExpressionId>& results, ExpressionId id) {
+ExpressionId remembered(std::vector<ExpressionId> const& results, ExpressionId id) {
   return id < results.size() ? results[id] : noExpression;
 }
 
@@ -78,11 +78,11 @@ ExpressionId ExpressionRules::normalizeComparison(ExpressionId id) {
   if (m_symbols[symbol].type != SymbolType::Boolean || !isTristateConstant(m_pool.right(id))) {
     return id;
   }
-  const bool equal = m_pool.op(id) == Operator::Equal;
+  bool const equal = m_pool.op(id) == Operator::Equal;
   if (m_pool.right(id) == symbolMod) {
     return constant(equal ? symbolNo : symbolYes);
   }
-  const bool holdsForYes = equal == (m_pool.right(id) == symbolYes);
+  bool const holdsForYes = equal == (m_pool.right(id) == symbolYes);
   return holdsForYes ? m_pool.symbol(symbol) : m_pool.negation(m_pool.symbol(symbol));
 }
 
@@ -136,7 +136,7 @@ void ExpressionRules::joinPairs(Operator op, List& operands, unsigned& changes) 
         continue;
       }
       if (!settled && isList(m_pool.op(operands[i]))) {
-        const unsigned before = changes;
+        unsigned const before = changes;
         const Operator inner = m_pool.op(operands[i]);
         List innerOperands = operandsOf(operands[i], inner);
         joinPairs(inner, innerOperands, changes);
@@ -159,7 +159,7 @@ ExpressionId ExpressionRules::joined(Operator op, ExpressionId a, ExpressionId b
     return a;
   }
   const SymbolId symbol = joinableSymbol(a);
-  const bool fits = symbol != noSymbol && symbol == joinableSymbol(b) && isLogical(m_symbols[symbol].type) &&
+  bool const fits = symbol != noSymbol && symbol == joinableSymbol(b) && isLogical(m_symbols[symbol].type) &&
                     (m_pool.op(b) != Operator::Not || m_pool.op(m_pool.operand(b)) == Operator::Symbol);
   if (!fits) {
     return noExpression;
@@ -169,10 +169,10 @@ ExpressionId ExpressionRules::joined(Operator op, ExpressionId a, ExpressionId b
 
 ExpressionId ExpressionRules::joinedByOr(ExpressionId a, ExpressionId b, SymbolId symbol) {
   if (m_symbols[symbol].type == SymbolType::Boolean) {
-    const auto isNegated = [this](ExpressionId id) {
+    auto const isNegated = [this](ExpressionId id) {
       return m_pool.op(id) == Operator::Not && m_pool.op(m_pool.operand(id)) == Operator::Symbol;
     };
-    const bool opposed =
+    bool const opposed =
         (isNegated(a) && m_pool.op(b) == Operator::Symbol) || (isNegated(b) && m_pool.op(a) == Operator::Symbol);
     return opposed ? constant(symbolYes) : noExpression;
   }
@@ -285,7 +285,7 @@ void ExpressionRules::cancelPairs(Operator op, ExpressionId& a, ExpressionId& b)
   List ofB = operandsOf(b, op);
   for (ExpressionId& x : ofA) {
     for (ExpressionId& y : ofB) {
-      const bool isConstant = x == y && (m_pool.isSymbol(x, symbolYes) || m_pool.isSymbol(x, symbolNo));
+      bool const isConstant = x == y && (m_pool.isSymbol(x, symbolYes) || m_pool.isSymbol(x, symbolNo));
       if (!isConstant && same(x, y)) {
         x = y = constant(neutral(op));
       }
@@ -355,7 +355,7 @@ ExpressionId ExpressionRules::testForBoolean(ExpressionId id) {
   if (op == Operator::Not) {
     return m_pool.negation(forBoolean(m_pool.operand(id)));
   }
-  const bool testsForNo =
+  bool const testsForNo =
       compares(id, Operator::Unequal, symbolNo) && m_symbols[m_pool.left(id)].type == SymbolType::Tristate;
   return testsForNo ? m_pool.symbol(m_pool.left(id)) : id;
 }
@@ -381,7 +381,7 @@ ExpressionId ExpressionRules::requireModules(ExpressionId id, SymbolId modules) 
 }
 
 ExpressionId ExpressionRules::comparedWithNo(ExpressionId id, Operator op) {
-  const bool equal = op == Operator::Equal;
+  bool const equal = op == Operator::Equal;
   const Operator own = m_pool.op(id);
   if (isList(own)) {
     List operands = operandsOf(id, own);

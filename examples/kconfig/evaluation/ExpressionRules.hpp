@@ -15,7 +15,7 @@ namespace kconfig {
 
 class ExpressionRules {
  public:
-  ExpressionRules(ExpressionPool& pool, const SymbolTable& symbols) : m_pool(pool), m_symbols(symbols) {}
+  ExpressionRules(ExpressionPool& pool, SymbolTable const& symbols) : m_pool(pool), m_symbols(symbols) {}
 
   // Brings negations down to the symbols and simplifies the comparisons of bool symbols with y and n.
   ExpressionId normalized(ExpressionId id);
@@ -64,7 +64,7 @@ class ExpressionRules {
   ExpressionId constant(SymbolId id) { return m_pool.symbol(id); }
 
   ExpressionPool& m_pool;
-  const SymbolTable& m_symbols;
+  SymbolTable const& m_symbols;
   List m_normalized;  // by expression, noExpression where not known yet
   List m_withoutDuplicates;
   List m_forBoolean;

@@ -4,14 +4,14 @@ namespace kconfig {
 
 namespace {
 
-OutputItem headingOf(const MenuTree& tree, const MenuNode& node) {
+OutputItem headingOf(MenuTree const& tree, MenuNode const& node) {
   OutputItem item;
   item.kind = OutputItem::Kind::Heading;
   item.name = tree.properties[node.prompt].text;
   return item;
 }
 
-OutputItem itemOf(const MenuTree& tree, SymbolId symbol, Evaluator& evaluator) {
+OutputItem itemOf(MenuTree const& tree, SymbolId symbol, Evaluator& evaluator) {
   OutputItem item;
   item.type = tree.symbols[symbol].type;
   item.name = tree.symbols[symbol].name;
@@ -25,12 +25,12 @@ OutputItem itemOf(const MenuTree& tree, SymbolId symbol, Evaluator& evaluator) {
 
 }  // namespace
 
-bool isShown(const MenuNode& node, Evaluator& evaluator) {
+bool isShown(MenuNode const& node, Evaluator& evaluator) {
   return node.prompt != noProperty && evaluator.valueOf(node.visibility) != Tristate::No &&
          evaluator.valueOf(node.promptCondition) != Tristate::No;
 }
 
-Output collectOutput(const MenuTree& tree, const CompiledTree& compiled, Evaluator& evaluator,
+Output collectOutput(MenuTree const& tree, CompiledTree const& compiled, Evaluator& evaluator,
                      std::string_view prefix) {
   Output output;
   output.title = tree.title;

@@ -57,10 +57,10 @@ void Propagation::link() {
 
 // What the entry says itself. Parents come first in the text, so their visibility is known.
 void Propagation::gatherConditions(EntryId id) {
-  const Entry& entry = entryAt(id);
+  Entry const& entry = entryAt(id);
   MenuNode& node = nodes[id];
   for (PropertyId at = entry.firstProperty; at < entry.firstProperty + entry.propertyCount; ++at) {
-    const Property& property = m_tree.properties[at];
+    Property const& property = m_tree.properties[at];
     if (property.kind == PropertyKind::VisibleIf) {
       node.visibility = m_pool.conjunction(node.visibility, property.condition);
       continue;
@@ -88,7 +88,7 @@ ExpressionId Propagation::ancestorVisibility(EntryId entry, ExpressionId conditi
 Propagation::Step Propagation::begin(EntryId id) {
   Step step;
   step.entry = id;
-  const MenuNode& node = nodes[id];
+  MenuNode const& node = nodes[id];
   if (node.firstChild != noEntry) {
     if (isChoice(id)) {
       settleTypes(id);
@@ -106,11 +106,11 @@ Propagation::Step Propagation::begin(EntryId id) {
 
 // Whether the entry at the cursor belongs below the step's. Contents always do. A successor does if it mentions the
 // symbol and can't be seen without it, or is to be seen at most where the symbol is.
-bool Propagation::takesCursor(const Step& step) {
+bool Propagation::takesCursor(Step const& step) {
   if (!step.takesSuccessors) {
     return true;
   }
-  const MenuNode& node = nodes[step.cursor];
+  MenuNode const& node = nodes[step.cursor];
   const SymbolId symbol = entryAt(step.entry).symbol;
   const ExpressionId condition = node.prompt != noProperty ? conditions[node.prompt] : node.dependency;
   if (!m_rules.mentions(condition, symbol)) {
@@ -128,7 +128,7 @@ void Propagation::moveOn(Step& step) {
   step.cursor = nodes[step.cursor].next;
 }
 
-void Propagation::finish(const Step& step) {
+void Propagation::finish(Step const& step) {
   MenuNode& node = nodes[step.entry];
   const SymbolId symbol = entryAt(step.entry).symbol;
   if (step.takesSuccessors) {
@@ -176,7 +176,7 @@ void Propagation::settleTypes(EntryId choice) {
 void Propagation::setType(SymbolId symbol, SymbolType type) { m_tree.symbols[symbol].type = type; }
 
 void Propagation::handDown(EntryId parent) {
-  const MenuNode& node = nodes[parent];
+  MenuNode const& node = nodes[parent];
   ExpressionId inherited = node.dependency;
   if (isChoice(parent)) {
     inherited = m_pool.symbol(entryAt(parent).symbol);
@@ -189,12 +189,12 @@ void Propagation::handDown(EntryId parent) {
 }
 
 void Propagation::inherit(EntryId id, ExpressionId inherited) {
-  const Entry& entry = entryAt(id);
+  Entry const& entry = entryAt(id);
   MenuNode& node = nodes[id];
   node.dependency = m_rules.withoutDuplicates(m_pool.conjunction(inherited, m_rules.normalized(node.dependency)));
-  const bool boolean = entry.symbol != noSymbol && m_tree.symbols[entry.symbol].type != SymbolType::Tristate;
+  bool const boolean = entry.symbol != noSymbol && m_tree.symbols[entry.symbol].type != SymbolType::Tristate;
   for (PropertyId at = entry.firstProperty; at < entry.firstProperty + entry.propertyCount; ++at) {
-    const Property& property = m_tree.properties[at];
+    Property const& property = m_tree.properties[at];
     if (!isConditional(property.kind)) {
       continue;
     }
@@ -212,7 +212,7 @@ void Propagation::inherit(EntryId id, ExpressionId inherited) {
 // A member that knows only y and n can be had only while a tristate choice is y.
 void Propagation::addMember(EntryId choiceEntry, EntryId memberEntry) {
   const SymbolId choice = entryAt(choiceEntry).symbol;
-  const Entry& entry = entryAt(memberEntry);
+  Entry const& entry = entryAt(memberEntry);
   if (entry.symbol == noSymbol || choiceOf[entry.symbol] != noSymbol) {
     return;
   }

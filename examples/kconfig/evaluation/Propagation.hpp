@@ -42,9 +42,9 @@ class Propagation {
   ExpressionId ancestorVisibility(EntryId entry, ExpressionId condition);
 
   Step begin(EntryId entry);
-  bool takesCursor(const Step& step);
+  bool takesCursor(Step const& step);
   void moveOn(Step& step);
-  void finish(const Step& step);
+  void finish(Step const& step);
 
   void settleTypes(EntryId choice);
   void setType(SymbolId symbol, SymbolType type);
@@ -53,7 +53,7 @@ class Propagation {
   void addMember(EntryId choice, EntryId member);
   void spliceContents(EntryId entry);
 
-  const Entry& entryAt(EntryId id) const { return m_tree.entries[id]; }
+  Entry const& entryAt(EntryId id) const { return m_tree.entries[id]; }
   bool isChoice(EntryId id) const { return entryAt(id).kind == EntryKind::Choice; }
 
   MenuTree& m_tree;

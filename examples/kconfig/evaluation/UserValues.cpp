@@ -61,7 +61,7 @@ bool unquote(std::string_view text, std::string& result) {
   return false;
 }
 
-UserValues::UserValues(MenuTree& tree, const CompiledTree& compiled)
+UserValues::UserValues(MenuTree& tree, CompiledTree const& compiled)
     : m_tree(tree), m_compiled(compiled), m_values(tree.symbols.size()) {
   for (SymbolId id = 0; id < m_values.size(); ++id) {
     m_values[id].present = tree.symbols[id].kind == SymbolKind::Choice;
@@ -120,12 +120,12 @@ Assignment UserValues::storeText(SymbolId symbol, std::string_view text, std::ui
 }
 
 bool UserValues::isAsked(SymbolId symbol) const {
-  const UserValue& value = m_values[symbol];
-  const bool choice = m_tree.symbols[symbol].kind == SymbolKind::Choice;
+  UserValue const& value = m_values[symbol];
+  bool const choice = m_tree.symbols[symbol].kind == SymbolKind::Choice;
   return choice ? !value.present || value.tristate != Tristate::No || value.member != noSymbol : value.present;
 }
 
-void UserValues::takeOver(const UserValues& other) {
+void UserValues::takeOver(UserValues const& other) {
   for (SymbolId symbol = 0; symbol < m_values.size(); ++symbol) {
     if (other.isAsked(symbol)) {
       m_values[symbol] = other[symbol];

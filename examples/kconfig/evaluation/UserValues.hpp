@@ -29,20 +29,20 @@ enum class Assignment : std::uint8_t {
 
 class UserValues {
  public:
-  UserValues(MenuTree& tree, const CompiledTree& compiled);
+  UserValues(MenuTree& tree, CompiledTree const& compiled);
 
   // Gives symbol the value that text stands for in a profile: y, m, n, a number, or a string in quotes.
   Assignment assign(SymbolId symbol, std::string_view text, std::uint32_t line);
   // "is not set": n for a bool or tristate symbol, nothing for others.
   Assignment unset(SymbolId symbol, std::uint32_t line);
 
-  const UserValue& operator[](SymbolId symbol) const { return m_values[symbol]; }
+  UserValue const& operator[](SymbolId symbol) const { return m_values[symbol]; }
   // Whether anything was asked for: a choice is asked for through its members.
   bool isAsked(SymbolId symbol) const;
   // Gives the symbols that other asks for the values that they have there, choices of such members included.
-  void takeOver(const UserValues& other);
+  void takeOver(UserValues const& other);
   // Takes a value over as it was in another table of the same tree.
-  void restore(SymbolId symbol, const UserValue& value) { m_values[symbol] = value; }
+  void restore(SymbolId symbol, UserValue const& value) { m_values[symbol] = value; }
 
  private:
   Assignment store(SymbolId symbol, Tristate value, std::uint32_t line);
@@ -50,7 +50,7 @@ class UserValues {
   Assignment informChoice(SymbolId member);
 
   MenuTree& m_tree;
-  const CompiledTree& m_compiled;
+  CompiledTree const& m_compiled;
   std::vector<UserValue> m_values;
 };
 

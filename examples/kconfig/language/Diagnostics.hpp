@@ -34,7 +34,7 @@ class Diagnostics {
     ++m_errors;
   }
 
-  const std::vector<Diagnostic>& entries() const { return m_entries; }
+  std::vector<Diagnostic> const& entries() const { return m_entries; }
   std::size_t errors() const { return m_errors; }
   bool hasErrors() const { return m_errors != 0; }
 

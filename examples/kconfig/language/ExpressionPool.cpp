@@ -21,7 +21,7 @@ ExpressionId ExpressionPool::comparison(Operator op, SymbolId left, SymbolId rig
 
 ExpressionId ExpressionPool::negation(ExpressionId operand) { return find(Operator::Not, operand, 0); }
 
-ExpressionId ExpressionPool::list(Operator op, const std::vector<ExpressionId>& operands) {
+ExpressionId ExpressionPool::list(Operator op, std::vector<ExpressionId> const& operands) {
   if (operands.size() == 1) {
     return operands.front();
   }
@@ -76,8 +76,8 @@ ExpressionId ExpressionPool::findList(Operator op) {
   return store(slot, node, hash);
 }
 
-ExpressionId* ExpressionPool::slotOf(std::uint64_t hash, bool (ExpressionPool::*same)(const Node&, const Node&) const,
-                                     const Node& node) {
+ExpressionId* ExpressionPool::slotOf(std::uint64_t hash, bool (ExpressionPool::*same)(Node const&, Node const&) const,
+                                     Node const& node) {
   const std::size_t mask = m_table.size() - 1;
   for (std::size_t at = hash & mask;; at = (at + 1) & mask) {
     const ExpressionId id = m_table[at];
@@ -87,14 +87,14 @@ ExpressionId* ExpressionPool::slotOf(std::uint64_t hash, bool (ExpressionPool::*
   }
 }
 
-bool ExpressionPool::sameFields(const Node& x, const Node& y) const { return x.op == y.op && x.a == y.a && x.b == y.b; }
+bool ExpressionPool::sameFields(Node const& x, Node const& y) const { return x.op == y.op && x.a == y.a && x.b == y.b; }
 
-bool ExpressionPool::sameOperands(const Node& x, const Node& y) const {
+bool ExpressionPool::sameOperands(Node const& x, Node const& y) const {
   return x.op == y.op && x.b == y.b &&
          std::equal(m_operands.begin() + x.a, m_operands.begin() + x.a + x.b, m_operands.begin() + y.a);
 }
 
-ExpressionId ExpressionPool::store(ExpressionId* slot, const Node& node, std::uint64_t hash) {
+ExpressionId ExpressionPool::store(ExpressionId* slot, Node const& node, std::uint64_t hash) {
   const ExpressionId id = size();
   *slot = id;
   m_nodes.push_back(node);

@@ -36,11 +36,11 @@ constexpr bool isList(Operator op) { return op == Operator::And || op == Operato
 
 // The operands of a list node. Reading it is valid until the pool makes another node.
 struct Operands {
-  const ExpressionId* first;
+  ExpressionId const* first;
   std::uint32_t count;
 
-  const ExpressionId* begin() const { return first; }
-  const ExpressionId* end() const { return first + count; }
+  ExpressionId const* begin() const { return first; }
+  ExpressionId const* end() const { return first + count; }
 };
 
 class ExpressionPool {
@@ -51,7 +51,7 @@ class ExpressionPool {
   ExpressionId comparison(Operator op, SymbolId left, SymbolId right);
   ExpressionId negation(ExpressionId operand);
   // A list of op; operands that are lists of the same op are merged into it, and a list of one is that one.
-  ExpressionId list(Operator op, const std::vector<ExpressionId>& operands);
+  ExpressionId list(Operator op, std::vector<ExpressionId> const& operands);
   ExpressionId conjunction(ExpressionId a, ExpressionId b) { return combine(Operator::And, a, b); }
   ExpressionId disjunction(ExpressionId a, ExpressionId b) { return combine(Operator::Or, a, b); }
 
@@ -75,11 +75,11 @@ class ExpressionPool {
   ExpressionId combine(Operator op, ExpressionId a, ExpressionId b);
   ExpressionId find(Operator op, std::uint32_t a, std::uint32_t b);
   ExpressionId findList(Operator op);
-  ExpressionId* slotOf(std::uint64_t hash, bool (ExpressionPool::*same)(const Node&, const Node&) const,
-                       const Node& node);
-  bool sameFields(const Node& x, const Node& y) const;
-  bool sameOperands(const Node& x, const Node& y) const;
-  ExpressionId store(ExpressionId* slot, const Node& node, std::uint64_t hash);
+  ExpressionId* slotOf(std::uint64_t hash, bool (ExpressionPool::*same)(Node const&, Node const&) const,
+                       Node const& node);
+  bool sameFields(Node const& x, Node const& y) const;
+  bool sameOperands(Node const& x, Node const& y) const;
+  ExpressionId store(ExpressionId* slot, Node const& node, std::uint64_t hash);
   void grow();
 
   std::vector<Node> m_nodes;

@@ -4,7 +4,7 @@ namespace kconfig {
 
 namespace {
 
-const char* signOf(Operator op) {
+char const* signOf(Operator op) {
   switch (op) {
     case Operator::Equal:
       return " = ";
@@ -27,7 +27,7 @@ const char* signOf(Operator op) {
 
 class Printer {
  public:
-  Printer(const ExpressionPool& pool, const SymbolTable& symbols) : m_pool(pool), m_symbols(symbols) {}
+  Printer(ExpressionPool const& pool, SymbolTable const& symbols) : m_pool(pool), m_symbols(symbols) {}
 
   void print(ExpressionId id);
   std::string take() { return std::move(m_text); }
@@ -36,8 +36,8 @@ class Printer {
   void printSymbol(SymbolId id);
   void printList(ExpressionId id);
 
-  const ExpressionPool& m_pool;
-  const SymbolTable& m_symbols;
+  ExpressionPool const& m_pool;
+  SymbolTable const& m_symbols;
   std::string m_text;
 };
 
@@ -46,7 +46,7 @@ void Printer::print(ExpressionId id) {
   if (isList(op)) {
     printList(id);
   } else if (op == Operator::Not) {
-    const bool single = m_pool.op(m_pool.operand(id)) == Operator::Symbol;
+    bool const single = m_pool.op(m_pool.operand(id)) == Operator::Symbol;
     m_text += single ? "!" : "!(";
     print(m_pool.operand(id));
     m_text += single ? "" : ")";
@@ -60,9 +60,9 @@ void Printer::print(ExpressionId id) {
 }
 
 void Printer::printSymbol(SymbolId id) {
-  const Symbol& symbol = m_symbols[id];
-  const bool quoted = symbol.kind == SymbolKind::Constant && !isTristateConstant(id);
-  const bool nameless = symbol.kind == SymbolKind::Choice && symbol.name.empty();
+  Symbol const& symbol = m_symbols[id];
+  bool const quoted = symbol.kind == SymbolKind::Constant && !isTristateConstant(id);
+  bool const nameless = symbol.kind == SymbolKind::Choice && symbol.name.empty();
   m_text += quoted ? "\"" : "";
   m_text += nameless ? std::string_view("<choice>") : symbol.name;
   m_text += quoted ? "\"" : "";
@@ -70,9 +70,9 @@ void Printer::printSymbol(SymbolId id) {
 
 void Printer::printList(ExpressionId id) {
   const Operator op = m_pool.op(id);
-  const char* separator = "";
+  char const* separator = "";
   for (const ExpressionId operand : m_pool.operands(id)) {
-    const bool inner = isList(m_pool.op(operand));
+    bool const inner = isList(m_pool.op(operand));
     m_text += separator;
     m_text += inner ? "(" : "";
     print(operand);
@@ -83,7 +83,7 @@ void Printer::printList(ExpressionId id) {
 
 }  // namespace
 
-std::string textOf(const ExpressionPool& pool, const SymbolTable& symbols, ExpressionId id) {
+std::string textOf(ExpressionPool const& pool, SymbolTable const& symbols, ExpressionId id) {
   Printer printer(pool, symbols);
   printer.print(id);
   return printer.take();

@@ -8,6 +8,6 @@
 namespace kconfig {
 
 // "A && (B || C != y)"; empty for noExpression. Constants stand in quotes, except y, m and n.
-std::string textOf(const ExpressionPool& pool, const SymbolTable& symbols, ExpressionId id);
+std::string textOf(ExpressionPool const& pool, SymbolTable const& symbols, ExpressionId id);
 
 }  // namespace kconfig

@@ -85,19 +85,19 @@ struct MenuTree {
 
 // The properties of an entry, for a range-based for.
 struct PropertyRange {
-  const Property* first;
+  Property const* first;
   std::uint32_t count;
 
-  const Property* begin() const { return first; }
-  const Property* end() const { return first + count; }
+  Property const* begin() const { return first; }
+  Property const* end() const { return first + count; }
 };
 
-inline PropertyRange propertiesOf(const MenuTree& tree, const Entry& entry) {
+inline PropertyRange propertiesOf(MenuTree const& tree, Entry const& entry) {
   return {tree.properties.data() + entry.firstProperty, entry.propertyCount};
 }
 
 // The folder at the top of the tree in which an entry stands; empty at the top itself and outside of the tree.
-inline std::string_view ownerOf(const MenuTree& tree, const Entry& entry) {
+inline std::string_view ownerOf(MenuTree const& tree, Entry const& entry) {
   const std::string_view file = tree.files[entry.position.file].name;
   const std::size_t slash = file.find('/');
   return slash != std::string_view::npos ? file.substr(0, slash) : std::string_view();

@@ -17,7 +17,7 @@ class StringPool {
 
   // The pool's copy of text, the same view for equal texts.
   std::string_view intern(std::string_view text) {
-    const auto known = m_texts.find(text);
+    auto const known = m_texts.find(text);
     return known != m_texts.end() ? *known : *m_texts.insert(m_storage.emplace_back(text)).first;
   }
 

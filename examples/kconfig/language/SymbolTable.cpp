@@ -3,7 +3,7 @@
 namespace kconfig {
 
 SymbolTable::SymbolTable() {
-  for (const char* name : {"n", "m", "y"}) {
+  for (char const* name : {"n", "m", "y"}) {
     const SymbolId id = add(name, SymbolKind::Constant);
     m_plain.emplace(name, id);
     m_constants.emplace(name, id);
@@ -19,8 +19,8 @@ SymbolId SymbolTable::choice(std::string_view name) {
 }
 
 SymbolId SymbolTable::find(std::string_view name) const {
-  for (const Index* index : {&m_plain, &m_choices}) {
-    const auto found = index->find(name);
+  for (Index const* index : {&m_plain, &m_choices}) {
+    auto const found = index->find(name);
     if (found != index->end()) {
       return found->second;
     }
@@ -29,7 +29,7 @@ SymbolId SymbolTable::find(std::string_view name) const {
 }
 
 SymbolId SymbolTable::lookUp(Index& index, std::string_view name, SymbolKind kind) {
-  const auto found = index.find(name);
+  auto const found = index.find(name);
   if (found != index.end()) {
     return found->second;
   }

@@ -45,7 +45,7 @@ class SymbolTable {
   SymbolId find(std::string_view name) const;
 
   Symbol& operator[](SymbolId id) { return m_symbols[id]; }
-  const Symbol& operator[](SymbolId id) const { return m_symbols[id]; }
+  Symbol const& operator[](SymbolId id) const { return m_symbols[id]; }
   SymbolId size() const { return static_cast<SymbolId>(m_symbols.size()); }
 
  private:

@@ -18,7 +18,7 @@ constexpr bool isLogical(SymbolType type) { return type == SymbolType::Boolean |
 constexpr bool isNumeric(SymbolType type) { return type == SymbolType::Integer || type == SymbolType::Hexadecimal; }
 
 // The keyword that declares the type, "unknown" for a symbol that nothing declares.
-constexpr const char* keywordOf(SymbolType type) {
+constexpr char const* keywordOf(SymbolType type) {
   switch (type) {
     case SymbolType::Boolean:
       return "bool";

@@ -24,7 +24,7 @@ EntryKind kindOf(std::string_view key) {
                                                               {key::conditional, EntryKind::If},
                                                               {key::choice, EntryKind::Choice},
                                                               {key::entry, EntryKind::Config}};
-  for (const auto& [beginning, kind] : kinds) {
+  for (auto const& [beginning, kind] : kinds) {
     if (startsWith(key, beginning)) {
       return kind;
     }
@@ -47,7 +47,7 @@ SymbolType typeOf(std::string_view keyword) {
 
 class DefinitionReader {
  public:
-  explicit DefinitionReader(const schema::SchemaData& schema) : m_schema(schema), m_expressions(m_result.tree) {}
+  explicit DefinitionReader(schema::SchemaData const& schema) : m_schema(schema), m_expressions(m_result.tree) {}
 
   Definitions read();
 
@@ -55,14 +55,14 @@ class DefinitionReader {
   void readMetadata();
   void collectNodes();
   void addSymbols();
-  void addEntry(const schema::ControllableDef& definition, EntryId parent);
-  void addContents(const schema::CategoryDef& category, EntryId id);
-  SymbolId symbolOf(const schema::ControllableDef& definition, EntryKind kind);
-  void readFollows(const schema::FollowsDef& row, EntryId id);
-  void readLogic(const schema::ControllableDef& definition, EntryId id);
+  void addEntry(schema::ControllableDef const& definition, EntryId parent);
+  void addContents(schema::CategoryDef const& category, EntryId id);
+  SymbolId symbolOf(schema::ControllableDef const& definition, EntryKind kind);
+  void readFollows(schema::FollowsDef const& row, EntryId id);
+  void readLogic(schema::ControllableDef const& definition, EntryId id);
   void readOption(std::string_view option, EntryId id);
   void addPredefined();
-  void add(EntryId id, const Property& property);
+  void add(EntryId id, Property const& property);
   Position nextPosition();
   kestrel_array const* metadataOf(std::u16string_view name) const;
   std::string_view intern(std::u16string_view text) { return m_result.tree.texts.intern(fromModel(text)); }
@@ -72,8 +72,8 @@ class DefinitionReader {
   ExpressionReader m_expressions;
   std::vector<schema::ControllableDef> m_nodes;  // by ordinal
   std::vector<SymbolId> m_symbols;               // by ordinal
-  const std::uint32_t* m_position = nullptr;
-  const std::uint32_t* m_lastPosition = nullptr;
+  std::uint32_t const* m_position = nullptr;
+  std::uint32_t const* m_lastPosition = nullptr;
 };
 
 Definitions DefinitionReader::read() {
@@ -89,12 +89,12 @@ Definitions DefinitionReader::read() {
 void DefinitionReader::readMetadata() {
   MenuTree& tree = m_result.tree;
   tree.title = intern(kestrel::charText(*metadataOf(metadata::title)));
-  const kestrel_array& files = *metadataOf(metadata::files);
-  const std::uint32_t* from = kestrel::data<std::uint32_t>(*metadataOf(metadata::sourcedFrom));
+  kestrel_array const& files = *metadataOf(metadata::files);
+  std::uint32_t const* from = kestrel::data<std::uint32_t>(*metadataOf(metadata::sourcedFrom));
   for (std::size_t file = 0; file < kestrel::numberOfElements(files); ++file) {
     tree.files.push_back({intern(*kestrel::stringElement(files, file)), {from[2 * file], from[2 * file + 1]}});
   }
-  const kestrel_array& positions = *metadataOf(metadata::positions);
+  kestrel_array const& positions = *metadataOf(metadata::positions);
   m_position = kestrel::data<std::uint32_t>(positions);
   m_lastPosition = m_position + kestrel::numberOfElements(positions);
 }
@@ -118,13 +118,13 @@ Position DefinitionReader::nextPosition() {
 
 void DefinitionReader::collectNodes() {
   m_nodes.resize(m_schema->getNodeCount());
-  const auto enter = [this](const schema::ControllableDef& definition) {
+  auto const enter = [this](schema::ControllableDef const& definition) {
     m_nodes.at(definition->getOrdinal()) = definition;
   };
-  for (const schema::ParamDef& param : *m_schema->getParams()) {
+  for (schema::ParamDef const& param : *m_schema->getParams()) {
     enter(param);
   }
-  for (const schema::CategoryDef& category : *m_schema->getCategories()) {
+  for (schema::CategoryDef const& category : *m_schema->getCategories()) {
     enter(category);
   }
 }
@@ -134,7 +134,7 @@ void DefinitionReader::addSymbols() {
   SymbolTable& symbols = m_result.tree.symbols;
   m_symbols.resize(m_nodes.size(), noSymbol);
   for (std::size_t ordinal = 0; ordinal < m_nodes.size(); ++ordinal) {
-    const auto param = plinth::element_cast<schema::ParamDef>(m_nodes[ordinal]);
+    auto const param = plinth::element_cast<schema::ParamDef>(m_nodes[ordinal]);
     if (!param) {
       continue;
     }
@@ -148,7 +148,7 @@ void DefinitionReader::addSymbols() {
     m_symbols[ordinal] = symbol;
     m_result.params.resize(symbols.size());
     m_result.params[symbol] = param;
-    for (const schema::EvalDef& row : *param->getLogic()) {
+    for (schema::EvalDef const& row : *param->getLogic()) {
       if (row.getAttribute() == logic::type) {
         symbols[symbol].type = typeOf(fromModel(row.getCode()));
       }
@@ -156,10 +156,10 @@ void DefinitionReader::addSymbols() {
   }
 }
 
-void DefinitionReader::addEntry(const schema::ControllableDef& definition, EntryId parent) {
+void DefinitionReader::addEntry(schema::ControllableDef const& definition, EntryId parent) {
   MenuTree& tree = m_result.tree;
-  const auto id = static_cast<EntryId>(tree.entries.size());
-  const auto category = plinth::element_cast<schema::CategoryDef>(definition);
+  auto const id = static_cast<EntryId>(tree.entries.size());
+  auto const category = plinth::element_cast<schema::CategoryDef>(definition);
   Entry entry;
   entry.kind = category ? kindOf(fromModel(definition->getKey())) : EntryKind::Config;
   entry.position = nextPosition();
@@ -172,7 +172,7 @@ void DefinitionReader::addEntry(const schema::ControllableDef& definition, Entry
   tree.entries.push_back(entry);
   m_result.entries.push_back(definition);
   if (definition->hasFollows()) {
-    for (const schema::FollowsDef& row : *definition->getFollows()) {
+    for (schema::FollowsDef const& row : *definition->getFollows()) {
       readFollows(row, id);
     }
   }
@@ -183,15 +183,15 @@ void DefinitionReader::addEntry(const schema::ControllableDef& definition, Entry
   tree.entries[id].end = static_cast<EntryId>(tree.entries.size());
 }
 
-void DefinitionReader::addContents(const schema::CategoryDef& category, EntryId id) {
+void DefinitionReader::addContents(schema::CategoryDef const& category, EntryId id) {
   if (category->hasContents()) {
-    for (const schema::GlobalNodeRef& ref : *category->getContents()) {
+    for (schema::GlobalNodeRef const& ref : *category->getContents()) {
       addEntry(m_nodes.at(ref.getOrdinal()), id);
     }
   }
 }
 
-SymbolId DefinitionReader::symbolOf(const schema::ControllableDef& definition, EntryKind kind) {
+SymbolId DefinitionReader::symbolOf(schema::ControllableDef const& definition, EntryKind kind) {
   if (kind == EntryKind::Choice) {
     const schema::ParamDef param = m_schema->getParams()->find(definition->getKey());
     return param ? m_symbols[param->getOrdinal()] : noSymbol;
@@ -199,12 +199,12 @@ SymbolId DefinitionReader::symbolOf(const schema::ControllableDef& definition, E
   if (kind != EntryKind::Config) {
     return noSymbol;
   }
-  const auto category = plinth::element_cast<schema::CategoryDef>(definition);
+  auto const category = plinth::element_cast<schema::CategoryDef>(definition);
   return m_symbols.at(category ? (*category->getContents())[0].getOrdinal() : definition->getOrdinal());
 }
 
-void DefinitionReader::readFollows(const schema::FollowsDef& row, EntryId id) {
-  const std::u16string& attribute = row->getAttribute();
+void DefinitionReader::readFollows(schema::FollowsDef const& row, EntryId id) {
+  std::u16string const& attribute = row->getAttribute();
   Property property;
   property.position = nextPosition();
   if (attribute == follows::enabled || attribute == follows::contentsVisible) {
@@ -215,7 +215,7 @@ void DefinitionReader::readFollows(const schema::FollowsDef& row, EntryId id) {
   }
   const ConditionalElements parts = m_expressions.readConditional(row->getExpr());
   property.condition = parts.condition;
-  const expr::ExprValue& value = parts.values.at(0);
+  expr::ExprValue const& value = parts.values.at(0);
   if (attribute == follows::name) {
     property.kind = PropertyKind::Prompt;
     property.text = m_result.tree.texts.intern(textOf(value));
@@ -233,11 +233,11 @@ void DefinitionReader::readFollows(const schema::FollowsDef& row, EntryId id) {
   add(id, property);
 }
 
-void DefinitionReader::readLogic(const schema::ControllableDef& definition, EntryId id) {
+void DefinitionReader::readLogic(schema::ControllableDef const& definition, EntryId id) {
   if (!definition->hasLogic()) {
     return;
   }
-  for (const schema::EvalDef& row : *definition->getLogic()) {
+  for (schema::EvalDef const& row : *definition->getLogic()) {
     if (row.getAttribute() == logic::name) {
       Property prompt;
       prompt.kind = PropertyKind::Prompt;
@@ -254,7 +254,7 @@ void DefinitionReader::readLogic(const schema::ControllableDef& definition, Entr
 
 void DefinitionReader::readOption(std::string_view option, EntryId id) {
   MenuTree& tree = m_result.tree;
-  const Entry& entry = tree.entries[id];
+  Entry const& entry = tree.entries[id];
   Property property;
   property.position = entry.position;
   if (startsWith(option, logic::environment)) {
@@ -273,7 +273,7 @@ void DefinitionReader::readOption(std::string_view option, EntryId id) {
   add(id, property);
 }
 
-void DefinitionReader::add(EntryId id, const Property& property) {
+void DefinitionReader::add(EntryId id, Property const& property) {
   m_result.tree.properties.push_back(property);
   ++m_result.tree.entries[id].propertyCount;
 }
@@ -287,7 +287,7 @@ void DefinitionReader::addPredefined() {
       continue;
     }
     tree.symbols[symbol].automatic = true;
-    for (const schema::FollowsDef& row : *m_nodes[ordinal]->getFollows()) {
+    for (schema::FollowsDef const& row : *m_nodes[ordinal]->getFollows()) {
       Property property;
       property.kind = PropertyKind::Environment;
       property.symbol = symbol;
@@ -299,6 +299,6 @@ void DefinitionReader::addPredefined() {
 
 }  // namespace
 
-Definitions readDefinitions(const schema::SchemaData& schema) { return DefinitionReader(schema).read(); }
+Definitions readDefinitions(schema::SchemaData const& schema) { return DefinitionReader(schema).read(); }
 
 }  // namespace kconfig

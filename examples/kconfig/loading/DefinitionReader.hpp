@@ -19,6 +19,6 @@ struct Definitions {
 };
 
 // Raises std::runtime_error where the definitions say what writeSchema never writes. Linear. The model's thread.
-Definitions readDefinitions(const schema::SchemaData& schema);
+Definitions readDefinitions(schema::SchemaData const& schema);
 
 }  // namespace kconfig

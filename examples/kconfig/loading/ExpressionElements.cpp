@@ -29,7 +29,7 @@ constexpr OperatorPair operators[] = {{Operator::Not, expr::Operator::NOT},
                                       {Operator::GreaterEqual, expr::Operator::GT_EQ}};
 
 expr::Operator toModel(Operator op) {
-  for (const OperatorPair& pair : operators) {
+  for (OperatorPair const& pair : operators) {
     if (pair.language == op) {
       return pair.model;
     }
@@ -38,7 +38,7 @@ expr::Operator toModel(Operator op) {
 }
 
 Operator fromModel(expr::Operator op) {
-  for (const OperatorPair& pair : operators) {
+  for (OperatorPair const& pair : operators) {
     if (pair.model == op) {
       return pair.language;
     }
@@ -46,14 +46,14 @@ Operator fromModel(expr::Operator op) {
   throw std::runtime_error("the definitions have an expression with an operator that conditions do not know");
 }
 
-bool isIfThen(const expr::Operation& operation) {
+bool isIfThen(expr::Operation const& operation) {
   return operation && operation->getOperator() == expr::Operator::IF_THEN;
 }
 
 }  // namespace
 
 expr::ExprValue ExpressionWriter::write(ExpressionId id) {
-  const ExpressionPool& pool = m_tree.expressions;
+  ExpressionPool const& pool = m_tree.expressions;
   const Operator op = pool.op(id);
   if (op == Operator::Symbol) {
     return writeSymbol(pool.left(id));
@@ -75,7 +75,7 @@ expr::ExprValue ExpressionWriter::write(ExpressionId id) {
 }
 
 expr::ExprValue ExpressionWriter::writeSymbol(SymbolId id) {
-  const Symbol& symbol = m_tree.symbols[id];
+  Symbol const& symbol = m_tree.symbols[id];
   if (id == symbolNo || id == symbolYes) {
     const expr::BooleanConstant constant = expr::BooleanConstant::create(m_model);
     constant->setValue(id == symbolYes);
@@ -95,7 +95,7 @@ expr::ExprValue ExpressionWriter::writeText(std::string_view text) {
   return constant;
 }
 
-expr::ExprValue ExpressionWriter::writeConditional(ExpressionId condition, const std::vector<expr::ExprValue>& values) {
+expr::ExprValue ExpressionWriter::writeConditional(ExpressionId condition, std::vector<expr::ExprValue> const& values) {
   if (condition == noExpression && values.size() == 1) {
     return values.front();
   }
@@ -107,22 +107,22 @@ expr::ExprValue ExpressionWriter::writeConditional(ExpressionId condition, const
   return operation;
 }
 
-void ExpressionWriter::addOperands(const expr::Operation& operation, const std::vector<expr::ExprValue>& operands) {
+void ExpressionWriter::addOperands(expr::Operation const& operation, std::vector<expr::ExprValue> const& operands) {
   auto& list = *operation->getOperandsMutable();
-  for (const expr::ExprValue& operand : operands) {
+  for (expr::ExprValue const& operand : operands) {
     list.add(operand);
   }
   operation->setArity(static_cast<double>(operands.size()));
 }
 
-ExpressionId ExpressionReader::read(const expr::ExprValue& value) {
-  if (const auto operation = plinth::element_cast<expr::Operation>(value)) {
+ExpressionId ExpressionReader::read(expr::ExprValue const& value) {
+  if (auto const operation = plinth::element_cast<expr::Operation>(value)) {
     return readOperation(operation);
   }
   return m_tree.expressions.symbol(readSymbol(value));
 }
 
-ExpressionId ExpressionReader::readOperation(const expr::Operation& operation) {
+ExpressionId ExpressionReader::readOperation(expr::Operation const& operation) {
   const Operator op = fromModel(operation->getOperator());
   auto& operands = *operation->getOperandsMutable();
   if (isComparison(op)) {
@@ -133,25 +133,25 @@ ExpressionId ExpressionReader::readOperation(const expr::Operation& operation) {
     return m_tree.expressions.negation(read(operands.at(0)));
   }
   std::vector<ExpressionId> list;
-  for (const expr::ExprValue& operand : operands) {
+  for (expr::ExprValue const& operand : operands) {
     list.push_back(read(operand));
   }
   return m_tree.expressions.list(op, list);
 }
 
-SymbolId ExpressionReader::readSymbol(const expr::ExprValue& value) {
-  if (const auto reference = plinth::element_cast<expr::Ref>(value)) {
+SymbolId ExpressionReader::readSymbol(expr::ExprValue const& value) {
+  if (auto const reference = plinth::element_cast<expr::Ref>(value)) {
     return m_tree.symbols.plain(m_tree.texts.intern(kconfig::fromModel(reference->getSymbol())));
   }
-  if (const auto constant = plinth::element_cast<expr::BooleanConstant>(value)) {
+  if (auto const constant = plinth::element_cast<expr::BooleanConstant>(value)) {
     return constant->getValue() ? symbolYes : symbolNo;
   }
   return m_tree.symbols.constant(m_tree.texts.intern(textOf(value)));
 }
 
-ConditionalElements ExpressionReader::readConditional(const expr::ExprValue& value) {
+ConditionalElements ExpressionReader::readConditional(expr::ExprValue const& value) {
   ConditionalElements parts;
-  const auto operation = plinth::element_cast<expr::Operation>(value);
+  auto const operation = plinth::element_cast<expr::Operation>(value);
   if (!isIfThen(operation)) {
     parts.values.push_back(value);
     return parts;
@@ -162,13 +162,13 @@ ConditionalElements ExpressionReader::readConditional(const expr::ExprValue& val
   }
   const ExpressionId condition = read(operands.at(0));
   // Several values need the operation to hold them, also without a condition: then y stands in its place.
-  const bool none = parts.values.size() > 1 && m_tree.expressions.isSymbol(condition, symbolYes);
+  bool const none = parts.values.size() > 1 && m_tree.expressions.isSymbol(condition, symbolYes);
   parts.condition = none ? noExpression : condition;
   return parts;
 }
 
-std::string textOf(const expr::ExprValue& value) {
-  const auto constant = plinth::element_cast<expr::StringConstant>(value);
+std::string textOf(expr::ExprValue const& value) {
+  auto const constant = plinth::element_cast<expr::StringConstant>(value);
   return constant ? kconfig::fromModel(constant->getValue()) : std::string();
 }
 

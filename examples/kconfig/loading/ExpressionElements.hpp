@@ -15,19 +15,19 @@ namespace kconfig {
 
 class ExpressionWriter {
  public:
-  ExpressionWriter(const MenuTree& tree, plinth::Model model) : m_tree(tree), m_model(std::move(model)) {}
+  ExpressionWriter(MenuTree const& tree, plinth::Model model) : m_tree(tree), m_model(std::move(model)) {}
 
   // Of any expression but noExpression.
   expr::ExprValue write(ExpressionId id);
   expr::ExprValue writeSymbol(SymbolId id);
   expr::ExprValue writeText(std::string_view text);
   // values, in force as far as condition holds: IF_THEN of both, or the one value itself without a condition.
-  expr::ExprValue writeConditional(ExpressionId condition, const std::vector<expr::ExprValue>& values);
+  expr::ExprValue writeConditional(ExpressionId condition, std::vector<expr::ExprValue> const& values);
 
  private:
-  void addOperands(const expr::Operation& operation, const std::vector<expr::ExprValue>& operands);
+  void addOperands(expr::Operation const& operation, std::vector<expr::ExprValue> const& operands);
 
-  const MenuTree& m_tree;
+  MenuTree const& m_tree;
   plinth::Model m_model;
 };
 
@@ -42,17 +42,17 @@ class ExpressionReader {
   // Symbols and expressions that are read are entered into the tree.
   explicit ExpressionReader(MenuTree& tree) : m_tree(tree) {}
 
-  ExpressionId read(const expr::ExprValue& value);
-  SymbolId readSymbol(const expr::ExprValue& value);
-  ConditionalElements readConditional(const expr::ExprValue& value);
+  ExpressionId read(expr::ExprValue const& value);
+  SymbolId readSymbol(expr::ExprValue const& value);
+  ConditionalElements readConditional(expr::ExprValue const& value);
 
  private:
-  ExpressionId readOperation(const expr::Operation& operation);
+  ExpressionId readOperation(expr::Operation const& operation);
 
   MenuTree& m_tree;
 };
 
 // The text of a StringConstant; empty for any other element.
-std::string textOf(const expr::ExprValue& value);
+std::string textOf(expr::ExprValue const& value);
 
 }  // namespace kconfig

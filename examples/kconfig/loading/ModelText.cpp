@@ -33,7 +33,7 @@ std::u16string toModel(std::string_view text) {
   std::u16string converted = groundwork::toUtf16(text);
   if (groundwork::toUtf8(converted) != text) {
     converted.clear();
-    for (const char c : text) {
+    for (char const c : text) {
       converted += static_cast<char16_t>(isAscii(c) ? c : byteUnits + static_cast<unsigned char>(c));
     }
   }
@@ -41,7 +41,7 @@ std::u16string toModel(std::string_view text) {
 }
 
 std::string fromModel(std::u16string_view text) {
-  const bool ascii = std::all_of(text.begin(), text.end(), [](char16_t unit) { return unit < 0x80; });
+  bool const ascii = std::all_of(text.begin(), text.end(), [](char16_t unit) { return unit < 0x80; });
   if (!ascii && !holdsBytes(text)) {
     return groundwork::toUtf8(text);
   }

@@ -26,7 +26,7 @@ struct Node {
 
 class SchemaWriter {
  public:
-  SchemaWriter(const MenuTree& tree, const plinth::Model& model)
+  SchemaWriter(MenuTree const& tree, plinth::Model const& model)
       : m_tree(tree),
         m_model(model),
         m_expressions(tree, model),
@@ -40,22 +40,22 @@ class SchemaWriter {
   void addParams();
   schema::ParamDef addParam(SymbolId symbol, std::u16string key);
   void addEntry(EntryId id);
-  PropertyId constantPrompt(const Entry& entry) const;
+  PropertyId constantPrompt(Entry const& entry) const;
   std::uint32_t definitionOf(EntryId id);
   std::uint32_t addCategory(std::string key);
   std::string keyOf(EntryId id) const;
-  void writeFollows(const Property& property, std::uint32_t ordinal);
-  void addFollows(std::uint32_t ordinal, std::u16string_view attribute, const expr::ExprValue& expression,
+  void writeFollows(Property const& property, std::uint32_t ordinal);
+  void addFollows(std::uint32_t ordinal, std::u16string_view attribute, expr::ExprValue const& expression,
                   Position position);
-  void writeLogic(const Entry& entry, std::uint32_t ordinal, PropertyId constant);
-  void noteDependencies(const Property& property, std::uint32_t ordinal);
+  void writeLogic(Entry const& entry, std::uint32_t ordinal, PropertyId constant);
+  void noteDependencies(Property const& property, std::uint32_t ordinal);
   void noteDependency(SymbolId symbol, std::uint32_t ordinal);
   void noteExpression(ExpressionId id, std::uint32_t ordinal);
   void writeDependencies();
-  void addTag(const Entry& entry);
+  void addTag(Entry const& entry);
   void addProductions();
   void writeMetadata();
-  void addMetadata(std::u16string_view name, const kestrel::OwnedArray& value);
+  void addMetadata(std::u16string_view name, kestrel::OwnedArray const& value);
   void addPosition(Position position);
 
   schema::GlobalNodeRef refTo(std::uint32_t ordinal) const {
@@ -65,7 +65,7 @@ class SchemaWriter {
     return ref;
   }
 
-  const MenuTree& m_tree;
+  MenuTree const& m_tree;
   plinth::Model m_model;
   ExpressionWriter m_expressions;
   schema::SchemaData m_schema;
@@ -93,7 +93,7 @@ schema::SchemaData SchemaWriter::write() {
   for (EntryId id = 0; id < m_tree.entries.size(); ++id) {
     addEntry(id);
   }
-  for (const Property& property : m_tree.predefined) {
+  for (Property const& property : m_tree.predefined) {
     const std::uint32_t ordinal = m_symbolOrdinals[property.symbol];
     writeFollows(property, ordinal);
     m_nodes[ordinal].definition->getLogicMutable()->push_back(evalDef(logic::option, logic::predefined));
@@ -113,12 +113,12 @@ void SchemaWriter::addParams() {
       entries[m_tree.entries[id].symbol] = id;
     }
   }
-  for (const Property& property : m_tree.predefined) {
+  for (Property const& property : m_tree.predefined) {
     wanted[property.symbol] = true;
   }
   for (SymbolId symbol = 0; symbol < m_tree.symbols.size(); ++symbol) {
     if (wanted[symbol] || entries[symbol] != noEntry) {
-      const bool choice = m_tree.symbols[symbol].kind == SymbolKind::Choice;
+      bool const choice = m_tree.symbols[symbol].kind == SymbolKind::Choice;
       m_symbolOrdinals[symbol] = static_cast<std::uint32_t>(m_nodes.size());
       m_nodes.push_back({addParam(symbol, toModel(choice ? keyOf(entries[symbol]) : m_tree.symbols[symbol].name)), {}});
     }
@@ -132,7 +132,7 @@ schema::ParamDef SchemaWriter::addParam(SymbolId symbol, std::u16string key) {
   const schema::ParamDef param = schema::ParamDef::create(m_model);
   param->setKey(key);
   param->setOrdinal(static_cast<std::uint32_t>(m_nodes.size()));
-  const Symbol& row = m_tree.symbols[symbol];
+  Symbol const& row = m_tree.symbols[symbol];
   if (row.type != SymbolType::Unknown) {
     param->getLogicMutable()->push_back(evalDef(logic::type, keywordOf(row.type)));
   }
@@ -141,12 +141,12 @@ schema::ParamDef SchemaWriter::addParam(SymbolId symbol, std::u16string key) {
 }
 
 void SchemaWriter::addEntry(EntryId id) {
-  const Entry& entry = m_tree.entries[id];
+  Entry const& entry = m_tree.entries[id];
   const std::uint32_t ordinal = definitionOf(id);
   m_entryOrdinals[id] = ordinal;
   addPosition(entry.position);
   const PropertyId constant = constantPrompt(entry);
-  for (const Property& property : propertiesOf(m_tree, entry)) {
+  for (Property const& property : propertiesOf(m_tree, entry)) {
     if (&property != m_tree.properties.data() + constant) {
       writeFollows(property, ordinal);
     }
@@ -159,7 +159,7 @@ void SchemaWriter::addEntry(EntryId id) {
 }
 
 // The one prompt of an entry that is without a condition; noProperty where there is none or several.
-PropertyId SchemaWriter::constantPrompt(const Entry& entry) const {
+PropertyId SchemaWriter::constantPrompt(Entry const& entry) const {
   PropertyId found = noProperty;
   for (PropertyId at = entry.firstProperty; at < entry.firstProperty + entry.propertyCount; ++at) {
     if (m_tree.properties[at].kind == PropertyKind::Prompt) {
@@ -174,7 +174,7 @@ PropertyId SchemaWriter::constantPrompt(const Entry& entry) const {
 
 // The first entry of a plain symbol is its ParamDef; everything else is a category.
 std::uint32_t SchemaWriter::definitionOf(EntryId id) {
-  const Entry& entry = m_tree.entries[id];
+  Entry const& entry = m_tree.entries[id];
   if (entry.kind == EntryKind::Config || entry.kind == EntryKind::MenuConfig) {
     const std::uint32_t own = m_symbolOrdinals[entry.symbol];
     if (!m_declared[own]) {
@@ -190,8 +190,8 @@ std::uint32_t SchemaWriter::definitionOf(EntryId id) {
 }
 
 std::string SchemaWriter::keyOf(EntryId id) const {
-  const Entry& entry = m_tree.entries[id];
-  const auto numbered = [id](std::string_view beginning) { return std::string(beginning) + std::to_string(id); };
+  Entry const& entry = m_tree.entries[id];
+  auto const numbered = [id](std::string_view beginning) { return std::string(beginning) + std::to_string(id); };
   switch (entry.kind) {
     case EntryKind::Root:
       return std::string(key::tree);
@@ -213,7 +213,7 @@ std::string SchemaWriter::keyOf(EntryId id) const {
 }
 
 std::uint32_t SchemaWriter::addCategory(std::string key) {
-  const auto ordinal = static_cast<std::uint32_t>(m_nodes.size());
+  auto const ordinal = static_cast<std::uint32_t>(m_nodes.size());
   const schema::CategoryDef category = schema::CategoryDef::create(m_model);
   category->setKey(toModel(key));
   category->setOrdinal(ordinal);
@@ -224,8 +224,8 @@ std::uint32_t SchemaWriter::addCategory(std::string key) {
   return ordinal;
 }
 
-void SchemaWriter::writeFollows(const Property& property, std::uint32_t ordinal) {
-  const auto conditional = [&](std::u16string_view attribute, const std::vector<expr::ExprValue>& values) {
+void SchemaWriter::writeFollows(Property const& property, std::uint32_t ordinal) {
+  auto const conditional = [&](std::u16string_view attribute, std::vector<expr::ExprValue> const& values) {
     addFollows(ordinal, attribute, m_expressions.writeConditional(property.condition, values), property.position);
   };
   switch (property.kind) {
@@ -261,7 +261,7 @@ void SchemaWriter::writeFollows(const Property& property, std::uint32_t ordinal)
   }
 }
 
-void SchemaWriter::addFollows(std::uint32_t ordinal, std::u16string_view attribute, const expr::ExprValue& expression,
+void SchemaWriter::addFollows(std::uint32_t ordinal, std::u16string_view attribute, expr::ExprValue const& expression,
                               Position position) {
   const schema::FollowsDef row = schema::FollowsDef::create(m_model);
   row->setAttribute(std::u16string(attribute));
@@ -270,7 +270,7 @@ void SchemaWriter::addFollows(std::uint32_t ordinal, std::u16string_view attribu
   addPosition(position);
 }
 
-void SchemaWriter::writeLogic(const Entry& entry, std::uint32_t ordinal, PropertyId constant) {
+void SchemaWriter::writeLogic(Entry const& entry, std::uint32_t ordinal, PropertyId constant) {
   auto& rows = *m_nodes[ordinal].definition->getLogicMutable();
   if (constant != noProperty) {
     rows.push_back(evalDef(logic::name, m_tree.properties[constant].text));
@@ -278,7 +278,7 @@ void SchemaWriter::writeLogic(const Entry& entry, std::uint32_t ordinal, Propert
   if (entry.kind == EntryKind::MenuConfig) {
     rows.push_back(evalDef(logic::entry, logic::menuConfig));
   }
-  for (const Property& property : propertiesOf(m_tree, entry)) {
+  for (Property const& property : propertiesOf(m_tree, entry)) {
     switch (property.kind) {
       case PropertyKind::Optional:
         rows.push_back(evalDef(logic::option, logic::optional));
@@ -303,7 +303,7 @@ void SchemaWriter::writeLogic(const Entry& entry, std::uint32_t ordinal, Propert
 
 // Dependencies
 
-void SchemaWriter::noteDependencies(const Property& property, std::uint32_t ordinal) {
+void SchemaWriter::noteDependencies(Property const& property, std::uint32_t ordinal) {
   noteExpression(property.condition, ordinal);
   if (property.kind == PropertyKind::Default) {
     noteExpression(property.value, ordinal);
@@ -314,7 +314,7 @@ void SchemaWriter::noteDependencies(const Property& property, std::uint32_t ordi
 }
 
 void SchemaWriter::noteExpression(ExpressionId id, std::uint32_t ordinal) {
-  const ExpressionPool& pool = m_tree.expressions;
+  ExpressionPool const& pool = m_tree.expressions;
   const Operator op = pool.op(id);
   if (isList(op)) {
     for (const ExpressionId operand : pool.operands(id)) {
@@ -341,7 +341,7 @@ void SchemaWriter::noteDependency(SymbolId symbol, std::uint32_t ordinal) {
 
 void SchemaWriter::writeDependencies() {
   for (std::uint32_t ordinal = 0; ordinal < m_nodes.size(); ++ordinal) {
-    const schema::ControllableDef& definition = m_nodes[ordinal].definition;
+    schema::ControllableDef const& definition = m_nodes[ordinal].definition;
     if (!m_requires[ordinal].empty()) {
       definition->getRequiresMutable()->assign(std::move(m_requires[ordinal]));
     }
@@ -349,7 +349,7 @@ void SchemaWriter::writeDependencies() {
       definition->getSuccessorsMutable()->assign(std::move(m_successors[ordinal]));
     }
     if (!m_nodes[ordinal].contents.empty()) {
-      const auto category = plinth::element_cast<schema::CategoryDef>(definition);
+      auto const category = plinth::element_cast<schema::CategoryDef>(definition);
       category->getContentsMutable()->assign(std::move(m_nodes[ordinal].contents));
     }
   }
@@ -358,7 +358,7 @@ void SchemaWriter::writeDependencies() {
 // What belongs to no single definition
 
 // The folder at the top of the tree in which a symbol is declared first owns it.
-void SchemaWriter::addTag(const Entry& entry) {
+void SchemaWriter::addTag(Entry const& entry) {
   const std::u16string folder = toModel(ownerOf(m_tree, entry));
   if (!folder.empty() && !m_schema->getTags()->find(folder)) {
     const schema::TagDef tag = schema::TagDef::create(m_model);
@@ -395,7 +395,7 @@ void SchemaWriter::writeMetadata() {
   addMetadata(metadata::files, kestrel::createStringRow(names));
   addMetadata(metadata::sourcedFrom, sources);
   addMetadata(metadata::positions, positions);
-  for (const Property& property : m_tree.properties) {
+  for (Property const& property : m_tree.properties) {
     if (property.kind == PropertyKind::Environment && property.value != noExpression) {
       const SymbolId value = m_tree.expressions.left(property.value);
       addMetadata(std::u16string(metadata::environment) + toModel(property.text),
@@ -404,7 +404,7 @@ void SchemaWriter::writeMetadata() {
   }
 }
 
-void SchemaWriter::addMetadata(std::u16string_view name, const kestrel::OwnedArray& value) {
+void SchemaWriter::addMetadata(std::u16string_view name, kestrel::OwnedArray const& value) {
   if (m_schema->getMetadata()->find(name)) {
     return;
   }
@@ -421,7 +421,7 @@ void SchemaWriter::addPosition(Position position) {
 
 }  // namespace
 
-schema::SchemaData writeSchema(const MenuTree& tree, const plinth::Model& model) {
+schema::SchemaData writeSchema(MenuTree const& tree, plinth::Model const& model) {
   return SchemaWriter(tree, model).write();
 }
 

@@ -11,6 +11,6 @@ namespace kconfig {
 
 // A new SchemaData in that model. To be called inside a transaction, by which all of it stays or goes. Linear in the
 // tree. The model's thread.
-schema::SchemaData writeSchema(const MenuTree& tree, const plinth::Model& model);
+schema::SchemaData writeSchema(MenuTree const& tree, plinth::Model const& model);
 
 }  // namespace kconfig

@@ -7,7 +7,7 @@ namespace kconfig {
 namespace {
 
 // What to say about an assignment, nothing if it went well.
-std::string complaintAbout(Assignment result, const ProfileLine& line, const Symbol& symbol) {
+std::string complaintAbout(Assignment result, ProfileLine const& line, Symbol const& symbol) {
   const std::string name = "'" + std::string(line.name) + "'";
   switch (result) {
     case Assignment::Override:
@@ -28,9 +28,9 @@ std::string complaintAbout(Assignment result, const ProfileLine& line, const Sym
 
 }  // namespace
 
-void applyProfile(const std::vector<ProfileLine>& lines, std::string_view fileName, const SymbolTable& symbols,
+void applyProfile(std::vector<ProfileLine> const& lines, std::string_view fileName, SymbolTable const& symbols,
                   UserValues& users, Diagnostics& diagnostics) {
-  for (const ProfileLine& line : lines) {
+  for (ProfileLine const& line : lines) {
     const SymbolId symbol = symbols.find(line.name);
     if (symbol == noSymbol || isTristateConstant(symbol) || !symbols[symbol].defined) {
       diagnostics.warning(fileName, line.line, "there is no symbol '" + std::string(line.name) + "'");

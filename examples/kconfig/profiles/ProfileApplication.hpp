@@ -12,7 +12,7 @@ namespace kconfig {
 
 // Assigns each line in turn. Unknown symbols, values that do not fit and lines that contradict earlier ones are warned
 // of with their place in the file; the rest counts.
-void applyProfile(const std::vector<ProfileLine>& lines, std::string_view fileName, const SymbolTable& symbols,
+void applyProfile(std::vector<ProfileLine> const& lines, std::string_view fileName, SymbolTable const& symbols,
                   UserValues& users, Diagnostics& diagnostics);
 
 }  // namespace kconfig

@@ -45,7 +45,7 @@ std::vector<ProfileLine> readProfile(std::string_view text, std::string_view pre
   std::uint32_t number = 0;
   while (!text.empty()) {
     const std::size_t end = std::min(text.find('\n'), text.size());
-    const bool ended = end != text.size();
+    bool const ended = end != text.size();
     std::string_view line = text.substr(0, end);
     text.remove_prefix(std::min(end + 1, text.size()));
     ProfileLine row;
@@ -53,7 +53,7 @@ std::vector<ProfileLine> readProfile(std::string_view text, std::string_view pre
     if (ended && !line.empty() && line.back() == '\r') {
       line.remove_suffix(1);
     }
-    const bool comment = line.empty() || line.front() == '#';
+    bool const comment = line.empty() || line.front() == '#';
     if (comment ? readUnset(line, prefix, row) : startsWith(line, prefix) && readSet(line, prefix, row)) {
       rows.push_back(row);
     } else if (!comment) {

@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::string_view names[] = {"n", "m", "y"};
 
-std::string_view textOf(const UserValue& value, SymbolType type, const SymbolTable& symbols) {
+std::string_view textOf(UserValue const& value, SymbolType type, SymbolTable const& symbols) {
   if (value.member != noSymbol) {
     return symbols[value.member].name;
   }
@@ -26,51 +26,51 @@ std::string_view textOf(const UserValue& value, SymbolType type, const SymbolTab
 }
 
 std::optional<Tristate> levelOf(std::string_view text) {
-  const auto name = std::find(std::begin(names), std::end(names), text);
+  auto const name = std::find(std::begin(names), std::end(names), text);
   return name != std::end(names) ? std::optional<Tristate>(static_cast<Tristate>(name - std::begin(names)))
                                  : std::nullopt;
 }
 
 class ProfileReading {
  public:
-  ProfileReading(Definitions& definitions, const CompiledTree& compiled)
+  ProfileReading(Definitions& definitions, CompiledTree const& compiled)
       : m_tree(definitions.tree), m_definitions(definitions), m_users(definitions.tree, compiled) {}
 
-  void take(SymbolId symbol, const data::ParamData& data);
+  void take(SymbolId symbol, data::ParamData const& data);
   UserValues finish() { return std::move(m_users); }
 
  private:
-  void takeOption(const data::EnumParamData& data, UserValue& value) const;
+  void takeOption(data::EnumParamData const& data, UserValue& value) const;
 
   MenuTree& m_tree;
-  const Definitions& m_definitions;
+  Definitions const& m_definitions;
   UserValues m_users;
 };
 
-void ProfileReading::take(SymbolId symbol, const data::ParamData& data) {
+void ProfileReading::take(SymbolId symbol, data::ParamData const& data) {
   UserValue value;
   value.present = data->getEnabled();
-  if (const auto& place = data->getHelp()) {
+  if (auto const& place = data->getHelp()) {
     value.line = static_cast<std::uint32_t>(leadingNumber(fromModel(place->getTopic()), 10));
   }
-  if (const auto boolean = plinth::element_cast<data::BooleanParamData>(data)) {
+  if (auto const boolean = plinth::element_cast<data::BooleanParamData>(data)) {
     value.tristate = boolean->getValue() ? Tristate::Yes : Tristate::No;
-  } else if (const auto option = plinth::element_cast<data::EnumParamData>(data)) {
+  } else if (auto const option = plinth::element_cast<data::EnumParamData>(data)) {
     takeOption(option, value);
-  } else if (const auto number = plinth::element_cast<data::IntegerParamData>(data)) {
+  } else if (auto const number = plinth::element_cast<data::IntegerParamData>(data)) {
     const std::string spelled =
         data->getDescription() ? fromModel(*data->getDescription()) : std::to_string(number->getValue());
     value.text = m_tree.texts.intern(spelled);
-  } else if (const auto string = plinth::element_cast<data::StringParamData>(data)) {
+  } else if (auto const string = plinth::element_cast<data::StringParamData>(data)) {
     value.text = m_tree.texts.intern(fromModel(string->getValue()));
   }
   m_users.restore(symbol, value);
 }
 
 // n, m or y. Of a choice also the member that is y; a line for the choice itself may have given it another value since.
-void ProfileReading::takeOption(const data::EnumParamData& data, UserValue& value) const {
+void ProfileReading::takeOption(data::EnumParamData const& data, UserValue& value) const {
   const std::string text = fromModel(data->getValue());
-  const auto level = levelOf(text);
+  auto const level = levelOf(text);
   if (level) {
     value.tristate = *level;
     return;
@@ -81,20 +81,20 @@ void ProfileReading::takeOption(const data::EnumParamData& data, UserValue& valu
 
 }  // namespace
 
-ext::ConfigProfile storeProfile(const ext::ConfigStore& store, std::string_view id, const Definitions& definitions,
-                                const UserValues& users) {
+ext::ConfigProfile storeProfile(ext::ConfigStore const& store, std::string_view id, Definitions const& definitions,
+                                UserValues const& users) {
   const plinth::Model model = store->getModel();
   plinth::Transaction transaction = model.beginTransaction();
   const ext::ConfigProfile profile = ext::ConfigProfile::create(model);
   profile->setId(toModel(id));
   profile->setName(toModel(id));
   store->getProfilesMutable()->insert(profile);
-  const SymbolTable& symbols = definitions.tree.symbols;
+  SymbolTable const& symbols = definitions.tree.symbols;
   for (SymbolId symbol = 0; symbol < symbols.size(); ++symbol) {
     if (!definitions.params[symbol] || !users.isAsked(symbol)) {
       continue;
     }
-    const UserValue& value = users[symbol];
+    UserValue const& value = users[symbol];
     const std::string_view text = textOf(value, symbols[symbol].type, symbols);
     const data::ParamData data = createData(model, symbols[symbol]);
     setValue(data, text, symbols[symbol].type);
@@ -117,8 +117,8 @@ ext::ConfigProfile storeProfile(const ext::ConfigStore& store, std::string_view 
   return profile;
 }
 
-UserValues readProfileValues(const ext::ConfigProfile& profile, Definitions& definitions,
-                             const CompiledTree& compiled) {
+UserValues readProfileValues(ext::ConfigProfile const& profile, Definitions& definitions,
+                             CompiledTree const& compiled) {
   ProfileReading reading(definitions, compiled);
   for (SymbolId symbol = 0; symbol < definitions.tree.symbols.size(); ++symbol) {
     if (definitions.params[symbol]) {

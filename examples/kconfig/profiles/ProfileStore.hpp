@@ -15,10 +15,10 @@ namespace kconfig {
 
 // A new profile in the store with an entry for each symbol that was asked for, in one transaction. Raises
 // UniquenessConstraint when the store has a profile of that id.
-ext::ConfigProfile storeProfile(const ext::ConfigStore& store, std::string_view id, const Definitions& definitions,
-                                const UserValues& users);
+ext::ConfigProfile storeProfile(ext::ConfigStore const& store, std::string_view id, Definitions const& definitions,
+                                UserValues const& users);
 
 // Everything that the profile asks for. Entries that no symbol or no value fits are left out.
-UserValues readProfileValues(const ext::ConfigProfile& profile, Definitions& definitions, const CompiledTree& compiled);
+UserValues readProfileValues(ext::ConfigProfile const& profile, Definitions& definitions, CompiledTree const& compiled);
 
 }  // namespace kconfig

@@ -8,7 +8,7 @@ namespace {
 
 constexpr std::size_t deepestBlock = 500;
 
-const char* openingWord(EntryKind kind) {
+char const* openingWord(EntryKind kind) {
   switch (kind) {
     case EntryKind::Choice:
       return "choice";
@@ -19,7 +19,7 @@ const char* openingWord(EntryKind kind) {
   }
 }
 
-const char* closingWord(EntryKind kind) {
+char const* closingWord(EntryKind kind) {
   switch (kind) {
     case EntryKind::Choice:
       return "endchoice";
@@ -229,7 +229,7 @@ void FileParser::parseIf() {
   Property condition = property(PropertyKind::DependsOn);
   condition.condition = parseExpression();
   // A condition that is wrong still opens its block, or the end of the block would be wrong too.
-  const bool understood = finishLine();
+  bool const understood = finishLine();
   m_builder.openBlock(m_builder.addEntry(EntryKind::If, noSymbol, here()));
   if (understood) {
     m_builder.addProperty(condition);
@@ -266,7 +266,7 @@ void FileParser::parseMainMenu() {
   if (!finishLine()) {
     return;
   }
-  const bool titled = m_tree.entries[rootEntry].position.line != 0;
+  bool const titled = m_tree.entries[rootEntry].position.line != 0;
   if (m_file != 0 || m_tree.entries.size() > 1 || titled) {
     m_builder.error(here(), "'mainmenu' has to be the first statement");
     return;
@@ -363,7 +363,7 @@ void FileParser::parseVisible() {
 }
 
 void FileParser::parseHelp() {
-  const bool understood = finishLine();
+  bool const understood = finishLine();
   Property help = property(PropertyKind::Help);
   help.text = m_lexer.helpText();
   if (understood) {
@@ -374,7 +374,7 @@ void FileParser::parseHelp() {
 void FileParser::parseOptions() {
   while (!m_failed && m_token.kind == TokenKind::Word) {
     const std::string_view name = parseWord("an option");
-    const bool hasArgument = accept(TokenKind::Equal);
+    bool const hasArgument = accept(TokenKind::Equal);
     const std::string_view argument = hasArgument ? parseText("a value") : std::string_view();
     if (!m_failed) {
       addOption(name, argument);
@@ -465,7 +465,7 @@ ExpressionId FileParser::parseComparison() {
       {TokenKind::Equal, Operator::Equal},     {TokenKind::Unequal, Operator::Unequal},
       {TokenKind::Less, Operator::Less},       {TokenKind::LessEqual, Operator::LessEqual},
       {TokenKind::Greater, Operator::Greater}, {TokenKind::GreaterEqual, Operator::GreaterEqual}};
-  for (const auto& [token, op] : comparisons) {
+  for (auto const& [token, op] : comparisons) {
     if (accept(token)) {
       const SymbolId right = parseSymbol();
       return m_failed ? noExpression : m_tree.expressions.comparison(op, left, right);
@@ -495,7 +495,7 @@ SymbolId FileParser::parseSymbol() {
 
 // Words and lines
 
-std::string_view FileParser::parseWord(const char* what) {
+std::string_view FileParser::parseWord(char const* what) {
   const std::string_view text = m_token.text;
   if (!accept(TokenKind::Word)) {
     fail(std::string("expected ") + what);
@@ -503,7 +503,7 @@ std::string_view FileParser::parseWord(const char* what) {
   return text;
 }
 
-std::string_view FileParser::parseText(const char* what) {
+std::string_view FileParser::parseText(char const* what) {
   const std::string_view text = m_token.text;
   if (!accept(TokenKind::Word) && !accept(TokenKind::QuotedWord)) {
     fail(std::string("expected ") + what);
@@ -550,7 +550,7 @@ void FileParser::endHost() {
 // Closes the blocks deeper than depth, each with an error.
 void FileParser::closeOwnBlocks(std::size_t depth) {
   while (m_builder.openBlocks() > depth) {
-    const Entry& block = m_builder.openBlockAt(m_builder.openBlocks() - 1);
+    Entry const& block = m_builder.openBlockAt(m_builder.openBlocks() - 1);
     m_builder.error(block.position, quotedName(openingWord(block.kind)) + " without " +
                                         quotedName(closingWord(block.kind)) + " in this file");
     m_builder.closeBlock();

@@ -58,8 +58,8 @@ class FileParser {
   ExpressionId parseComparison();
   ExpressionId parseCondition();
   SymbolId parseSymbol();
-  std::string_view parseWord(const char* what);
-  std::string_view parseText(const char* what);
+  std::string_view parseWord(char const* what);
+  std::string_view parseText(char const* what);
 
   void advance() { m_token = m_lexer.next(); }
   bool accept(TokenKind kind);

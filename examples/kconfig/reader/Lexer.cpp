@@ -18,7 +18,7 @@ constexpr bool isOperandCharacter(char c) { return isNameCharacter(c) || c == '/
 // The column that a run of blanks leads to; tabs stop at every eighth.
 unsigned columnBehind(std::string_view blanks) {
   unsigned column = 0;
-  for (const char c : blanks) {
+  for (char const c : blanks) {
     column = c == '\t' ? (column & ~7U) + 8 : column + 1;
   }
   return column;
@@ -143,7 +143,7 @@ Token Lexer::word() {
 // A string ends at its own kind of quote or, with a complaint, at the end of the line. There it counts as no string at
 // all if nothing or a quote of the other kind comes last.
 Token Lexer::quoted() {
-  const char quote = at();
+  char const quote = at();
   const std::size_t start = ++m_at;
   const std::size_t plainEnd = m_text.find_first_of(std::string_view("\"'\\\n"), m_at);
   if (plainEnd != std::string_view::npos && m_text[plainEnd] == quote) {
@@ -198,9 +198,9 @@ Token Lexer::advance(std::size_t length, TokenKind kind) {
 }
 
 void Lexer::passOver() {
-  const char c = m_text[m_at++];
+  char const c = m_text[m_at++];
   if (!isBlank(c) && c != '\r') {
-    const bool printable = c > ' ' && c < '\x7f';
+    bool const printable = c > ' ' && c < '\x7f';
     m_complain(m_line, printable ? std::string("the character '") + c + "' has no meaning here and is ignored"
                                  : "a character that cannot be shown is ignored");
   }
@@ -215,7 +215,7 @@ std::string_view Lexer::helpText() {
     const std::size_t lineEnd = std::min(m_text.find('\n', m_at), m_text.size());
     const std::size_t textStart = std::min(m_text.find_first_not_of(" \t", m_at), lineEnd);
     if (textStart != lineEnd) {
-      const unsigned column = columnBehind(m_text.substr(m_at, textStart - m_at));
+      unsigned const column = columnBehind(m_text.substr(m_at, textStart - m_at));
       if (indentation != 0 && textStart != m_at && column < indentation) {
         m_at = textStart;
         break;

@@ -47,9 +47,9 @@ constexpr std::array keywords{
 }  // namespace
 
 Keyword keywordFor(std::string_view word) {
-  const auto row =
+  auto const row =
       std::lower_bound(keywords.begin(), keywords.end(), word,
-                       [](const Row& candidate, std::string_view wanted) { return candidate.first < wanted; });
+                       [](Row const& candidate, std::string_view wanted) { return candidate.first < wanted; });
   return row != keywords.end() && row->first == word ? row->second : Keyword::None;
 }
 

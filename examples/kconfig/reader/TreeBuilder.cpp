@@ -17,7 +17,7 @@ constexpr bool isVariableCharacter(char c) {
 
 }  // namespace
 
-TreeBuilder::TreeBuilder(MenuTree& tree, const Surroundings& surroundings, Diagnostics& diagnostics)
+TreeBuilder::TreeBuilder(MenuTree& tree, Surroundings const& surroundings, Diagnostics& diagnostics)
     : m_tree(tree), m_surroundings(surroundings), m_diagnostics(diagnostics) {
   Entry root;
   root.propertyCount = 0;
@@ -66,7 +66,7 @@ EntryId TreeBuilder::addEntry(EntryKind kind, SymbolId symbol, Position position
   return id;
 }
 
-void TreeBuilder::addProperty(const Property& property) {
+void TreeBuilder::addProperty(Property const& property) {
   Entry& entry = m_tree.entries.back();
   m_tree.properties.push_back(property);
   ++entry.propertyCount;
@@ -114,7 +114,7 @@ void TreeBuilder::declareDefconfigList(Position position) {
 }
 
 // Makes the last entry's symbol the one that a role is for, unless another has it.
-bool TreeBuilder::claim(SymbolId& holder, const char* role, Position position) {
+bool TreeBuilder::claim(SymbolId& holder, char const* role, Position position) {
   const SymbolId symbol = m_tree.entries.back().symbol;
   if (holder != noSymbol && holder != symbol) {
     error(position, "'" + std::string(m_tree.symbols[holder].name) + "' is the " + role + " symbol already");
@@ -148,7 +148,7 @@ std::string TreeBuilder::expand(std::string_view text) {
 
 // Once it was asked for it stays the same, whatever is declared later.
 std::string_view TreeBuilder::earlyText(SymbolId symbol) {
-  const auto known = m_earlyTexts.find(symbol);
+  auto const known = m_earlyTexts.find(symbol);
   if (known != m_earlyTexts.end()) {
     return known->second;
   }

@@ -16,7 +16,7 @@ namespace kconfig {
 
 class TreeBuilder {
  public:
-  TreeBuilder(MenuTree& tree, const Surroundings& surroundings, Diagnostics& diagnostics);
+  TreeBuilder(MenuTree& tree, Surroundings const& surroundings, Diagnostics& diagnostics);
 
   MenuTree& tree() { return m_tree; }
 
@@ -25,7 +25,7 @@ class TreeBuilder {
 
   // Appends an entry to the innermost open block; the properties that follow are its own.
   EntryId addEntry(EntryKind kind, SymbolId symbol, Position position);
-  void addProperty(const Property& property);
+  void addProperty(Property const& property);
   // Gives the root its title.
   void setTitle(std::string_view title, Position position);
   // Sets the type of the last entry's symbol, or complains that it has another.
@@ -40,7 +40,7 @@ class TreeBuilder {
   void openBlock(EntryId entry) { m_open.push_back(entry); }
   void closeBlock();
   std::size_t openBlocks() const { return m_open.size(); }
-  const Entry& openBlockAt(std::size_t depth) const { return m_tree.entries[m_open[depth]]; }
+  Entry const& openBlockAt(std::size_t depth) const { return m_tree.entries[m_open[depth]]; }
 
   // Replaces each $NAME by the value that NAME has as far as it is declared; by nothing if it has none.
   std::string expand(std::string_view text);
@@ -51,10 +51,10 @@ class TreeBuilder {
   Property property(PropertyKind kind, Position position) const;
   std::string_view earlyText(SymbolId symbol);
   void addPredefined();
-  bool claim(SymbolId& holder, const char* role, Position position);
+  bool claim(SymbolId& holder, char const* role, Position position);
 
   MenuTree& m_tree;
-  const Surroundings& m_surroundings;
+  Surroundings const& m_surroundings;
   Diagnostics& m_diagnostics;
   std::vector<EntryId> m_open;
   SymbolId m_defconfigList = noSymbol;

@@ -26,8 +26,8 @@ class Descriptor {
       ::close(m_descriptor);
     }
   }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
+  Descriptor(Descriptor const&) = delete;
+  Descriptor& operator=(Descriptor const&) = delete;
 
   int get() const { return m_descriptor; }
 
@@ -38,30 +38,30 @@ class Descriptor {
 // One reading: the files that are open inside each other, and the texts of those read before.
 class Reading {
  public:
-  Reading(MenuTree& tree, const Surroundings& surroundings, Diagnostics& diagnostics)
+  Reading(MenuTree& tree, Surroundings const& surroundings, Diagnostics& diagnostics)
       : m_builder(tree, surroundings, diagnostics),
         m_tree(tree),
         m_surroundings(surroundings),
         m_diagnostics(diagnostics) {}
 
-  void readRoot(const std::string& path);
+  void readRoot(std::string const& path);
 
  private:
   static constexpr std::size_t deepestFile = 100;
 
   void parse(std::string_view name, std::string_view text, Position from);
   void source(std::string_view name, Position from);
-  std::optional<std::string_view> textOf(const std::string& name, std::string& problem);
+  std::optional<std::string_view> textOf(std::string const& name, std::string& problem);
 
   TreeBuilder m_builder;
   MenuTree& m_tree;
-  const Surroundings& m_surroundings;
+  Surroundings const& m_surroundings;
   Diagnostics& m_diagnostics;
   std::vector<std::string> m_open;
   std::unordered_map<std::string, std::string_view> m_texts;
 };
 
-void Reading::readRoot(const std::string& path) {
+void Reading::readRoot(std::string const& path) {
   std::string problem;
   const std::optional<std::string_view> text = textOf(path, problem);
   if (!text) {
@@ -72,7 +72,7 @@ void Reading::readRoot(const std::string& path) {
 }
 
 void Reading::parse(std::string_view name, std::string_view text, Position from) {
-  const auto file = static_cast<std::uint32_t>(m_tree.files.size());
+  auto const file = static_cast<std::uint32_t>(m_tree.files.size());
   m_tree.files.push_back({m_tree.texts.intern(name), from});
   m_open.emplace_back(name);
   FileParser(m_builder, file, text, [this](std::string_view inner, Position position) {
@@ -84,7 +84,7 @@ void Reading::parse(std::string_view name, std::string_view text, Position from)
 void Reading::source(std::string_view name, Position from) {
   const std::string expanded = m_builder.expand(name);
   const std::string shown = "'" + expanded + "'" + (expanded == name ? "" : " ('" + std::string(name) + "')");
-  for (const std::string& open : m_open) {
+  for (std::string const& open : m_open) {
     if (open == expanded) {
       m_builder.error(from, "the file " + shown + " sources itself, directly or through others");
       return;
@@ -103,8 +103,8 @@ void Reading::source(std::string_view name, Position from) {
   parse(expanded, *text, from);
 }
 
-std::optional<std::string_view> Reading::textOf(const std::string& name, std::string& problem) {
-  const auto known = m_texts.find(name);
+std::optional<std::string_view> Reading::textOf(std::string const& name, std::string& problem) {
+  auto const known = m_texts.find(name);
   if (known != m_texts.end()) {
     return known->second;
   }
@@ -123,14 +123,14 @@ std::optional<std::string_view> Reading::textOf(const std::string& name, std::st
 }  // namespace
 
 Surroundings processSurroundings() {
-  const auto variable = [](const std::string& name) -> std::optional<std::string> {
+  auto const variable = [](std::string const& name) -> std::optional<std::string> {
     const char* value = std::getenv(name.c_str());
     return value != nullptr ? std::optional<std::string>(value) : std::nullopt;
   };
   return {variable, readFile};
 }
 
-std::optional<std::string> readFile(const std::string& path, std::string& problem) {
+std::optional<std::string> readFile(std::string const& path, std::string& problem) {
   const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   struct stat status {};
   if (file.get() < 0 || ::fstat(file.get(), &status) != 0) {
@@ -158,7 +158,7 @@ std::optional<std::string> readFile(const std::string& path, std::string& proble
   return text;
 }
 
-MenuTree readTree(const std::string& rootPath, const Surroundings& surroundings, Diagnostics& diagnostics) {
+MenuTree readTree(std::string const& rootPath, Surroundings const& surroundings, Diagnostics& diagnostics) {
   MenuTree tree;
   Reading reading(tree, surroundings, diagnostics);
   reading.readRoot(rootPath);

@@ -16,19 +16,19 @@ namespace kconfig {
 // What the reader sees of the world.
 struct Surroundings {
   // The value of a variable of the environment.
-  std::function<std::optional<std::string>(const std::string& name)> variable;
+  std::function<std::optional<std::string>(std::string const& name)> variable;
   // The text of a file, or a problem that says why it can't be had.
-  std::function<std::optional<std::string>(const std::string& path, std::string& problem)> file;
+  std::function<std::optional<std::string>(std::string const& path, std::string& problem)> file;
 };
 
 // The environment and the files of this process.
 Surroundings processSurroundings();
 
 // Reads the text of a regular file, or says in problem why it can't be had.
-std::optional<std::string> readFile(const std::string& path, std::string& problem);
+std::optional<std::string> readFile(std::string const& path, std::string& problem);
 
 // Reads rootPath and everything that it sources. A relative name is looked up as it stands, then in the folder that the
 // variable "srctree" names. Cost: linear in the size of the files.
-MenuTree readTree(const std::string& rootPath, const Surroundings& surroundings, Diagnostics& diagnostics);
+MenuTree readTree(std::string const& rootPath, Surroundings const& surroundings, Diagnostics& diagnostics);
 
 }  // namespace kconfig

@@ -19,7 +19,7 @@ namespace kconfig {
 
 namespace {
 
-tessel::internal::util::DocRef docRef(const MenuTree& tree, Position position) {
+tessel::internal::util::DocRef docRef(MenuTree const& tree, Position position) {
   tessel::internal::util::DocRef place;
   place.setDocument(toModel(tree.files[position.file].name));
   place.setTopic(toModel(std::to_string(position.line)));
@@ -28,8 +28,8 @@ tessel::internal::util::DocRef docRef(const MenuTree& tree, Position position) {
 
 class StateBuilder {
  public:
-  StateBuilder(const plinth::Model& model, const schema::SchemaData& schema, const Definitions& definitions,
-               const CompiledTree& compiled, const MenuTree& texts)
+  StateBuilder(plinth::Model const& model, schema::SchemaData const& schema, Definitions const& definitions,
+               CompiledTree const& compiled, MenuTree const& texts)
       : m_model(model), m_schema(schema), m_definitions(definitions), m_compiled(compiled), m_texts(texts) {}
 
   States build();
@@ -38,15 +38,15 @@ class StateBuilder {
   void addTags();
   void addParams();
   void addParam(SymbolId symbol);
-  void describe(const data::UserVisibleData& data, EntryId entry);
-  void addOptions(const runtime::ParamState& param, SymbolId symbol);
+  void describe(data::UserVisibleData const& data, EntryId entry);
+  void addOptions(runtime::ParamState const& param, SymbolId symbol);
   void addMenu();
   runtime::CategoryState categoryOf(EntryId id);
   void place(EntryId id);
   void addPerspective();
   void addProductions();
 
-  const MenuTree& tree() const { return m_definitions.tree; }
+  MenuTree const& tree() const { return m_definitions.tree; }
   std::string_view promptOf(EntryId id) const {
     const PropertyId prompt = m_compiled.nodes[id].prompt;
     return prompt != noProperty ? tree().properties[prompt].text : std::string_view();
@@ -54,9 +54,9 @@ class StateBuilder {
 
   plinth::Model m_model;
   schema::SchemaData m_schema;
-  const Definitions& m_definitions;
-  const CompiledTree& m_compiled;
-  const MenuTree& m_texts;
+  Definitions const& m_definitions;
+  CompiledTree const& m_compiled;
+  MenuTree const& m_texts;
   States m_states;
   std::vector<std::vector<EntryId>> m_entries;  // of each symbol, in the order of the text
 };
@@ -81,7 +81,7 @@ States StateBuilder::build() {
 }
 
 void StateBuilder::addTags() {
-  for (const schema::TagDef& definition : *m_schema->getTags()) {
+  for (schema::TagDef const& definition : *m_schema->getTags()) {
     const runtime::TagState tag = runtime::TagState::create(m_model);
     tag->setId(definition->getId());
     tag->setName(definition->getId());
@@ -106,8 +106,8 @@ void StateBuilder::addParams() {
 }
 
 void StateBuilder::addParam(SymbolId symbol) {
-  const schema::ParamDef& definition = m_definitions.params[symbol];
-  const Symbol& row = tree().symbols[symbol];
+  schema::ParamDef const& definition = m_definitions.params[symbol];
+  Symbol const& row = tree().symbols[symbol];
   const runtime::ParamState param = runtime::ParamState::create(m_model);
   param->setKey(definition->getKey());
   param->setTypeName(toModel(typeNameOf(row)));
@@ -121,7 +121,7 @@ void StateBuilder::addParam(SymbolId symbol) {
   param->setData(data);
   m_states.root->getParamsMutable()->insert(param);
   if (!m_entries[symbol].empty()) {
-    const Entry& first = tree().entries[m_entries[symbol].front()];
+    Entry const& first = tree().entries[m_entries[symbol].front()];
     const runtime::TagState tag = m_states.root->getTags()->find(toModel(ownerOf(tree(), first)));
     if (tag) {
       param->getTagsMutable()->add(tag);
@@ -132,7 +132,7 @@ void StateBuilder::addParam(SymbolId symbol) {
 }
 
 // Texts that an earlier entry gave stay.
-void StateBuilder::describe(const data::UserVisibleData& data, EntryId entry) {
+void StateBuilder::describe(data::UserVisibleData const& data, EntryId entry) {
   if (!data->getHelp()) {
     data->setHelp(docRef(tree(), tree().entries[entry].position));
   }
@@ -142,20 +142,20 @@ void StateBuilder::describe(const data::UserVisibleData& data, EntryId entry) {
   if (data->getDescription()) {
     return;
   }
-  for (const Property& property : propertiesOf(m_texts, m_texts.entries[entry])) {
+  for (Property const& property : propertiesOf(m_texts, m_texts.entries[entry])) {
     if (property.kind == PropertyKind::Help) {
       data->setDescription(toModel(property.text));
     }
   }
 }
 
-void StateBuilder::addOptions(const runtime::ParamState& param, SymbolId symbol) {
-  const auto enumeration = plinth::element_cast<data::EnumParamData>(param->getData());
+void StateBuilder::addOptions(runtime::ParamState const& param, SymbolId symbol) {
+  auto const enumeration = plinth::element_cast<data::EnumParamData>(param->getData());
   if (!enumeration) {
     return;
   }
   std::vector<data::EnumOption> options;
-  const auto add = [&options](const std::u16string& value, const boost::optional<std::u16string>& shown) {
+  auto const add = [&options](std::u16string const& value, boost::optional<std::u16string> const& shown) {
     options.emplace_back();
     options.back().setValue(value);
     options.back().setDisplayValue(shown);
@@ -165,7 +165,7 @@ void StateBuilder::addOptions(const runtime::ParamState& param, SymbolId symbol)
       add(m_definitions.params[member]->getKey(), m_states.params[member]->getData()->getName());
     }
   } else {
-    for (const char16_t* value : {u"n", u"m", u"y"}) {
+    for (char16_t const* value : {u"n", u"m", u"y"}) {
       add(value, boost::none);
     }
   }
@@ -184,7 +184,7 @@ void StateBuilder::addMenu() {
 
 // A menu, a comment or a choice is a category; a symbol is one beside itself where others lie below it.
 void StateBuilder::place(EntryId id) {
-  const Entry& entry = tree().entries[id];
+  Entry const& entry = tree().entries[id];
   const EntryId parent = m_compiled.nodes[id].parent;
   const runtime::CategoryState category = categoryOf(id);
   if (category) {
@@ -196,7 +196,7 @@ void StateBuilder::place(EntryId id) {
   }
   const runtime::CategoryState around = m_states.categories[parent];
   if (entry.symbol != noSymbol && !m_states.params[entry.symbol]->hasCategory()) {
-    const bool choice = entry.kind == EntryKind::Choice;
+    bool const choice = entry.kind == EntryKind::Choice;
     (choice ? category : around)->getContentsMutable()->add(m_states.params[entry.symbol]);
   }
   if (category) {
@@ -205,9 +205,9 @@ void StateBuilder::place(EntryId id) {
 }
 
 runtime::CategoryState StateBuilder::categoryOf(EntryId id) {
-  const Entry& entry = tree().entries[id];
-  const schema::ControllableDef& definition = m_definitions.entries[id];
-  const bool plain = entry.kind == EntryKind::Config || entry.kind == EntryKind::MenuConfig;
+  Entry const& entry = tree().entries[id];
+  schema::ControllableDef const& definition = m_definitions.entries[id];
+  bool const plain = entry.kind == EntryKind::Config || entry.kind == EntryKind::MenuConfig;
   if (entry.kind == EntryKind::If || (plain && m_compiled.nodes[id].firstChild == noEntry)) {
     return {};
   }
@@ -241,11 +241,11 @@ void StateBuilder::addPerspective() {
   std::vector<unsigned int> inside;
   std::vector<unsigned int> outside;
   for (SymbolId symbol = 0; symbol < m_states.params.size(); ++symbol) {
-    const runtime::ParamState& param = m_states.params[symbol];
+    runtime::ParamState const& param = m_states.params[symbol];
     if (!param) {
       continue;
     }
-    const bool settable = !param->getInternal() && tree().symbols[symbol].kind == SymbolKind::Plain;
+    bool const settable = !param->getInternal() && tree().symbols[symbol].kind == SymbolKind::Plain;
     (settable ? inside : outside).push_back(m_definitions.params[symbol]->getOrdinal());
     param->setInPerspective(settable);
     if (settable) {
@@ -260,7 +260,7 @@ void StateBuilder::addPerspective() {
 }
 
 void StateBuilder::addProductions() {
-  for (const schema::ProductionDef& definition : *m_schema->getProductions()) {
+  for (schema::ProductionDef const& definition : *m_schema->getProductions()) {
     const runtime::ProductionState production = runtime::ProductionState::create(m_model);
     production->setKey(definition->getKey());
     production->setProductionClass(definition->getProducerClass());
@@ -271,8 +271,8 @@ void StateBuilder::addProductions() {
 
 }  // namespace
 
-States buildStates(const plinth::Model& model, const schema::SchemaData& schema, const Definitions& definitions,
-                   const CompiledTree& compiled, const MenuTree& texts) {
+States buildStates(plinth::Model const& model, schema::SchemaData const& schema, Definitions const& definitions,
+                   CompiledTree const& compiled, MenuTree const& texts) {
   return StateBuilder(model, schema, definitions, compiled, texts).build();
 }
 

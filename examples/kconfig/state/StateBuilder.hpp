@@ -20,7 +20,7 @@ struct States {
 
 // Definitions also learn their initial states. To be called inside a transaction. texts is the tree that was read from
 // the files, entry for entry the one of definitions; only help texts are taken from it. Linear. The model's thread.
-States buildStates(const plinth::Model& model, const schema::SchemaData& schema, const Definitions& definitions,
-                   const CompiledTree& compiled, const MenuTree& texts);
+States buildStates(plinth::Model const& model, schema::SchemaData const& schema, Definitions const& definitions,
+                   CompiledTree const& compiled, MenuTree const& texts);
 
 }  // namespace kconfig

@@ -16,17 +16,17 @@ namespace {
 
 constexpr std::uint32_t warningSeverity = 1;
 
-bool isSame(const ShownValue& a, const ShownValue& b) {
+bool isSame(ShownValue const& a, ShownValue const& b) {
   return a.text == b.text && a.visible == b.visible && a.written == b.written && a.asked == b.asked &&
          a.outOfRange == b.outOfRange;
 }
 
 }  // namespace
 
-StateWriter::StateWriter(const Definitions& definitions, const CompiledTree& compiled, const States& states)
+StateWriter::StateWriter(Definitions const& definitions, CompiledTree const& compiled, States const& states)
     : m_definitions(definitions), m_compiled(compiled), m_states(states), m_shown(definitions.tree.symbols.size()) {}
 
-void StateWriter::write(Evaluator& evaluator, const UserValues& users) {
+void StateWriter::write(Evaluator& evaluator, UserValues const& users) {
   for (SymbolId symbol = 0; symbol < m_shown.size(); ++symbol) {
     if (!m_states.params[symbol]) {
       continue;
@@ -43,8 +43,8 @@ void StateWriter::write(Evaluator& evaluator, const UserValues& users) {
   }
 }
 
-ShownValue StateWriter::valueOf(SymbolId symbol, Evaluator& evaluator, const UserValues& users) const {
-  const SymbolValue& worked = evaluator[symbol];
+ShownValue StateWriter::valueOf(SymbolId symbol, Evaluator& evaluator, UserValues const& users) const {
+  SymbolValue const& worked = evaluator[symbol];
   ShownValue value;
   if (m_definitions.tree.symbols[symbol].kind == SymbolKind::Choice && worked.chosen != noSymbol) {
     value.text = m_definitions.tree.symbols[worked.chosen].name;
@@ -58,9 +58,9 @@ ShownValue StateWriter::valueOf(SymbolId symbol, Evaluator& evaluator, const Use
   return value;
 }
 
-void StateWriter::writeParam(SymbolId symbol, const ShownValue& value) {
-  const runtime::ParamState& param = m_states.params[symbol];
-  const ShownValue& before = m_shown[symbol];
+void StateWriter::writeParam(SymbolId symbol, ShownValue const& value) {
+  runtime::ParamState const& param = m_states.params[symbol];
+  ShownValue const& before = m_shown[symbol];
   if (value.text != before.text || !param->getHasCachedCode()) {
     setValue(param->getData(), value.text, m_definitions.tree.symbols[symbol].type);
     param->setCachedCode(toModel(value.text));
@@ -83,12 +83,12 @@ void StateWriter::writeParam(SymbolId symbol, const ShownValue& value) {
 
 // What the value is without a profile is told where a profile says something about it.
 void StateWriter::writeDefault(SymbolId symbol, bool asked) {
-  const runtime::ParamState& param = m_states.params[symbol];
+  runtime::ParamState const& param = m_states.params[symbol];
   if (param->hasDefault()) {
     param->getDefault()->destroy();
   }
   if (asked && !m_defaults.empty()) {
-    const Symbol& row = m_definitions.tree.symbols[symbol];
+    Symbol const& row = m_definitions.tree.symbols[symbol];
     const data::ParamData data = createData(param->getModel(), row);
     setValue(data, m_defaults[symbol].text, row.type);
     param->setDefault(data);
@@ -96,7 +96,7 @@ void StateWriter::writeDefault(SymbolId symbol, bool asked) {
 }
 
 void StateWriter::writeMessage(SymbolId symbol, bool outOfRange) {
-  const runtime::ParamState& param = m_states.params[symbol];
+  runtime::ParamState const& param = m_states.params[symbol];
   while (param->hasMessages()) {
     param->getMessagesMutable()->at(0)->destroy();
   }
@@ -110,7 +110,7 @@ void StateWriter::writeMessage(SymbolId symbol, bool outOfRange) {
 }
 
 void StateWriter::writeConstraints(SymbolId symbol, Evaluator& evaluator) {
-  const Symbol& row = m_definitions.tree.symbols[symbol];
+  Symbol const& row = m_definitions.tree.symbols[symbol];
   if (isNumeric(row.type)) {
     using Number = std::numeric_limits<long long>;
     const Limits limits = evaluator.limitsOf(symbol).value_or(Limits{Number::min(), Number::max()});
@@ -126,11 +126,11 @@ void StateWriter::writeConstraints(SymbolId symbol, Evaluator& evaluator) {
   }
 }
 
-void StateWriter::writeOptions(SymbolId symbol, const std::vector<bool>& enabled) {
+void StateWriter::writeOptions(SymbolId symbol, std::vector<bool> const& enabled) {
   const data::ParamData data = m_states.params[symbol]->getData();
-  const auto enumeration = plinth::element_cast<data::EnumParamData>(data);
+  auto const enumeration = plinth::element_cast<data::EnumParamData>(data);
   auto& options = *enumeration->getAllowedValuesMutable();
-  const auto agrees = [](const data::EnumOption& option, bool wanted) { return option.getEnabled() == wanted; };
+  auto const agrees = [](data::EnumOption const& option, bool wanted) { return option.getEnabled() == wanted; };
   if (!std::equal(options.begin(), options.end(), enabled.begin(), enabled.end(), agrees)) {
     std::vector<data::EnumOption> changed = options.values();
     for (std::size_t at = 0; at < changed.size() && at < enabled.size(); ++at) {
@@ -142,7 +142,7 @@ void StateWriter::writeOptions(SymbolId symbol, const std::vector<bool>& enabled
 
 void StateWriter::writeCategories(Evaluator& evaluator) {
   for (EntryId id = 0; id < m_states.categories.size(); ++id) {
-    const runtime::CategoryState& category = m_states.categories[id];
+    runtime::CategoryState const& category = m_states.categories[id];
     if (category && id != rootEntry) {
       category->setEffectiveVisible(isShown(m_compiled.nodes[id], evaluator));
     }
@@ -152,8 +152,8 @@ void StateWriter::writeCategories(Evaluator& evaluator) {
 std::size_t StateWriter::countDeviations() const {
   std::size_t count = 0;
   for (SymbolId symbol = 0; symbol < m_shown.size(); ++symbol) {
-    const runtime::ParamState& param = m_states.params[symbol];
-    const ShownValue& value = m_shown[symbol];
+    runtime::ParamState const& param = m_states.params[symbol];
+    ShownValue const& value = m_shown[symbol];
     count += param && (fromModel(param->getCachedCode()) != value.text || param->getAwake() != value.written ||
                        param->getEffectiveVisible() != value.visible || param->getUserModified() != value.asked ||
                        param->hasDefault() != (value.asked && !m_defaults.empty()))

@@ -25,29 +25,29 @@ using ShownValues = std::vector<ShownValue>;  // by SymbolId
 
 class StateWriter {
  public:
-  StateWriter(const Definitions& definitions, const CompiledTree& compiled, const States& states);
+  StateWriter(Definitions const& definitions, CompiledTree const& compiled, States const& states);
 
   // Linear in the tree, and costly only where something changed. The values of the first call, which is without a
   // profile, are the defaults from then on.
-  void write(Evaluator& evaluator, const UserValues& users);
+  void write(Evaluator& evaluator, UserValues const& users);
 
-  const ShownValues& shown() const { return m_shown; }
+  ShownValues const& shown() const { return m_shown; }
   void restore(ShownValues shown) { m_shown = std::move(shown); }
   // How many parameters say something else than shown(): none, unless somebody else wrote to the state.
   std::size_t countDeviations() const;
 
  private:
-  ShownValue valueOf(SymbolId symbol, Evaluator& evaluator, const UserValues& users) const;
-  void writeParam(SymbolId symbol, const ShownValue& value);
+  ShownValue valueOf(SymbolId symbol, Evaluator& evaluator, UserValues const& users) const;
+  void writeParam(SymbolId symbol, ShownValue const& value);
   void writeDefault(SymbolId symbol, bool asked);
   void writeMessage(SymbolId symbol, bool outOfRange);
   void writeConstraints(SymbolId symbol, Evaluator& evaluator);
-  void writeOptions(SymbolId symbol, const std::vector<bool>& enabled);
+  void writeOptions(SymbolId symbol, std::vector<bool> const& enabled);
   void writeCategories(Evaluator& evaluator);
 
-  const Definitions& m_definitions;
-  const CompiledTree& m_compiled;
-  const States& m_states;
+  Definitions const& m_definitions;
+  CompiledTree const& m_compiled;
+  States const& m_states;
   ShownValues m_shown;
   ShownValues m_defaults;
 };

@@ -11,7 +11,7 @@
 
 namespace kconfig {
 
-data::ParamData createData(const plinth::Model& model, const Symbol& symbol) {
+data::ParamData createData(plinth::Model const& model, Symbol const& symbol) {
   if (symbol.kind == SymbolKind::Choice || symbol.type == SymbolType::Tristate) {
     return data::EnumParamData::create(model);
   }
@@ -26,40 +26,40 @@ data::ParamData createData(const plinth::Model& model, const Symbol& symbol) {
   return data::StringParamData::create(model);
 }
 
-void setValue(const data::ParamData& data, std::string_view text, SymbolType type) {
-  if (const auto boolean = plinth::element_cast<data::BooleanParamData>(data)) {
+void setValue(data::ParamData const& data, std::string_view text, SymbolType type) {
+  if (auto const boolean = plinth::element_cast<data::BooleanParamData>(data)) {
     boolean->setValue(text == "y");
-  } else if (const auto option = plinth::element_cast<data::EnumParamData>(data)) {
+  } else if (auto const option = plinth::element_cast<data::EnumParamData>(data)) {
     option->setValue(toModel(text));
-  } else if (const auto number = plinth::element_cast<data::IntegerParamData>(data)) {
+  } else if (auto const number = plinth::element_cast<data::IntegerParamData>(data)) {
     number->setValue(leadingNumber(text, type == SymbolType::Integer ? 10 : 16));
-  } else if (const auto string = plinth::element_cast<data::StringParamData>(data)) {
+  } else if (auto const string = plinth::element_cast<data::StringParamData>(data)) {
     string->setValue(toModel(text));
   }
 }
 
-void setLimits(const data::ParamData& data, long long lower, long long upper) {
-  if (const auto number = plinth::element_cast<data::IntegerParamData>(data)) {
+void setLimits(data::ParamData const& data, long long lower, long long upper) {
+  if (auto const number = plinth::element_cast<data::IntegerParamData>(data)) {
     number->setMin(static_cast<double>(lower));
     number->setMax(static_cast<double>(upper));
   }
 }
 
-std::string shownValue(const data::ParamData& data) {
-  if (const auto boolean = plinth::element_cast<data::BooleanParamData>(data)) {
+std::string shownValue(data::ParamData const& data) {
+  if (auto const boolean = plinth::element_cast<data::BooleanParamData>(data)) {
     return boolean->getValue() ? "y" : "n";
   }
-  if (const auto option = plinth::element_cast<data::EnumParamData>(data)) {
+  if (auto const option = plinth::element_cast<data::EnumParamData>(data)) {
     return fromModel(option->getValue());
   }
-  if (const auto number = plinth::element_cast<data::IntegerParamData>(data)) {
+  if (auto const number = plinth::element_cast<data::IntegerParamData>(data)) {
     return std::to_string(number->getValue());
   }
-  const auto string = plinth::element_cast<data::StringParamData>(data);
+  auto const string = plinth::element_cast<data::StringParamData>(data);
   return string ? "\"" + fromModel(string->getValue()) + "\"" : std::string();
 }
 
-std::string_view typeNameOf(const Symbol& symbol) {
+std::string_view typeNameOf(Symbol const& symbol) {
   return symbol.kind == SymbolKind::Choice ? std::string_view("choice") : keywordOf(symbol.type);
 }
 

@@ -12,19 +12,19 @@ namespace kconfig {
 
 // New data of the class that holds values of the symbol: boolean for bool, enumeration for tristate and choices,
 // integer for int and hex, string for everything else. The model's thread.
-data::ParamData createData(const plinth::Model& model, const Symbol& symbol);
+data::ParamData createData(plinth::Model const& model, Symbol const& symbol);
 
 // Gives data the value that text stands for; text is without quotes, a choice's is the name of its member. A number
 // that no 64 bits hold becomes the nearest that they do. base is the one that a number of the symbol's type has.
-void setValue(const data::ParamData& data, std::string_view text, SymbolType type);
+void setValue(data::ParamData const& data, std::string_view text, SymbolType type);
 
 // The limits of a number's data.
-void setLimits(const data::ParamData& data, long long lower, long long upper);
+void setLimits(data::ParamData const& data, long long lower, long long upper);
 
 // The value as a user reads it.
-std::string shownValue(const data::ParamData& data);
+std::string shownValue(data::ParamData const& data);
 
 // What TypeName says: the keyword of the type, or "choice".
-std::string_view typeNameOf(const Symbol& symbol);
+std::string_view typeNameOf(Symbol const& symbol);
 
 }  // namespace kconfig

@@ -6,16 +6,16 @@ namespace {
 
 // Pieces are appended one by one: a file has tens of thousands of lines.
 template <class... Pieces>
-void append(std::string& file, const Pieces&... pieces) {
+void append(std::string& file, Pieces const&... pieces) {
   (file.append(pieces), ...);
 }
 
 // A comment line without a text ends at its sign.
-std::string titleBehindSign(const Output& output) {
+std::string titleBehindSign(Output const& output) {
   return output.title.empty() ? std::string() : " " + std::string(output.title);
 }
 
-void appendSymbol(std::string& file, std::string_view prefix, const OutputItem& item) {
+void appendSymbol(std::string& file, std::string_view prefix, OutputItem const& item) {
   switch (item.type) {
     case SymbolType::Boolean:
     case SymbolType::Tristate:
@@ -37,7 +37,7 @@ void appendSymbol(std::string& file, std::string_view prefix, const OutputItem& 
   }
 }
 
-void appendMacro(std::string& file, std::string_view prefix, const OutputItem& item) {
+void appendMacro(std::string& file, std::string_view prefix, OutputItem const& item) {
   switch (item.type) {
     case SymbolType::Boolean:
     case SymbolType::Tristate:
@@ -49,7 +49,7 @@ void appendMacro(std::string& file, std::string_view prefix, const OutputItem& i
       append(file, "#define ", prefix, item.name, " ", quote(item.text), "\n");
       break;
     case SymbolType::Hexadecimal: {
-      const bool prefixed = item.text.size() > 1 && item.text[0] == '0' && (item.text[1] == 'x' || item.text[1] == 'X');
+      bool const prefixed = item.text.size() > 1 && item.text[0] == '0' && (item.text[1] == 'x' || item.text[1] == 'X');
       append(file, "#define ", prefix, item.name, prefixed ? " " : " 0x", item.text, "\n");
       break;
     }
@@ -65,7 +65,7 @@ void appendMacro(std::string& file, std::string_view prefix, const OutputItem& i
 
 std::string quote(std::string_view text) {
   std::string quoted = "\"";
-  for (const char c : text) {
+  for (char const c : text) {
     if (c == '"' || c == '\\') {
       quoted += '\\';
     }
@@ -74,10 +74,10 @@ std::string quote(std::string_view text) {
   return quoted += '"';
 }
 
-std::string formatConfiguration(const Output& output) {
+std::string formatConfiguration(Output const& output) {
   std::string file;
   append(file, "#\n# Automatically generated file; DO NOT EDIT.\n#", titleBehindSign(output), "\n#\n");
-  for (const OutputItem& item : output.items) {
+  for (OutputItem const& item : output.items) {
     if (item.kind == OutputItem::Kind::Heading) {
       append(file, "\n#\n# ", item.name, "\n#\n");
     } else {
@@ -87,16 +87,16 @@ std::string formatConfiguration(const Output& output) {
   return file;
 }
 
-std::string formatSetting(std::string_view prefix, const OutputItem& item) {
+std::string formatSetting(std::string_view prefix, OutputItem const& item) {
   std::string line;
   appendSymbol(line, prefix, item);
   return line;
 }
 
-std::string formatHeader(const Output& output) {
+std::string formatHeader(Output const& output) {
   std::string file;
   append(file, "/*\n *\n * Automatically generated file; DO NOT EDIT.\n *", titleBehindSign(output), "\n *\n */\n");
-  for (const OutputItem& item : output.items) {
+  for (OutputItem const& item : output.items) {
     if (item.kind == OutputItem::Kind::Symbol) {
       appendMacro(file, output.prefix, item);
     }

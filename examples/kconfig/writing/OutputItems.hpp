@@ -27,13 +27,13 @@ struct Output {
 };
 
 // The file that a later run reads again: one line for each symbol, set or not.
-std::string formatConfiguration(const Output& output);
+std::string formatConfiguration(Output const& output);
 
 // The line of that file for one symbol, with its end.
-std::string formatSetting(std::string_view prefix, const OutputItem& item);
+std::string formatSetting(std::string_view prefix, OutputItem const& item);
 
 // The file that a C program includes: one macro for each symbol that is set.
-std::string formatHeader(const Output& output);
+std::string formatHeader(Output const& output);
 
 // Puts a string into the quotes of a configuration file.
 std::string quote(std::string_view text);

@@ -10,8 +10,8 @@ namespace kconfig {
 
 namespace {
 
-void writeScript(const runtime::ProductionState& production, const char16_t* name, const char16_t* language,
-                 const std::string& text) {
+void writeScript(runtime::ProductionState const& production, char16_t const* name, char16_t const* language,
+                 std::string const& text) {
   if (!production->hasScript()) {
     const script::AnnotatedScript made = script::AnnotatedScript::create(production->getModel());
     made->setName(name);
@@ -28,16 +28,16 @@ void writeScript(const runtime::ProductionState& production, const char16_t* nam
 
 }  // namespace
 
-void produce(const runtime::ConfigurationState& state, const Output& output) {
+void produce(runtime::ConfigurationState const& state, Output const& output) {
   const plinth::Model model = state->getModel();
   plinth::Transaction transaction = model.beginTransaction();
-  const auto& productions = *state->getProductions();
+  auto const& productions = *state->getProductions();
   writeScript(productions.find(key::configuration), u".config", u"configuration", formatConfiguration(output));
   writeScript(productions.find(key::header), u"config.h", u"C", formatHeader(output));
   transaction.commit();
 }
 
-std::string scriptOf(const runtime::ConfigurationState& state, std::u16string_view production) {
+std::string scriptOf(runtime::ConfigurationState const& state, std::u16string_view production) {
   const runtime::ProductionState found = state->getProductions()->find(production);
   return found && found->hasScript() ? fromModel(found->getScript()->getText()) : std::string();
 }

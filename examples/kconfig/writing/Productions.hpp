@@ -11,9 +11,9 @@ namespace kconfig {
 
 // Writes the scripts of both productions in one transaction. A script that says the same as before stays untouched,
 // any other counts its revision up.
-void produce(const runtime::ConfigurationState& state, const Output& output);
+void produce(runtime::ConfigurationState const& state, Output const& output);
 
 // The text of a production's script, empty before the first produce(). The keys stand in loading/Vocabulary.hpp.
-std::string scriptOf(const runtime::ConfigurationState& state, std::u16string_view production);
+std::string scriptOf(runtime::ConfigurationState const& state, std::u16string_view production);
 
 }  // namespace kconfig
