@@ -10,11 +10,7 @@ void ChangePublisher::Pending::clear() noexcept {
   changes.m_created.clear();
   changes.m_changed.clear();
   changes.m_destroyed.clear();
-  for (Storage* record : records) {
-    ModelElementImpl* const element = record->m_element;
-    delete record;  // before its element: it may refer to journals of the element's collections
-    element->removeRef();
-  }
+  for (Storage* record : records) delete record;
   records.clear();
 }
 
@@ -99,7 +95,6 @@ void ChangePublisher::takeOver(UndoLog& log) noexcept {
     if (element.m_record == nullptr) return;
     Storage* const record = std::exchange(element.m_record, nullptr);
     if (element.isLive()) {
-      element.addRef();
       m_gathered->records.push_back(record);
       record->sealOldValues();
     } else {

@@ -25,7 +25,9 @@ class ChangePublisher {
 
   /// A listener of the commits that are taken over from now on; ones that still wait to be told don't count.
   ListenerRegistration add(ChangeListener listener);
-  bool isWatched() const noexcept { return m_listeners->live > 0; }
+  /// Also while anything is published: what a listener destroys then waits in the queue, behind the records of it that
+  /// are being told, whether or not anyone still listens.
+  bool isWatched() const noexcept { return m_listeners->live > 0 || m_publishing; }
   std::size_t const& listenerCount() const noexcept { return m_listeners->live; }
 
   /// Gathers what the log tells; raises std::bad_alloc, and then nothing has been taken.
@@ -54,7 +56,7 @@ class ChangePublisher {
   };
   struct Pending {
     ChangeSet changes;
-    std::vector<Storage*> records;  ///< each counts its element
+    std::vector<Storage*> records;
     std::uint64_t serial = 0;
     void clear() noexcept;
   };
