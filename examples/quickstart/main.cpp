@@ -9,14 +9,14 @@ using namespace tessel::internal;
 
 int main() {
   auto model = plinth::Model::create();
-  auto store = ext::ConfigStore::create(model, {});
-  auto profile = ext::ConfigProfile::create(model, {});
+  auto store = ext::ConfigStore::create(model);
+  auto profile = ext::ConfigProfile::create(model);
   profile->setId(u"main");
   store->getProfilesMutable()->insert(profile);
 
-  auto gain = config::data::DoubleParamData::create(model, {});
+  auto gain = config::data::DoubleParamData::create(model);
   gain->setValue(1.5);
-  auto entry = ext::ConfigEntry::create(model, {});
+  auto entry = ext::ConfigEntry::create(model);
   entry->setKey(u"gain");
   entry->setData(gain);
   profile->getValuesMutable()->insert(entry);
