@@ -35,7 +35,7 @@ void CollectionJournal::forget() noexcept {
 
 AbstractOwnedCollection::~AbstractOwnedCollection() = default;
 
-CollectionJournal* AbstractOwnedCollection::modifying() {
+CollectionJournal* AbstractOwnedCollection::beginRecording() {
   if (m_owner == nullptr) return nullptr;
   if (m_owner->needsNoOldValues()) {
     // Steps that an inner transaction handed over don't fit what comes now. The owner ends with the level that created

@@ -9,7 +9,7 @@
 #include "ElementMembers.hpp"
 #include "groundwork/unicode.hpp"
 #include "plinth/ElementPath.hpp"
-#include "plinth/PrimitiveCollection.hpp"
+#include "plinth/AbstractPrimitiveCollection.hpp"
 #include "plinth/ValueText.hpp"
 
 namespace plinth {

@@ -97,12 +97,19 @@ class TESSEL_EXPORT AbstractOwnedCollection {
 
   /// Announces a change; call before it, inside an Operation. Gives the journal to write to, or null where no undo is
   /// needed. Raises what notifyModifying raises.
-  CollectionJournal* modifying();
+  CollectionJournal* modifying() { return isRecording() ? m_journal.get() : beginRecording(); }
   virtual std::unique_ptr<CollectionJournal> makeJournal() = 0;
   CollectionJournal* journal() const noexcept { return m_journal.get(); }
 
  private:
   friend class OldCollection;
+  /// Whether the present level has announced a change already, so that a further one has only its step to add.
+  bool isRecording() const noexcept {
+    return m_journal != nullptr && m_journal->m_sealed == nullptr && !m_owner->needsNoOldValues() &&
+           m_owner->model().undoLog().isTouched(*m_journal);
+  }
+  CollectionJournal* beginRecording();
+
   ModelElementImpl* m_owner;
   meta::PropertyImpl* m_property;
   meta::PropertyImpl* m_opposite;

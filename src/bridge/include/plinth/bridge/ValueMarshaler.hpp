@@ -11,7 +11,7 @@
 #include "corvid/Identifier.hpp"
 #include "groundwork/export.hpp"
 #include "kestrel/array_base.hpp"
-#include "plinth/PrimitiveCollection.hpp"
+#include "plinth/AbstractPrimitiveCollection.hpp"
 #include "plinth/Value.hpp"
 
 namespace plinth::bridge {

@@ -118,6 +118,10 @@ class NodeJournal final : public CollectionJournal {
   explicit NodeJournal(C& container) noexcept : m_container(&container) {}
   NodeSteps<C>& nodes() noexcept { return m_nodes; }
   NodeSteps<C> const& nodes() const noexcept { return m_nodes; }
+  void reserveReset() { m_nodes.reserveReset(); }
+  void reset(C former) noexcept { m_nodes.reset(std::move(former)); }
+  C oldContents() const { return m_nodes.oldContents(*m_container); }
+  std::size_t oldSize() const noexcept { return m_nodes.oldSize(m_container->size()); }
   std::size_t steps() const noexcept override { return m_nodes.size(); }
   void clear() noexcept override { m_nodes.clear(); }
   void undoTo(std::size_t mark) noexcept override {
