@@ -36,7 +36,7 @@ Point at(double x) {
 plinth::AbstractPrimitiveCollection const& valuesOf(plinth::ModelElement const& element, char16_t const* property) {
   auto const value = element->getPropertyValue(tessel::frame::propertyOf(element->getMetaClass(), property));
   EXPECT_EQ(value.meta().flags(), plinth::meta::SET);
-  return *static_cast<plinth::AbstractPrimitiveCollection const*>(value.content());
+  return value.primitiveCollection();
 }
 
 class GeneratedCode : public testing::Test {
