@@ -31,10 +31,10 @@ class NodeSteps {
   using Mapped = typename MappedType<C>::type;
   static constexpr bool IS_MAP = !std::is_same_v<Mapped, std::monostate>;
 
-  void reserve() { makeRoomForOne(m_steps); }
+  void reserve() { makeRoomFor(m_steps, 1); }
   void reserveReset() {
     reserve();
-    makeRoomForOne(m_former, 1);
+    makeRoomFor(m_former, 1, 1);
   }
   /// `key` stands in the node that was inserted: its address stays good wherever the node goes.
   void inserted(Key const& key) noexcept { m_steps.push_back(Step{Node(), &key, Mapped(), Kind::INSERTED}); }

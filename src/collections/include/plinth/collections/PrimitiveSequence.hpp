@@ -3,6 +3,7 @@
 #pragma once
 
 #include <algorithm>
+#include <iterator>
 #include <unordered_set>
 
 #include "plinth/FailurePoint.hpp"
@@ -33,6 +34,8 @@ class PrimitiveSequence final : public PrimitiveCollection<T, std::vector<T>> {
       : Base(owner, property) {}
 
   typename std::vector<T>::const_reference operator[](std::size_t index) const { return this->values()[index]; }
+  /// Linear.
+  bool contains(T const& value) const { return find(value) != this->end(); }
   void reserve(std::size_t count) { this->container().reserve(count); }
   /// From now on a value that is there already is not added again. Doesn't look at what is there.
   void makeUnique() noexcept { m_unique = true; }
@@ -49,11 +52,18 @@ class PrimitiveSequence final : public PrimitiveCollection<T, std::vector<T>> {
     return insertAll(position, std::vector<T>(first, last));
   }
   /// Removes and gives the position behind. Linear in what lies behind.
-  Iterator erase(Iterator position);
+  Iterator erase(Iterator position) { return erase(position, std::next(position)); }
+  /// Removes the values from `first` to `last` and gives the position behind. Linear.
+  Iterator erase(Iterator first, Iterator last);
   /// Puts the value into a slot; a unique sequence that holds it already stays as it is.
   void replaceAt(std::size_t index, T value);
   /// Becomes these values; a unique sequence takes the first of equal ones. Linear.
-  void assign(std::vector<T> values) { this->become(m_unique ? withoutRepetitions(std::move(values), {}) : std::move(values)); }
+  void assign(std::vector<T> values) {
+    this->become(m_unique ? withoutRepetitions(std::move(values), {}) : std::move(values));
+  }
+  void copyValues(AbstractPrimitiveCollection const* other) override {
+    assign(other == nullptr ? std::vector<T>() : static_cast<PrimitiveSequence const*>(other)->values());
+  }
 
   PrimitiveKind getKind() const noexcept override { return PrimitiveKind::SEQUENCE; }
   void genericAdd(Value const& value) override { push_back(value.getValue<T>()); }
@@ -147,21 +157,25 @@ std::vector<T> PrimitiveSequence<T>::withoutRepetitions(std::vector<T> values, s
 }
 
 template <class T>
-auto PrimitiveSequence<T>::erase(Iterator position) -> Iterator {
-  std::size_t const index = indexOf(position);
+auto PrimitiveSequence<T>::erase(Iterator first, Iterator last) -> Iterator {
+  if (first == last) return first;
+  std::size_t const index = indexOf(first);
+  std::size_t const end = indexOf(last);
   Operation operation(*this);
   Journal* const journal = this->recordingJournal();
-  if (journal != nullptr) journal->reserve();
-  T taken = std::move(this->container()[index]);
-  this->container().erase(position);
-  if (journal != nullptr) journal->erased(index, std::move(taken));
+  if (journal != nullptr) {
+    journal->reserve(end - index);
+    // One behind the other leaves the same slot.
+    for (std::size_t i = index; i < end; ++i) journal->erased(index, std::move(this->container()[i]));
+  }
+  this->container().erase(first, last);
   operation.commit();
   return at(index);
 }
 
 template <class T>
 void PrimitiveSequence<T>::replaceAt(std::size_t index, T value) {
-  if (m_unique && find(value) != this->end()) return;
+  if (m_unique && contains(value)) return;
   Operation operation(*this);
   Journal* const journal = this->recordingJournal();
   if (journal != nullptr) journal->reserve();

@@ -16,11 +16,11 @@ class SequenceJournal : public CollectionJournal {
  public:
   explicit SequenceJournal(std::vector<T>& container) noexcept : m_container(&container) {}
 
-  /// Makes room for one step; call before the change.
-  void reserve() { makeRoomForOne(m_steps); }
+  /// Makes room for that many steps; call before the change.
+  void reserve(std::size_t count = 1) { makeRoomFor(m_steps, count); }
   void reserveReset() {
     reserve();
-    makeRoomForOne(m_former, 1);
+    makeRoomFor(m_former, 1, 1);
   }
   void inserted(std::size_t position, std::size_t count = 1) noexcept {
     if (Step* const run = ownInsertion(); run != nullptr && run->begin <= position && position <= run->end) {
