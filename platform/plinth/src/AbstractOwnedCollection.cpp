@@ -52,7 +52,7 @@ CollectionJournal* AbstractOwnedCollection::beginRecording() {
     sealed->m_source = nullptr;
     m_journal->clear();
   }
-  m_owner->model().undoLog().touch(*m_journal);
+  m_owner->model().m_log.touch(*m_journal);
   return m_journal.get();
 }
 
