@@ -106,11 +106,12 @@ TEST_F(Marshalers, collapseEqualValuesInASetAndKeepThemInASequence) {
   auto const array = marshaler.fromValueVector({value(option(u"b")), value(option(u"a")), value(option(u"b"))});
   Value set = marshaler.toUnmanagedSetValue(*array);
   EXPECT_FALSE(set.meta().isManaged());
-  std::unique_ptr<std::set<EnumOption>> const members(static_cast<std::set<EnumOption>*>(set.content()));
-  EXPECT_EQ(*members, (std::set<EnumOption>{option(u"a"), option(u"b")}));
+  EXPECT_EQ(set.getValue<std::set<EnumOption>>(), (std::set<EnumOption>{option(u"a"), option(u"b")}));
   Value sequence = marshaler.toUnmanagedSequence(*array);
-  std::unique_ptr<std::vector<EnumOption>> const row(static_cast<std::vector<EnumOption>*>(sequence.content()));
-  EXPECT_EQ(*row, (std::vector<EnumOption>{option(u"b"), option(u"a"), option(u"b")}));
+  EXPECT_EQ(sequence.getValue<std::vector<EnumOption>>(),
+            (std::vector<EnumOption>{option(u"b"), option(u"a"), option(u"b")}));
+  set.release();
+  sequence.release();
   auto const broken = kestrel::createObjects(makeInterned("tessel.internal.config.data.EnumOption"), kestrel::row(2));
   EXPECT_EQ(errorOf([&] { marshaler.toUnmanagedSequence(*broken); }), "Kestrel:class:WrongType");
 }

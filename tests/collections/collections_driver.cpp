@@ -139,7 +139,7 @@ ReferenceCollection& Driver::access(Place const& place) {
   plinth::Value value = owner->getPropertyValue(propertyOf(owner, nameOf(place.second)));
   m_plain.resolve(place);
   m_coverage.proxiesResolved += before - m_plain.proxiesIn(place).size();
-  return *static_cast<ReferenceCollection*>(value.content());
+  return value.referenceCollection();
 }
 
 ReferenceCollection* Driver::present(Place const& place) const {
@@ -333,8 +333,7 @@ void Driver::subset(Step const& step) {
   Place const place{owner, view.parent};
   access(place);
   ModelElement const holder = m_handles.at(owner);
-  auto& collection =
-      *static_cast<ReferenceCollection*>(holder->getPropertyValue(propertyOf(holder, view.name)).content());
+  auto& collection = holder->getPropertyValue(propertyOf(holder, view.name)).referenceCollection();
   if (step.op == Op::SUBSET_ADD) {
     perform(
         step, [&] { collection.genericAdd(m_handles.at(id)); },

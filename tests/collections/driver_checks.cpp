@@ -39,7 +39,7 @@ void Driver::listen(plinth::ChangeSet const& changes) {
       m_told.insert(place);
       auto value = record->getOldValue(property, plinth::ReflectionPrivateTag::PUBLIC_ACCESS);
       std::set<int> proxies;
-      auto const old = numbersIn(static_cast<ReferenceCollection const*>(value.content()), place.second, &proxies);
+      auto const old = numbersIn(&value.referenceCollection(), place.second, &proxies);
       expectEqual(old, m_base.contents(place),
                   "old value of " + text(std::u16string(nameOf(place.second))) + " of " + text(id));
       expectEqual(proxies, m_base.proxiesIn(place), "old proxies of " + text(id));

@@ -106,7 +106,7 @@ TEST_F(ElementMap, TheGenericViewFindsByKeyAndRefusesAnotherClass) {
   EXPECT_THAT(view.genericKeys(), ElementsAre(text(u"balance"), text(u"volume")));
   EXPECT_EQ(view.getQualifierType(), plinth::meta::Type(plinth::StandardTypes::stringMeta()));
   Value const number = Value::make<long>({plinth::StandardTypes::integer64Meta(), plinth::meta::SINGLE}, 1);
-  EXPECT_EQ(raised([&] { view.genericGet(number); }), "CannotCastIncompatibleTypes(Integer64, String)");
+  EXPECT_EQ(raised([&] { view.genericGet(number); }), "CannotCastIncompatibleTypes(Integer64, String, single, single)");
 
   std::string const refusal =
       "CannotAddIncompatibleTypes(tessel.internal.ext.ConfigEntry, tessel.internal.ext.ConfigProfile)";

@@ -74,7 +74,7 @@ TEST_F(PrimitiveCollection, AValueOfAnotherTypeIsRefusedAndChangesNothing) {
   auto& allowed = *number->getAllowedValues();
   allowed.push_back(1);
   Value const wrong = valueOf<std::u16string>(u"1");
-  std::string const refusal = "CannotCastIncompatibleTypes(String, Real)";
+  std::string const refusal = "CannotCastIncompatibleTypes(String, Real, single, single)";
   EXPECT_EQ(raised([&] { allowed.genericAdd(wrong); }), refusal);
   EXPECT_EQ(raised([&] { allowed.genericRemove(wrong); }), refusal);
   EXPECT_EQ(raised([&] { viewOf(allowed).genericInsert(wrong, 0); }), refusal);
@@ -83,7 +83,7 @@ TEST_F(PrimitiveCollection, AValueOfAnotherTypeIsRefusedAndChangesNothing) {
   EXPECT_EQ(raised([&] {
               allowed.genericAdd(Value({plinth::StandardTypes::realMeta(), plinth::meta::SEQUENCE}));
             }),
-            "CannotCastIncompatibleTypes(Real, Real)");
+            "CannotCastIncompatibleTypes(Real, Real, sequence, single)");
   EXPECT_THAT(allowed, ElementsAre(1));
 }
 
@@ -95,6 +95,26 @@ TEST_F(PrimitiveCollection, AUniqueSequenceLeavesWhatItHas) {
   EXPECT_EQ(unique.insert(unique.begin(), u"b") - unique.begin(), 1);
   viewOf(unique).genericReplace(valueOf<std::u16string>(u"a"), 1);
   EXPECT_THAT(unique, ElementsAre(u"a", u"b"));
+  std::vector<std::u16string> const more{u"b", u"c", u"c"};
+  EXPECT_EQ(*unique.insert(unique.begin(), more.begin(), more.end()), u"c");
+  EXPECT_THAT(unique, ElementsAre(u"c", u"a", u"b"));
+  unique.assign({u"x", u"y", u"x"});
+  EXPECT_THAT(unique, ElementsAre(u"x", u"y"));
+}
+
+TEST_F(PrimitiveCollection, RangesGoInAndOutAsOneChange) {
+  auto& allowed = *text->getAllowedValues();
+  allowed.assign({u"a", u"b", u"c"});
+  std::size_t changes = 0;
+  auto const told = model.addListener([&changes](plinth::ChangeSet const&) { ++changes; });
+  EXPECT_EQ(*allowed.insert(allowed.begin() + 1, allowed.begin(), allowed.end()), u"a") << "of its own values";
+  EXPECT_THAT(allowed, ElementsAre(u"a", u"a", u"b", u"c", u"b", u"c"));
+  EXPECT_EQ(*allowed.erase(allowed.begin() + 1, allowed.end() - 1), u"c");
+  EXPECT_THAT(allowed, ElementsAre(u"a", u"c"));
+  EXPECT_EQ(changes, 2U);
+  EXPECT_EQ(allowed.erase(allowed.begin(), allowed.begin()), allowed.begin());
+  EXPECT_EQ(allowed.insert(allowed.end(), allowed.begin(), allowed.begin()), allowed.end());
+  EXPECT_EQ(changes, 2U) << "nothing is no change";
 }
 
 TEST_F(PrimitiveCollection, EveryChangeIsTakenBackAtItsLevel) {
@@ -151,7 +171,8 @@ TEST_F(PrimitiveCollection, AMapIsUniqueByKeyAndInKeyOrder) {
   EXPECT_THAT(view.genericKeys(), ElementsAre(valueOf<std::u16string>(u"a"), valueOf<std::u16string>(u"b")));
   EXPECT_EQ(view.genericGet(valueOf<std::u16string>(u"b")), valueOf(controller(u"b", u"B")));
   EXPECT_TRUE(view.genericGet(valueOf<std::u16string>(u"c")).isEmpty());
-  EXPECT_EQ(raised([&] { view.genericGet(valueOf(1.0)); }), "CannotCastIncompatibleTypes(Real, String)");
+  EXPECT_EQ(raised([&] { view.genericGet(valueOf(1.0)); }),
+            "CannotCastIncompatibleTypes(Real, String, single, single)");
   EXPECT_EQ(view.getQualifierType().impl(), plinth::StandardTypes::stringMeta());
 
   plinth::PrimitiveMap<std::u16string, ControllerDef> keyless(plinth::CollectionPrivateTag(), {});

@@ -3,6 +3,7 @@
 
 #include <boost/uuid/uuid_io.hpp>
 
+#include "plinth/Freezer.hpp"
 #include "plinth/Verify.hpp"
 #include "plinth/sample_model.hpp"
 #include "refusal.hpp"

@@ -31,7 +31,7 @@ plinth::Value oldValue(plinth::Storage const& record, char16_t const* name) {
 
 std::vector<plinth::ModelElement> oldMembers(plinth::Storage const& record, char16_t const* name) {
   plinth::Value value = oldValue(record, name);
-  return static_cast<plinth::ReferenceCollection*>(value.content())->getAllValuesAndProxies();
+  return value.referenceCollection().getAllValuesAndProxies();
 }
 
 /// The record of `element`, or null.
@@ -133,7 +133,7 @@ TEST(Listener, ReadsOldValuesOfEveryKindWhileTheModelHoldsTheNew) {
         EXPECT_EQ(oldValue(*recordOf(changes, real), u"Value").getValue<double>(), 3.5);
         EXPECT_FALSE(oldValue(*recordOf(changes, real), u"Name").getValue<boost::optional<std::u16string>>());
         plinth::Value values = oldValue(*recordOf(changes, array), u"Value");
-        EXPECT_THAT(static_cast<plinth::PrimitiveSequence<double>*>(values.content())->values(), ElementsAre(1, 2, 3));
+        EXPECT_THAT(values.getValue<std::vector<double>>(), ElementsAre(1, 2, 3));
         auto const old = oldValue(*recordOf(changes, production), u"Production").getValue<tessel::frame::HostArray>();
         EXPECT_EQ(kestrel::elementAsDouble(*old.get()), 7.0);
         EXPECT_EQ(oldValue(*recordOf(changes, s.store), u"ActiveProfile").getValue<plinth::ModelElement>(), s.day);

@@ -3,6 +3,7 @@
 
 #include <boost/uuid/uuid_io.hpp>
 
+#include "plinth/Freezer.hpp"
 #include "plinth/ModelDirectory.hpp"
 #include "plinth/sample_model.hpp"
 #include "support/checks.hpp"
@@ -332,10 +333,11 @@ TEST(Proxy, InAMapIsNoEntryUntilItResolvesAndStaysOutWhenItsKeyIsTaken) {
   entry->setKey(u"k");
   auto* const values = s.night->getValues();
   values->basicAddWithProxy(proxyOf(s.model, entry, true));
-  s.model->suppressResolve(true);
-  EXPECT_EQ(s.night->getValues()->size(), 0U);
-  EXPECT_EQ(values->getAllValuesAndProxies().size(), 1U);
-  s.model->suppressResolve(false);
+  {
+    plinth::ModelImpl::ResolveSuppression const suppression(s.model.require());
+    EXPECT_EQ(s.night->getValues()->size(), 0U);
+    EXPECT_EQ(values->getAllValuesAndProxies().size(), 1U);
+  }
   EXPECT_EQ(s.night->getValues()->find(u"k"), entry) << "the getter of a map resolves";
   EXPECT_EQ(entry->container(), s.night);
   EXPECT_TRUE(isSound(s.model));

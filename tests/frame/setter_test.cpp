@@ -26,9 +26,9 @@ bool changesNothing(plinth::Model const& model, Call const& call) {
   call();
   if (commits.take() != 0) return false;
   auto const transaction = model.beginTransaction();
-  std::size_t const before = model->undoLog().size();
+  std::size_t const before = model->undoSize();
   call();
-  return model->undoLog().size() == before;
+  return model->undoSize() == before;
 }
 
 TEST(Setter, OfTheValueThatIsThereOpensNothingAndTellsNobody) {

@@ -5,6 +5,7 @@
 #include <functional>
 #include <random>
 
+#include "plinth/Freezer.hpp"
 #include "plinth/Query.hpp"
 #include "plinth/sample_model.hpp"
 #include "support/checks.hpp"
@@ -218,7 +219,7 @@ TEST(Model, EndsWithItsLastHandleWhateverItsElementsReferTo) {
     data->getAllowedValues()->push_back(1);
     listening = sample.model.addListener([](plinth::ChangeSet const&) { ADD_FAILURE() << "told of the end"; });
     EXPECT_EQ(raised([] { sample::ext::ConfigStore::create(plinth::Model()); }), "CannotCreateWithoutModel");
-    EXPECT_EQ(raised([&] { sample.model.addListener({}); }), "NoListener");
+    EXPECT_EQ(raised([&] { (void)sample.model.addListener({}); }), "NoListener");
   }
   EXPECT_FALSE(store || data);
   EXPECT_TRUE(store->getModel().isEmpty());
@@ -230,10 +231,26 @@ TEST(Model, EndsWithItsLastHandleWhateverItsElementsReferTo) {
 
 TEST(Model, IsAskedForWhereTheHandleIsEmpty) {
   plinth::Model const none;
-  EXPECT_EQ(raised([&] { none.beginTransaction(); }), "NoModel");
-  EXPECT_EQ(raised([&] { none.addListener([](plinth::ChangeSet const&) {}); }), "NoModel");
+  EXPECT_EQ(raised([&] { (void)none.beginTransaction(); }), "NoModel");
+  EXPECT_EQ(raised([&] { (void)none.addListener([](plinth::ChangeSet const&) {}); }), "NoModel");
   EXPECT_EQ(raised([&] { plinth::Model::Freezer const freezer(none); }), "NoModel");
   EXPECT_EQ(raised([&] { plinth::query::Query<sample::ext::ConfigEntry>(none).find(); }), "NoModel");
+}
+
+TEST(Freezer, IsRefusedWhileATransactionIsOpenAndThawsOnlyItsOwn) {
+  SampleModel sample;
+  {
+    auto const open = sample.model.beginTransaction();
+    EXPECT_EQ(raised([&] { plinth::Model::Freezer const freezer(sample.model); }), "CannotFreezeOpenModel");
+  }
+  {
+    plinth::Model::Freezer first(sample.model);
+    plinth::Model::Freezer const second(sample.model);
+    auto const thawed = first.thaw();
+    EXPECT_EQ(raised([&] { sample.store->setVersion(1); }), "CannotModifyFrozenModel");
+  }
+  sample.store->setVersion(1);
+  EXPECT_EQ(sample.store->getVersion(), 1U) << "a Freezer that ends lets go";
 }
 
 TEST(Freezer, RefusesTransactionsExceptWhileThawed) {
@@ -247,7 +264,7 @@ TEST(Freezer, RefusesTransactionsExceptWhileThawed) {
     auto const moved = std::move(outer);
     sample.store->setVersion(3);
   }
-  EXPECT_EQ(raised([&] { sample.model.beginTransaction(); }), "CannotModifyFrozenModel");
+  EXPECT_EQ(raised([&] { (void)sample.model.beginTransaction(); }), "CannotModifyFrozenModel");
   EXPECT_EQ(sample.store->getVersion(), 3U);
   {
     auto transaction = sample.model->beginTransaction(true);  // for whoever holds the thaw

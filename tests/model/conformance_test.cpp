@@ -174,7 +174,7 @@ TEST(EveryProperty, GivenTheValueThatItHoldsOpensNothing) {
       EXPECT_EQ(commits.take(), 0);
       auto transaction = s.model.beginTransaction();
       s.element->setPropertyValue(Property(&property), s.get(property));
-      EXPECT_EQ(s.model->undoLog().size(), 0U);
+      EXPECT_EQ(s.model->undoSize(), 0U);
       s.specimens.change(s.element, property);
       transaction.commit();
     }

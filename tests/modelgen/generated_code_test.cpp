@@ -36,7 +36,7 @@ Point at(double x) {
 plinth::AbstractPrimitiveCollection const& valuesOf(plinth::ModelElement const& element, char16_t const* property) {
   auto const value = element->getPropertyValue(tessel::frame::propertyOf(element->getMetaClass(), property));
   EXPECT_EQ(value.meta().flags(), plinth::meta::SET);
-  return *static_cast<plinth::AbstractPrimitiveCollection const*>(value.content());
+  return value.primitiveCollection();
 }
 
 class GeneratedCode : public testing::Test {
@@ -48,14 +48,14 @@ TEST_F(GeneratedCode, SetOfValuesHoldsEachOnceInOrderAndIsTakenBack) {
   auto const shop = Shop::create(model);
   EXPECT_FALSE(shop->hasPlaces());
   for (double const x : {3.0, 1.0, 3.0, 2.0}) shop->getPlacesMutable()->insert(at(x));
-  EXPECT_THAT(shop->getPlaces()->raw(), ElementsAre(at(1), at(2), at(3)));
+  EXPECT_THAT(shop->getPlaces()->values(), ElementsAre(at(1), at(2), at(3)));
 
   Snapshot const before(model);
   {
     auto const transaction = model.beginTransaction();
     shop->getPlaces()->insert(at(4));
     shop->getPlaces()->erase(at(1));
-    EXPECT_THAT(shop->getPlaces()->raw(), ElementsAre(at(2), at(3), at(4)));
+    EXPECT_THAT(shop->getPlaces()->values(), ElementsAre(at(2), at(3), at(4)));
   }
   EXPECT_TRUE(before.isBack());
   {
@@ -64,14 +64,14 @@ TEST_F(GeneratedCode, SetOfValuesHoldsEachOnceInOrderAndIsTakenBack) {
     EXPECT_FALSE(shop->hasPlaces());
   }
   EXPECT_TRUE(before.isBack());
-  EXPECT_THAT(shop->getPlaces()->raw(), ElementsAre(at(1), at(2), at(3)));
+  EXPECT_THAT(shop->getPlaces()->values(), ElementsAre(at(1), at(2), at(3)));
 }
 
 TEST_F(GeneratedCode, SetOfValuesIsBuiltAndShownByReflection) {
   Depot::Builder builder(model);
   builder.addColors({Color::DARK_RED, Color::RED, Color::DARK_RED}).addWords(u"b").addWords(u"a");
   auto const depot = plinth::element_cast<Depot>(builder.create());
-  EXPECT_THAT(depot->getColors()->raw(), ElementsAre(Color::RED, Color::DARK_RED));
+  EXPECT_THAT(depot->getColors()->values(), ElementsAre(Color::RED, Color::DARK_RED));
 
   auto const& words = valuesOf(depot, u"Words");
   EXPECT_EQ(words.getKind(), plinth::PrimitiveKind::SET);
@@ -81,7 +81,7 @@ TEST_F(GeneratedCode, SetOfValuesIsBuiltAndShownByReflection) {
   depot->getWords()->genericRemove(all.front());
   EXPECT_THAT(words.getAllValues(), SizeIs(1));
   depot->getWords()->genericAdd(all.front());
-  EXPECT_THAT(depot->getWords()->raw(), ElementsAre(u"a", u"b"));
+  EXPECT_THAT(depot->getWords()->values(), ElementsAre(u"a", u"b"));
   EXPECT_EQ(raised([&] { depot->getColors()->genericAdd(all.front()); }), "CannotCastIncompatibleTypes");
   EXPECT_TRUE(support::isSound(model));
 }

@@ -35,9 +35,7 @@ TEST(ValueFactory, MakesWhatThePropertyTakes) {
   array->setPropertyValue(length, Value::createPrimitiveValue(length, boost::optional<unsigned>()));
   EXPECT_FALSE(array->getMaxLength());
   auto const values = property<DoubleArrayParamData>(u"Value");
-  auto* const collection = static_cast<plinth::AbstractPrimitiveCollection*>(
-      static_cast<plinth::AbstractOwnedCollection*>(array->getPropertyValue(values).content()));
-  collection->genericAdd(Value::createPrimitiveValue(values, 1.5));
+  array->getPropertyValue(values).primitiveCollection().genericAdd(Value::createPrimitiveValue(values, 1.5));
   EXPECT_EQ(array->getValue()->values(), std::vector<double>{1.5}) << "one of many values";
   auto const many = Value::createPrimitiveValue(values, std::vector<double>{1, 2});
   EXPECT_EQ(many.getValue<std::vector<double>>().size(), 2U);
@@ -45,6 +43,76 @@ TEST(ValueFactory, MakesWhatThePropertyTakes) {
   auto const active = property<sample::ext::ConfigStore>(u"ActiveProfile");
   EXPECT_EQ(Value::createElementValue(active, s.night).getValue<plinth::ModelElement>(), s.night);
   EXPECT_EQ(Value::createElementValue(active, plinth::ModelElement()).meta().type(), active->type());
+}
+
+TEST(ManyValues, AreReachedAsACollectionAndReadAsAVector) {
+  using sample::data::DoubleArrayParamData;
+  SampleModel s;
+  auto const array = DoubleArrayParamData::create(s.model);
+  auto const twin = DoubleArrayParamData::create(s.model);
+  auto const values = property<DoubleArrayParamData>(u"Value");
+  Value const live = array->getPropertyValue(values);
+  EXPECT_EQ(live.hash(), 0U);
+  live.primitiveCollection().genericAdd(Value::createPrimitiveValue(values, 1.5));
+  EXPECT_EQ(live.getValue<std::vector<double>>(), std::vector<double>{1.5});
+  EXPECT_EQ(live.hash(), Value::createPrimitiveValue(values, std::vector<double>{1.5}).hash());
+  EXPECT_NE(live, twin->getPropertyValue(values));
+  twin->getValue()->assign({1.5});
+  EXPECT_EQ(live, twin->getPropertyValue(values)) << "collections compare by what they hold";
+  EXPECT_NE(live, Value::createPrimitiveValue(values, std::vector<double>{1.5}));
+  EXPECT_EQ(raised([&] { live.referenceCollection(); }), "CannotCastIncompatibleTypes");
+  EXPECT_EQ(raised([&] { live.getValue<std::vector<long>>(); }), "CannotCastIncompatibleTypes");
+
+  Value const entries = s.night->getPropertyValue(property<sample::ext::ConfigProfile>(u"Values"));
+  EXPECT_EQ(entries.referenceCollection().getAllValues().size(), s.night->getValues()->size());
+  EXPECT_EQ(entries, s.night->getPropertyValue(property<sample::ext::ConfigProfile>(u"Values")));
+  EXPECT_EQ(raised([&] { entries.primitiveCollection(); }), "CannotCastIncompatibleTypes");
+  EXPECT_EQ(raised([&] { Value().primitiveCollection(); }), "CannotCastIncompatibleTypes");
+}
+
+TEST(OptionalValue, HasOneFormWhenItIsEmpty) {
+  SampleModel s;
+  auto const length = property<sample::data::DoubleArrayParamData>(u"MaxLength");
+  auto const array = sample::data::DoubleArrayParamData::create(s.model);
+  Value const read = array->getPropertyValue(length);
+  Value const made = Value::createPrimitiveValue(length, boost::optional<unsigned>());
+  EXPECT_EQ(read, made);
+  EXPECT_EQ(read.hash(), made.hash());
+  EXPECT_TRUE(read.meta().isOptionalEmpty() && made.meta().isOptionalEmpty() && made.isEmpty());
+  EXPECT_FALSE(made.getValue<boost::optional<unsigned>>());
+  Value const present = Value::make<boost::optional<unsigned>>(ValueMeta(length).setOptionalEmpty(), 7U);
+  EXPECT_FALSE(present.meta().isOptionalEmpty());
+  EXPECT_TRUE(present.getValue<boost::optional<unsigned>>() == 7U);
+}
+
+TEST(UnmanagedValue, ComparesAndHashesAsAManagedOneAndIsReleasedByHand) {
+  auto const values = property<sample::data::DoubleArrayParamData>(u"Value");
+  using Row = std::vector<double>;
+  Value unmanaged = Value::makeUnmanaged(ValueMeta(values), std::make_unique<Row>(Row{1, 2}));
+  Value const managed = Value::createPrimitiveValue(values, Row{1, 2});
+  EXPECT_FALSE(unmanaged.meta().isManaged());
+  EXPECT_EQ(unmanaged, managed);
+  EXPECT_EQ(unmanaged.hash(), managed.hash());
+  unmanaged.release();
+  EXPECT_TRUE(unmanaged.isEmpty());
+  unmanaged.release();
+  EXPECT_EQ(raised([&] {
+              auto const dropped = Value::makeUnmanaged(ValueMeta(values), std::make_unique<std::vector<long>>());
+            }),
+            "CannotCastIncompatibleTypes");
+}
+
+TEST(Value, TellsTheShapeWhereTheTypesAgree) {
+  auto const length = property<sample::data::DoubleArrayParamData>(u"MaxLength");
+  try {
+    Value::createPrimitiveValue(length, 7U).getValue<unsigned>();
+    ADD_FAILURE() << "was not refused";
+  } catch (std::exception const& refusal) {
+    EXPECT_NE(std::string(refusal.what()).find("(optional) was given where one of type \"UnlimitedNatural\" (single)"),
+              std::string::npos)
+        << refusal.what();
+  }
+  EXPECT_EQ(ValueMeta(plinth::meta::Property()).type(), nullptr);
 }
 
 TEST(ValueFactory, RefusesAContentOfAnotherTypeOrShape) {

@@ -128,10 +128,10 @@ class Specimens {
   }
 
   static plinth::ReferenceCollection& membersOf(ModelElement const& element, PropertyImpl& property) {
-    return *static_cast<plinth::ReferenceCollection*>(element->getPropertyValue(Property(&property)).content());
+    return element->getPropertyValue(Property(&property)).referenceCollection();
   }
   static plinth::AbstractPrimitiveCollection& valuesOf(ModelElement const& element, PropertyImpl& property) {
-    return *static_cast<plinth::AbstractPrimitiveCollection*>(element->getPropertyValue(Property(&property)).content());
+    return element->getPropertyValue(Property(&property)).primitiveCollection();
   }
 
  private:

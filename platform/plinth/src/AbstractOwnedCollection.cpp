@@ -35,7 +35,7 @@ void CollectionJournal::forget() noexcept {
 
 AbstractOwnedCollection::~AbstractOwnedCollection() = default;
 
-CollectionJournal* AbstractOwnedCollection::modifying() {
+CollectionJournal* AbstractOwnedCollection::beginRecording() {
   if (m_owner == nullptr) return nullptr;
   if (m_owner->needsNoOldValues()) {
     // Steps that an inner transaction handed over don't fit what comes now. The owner ends with the level that created
@@ -52,7 +52,7 @@ CollectionJournal* AbstractOwnedCollection::modifying() {
     sealed->m_source = nullptr;
     m_journal->clear();
   }
-  m_owner->model().undoLog().touch(*m_journal);
+  m_owner->model().m_log.touch(*m_journal);
   return m_journal.get();
 }
 

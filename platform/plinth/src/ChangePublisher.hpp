@@ -18,7 +18,7 @@ namespace plinth {
 
 class ChangePublisher {
  public:
-  explicit ChangePublisher(ModelImpl& model) noexcept : m_model(&model) {}
+  ChangePublisher() = default;
   ~ChangePublisher();
   ChangePublisher(ChangePublisher const&) = delete;
   ChangePublisher& operator=(ChangePublisher const&) = delete;
@@ -66,7 +66,6 @@ class ChangePublisher {
   void tell(Pending const& pending) noexcept;
   std::unique_ptr<Pending> freshPending();
 
-  ModelImpl* m_model;
   std::shared_ptr<Listeners> m_listeners = std::make_shared<Listeners>();
   std::deque<std::unique_ptr<Pending>> m_queue;
   std::unique_ptr<Pending> m_gathered;

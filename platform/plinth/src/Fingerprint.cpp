@@ -8,8 +8,8 @@
 
 #include "ElementMembers.hpp"
 #include "groundwork/unicode.hpp"
+#include "plinth/AbstractPrimitiveCollection.hpp"
 #include "plinth/ElementPath.hpp"
-#include "plinth/PrimitiveCollection.hpp"
 #include "plinth/ValueText.hpp"
 
 namespace plinth {
@@ -101,9 +101,7 @@ std::string FingerprintTaker::valuesText(ModelElementImpl const& element, meta::
   // To ask for the value of a collection that is not there would make it.
   if (element.hasPropertyValue(handle, ReflectionPrivateTag::IN_MEMORY_ONLY)) {
     Value const value = element.getPropertyValue(handle, ReflectionPrivateTag::IN_MEMORY_ONLY);
-    auto const* const collection =
-        static_cast<AbstractPrimitiveCollection const*>(static_cast<AbstractOwnedCollection const*>(value.content()));
-    for (Value const& each : collection->getAllValues()) texts.push_back(valueText(each));
+    for (Value const& each : value.primitiveCollection().getAllValues()) texts.push_back(valueText(each));
   }
   return joined(texts, "[", "]");
 }

@@ -10,12 +10,13 @@ struct Text {
   char const* pattern;
 };
 
-constexpr std::array<Text, 24> TEXTS{{
+constexpr std::array<Text, 25> TEXTS{{
     {"CannotModifyProxy",
      "the element is a proxy for one that is not in memory and can be neither modified nor asked for its collections; "
      "resolve it first"},
     {"UniquenessConstraint", "another element of the same map or model already bears this key; choose another key"},
-    {"CannotCastIncompatibleTypes", "a value of type \"{0}\" was given where one of type \"{1}\" is needed"},
+    {"CannotCastIncompatibleTypes",
+     "a value of type \"{0}\" ({2}) was given where one of type \"{1}\" ({3}) is needed"},
     {"CannotCreateCrossModelAssociation",
      "the element lies in another model; only elements of one model can be linked or contained"},
     {"CannotCreateWithoutModel", "an element can't be created without a valid model; give one"},
@@ -30,6 +31,7 @@ constexpr std::array<Text, 24> TEXTS{{
     {"NoSuchType", "there is no type \"{0}\" in the metamodel registry"},
     {"CannotModifyDestroyedElement", "the element has been destroyed and can't be modified; let go of its handle"},
     {"CannotModifyFrozenModel", "the model is frozen; thaw it before changing it"},
+    {"CannotFreezeOpenModel", "the model has an open transaction; end it before freezing the model"},
     {"CannotModifyOutsideTransaction", "a change was announced with no transaction open; begin one first"},
     {"CannotContainAncestor", "an element can't be contained by itself or by an element below it"},
     {"TransactionNotInnermost", "only the innermost open transaction can be committed; end the inner ones first"},

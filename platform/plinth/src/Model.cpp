@@ -30,7 +30,7 @@ ListenerRegistration Model::addListener(ChangeListener listener) const {
 ModelImpl::ModelImpl()
     : ElementImpl(this, generateNewUuid()),
       m_log(*this),
-      m_publisher(std::make_unique<ChangePublisher>(*this)),
+      m_publisher(std::make_unique<ChangePublisher>()),
       m_listenerCount(&m_publisher->listenerCount()) {
   detail::LiveObjects::enter(*this);
   m_live = 1;
@@ -53,15 +53,13 @@ ModelImpl::~ModelImpl() {
   for (ModelElementImpl* element : elements) element->bury();
 }
 
-void ModelImpl::removeRef() noexcept { ElementImpl::removeRef(); }
-
 Transaction ModelImpl::beginTransaction(bool thawed) {
   begin(thawed);
   return Transaction(*this, level(), m_log.serialAt(level()));
 }
 
 void ModelImpl::begin(bool thawed) {
-  if (m_frozen && !thawed) reportException(messages::CannotModifyFrozenModel());
+  if (isFrozen() && !thawed) reportException(messages::CannotModifyFrozenModel());
   if (level() + 1 >= NO_LEVEL) reportException(messages::TransactionsNestedTooDeeply(NO_LEVEL - 1));
   m_log.begin();
 }
@@ -113,50 +111,5 @@ void ModelImpl::setName(std::u16string name) {
 }
 
 std::vector<std::exception_ptr> ModelImpl::takeListenerErrors() { return m_publisher->takeErrors(); }
-
-Transaction::Transaction(ModelImpl& model, unsigned level, unsigned long serial) noexcept
-    : m_model(&model), m_level(level), m_serial(serial) {}
-
-Transaction::Transaction(Transaction&& other) noexcept
-    : m_model(std::move(other.m_model)),
-      m_level(other.m_level),
-      m_serial(other.m_serial),
-      m_open(std::exchange(other.m_open, false)) {}
-
-Transaction::~Transaction() {
-  if (!isOpen()) return;
-  auto& model = static_cast<ModelImpl&>(*m_model.elementImpl());
-  while (model.level() >= m_level) model.rollBack();
-}
-
-void Transaction::commit() {
-  auto* const model = static_cast<ModelImpl*>(m_model.elementImpl());
-  if (!isOpen()) reportException(messages::TransactionEnded());
-  if (model->level() != m_level) reportException(messages::TransactionNotInnermost());
-  model->commit();
-  m_open = false;
-}
-
-bool Transaction::isOpen() const noexcept {
-  if (!m_open) return false;
-  // Inner transactions that outlive an outer one ended with it: their level has another serial by then, or is gone.
-  auto const& model = static_cast<ModelImpl const&>(*m_model.elementImpl());
-  return model.level() >= m_level && model.m_log.serialAt(m_level) == m_serial;
-}
-
-void Transaction::commit(boost::optional<Value> const&) { commit(); }
-
-Model::Freezer::Freezer(Model model) : m_model(std::move(model)) { m_model.require().m_frozen = true; }
-
-Model::Thawer Model::Freezer::thaw() { return Thawer(*this); }
-
-Model::Thawer::Thawer(Freezer& freezer) noexcept : m_freezer(&freezer) {
-  ++freezer.m_thaws;
-  freezer.m_model->m_frozen = false;
-}
-
-Model::Thawer::~Thawer() {
-  if (m_freezer != nullptr && --m_freezer->m_thaws == 0) m_freezer->m_model->m_frozen = true;
-}
 
 }  // namespace plinth

@@ -19,7 +19,8 @@ void UndoLog::grow() {
 void UndoLog::touch(Undoable& journal) {
   if (journal.m_touchedLevel == level()) return;
   reserve();
-  m_entries.push_back({&journal, Kind::JOURNAL, static_cast<std::uint32_t>(journal.steps())});
+  journal.m_firstOwnStep = static_cast<std::uint32_t>(journal.steps());
+  m_entries.push_back({&journal, Kind::JOURNAL, journal.m_firstOwnStep});
   journal.m_touchedLevel = level();
 }
 

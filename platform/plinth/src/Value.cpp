@@ -1,13 +1,39 @@
 #include "plinth/Value.hpp"
 
 #include <cstring>
+#include <typeinfo>
 
 #include "groundwork/unicode.hpp"
+#include "plinth/AbstractPrimitiveCollection.hpp"
 #include "plinth/ElementDirectory.hpp"
 #include "plinth/FailurePoint.hpp"
+#include "plinth/ReferenceCollection.hpp"
 #include "plinth/meta/MetaRegistry.hpp"
 
 namespace plinth {
+namespace {
+
+std::u16string nameOf(ValueMeta const& meta) {
+  return meta.type() == nullptr ? std::u16string() : meta.type()->getQualifiedName();
+}
+
+char const* shapeOf(ValueMeta const& meta) {
+  if (meta.type() == nullptr) return "no type";
+  switch (meta.flags()) {
+    case meta::OPTIONAL:
+      return "optional";
+    case meta::SINGLE:
+      return "single";
+    case meta::SEQUENCE:
+      return "sequence";
+    case meta::SET:
+      return "set";
+    default:
+      return "map";
+  }
+}
+
+}  // namespace
 
 Value::Value(Value const& other) : m_meta(other.m_meta), m_functions(other.m_functions) {
   if (other.m_content == nullptr || !m_meta.isManaged()) {
@@ -46,16 +72,76 @@ void Value::reset() noexcept {
   m_content = nullptr;
 }
 
+void Value::release() noexcept {
+  if (!m_meta.isManaged() && m_functions != nullptr && m_content != nullptr) m_functions->deleter(m_content);
+  reset();
+  m_content = nullptr;
+}
+
+Value::Value(ValueMeta const& meta, AbstractOwnedCollection& collection) noexcept
+    : m_meta(meta), m_content(&collection) {
+  m_meta.m_managed = false;
+  m_meta.m_collection = true;
+}
+
+AbstractOwnedCollection& Value::requireCollection(bool ofElements) const {
+  bool const fits = m_meta.isCollection() && m_meta.type()->isClass() == ofElements;
+  if (!fits) {
+    std::u16string const name = nameOf(m_meta);
+    reportException(
+        messages::CannotCastIncompatibleTypes(name, groundwork::toUtf8(name), shapeOf(m_meta),
+                                              ofElements ? "collection of elements" : "collection of values"));
+  }
+  return *static_cast<AbstractOwnedCollection*>(m_content);
+}
+
+AbstractPrimitiveCollection& Value::primitiveCollection() const {
+  return static_cast<AbstractPrimitiveCollection&>(requireCollection(false));
+}
+
+ReferenceCollection& Value::referenceCollection() const {
+  return static_cast<ReferenceCollection&>(requireCollection(true));
+}
+
+std::vector<Value> Value::collectionValues() const { return primitiveCollection().getAllValues(); }
+
+namespace {
+
+bool haveEqualContents(Value const& left, Value const& right) {
+  if (left.meta().type()->isClass()) {
+    ReferenceCollection const& elements = left.referenceCollection();
+    ReferenceCollection const& others = right.referenceCollection();
+    return typeid(elements) == typeid(others) && elements.hasSameMembers(others);
+  }
+  AbstractPrimitiveCollection const& values = left.primitiveCollection();
+  AbstractPrimitiveCollection const& others = right.primitiveCollection();
+  return typeid(values) == typeid(others) && values.equals(others);
+}
+
+/// As a vector of the values hashes; elements of sets come in no order.
+std::uint64_t hashOfContents(Value const& value) {
+  std::uint64_t state = 0;
+  if (value.meta().type()->isClass()) {
+    for (ModelElement const& each : value.referenceCollection().getAllValuesAndProxies()) state += hashValue(each);
+  } else {
+    for (Value const& each : value.primitiveCollection().getAllValues()) combineHash(state, each.hash());
+  }
+  return state;
+}
+
+}  // namespace
+
 bool operator==(Value const& left, Value const& right) {
   if (left.m_meta.type() != right.m_meta.type() || left.m_meta.flags() != right.m_meta.flags()) return false;
-  if (left.m_functions == nullptr || right.m_functions == nullptr) return left.m_content == right.m_content;
+  if (left.m_meta.isCollection() != right.m_meta.isCollection()) return false;
+  if (left.m_meta.isCollection()) return haveEqualContents(left, right);
+  if (left.m_content == nullptr || right.m_content == nullptr) return left.m_content == right.m_content;
   return left.m_functions->comparator(left.m_content, right.m_content);  // one type and shape: one C++ type
 }
 
 std::uint64_t Value::hash() const {
   if (m_content == nullptr) return 0;
-  if (m_functions == nullptr) return reinterpret_cast<std::uintptr_t>(m_content);
-  return m_functions->hasher(const_cast<void*>(m_content));
+  return m_meta.isCollection() ? hashOfContents(*this) : m_functions->hasher(const_cast<void*>(m_content));
 }
 
 ValueMeta Value::metaOf(meta::Property const& property) {
@@ -63,10 +149,10 @@ ValueMeta Value::metaOf(meta::Property const& property) {
   return ValueMeta(property);
 }
 
-void Value::reportIncompatible(meta::TypeImpl const* expected) const {
-  reportException(
-      messages::CannotCastIncompatibleTypes(m_meta.type() == nullptr ? u"" : m_meta.type()->getQualifiedName(),
-                                            expected == nullptr ? "" : expected->narrowName()));
+void Value::reportIncompatible(ValueMeta const& expected) const {
+  reportException(messages::CannotCastIncompatibleTypes(nameOf(m_meta),
+                                                        expected.type() == nullptr ? "" : expected.type()->narrowName(),
+                                                        shapeOf(m_meta), shapeOf(expected)));
 }
 
 namespace {

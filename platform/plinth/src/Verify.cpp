@@ -307,9 +307,9 @@ void Verification::checkReferenceCounts() {
 }
 
 void Verification::checkUndo() {
-  if (m_model.level() != 0 || m_model.undoLog().size() == 0) return;
+  if (m_model.level() != 0 || m_model.undoSize() == 0) return;
   m_findings.push_back(
-      {"undo", "", "", "an empty log outside a transaction", std::to_string(m_model.undoLog().size()) + " entries"});
+      {"undo", "", "", "an empty log outside a transaction", std::to_string(m_model.undoSize()) + " entries"});
 }
 
 }  // namespace

@@ -15,7 +15,8 @@ using tessel::frame::HostArray;
 namespace {
 
 [[noreturn]] void refuse(meta::Type const& type) {
-  reportException(messages::CannotCastIncompatibleTypes(type->getQualifiedName(), "collection"));
+  reportException(messages::CannotCastIncompatibleTypes(type->getQualifiedName(), type->narrowName(), "single",
+                                                        "collection of values"));
 }
 
 // Handles on a model, and on what is in one.

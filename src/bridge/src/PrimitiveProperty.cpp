@@ -60,7 +60,7 @@ kestrel::OwnedArray PrimitiveProperty::getValue(kestrel_array const& self) const
   if (m_property->isMany()) element->requireReal();
   Value const value = element->getPropertyValue(m_property, ReflectionPrivateTag::PUBLIC_ACCESS);
   if (!m_property->isMany()) return marshalerOf(m_property).toKestrelArray(value);
-  return marshalCollection(static_cast<AbstractPrimitiveCollection const*>(value.content()));
+  return marshalCollection(&value.primitiveCollection());
 }
 
 void PrimitiveProperty::setValue(kestrel_array const& self, kestrel_array const& value) const {
@@ -72,8 +72,8 @@ void PrimitiveProperty::setValue(kestrel_array const& self, kestrel_array const&
   }
   element->requireModifiable();
   Transaction transaction = element->model().beginTransaction(false);
-  Value collection = element->getPropertyValue(m_property, ReflectionPrivateTag::PUBLIC_ACCESS);
-  marshaler.fillCollection(*static_cast<AbstractPrimitiveCollection*>(collection.content()), value);
+  Value const collection = element->getPropertyValue(m_property, ReflectionPrivateTag::PUBLIC_ACCESS);
+  marshaler.fillCollection(collection.primitiveCollection(), value);
   transaction.commit();
 }
 

@@ -7,6 +7,7 @@
 #include "corvid/CorvidTypeRepository.hpp"
 #include "corvid/HostError.hpp"
 #include "corvid/factory/SelfTraits.hpp"
+#include "corvid/factory/ValueShape.hpp"
 #include "groundwork/unicode.hpp"
 #include "kestrel/array.hpp"
 #include "plinth/Value.hpp"

@@ -2,6 +2,11 @@
 
 namespace plinth {
 
+template class PrimitiveCollection<bool, std::vector<bool>>;
+template class PrimitiveCollection<double, std::vector<double>>;
+template class PrimitiveCollection<long, std::vector<long>>;
+template class PrimitiveCollection<unsigned int, std::vector<unsigned int>>;
+template class PrimitiveCollection<std::u16string, std::vector<std::u16string>>;
 template class PrimitiveSequence<bool>;
 template class PrimitiveSequence<double>;
 template class PrimitiveSequence<long>;

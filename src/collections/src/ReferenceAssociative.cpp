@@ -11,7 +11,7 @@ void AssociativeJournal::clear() noexcept {
   m_order.clear();
 }
 
-void AssociativeJournal::reserve() { makeRoomForOne(m_order, 64); }
+void AssociativeJournal::reserve() { makeRoomFor(m_order, 1, 64); }
 
 void AssociativeJournal::undoTo(std::size_t mark) noexcept {
   while (m_order.size() > mark) {

@@ -33,7 +33,7 @@ void CollectionKind::moveOld(ElementStorage& from, ElementStorage& to, Row const
 }
 
 plinth::Value CollectionKind::oldValue(ElementStorage& storage, Row const& row) const {
-  return plinth::Value(plinth::ValueMeta(*row.property), &slotOf<OldCollection>(storage, row).contents());
+  return plinth::Value(plinth::ValueMeta(*row.property), slotOf<OldCollection>(storage, row).contents());
 }
 
 void CollectionKind::sealOld(ElementStorage& storage, Row const& row) const noexcept {

@@ -42,7 +42,7 @@ PropertyDescriptor const& siblingRow(PropertyDescriptor const& row, std::size_t 
 plinth::Value ElementCollectionKind::get(Element& element, Row const& row, Tag const& tag) const {
   ReferenceCollection& collection = require(element, row);
   if (tag.resolvesProxies()) collection.resolveAll();
-  return plinth::Value(plinth::ValueMeta(*row.property), &collection);
+  return plinth::Value(plinth::ValueMeta(*row.property), collection);
 }
 
 bool ElementCollectionKind::isUnchanged(Element const& element, ElementStorage const& storage, Row const& row) const {

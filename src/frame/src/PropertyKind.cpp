@@ -26,9 +26,7 @@ plinth::ModelElement elementFrom(plinth::Value const& value, PropertyDescriptor 
   auto const* const metaClass = dynamic_cast<plinth::meta::ClassImpl const*>(value.meta().type());
   if (metaClass == nullptr || value.meta().flags() >= plinth::meta::SEQUENCE ||
       !metaClass->conformsTo(*row.property->type())) {
-    plinth::reportException(plinth::messages::CannotCastIncompatibleTypes(
-        value.meta().type() == nullptr ? u"" : value.meta().type()->getQualifiedName(),
-        row.property->type()->narrowName()));
+    value.reportIncompatible(plinth::ValueMeta(*row.property));
   }
   return value.isEmpty() ? plinth::ModelElement() : *static_cast<plinth::ModelElement const*>(value.content());
 }

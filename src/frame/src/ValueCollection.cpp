@@ -8,7 +8,7 @@ plinth::AbstractPrimitiveCollection* readValues(Element const& self, PropertyDes
 }
 
 plinth::Value ValueCollectionKind::get(Element& element, Row const& row, Tag const&) const {
-  return plinth::Value(plinth::ValueMeta(*row.property), &requireAny(element, row));
+  return plinth::Value(plinth::ValueMeta(*row.property), requireAny(element, row));
 }
 
 bool ValueCollectionKind::isUnchanged(Element const& element, ElementStorage const&, Row const& row) const {

@@ -6,9 +6,10 @@
 // model's thread, also for reading: a read may resolve a proxy in place.
 #pragma once
 
+#include <algorithm>
 #include <memory>
 
-#include "plinth/Model.hpp"
+#include "plinth/Step.hpp"
 #include "plinth/meta/Property.hpp"
 
 namespace plinth {
@@ -23,10 +24,11 @@ struct CollectionPrivateTag {
 
 namespace detail {
 
-/// Sees to it that the next push_back allocates nothing. Amortized O(1).
+/// Sees to it that the next `count` push_backs allocate nothing. Amortized O(count).
 template <class V>
-void makeRoomForOne(V& steps, std::size_t first = 4) {
-  if (steps.size() == steps.capacity()) steps.reserve(steps.empty() ? first : 2 * steps.size());
+void makeRoomFor(V& steps, std::size_t count, std::size_t first = 4) {
+  if (steps.capacity() - steps.size() >= count) return;
+  steps.reserve(std::max(steps.size() + count, steps.empty() ? first : 2 * steps.size()));
 }
 
 }  // namespace detail
@@ -97,12 +99,19 @@ class TESSEL_EXPORT AbstractOwnedCollection {
 
   /// Announces a change; call before it, inside an Operation. Gives the journal to write to, or null where no undo is
   /// needed. Raises what notifyModifying raises.
-  CollectionJournal* modifying();
+  CollectionJournal* modifying() { return isRecording() ? m_journal.get() : beginRecording(); }
   virtual std::unique_ptr<CollectionJournal> makeJournal() = 0;
   CollectionJournal* journal() const noexcept { return m_journal.get(); }
 
  private:
   friend class OldCollection;
+  /// Whether the present level has announced a change already, so that a further one has only its step to add.
+  bool isRecording() const noexcept {
+    return m_journal != nullptr && m_journal->m_sealed == nullptr && !m_owner->needsNoOldValues() &&
+           m_owner->model().m_log.isTouched(*m_journal);
+  }
+  CollectionJournal* beginRecording();
+
   ModelElementImpl* m_owner;
   meta::PropertyImpl* m_property;
   meta::PropertyImpl* m_opposite;

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "plinth/Messages.hpp"
+#include "plinth/Step.hpp"
 #include "plinth/meta/Type.hpp"
 
 namespace plinth {
@@ -70,7 +71,8 @@ class TESSEL_EXPORT ModelElementBuilder {
   /// CannotAddIncompatibleTypes for a child whose class doesn't fit.
   virtual void setOrAdd(meta::Property const& property, std::unique_ptr<ModelElementBuilder> child);
 
-  bool isSet(unsigned long index) const noexcept { return (m_setMask >> index & 1U) != 0; }
+  /// False for an index that the class doesn't have.
+  bool isSet(unsigned long index) const noexcept { return index < 64 && (m_setMask >> index & 1U) != 0; }
   boost::dynamic_bitset<std::uint64_t> setMask() const;
 
  protected:

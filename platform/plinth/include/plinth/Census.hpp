@@ -32,10 +32,10 @@ struct TESSEL_EXPORT Census {
 };
 
 /// The live elements of the model. O(classes).
-TESSEL_EXPORT Census census(Model const& model);
+[[nodiscard]] TESSEL_EXPORT Census census(Model const& model);
 
 /// Everything there is in the process except the metamodel itself. O(models * classes).
-TESSEL_EXPORT Census census();
+[[nodiscard]] TESSEL_EXPORT Census census();
 
 /// What `after` has beyond `before`, class by class.
 TESSEL_EXPORT Census surplus(Census const& before, Census const& after);

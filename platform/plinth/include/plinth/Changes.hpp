@@ -20,6 +20,8 @@ class RecordPool;
 /// indexes, so one word holds them all.
 class TESSEL_EXPORT Changes {
  public:
+  static constexpr unsigned long INDEXES = 64;
+
   Changes(boost::uuids::uuid const& uuid, ModelImpl& model, meta::ClassImpl const& metaClass,
           unsigned long count) noexcept
       : m_uuid(uuid), m_model(&model), m_class(&metaClass), m_count(static_cast<std::uint32_t>(count)) {}
@@ -31,8 +33,9 @@ class TESSEL_EXPORT Changes {
   Model getModel() const noexcept;
   meta::ClassImpl const& metaClassImpl() const noexcept { return *m_class; }
 
-  bool isChanged(unsigned long index) const noexcept { return (m_bits >> index & 1U) != 0; }
+  bool isChanged(unsigned long index) const noexcept { return index < INDEXES && (m_bits >> index & 1U) != 0; }
   std::uint64_t bits() const noexcept { return m_bits; }
+  /// `index` is below INDEXES, here and below.
   void setBit(unsigned long index) noexcept { m_bits |= std::uint64_t{1} << index; }
   void clearBit(unsigned long index) noexcept { m_bits &= ~(std::uint64_t{1} << index); }
   /// The bits as a bit set of the record's count.

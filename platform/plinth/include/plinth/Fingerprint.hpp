@@ -67,7 +67,8 @@ class TESSEL_EXPORT Fingerprint {
   std::vector<Entry> m_entries;  ///< by UUID
 };
 
-TESSEL_EXPORT boost::optional<Fingerprint::Difference> diff(Fingerprint const& left, Fingerprint const& right);
+[[nodiscard]] TESSEL_EXPORT boost::optional<Fingerprint::Difference> diff(Fingerprint const& left,
+                                                                          Fingerprint const& right);
 TESSEL_EXPORT std::ostream& operator<<(std::ostream& stream, Fingerprint::Difference const& difference);
 
 }  // namespace plinth

@@ -28,10 +28,12 @@ class Handle {
     return *this;
   }
   Handle& operator=(Handle&& other) noexcept {
-    std::swap(m_impl, other.m_impl);
+    Handle moved(std::move(other));
+    std::swap(m_impl, moved.m_impl);
     return *this;
   }
 
+  /// Whoever takes a reference by hand gives it back by hand.
   void addRef() const noexcept {
     if (m_impl != nullptr) m_impl->addRef();
   }

@@ -22,10 +22,12 @@ struct CannotModifyProxy : Record {
 struct UniquenessConstraint : Record {
   UniquenessConstraint() : Record("UniquenessConstraint") {}
 };
-/// Arguments: the type of the value, the type that was expected.
+/// Arguments: the type of the value, the type that was expected, and the shapes of both.
 struct CannotCastIncompatibleTypes : Record {
-  CannotCastIncompatibleTypes(std::u16string actual, std::string expected)
-      : Record("CannotCastIncompatibleTypes", {std::move(actual), std::move(expected)}) {}
+  CannotCastIncompatibleTypes(std::u16string actual, std::string expected, std::string actualShape,
+                              std::string expectedShape)
+      : Record("CannotCastIncompatibleTypes",
+               {std::move(actual), std::move(expected), std::move(actualShape), std::move(expectedShape)}) {}
 };
 struct CannotCreateCrossModelAssociation : Record {
   CannotCreateCrossModelAssociation() : Record("CannotCreateCrossModelAssociation") {}
@@ -72,6 +74,9 @@ struct CannotModifyDestroyedElement : Record {
 };
 struct CannotModifyFrozenModel : Record {
   CannotModifyFrozenModel() : Record("CannotModifyFrozenModel") {}
+};
+struct CannotFreezeOpenModel : Record {
+  CannotFreezeOpenModel() : Record("CannotFreezeOpenModel") {}
 };
 struct CannotModifyOutsideTransaction : Record {
   CannotModifyOutsideTransaction() : Record("CannotModifyOutsideTransaction") {}

@@ -30,7 +30,7 @@ class TESSEL_EXPORT Model : public Handle {
   Model(ModelImpl* impl, Adopt adopt) noexcept;
 
   /// A new, empty model.
-  static Model create();
+  [[nodiscard]] static Model create();
   static meta::Class const& metaClass();
 
   ModelImpl* impl() const noexcept;
@@ -41,10 +41,10 @@ class TESSEL_EXPORT Model : public Handle {
 
   /// Begins a transaction, nested in the innermost open one. Raises NoModel, CannotModifyFrozenModel,
   /// TransactionsNestedTooDeeply. Allocates nothing once warm.
-  Transaction beginTransaction() const;
+  [[nodiscard]] Transaction beginTransaction() const;
   /// Tells `listener` of each outermost commit from now on, until the registration is let go. Raises NoModel,
   /// NoListener.
-  ListenerRegistration addListener(ChangeListener listener) const;
+  [[nodiscard]] ListenerRegistration addListener(ChangeListener listener) const;
 
   class Freezer;
   class Thawer;
@@ -55,22 +55,22 @@ enum class FindElementBehavior { LOAD = 0, IN_MEMORY = 1 };
 class TESSEL_EXPORT ModelImpl : public ElementImpl {
  public:
   ~ModelImpl() override;
-  void removeRef() noexcept override;
 
   // Transactions.
   /// Begins a transaction, nested in the innermost open one. `thawed` is for whoever holds the thaw of a frozen model.
   /// Raises CannotModifyFrozenModel, TransactionsNestedTooDeeply. Allocates nothing once warm.
-  Transaction beginTransaction(bool thawed);
+  [[nodiscard]] Transaction beginTransaction(bool thawed);
   std::uint32_t level() const noexcept { return m_log.level(); }
-  bool isFrozen() const noexcept { return m_frozen; }
+  bool isFrozen() const noexcept { return m_freezes > 0; }
   /// Whether a store now is nobody's business: no transaction could take it back, and no listener hears of it.
-  bool isUnobserved() const noexcept { return level() == 0 && !m_frozen && *m_listenerCount == 0; }
-  UndoLog& undoLog() noexcept { return m_log; }
-  RecordPool& recordPool() noexcept { return m_pool; }
+  bool isUnobserved() const noexcept { return level() == 0 && !isFrozen() && *m_listenerCount == 0; }
+  /// How many steps the open transactions keep for their undo; 0 where none is open.
+  std::size_t undoSize() const noexcept { return m_log.size(); }
 
   // Elements.
-  /// The live element of this UUID, or an empty handle. O(1).
-  ModelElement findElement(boost::uuids::uuid const& uuid, FindElementBehavior behavior) const;
+  /// The live element of this UUID, or an empty handle; all elements of a model are in memory, so that the behaviors
+  /// agree. O(1).
+  [[nodiscard]] ModelElement findElement(boost::uuids::uuid const& uuid, FindElementBehavior behavior) const;
   std::size_t elementCount() const noexcept { return m_directory.size(); }
   ElementDirectory const& directory() const noexcept { return m_directory; }
 
@@ -90,8 +90,8 @@ class TESSEL_EXPORT ModelImpl : public ElementImpl {
   /// While at 1 or above, getters of qualified maps leave proxies as they are.
   std::int32_t resolveSuppression() const noexcept { return m_resolveSuppression; }
   /// Taking in what a map's proxies name is a change: not while that is suppressed, and not while the model is frozen.
-  bool mayResolveOnRead() const noexcept { return m_resolveSuppression < 1 && !m_frozen; }
-  void suppressResolve(bool on) noexcept { m_resolveSuppression += on ? 1 : -1; }
+  bool mayResolveOnRead() const noexcept { return m_resolveSuppression < 1 && !isFrozen(); }
+  class ResolveSuppression;
 
   /// The name under which other models find this one; empty for a model that can't be referred to.
   std::u16string const& name() const noexcept { return m_name; }
@@ -99,7 +99,7 @@ class TESSEL_EXPORT ModelImpl : public ElementImpl {
   void setName(std::u16string name);
 
   /// What listeners raised since the last call, oldest first.
-  std::vector<std::exception_ptr> takeListenerErrors();
+  [[nodiscard]] std::vector<std::exception_ptr> takeListenerErrors();
 
  private:
   friend class Model;
@@ -107,6 +107,7 @@ class TESSEL_EXPORT ModelImpl : public ElementImpl {
   friend class Model::Thawer;
   friend class Transaction;
   friend class Step;
+  friend class AbstractOwnedCollection;
   friend class UndoLog;
   friend class ModelElementImpl;
   friend class Teardown;
@@ -129,83 +130,35 @@ class TESSEL_EXPORT ModelImpl : public ElementImpl {
   std::vector<ModelElementImpl*> m_teardown;  ///< elements whose teardown waits; see Teardown
   std::u16string m_name;
   std::int32_t m_resolveSuppression = 0;
-  bool m_frozen = false;
+  std::int32_t m_freezes = 0;
   bool m_tearingDown = false;
 };
 
-/// The transaction of one step, which happens as a whole or not at all. A SINGLE step can't fail half-way: inside an
-/// open transaction it costs nothing, outside it is one of its own. A STORE is a SINGLE step that only stores: outside
-/// a transaction it keeps no old value either, where nobody listens. A WHOLE step is a nested transaction in any case.
-class Step {
+/// While it lives, getters of qualified maps leave proxies as they are. Nests.
+class ModelImpl::ResolveSuppression {
  public:
-  enum Extent { STORE, SINGLE, WHOLE };
-  explicit Step(ModelImpl& model, Extent extent = SINGLE) : Step(&model, extent) {}
-  Step(Step const&) = delete;
-  Step& operator=(Step const&) = delete;
-  ~Step() {
-    if (m_model == nullptr) return;
-    if (m_isUnlogged) {
-      m_model->m_log.setOff(false);
-    } else {
-      m_model->rollBack();
-    }
-  }
-  void commit() {
-    if (m_model == nullptr || m_isUnlogged) return;
-    m_model->commit();
-    m_model = nullptr;
-  }
-
- protected:
-  /// Null: nothing is taken back.
-  Step(ModelImpl* model, Extent extent) {
-    if (model == nullptr || (extent != WHOLE && model->level() > 0)) return;
-    m_isUnlogged = extent == STORE && model->isUnobserved();
-    if (m_isUnlogged) {
-      model->m_log.setOff(true);
-    } else {
-      model->begin(false);
-    }
-    m_model = model;
-  }
+  explicit ResolveSuppression(ModelImpl& model) noexcept : m_model(&model) { ++model.m_resolveSuppression; }
+  ResolveSuppression(ResolveSuppression const&) = delete;
+  ResolveSuppression& operator=(ResolveSuppression const&) = delete;
+  ~ResolveSuppression() { --m_model->m_resolveSuppression; }
 
  private:
-  ModelImpl* m_model = nullptr;
-  bool m_isUnlogged = false;
+  ModelImpl* m_model;
 };
 
-/// Guards a model against change; a Thawer opens it for a while. Thaws nest.
-class TESSEL_EXPORT Model::Freezer {
- public:
-  Freezer() = default;
-  /// Freezes `model` until a thaw. Raises NoModel.
-  explicit Freezer(Model model);
-  Thawer thaw();
-
- private:
-  friend class Thawer;
-  Model m_model;
-  int m_thaws = 0;
-};
-
-class TESSEL_EXPORT Model::Thawer {
- public:
-  explicit Thawer(Freezer& freezer) noexcept;
-  Thawer(Thawer&& other) noexcept : m_freezer(std::exchange(other.m_freezer, nullptr)) {}
-  Thawer(Thawer const&) = delete;
-  Thawer& operator=(Thawer const&) = delete;
-  ~Thawer();
-
- private:
-  Freezer* m_freezer;
-};
+/// A model is no element of a model.
+bool operator==(Model const&, ModelElement const&) = delete;
+bool operator==(ModelElement const&, Model const&) = delete;
+bool operator!=(Model const&, ModelElement const&) = delete;
+bool operator!=(ModelElement const&, Model const&) = delete;
 
 inline Model::Model(ModelImpl* impl) noexcept : Handle(impl) {}
 inline Model::Model(ModelImpl* impl, Adopt adopt) noexcept : Handle(impl, adopt) {}
 inline ModelImpl* Model::impl() const noexcept { return static_cast<ModelImpl*>(elementImpl()); }
 
+inline RecordPool& ModelElementImpl::recordPool() const noexcept { return m_model->m_pool; }
 inline bool ModelElementImpl::needsNoOldValues() const noexcept {
-  return (m_state & ANNOUNCED) == 0 || m_createdLevel == m_model->level() || m_model->undoLog().isOff();
+  return (m_state & ANNOUNCED) == 0 || m_createdLevel == m_model->level() || m_model->m_log.isOff();
 }
 
 }  // namespace plinth

@@ -183,6 +183,8 @@ class TESSEL_EXPORT ModelElementImpl : public ElementImpl {
  protected:
   ModelElementImpl(Model const& model, boost::uuids::uuid const& uuid);
   ModelElementImpl(ModelImpl& model, boost::uuids::uuid const& uuid);
+  /// Where change records come from.
+  RecordPool& recordPool() const noexcept;
 
  private:
   friend class ModelImpl;

@@ -14,6 +14,7 @@ class Value;
 struct ProxyId;
 class Changes;
 class Storage;
+class RecordPool;
 class ReferenceCollection;
 
 namespace meta {

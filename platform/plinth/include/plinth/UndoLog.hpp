@@ -32,9 +32,14 @@ class TESSEL_EXPORT Undoable {
   /// The outermost transaction has ended: what is kept can go.
   virtual void forget() noexcept = 0;
 
+ protected:
+  /// The steps before this one are an enclosing level's, or may be: they stand as they are.
+  std::size_t firstOwnStep() const noexcept { return m_firstOwnStep; }
+
  private:
   friend class UndoLog;
   std::uint32_t m_touchedLevel = 0;
+  std::uint32_t m_firstOwnStep = 0;
 };
 
 class UndoLog {
@@ -60,6 +65,10 @@ class UndoLog {
   void destroyed(ModelElementImpl& element) noexcept { m_entries.push_back({&element, Kind::DESTROYED, 0}); }
   /// Notes that `journal` changes at the present level; an entry is written the first time only. Raises std::bad_alloc.
   void touch(Undoable& journal);
+  /// Whether it has been touched at the present level, so that another touch would do nothing.
+  bool isTouched(Undoable const& journal) const noexcept {
+    return journal.m_touchedLevel == level() && journal.m_touchedLevel != 0;
+  }
 
   void begin();
   /// Ends the innermost level, which is not the outermost: its entries go to the enclosing one.

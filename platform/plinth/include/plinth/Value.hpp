@@ -1,16 +1,18 @@
 // The reflective value of one property: a type, a shape and a content that the value owns or only points at.
 //
 // A value carries the four functions of its content's C++ type, so that code that knows no types can copy, compare,
-// hash and delete it. Contents of up to eight bytes stand in the value itself. Ownership: a managed value owns its
-// content; an unmanaged one is valid as long as what it points at. Thread rule: one value belongs to one thread at a
-// time.
+// hash and delete it. Contents of up to eight bytes stand in the value itself. The value of a many-valued property is
+// the element's live collection. Ownership: a managed value owns its content; an unmanaged one is valid as long as what
+// it points at. Thread rule: one value belongs to one thread at a time.
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <new>
 #include <string>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 #include "plinth/Hashing.hpp"
 #include "plinth/Messages.hpp"
@@ -18,12 +20,18 @@
 
 namespace plinth {
 
+class AbstractOwnedCollection;
+class AbstractPrimitiveCollection;
+class ReferenceCollection;
+
 /// Type, shape and ownership of a value.
 class ValueMeta {
  public:
   ValueMeta() noexcept = default;
-  /// The property's type and shape.
-  explicit ValueMeta(meta::Property const& property) noexcept : ValueMeta(*property.impl()) {}
+  /// The property's type and shape; no type for an empty handle.
+  explicit ValueMeta(meta::Property const& property) noexcept {
+    if (!property.isEmpty()) *this = ValueMeta(*property.impl());
+  }
   explicit ValueMeta(meta::PropertyImpl const& property) noexcept
       : m_type(property.type()), m_flags(property.valueFlags()) {}
   ValueMeta(meta::TypeImpl* type, meta::ValueFlags flags) noexcept : m_type(type), m_flags(flags) {}
@@ -33,6 +41,8 @@ class ValueMeta {
   meta::ValueFlags flags() const noexcept { return m_flags; }
   bool isOptionalEmpty() const noexcept { return m_optionalEmpty; }
   bool isManaged() const noexcept { return m_managed; }
+  /// Whether the content is a collection of the model, live or with old values.
+  bool isCollection() const noexcept { return m_collection; }
   ValueMeta& setUnmanaged() noexcept {
     m_managed = false;
     return *this;
@@ -43,10 +53,12 @@ class ValueMeta {
   }
 
  private:
+  friend class Value;
   meta::TypeImpl* m_type = nullptr;
   meta::ValueFlags m_flags = meta::SINGLE;
   bool m_optionalEmpty = false;
   bool m_managed = true;
+  bool m_collection = false;
 };
 
 /// Says which meta type a C++ type stands for: `static meta::TypeImpl* type()`. Specialised for each value type.
@@ -59,8 +71,8 @@ class TESSEL_EXPORT Value {
   Value() noexcept = default;
   /// A value of that type and shape with no content.
   explicit Value(ValueMeta const& meta) noexcept : m_meta(meta) {}
-  /// A value that points at a content it does not own, such as a live collection.
-  Value(ValueMeta meta, void* content) noexcept : m_meta(meta.setUnmanaged()), m_content(content) {}
+  /// A value that points at a collection.
+  Value(ValueMeta const& meta, AbstractOwnedCollection& collection) noexcept;
 
   Value(Value const& other);
   Value(Value&& other) noexcept;
@@ -73,6 +85,9 @@ class TESSEL_EXPORT Value {
   /// The same for whoever knows that T fits: a value whose T does not reads memory that isn't there.
   template <class T>
   static Value makeUnchecked(ValueMeta const& meta, T content);
+  /// A value that points at a content which whoever releases it deletes. Raises as make does, and then deletes it.
+  template <class T>
+  static Value makeUnmanaged(ValueMeta const& meta, std::unique_ptr<T> content);
   /// A value for that property. A plain `content` is, for an optional property, a value that is present, and for one of
   /// many values, one of them. Raises CannotCastIncompatibleTypes for a content of another type, and NoSuchProperty for
   /// an empty handle.
@@ -88,17 +103,28 @@ class TESSEL_EXPORT Value {
 
   ValueMeta const& meta() const noexcept { return m_meta; }
   bool isEmpty() const noexcept { return m_content == nullptr; }
+  /// The content, which is of the C++ type that checkCompatible passes. A collection is reached by the two below.
   void const* content() const noexcept { return m_content; }
-  void* content() noexcept { return m_content; }
+  /// The collection of plain values, or of elements, that this is the value of: what changes it changes the element.
+  /// Raise CannotCastIncompatibleTypes for any other value.
+  AbstractPrimitiveCollection& primitiveCollection() const;
+  ReferenceCollection& referenceCollection() const;
 
   /// Raises CannotCastIncompatibleTypes unless this is a value of T: shape and type.
   template <class T>
   void checkCompatible() const;
-  /// A copy of the content; T's default where there is none. Raises as checkCompatible does.
+  /// Raises CannotCastIncompatibleTypes: `expected` is what is needed in the place of this value.
+  [[noreturn]] void reportIncompatible(ValueMeta const& expected) const;
+  /// A copy of the content, of a collection's values for a vector or set; T's default where there is none. Raises as
+  /// checkCompatible does.
   template <class T>
   T getValue() const;
+  /// Deletes what an unmanaged value made by makeUnmanaged points at; copies of it point nowhere then. Leaves any value
+  /// without content.
+  void release() noexcept;
 
-  /// Equal contents by the type's own comparison; values of different types differ.
+  /// Equal contents by the type's own comparison; values of different types or shapes differ, and so do a collection
+  /// and a copy of its values.
   friend TESSEL_EXPORT bool operator==(Value const& left, Value const& right);
   friend bool operator!=(Value const& left, Value const& right) { return !(left == right); }
   std::uint64_t hash() const;
@@ -131,50 +157,66 @@ class TESSEL_EXPORT Value {
     void (*destroyInPlace)(void* content);
   };
   static constexpr std::size_t IN_PLACE = 8;
+  static constexpr std::size_t IN_PLACE_ALIGNMENT = alignof(void*);
   template <class T>
   static constexpr bool standsInPlace = sizeof(T) <= IN_PLACE &&
-                                        (alignof(T) <= IN_PLACE) && std::is_nothrow_move_constructible_v<T>;
+                                        alignof(T) <= IN_PLACE_ALIGNMENT&& std::is_nothrow_move_constructible_v<T>;
   template <class T>
   static Functions const& functionsOf() noexcept;
   /// Raises NoSuchProperty for an empty handle.
   static ValueMeta metaOf(meta::Property const& property);
   void reset() noexcept;
-  [[noreturn]] void reportIncompatible(meta::TypeImpl const* expected) const;
+  AbstractOwnedCollection& requireCollection(bool ofElements) const;
+  std::vector<Value> collectionValues() const;
 
   ValueMeta m_meta;
   void* m_content = nullptr;
   Functions const* m_functions = nullptr;
-  alignas(IN_PLACE) std::byte m_inPlace[IN_PLACE];
+  alignas(IN_PLACE_ALIGNMENT) std::byte m_inPlace[IN_PLACE];
 };
 
-/// Says whether a value is one of T: `static bool accepts(ValueMeta const&)` and `static meta::TypeImpl* expected()`.
+/// Says which values are ones of T: `static ValueMeta expected()`, and `static bool accepts(ValueMeta const&)`.
 template <class T, class = void>
-struct ValueTraits {
-  static meta::TypeImpl* expected() { return MetaTypeOf<T>::type(); }
-  static bool accepts(ValueMeta const& meta) { return meta.flags() == meta::SINGLE && meta.type() == expected(); }
+struct ValueTraits;
+
+namespace detail {
+
+/// One type and one shape.
+template <class T, meta::ValueFlags FLAGS>
+struct ExactValueTraits {
+  static ValueMeta expected() { return {MetaTypeOf<T>::type(), FLAGS}; }
+  static bool accepts(ValueMeta const& meta) { return meta.flags() == FLAGS && meta.type() == MetaTypeOf<T>::type(); }
 };
+
+template <class T>
+inline constexpr bool isMany = false;
+template <class T>
+inline constexpr bool isMany<std::vector<T>> = true;
+template <class T>
+inline constexpr bool isMany<std::set<T>> = true;
+template <class T>
+inline constexpr bool isOptional = false;
+template <class T>
+inline constexpr bool isOptional<boost::optional<T>> = true;
+
+}  // namespace detail
+
+template <class T, class>
+struct ValueTraits : detail::ExactValueTraits<T, meta::SINGLE> {};
+template <class T>
+struct ValueTraits<boost::optional<T>> : detail::ExactValueTraits<T, meta::OPTIONAL> {};
+template <class T>
+struct ValueTraits<std::vector<T>> : detail::ExactValueTraits<T, meta::SEQUENCE> {};
+template <class T>
+struct ValueTraits<std::set<T>> : detail::ExactValueTraits<T, meta::SET> {};
+/// An element of the class or below it.
 template <class T>
 struct ValueTraits<T, std::enable_if_t<std::is_base_of_v<ModelElement, T>>> {
-  static meta::TypeImpl* expected() { return T::metaClass().impl(); }
+  static ValueMeta expected() { return {T::metaClass().impl(), meta::SINGLE}; }
   static bool accepts(ValueMeta const& meta) {
     return meta.flags() < meta::SEQUENCE && meta.type() != nullptr && meta.type()->isClass() &&
-           static_cast<meta::ClassImpl const*>(meta.type())->conformsTo(*expected());
+           static_cast<meta::ClassImpl const*>(meta.type())->conformsTo(*T::metaClass().impl());
   }
-};
-template <class T>
-struct ValueTraits<boost::optional<T>> {
-  static meta::TypeImpl* expected() { return MetaTypeOf<T>::type(); }
-  static bool accepts(ValueMeta const& meta) { return meta.flags() == meta::OPTIONAL && meta.type() == expected(); }
-};
-template <class T>
-struct ValueTraits<std::vector<T>> {
-  static meta::TypeImpl* expected() { return MetaTypeOf<T>::type(); }
-  static bool accepts(ValueMeta const& meta) { return meta.flags() == meta::SEQUENCE && meta.type() == expected(); }
-};
-template <class T>
-struct ValueTraits<std::set<T>> {
-  static meta::TypeImpl* expected() { return MetaTypeOf<T>::type(); }
-  static bool accepts(ValueMeta const& meta) { return meta.flags() == meta::SET && meta.type() == expected(); }
 };
 
 template <class T>
@@ -191,16 +233,6 @@ Value::Functions const& Value::functionsOf() noexcept {
   return functions;
 }
 
-/// Whether T is the content of a value that is neither optional nor many.
-template <class T>
-inline constexpr bool isPlainContent = true;
-template <class T>
-inline constexpr bool isPlainContent<boost::optional<T>> = false;
-template <class T>
-inline constexpr bool isPlainContent<std::vector<T>> = false;
-template <class T>
-inline constexpr bool isPlainContent<std::set<T>> = false;
-
 template <class T>
 Value Value::make(ValueMeta const& meta, T content) {
   if (!ValueTraits<T>::accepts(meta)) Value(meta).reportIncompatible(ValueTraits<T>::expected());
@@ -208,9 +240,19 @@ Value Value::make(ValueMeta const& meta, T content) {
 }
 
 template <class T>
+Value Value::makeUnmanaged(ValueMeta const& meta, std::unique_ptr<T> content) {
+  Value value(meta);
+  value.checkCompatible<T>();
+  value.m_meta.setUnmanaged();
+  value.m_content = content.release();
+  value.m_functions = &functionsOf<T>();
+  return value;
+}
+
+template <class T>
 Value Value::createPrimitiveValue(meta::Property const& property, T const& content) {
   ValueMeta const meta = metaOf(property);
-  if constexpr (isPlainContent<T>) {
+  if constexpr (!detail::isOptional<T> && !detail::isMany<T>) {
     if (meta.flags() == meta::OPTIONAL) return make<boost::optional<T>>(meta, content);
     return make<T>(ValueMeta(meta.type(), meta::SINGLE), content);
   } else {
@@ -221,6 +263,10 @@ Value Value::createPrimitiveValue(meta::Property const& property, T const& conte
 template <class T>
 Value Value::makeUnchecked(ValueMeta const& meta, T content) {
   Value value(meta);
+  if constexpr (detail::isOptional<T>) {
+    value.m_meta.m_optionalEmpty = !content;
+    if (!content) return value;
+  }
   if constexpr (standsInPlace<T>) {
     value.m_content = ::new (value.m_inPlace) T(std::move(content));
   } else {
@@ -238,7 +284,14 @@ void Value::checkCompatible() const {
 template <class T>
 T Value::getValue() const {
   checkCompatible<T>();
-  return m_content == nullptr ? T() : *static_cast<T const*>(m_content);
+  if constexpr (detail::isMany<T>) {
+    if (m_meta.isCollection()) {
+      T values;
+      for (Value const& each : collectionValues()) values.insert(values.end(), each.getValue<typename T::value_type>());
+      return values;
+    }
+  }
+  return m_content == nullptr || m_meta.isOptionalEmpty() ? T() : *static_cast<T const*>(m_content);
 }
 
 /// The handles of the foundation's primitive types, looked up by name at first use.

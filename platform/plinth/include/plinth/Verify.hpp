@@ -39,6 +39,6 @@ TESSEL_EXPORT std::ostream& operator<<(std::ostream& stream, Finding const& find
 /// - "undo": outside a transaction nothing is kept for an undo.
 /// A dead target of a plain reference is sound: a getter deals with it. Resolves no proxy and changes nothing. Not to
 /// be called by a listener, whose transaction still has its undo. Linear in the model, without recursion.
-TESSEL_EXPORT std::vector<Finding> verify(Model const& model);
+[[nodiscard]] TESSEL_EXPORT std::vector<Finding> verify(Model const& model);
 
 }  // namespace plinth

@@ -19,11 +19,11 @@ Class const& MetaElementImpl::getMetaClass() const {
 }
 
 Changes* MetaElementImpl::createChanges() const {
-  return new (model().recordPool()) Storage(getUuid(), model(), *getMetaClass().impl(), 0);
+  return new (recordPool()) Storage(getUuid(), model(), *getMetaClass().impl(), 0);
 }
 
 Storage* MetaElementImpl::createStorage() const {
-  return new (model().recordPool()) Storage(getUuid(), model(), *getMetaClass().impl(), 1);
+  return new (recordPool()) Storage(getUuid(), model(), *getMetaClass().impl(), 1);
 }
 
 void MetaElementImpl::requireNew() const {

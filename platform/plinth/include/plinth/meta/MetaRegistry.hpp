@@ -11,6 +11,7 @@
 #include <string>
 #include <string_view>
 
+#include "plinth/Freezer.hpp"
 #include "plinth/meta/Enum.hpp"
 #include "plinth/meta/Package.hpp"
 #include "plinth/meta/Property.hpp"

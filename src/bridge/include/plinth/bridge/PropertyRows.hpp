@@ -9,8 +9,9 @@
 #include "plinth/bridge/PrimitiveProperty.hpp"
 #include "plinth/bridge/ValueShapes.hpp"
 #include "plinth/collections/ElementSequence.hpp"
-#include "plinth/collections/PrimitiveAssociative.hpp"
+#include "plinth/collections/PrimitiveMap.hpp"
 #include "plinth/collections/PrimitiveSequence.hpp"
+#include "plinth/collections/PrimitiveSet.hpp"
 
 namespace plinth::bridge {
 

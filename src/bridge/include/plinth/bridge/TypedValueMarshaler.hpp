@@ -39,12 +39,12 @@ class AbstractTypedValueMarshaler : public ValueMarshaler {
   }
   Value toUnmanagedSequence(kestrel_array const& array) const override {
     auto content = std::make_unique<std::vector<T>>(rowFromHost(array));
-    return Value(metaOf(meta::SEQUENCE), content.release());
+    return Value::makeUnmanaged(metaOf(meta::SEQUENCE), std::move(content));
   }
   Value toUnmanagedSetValue(kestrel_array const& array) const override {
     std::vector<T> const row = rowFromHost(array);
     auto content = std::make_unique<std::set<T>>(row.begin(), row.end());
-    return Value(metaOf(meta::SET), content.release());
+    return Value::makeUnmanaged(metaOf(meta::SET), std::move(content));
   }
   /// A sequence takes the whole row in one change.
   void fillCollection(AbstractPrimitiveCollection& collection, kestrel_array const& array) const override {

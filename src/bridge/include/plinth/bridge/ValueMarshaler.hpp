@@ -11,7 +11,7 @@
 #include "corvid/Identifier.hpp"
 #include "groundwork/export.hpp"
 #include "kestrel/array_base.hpp"
-#include "plinth/PrimitiveCollection.hpp"
+#include "plinth/AbstractPrimitiveCollection.hpp"
 #include "plinth/Value.hpp"
 
 namespace plinth::bridge {
@@ -44,7 +44,7 @@ class TESSEL_EXPORT ValueMarshaler {
   virtual Value fromKestrelArray(kestrel_array const& array) const = 0;
   /// Each element of the array as a value, checked.
   virtual std::vector<Value> toValueVector(kestrel_array const& array) const = 0;
-  /// All elements as one value of sequence or set shape. The caller deletes the content it points at.
+  /// All elements as one value of sequence or set shape. The caller ends it by Value::release.
   virtual Value toUnmanagedSequence(kestrel_array const& array) const = 0;
   virtual Value toUnmanagedSetValue(kestrel_array const& array) const = 0;
   /// Clears the collection and fills it from the array, which is checked first.

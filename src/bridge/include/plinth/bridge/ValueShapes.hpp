@@ -9,7 +9,7 @@
 #include "corvid/factory/BindingRegistry.hpp"
 #include "corvid/factory/Marshaler.hpp"
 #include "corvid/factory/ValueShape.hpp"
-#include "plinth/PrimitiveCollection.hpp"
+#include "plinth/AbstractPrimitiveCollection.hpp"
 #include "plinth/bridge/ElementBinding.hpp"
 
 namespace plinth::bridge {

@@ -34,11 +34,17 @@ class ElementMap final : public ReferenceMap {
     using pointer = void;
     using reference = value_type;
 
+    EntryIterator() = default;
     explicit EntryIterator(Container::const_iterator at) noexcept : m_at(at) {}
     value_type operator*() const { return {m_at->first, static_cast<T const&>(m_at->second)}; }
     EntryIterator& operator++() {
       ++m_at;
       return *this;
+    }
+    EntryIterator operator++(int) {
+      EntryIterator const before = *this;
+      ++m_at;
+      return before;
     }
     friend bool operator==(EntryIterator const& left, EntryIterator const& right) { return left.m_at == right.m_at; }
     friend bool operator!=(EntryIterator const& left, EntryIterator const& right) { return left.m_at != right.m_at; }

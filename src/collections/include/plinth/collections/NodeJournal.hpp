@@ -31,10 +31,10 @@ class NodeSteps {
   using Mapped = typename MappedType<C>::type;
   static constexpr bool IS_MAP = !std::is_same_v<Mapped, std::monostate>;
 
-  void reserve() { makeRoomForOne(m_steps); }
+  void reserve() { makeRoomFor(m_steps, 1); }
   void reserveReset() {
     reserve();
-    makeRoomForOne(m_former, 1);
+    makeRoomFor(m_former, 1, 1);
   }
   /// `key` stands in the node that was inserted: its address stays good wherever the node goes.
   void inserted(Key const& key) noexcept { m_steps.push_back(Step{Node(), &key, Mapped(), Kind::INSERTED}); }
@@ -118,6 +118,10 @@ class NodeJournal final : public CollectionJournal {
   explicit NodeJournal(C& container) noexcept : m_container(&container) {}
   NodeSteps<C>& nodes() noexcept { return m_nodes; }
   NodeSteps<C> const& nodes() const noexcept { return m_nodes; }
+  void reserveReset() { m_nodes.reserveReset(); }
+  void reset(C former) noexcept { m_nodes.reset(std::move(former)); }
+  C oldContents() const { return m_nodes.oldContents(*m_container); }
+  std::size_t oldSize() const noexcept { return m_nodes.oldSize(m_container->size()); }
   std::size_t steps() const noexcept override { return m_nodes.size(); }
   void clear() noexcept override { m_nodes.clear(); }
   void undoTo(std::size_t mark) noexcept override {

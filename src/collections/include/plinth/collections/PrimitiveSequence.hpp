@@ -3,82 +3,92 @@
 #pragma once
 
 #include <algorithm>
-#include <initializer_list>
+#include <iterator>
+#include <unordered_set>
 
 #include "plinth/FailurePoint.hpp"
-#include "plinth/PrimitiveCollection.hpp"
-#include "plinth/collections/SequenceJournal.hpp"
+#include "plinth/collections/PrimitiveCollection.hpp"
 
 namespace plinth {
+namespace internal {
 
+/// Values change through their sequence alone, so that the mutable form reads only, as the const one does.
+template <class T, bool IS_CONST>
+using SequenceIteratorPrimitive = typename std::vector<T>::const_iterator;
+
+}  // namespace internal
+
+/// What changes the sequence is one step: a transaction of its own where none is open. It raises
+/// CannotModifyDestroyedElement, CannotModifyFrozenModel, std::bad_alloc, and then has changed nothing.
 template <class T>
-class PrimitiveSequence final : public AbstractPrimitiveCollection {
+class PrimitiveSequence final : public PrimitiveCollection<T, std::vector<T>> {
+  using Base = PrimitiveCollection<T, std::vector<T>>;
+
  public:
-  using Element = T;
-  using Iterator = typename std::vector<T>::const_iterator;
-  using value_type = T;
-  using const_iterator = Iterator;
+  using Iterator = internal::SequenceIteratorPrimitive<T, false>;
   /// The untyped view.
   class SequenceInterface;
 
   explicit PrimitiveSequence(CollectionPrivateTag, ModelElementImpl* owner = nullptr,
                              meta::PropertyImpl* property = nullptr) noexcept
-      : AbstractPrimitiveCollection(owner, property) {}
+      : Base(owner, property) {}
 
-  std::size_t size() const noexcept { return m_values.size(); }
-  bool empty() const noexcept override { return m_values.empty(); }
-  void reserve(std::size_t count) { m_values.reserve(count); }
-  std::vector<T> const& values() const noexcept { return m_values; }
-  typename std::vector<T>::const_reference operator[](std::size_t index) const { return m_values[index]; }
-  Iterator begin() const noexcept { return m_values.begin(); }
-  Iterator end() const noexcept { return m_values.end(); }
+  typename std::vector<T>::const_reference operator[](std::size_t index) const { return this->values()[index]; }
+  /// Linear.
+  bool contains(T const& value) const { return find(value) != this->end(); }
+  void reserve(std::size_t count) { this->container().reserve(count); }
+  /// From now on a value that is there already is not added again. Doesn't look at what is there.
   void makeUnique() noexcept { m_unique = true; }
 
-  void push_back(T const& value) { insert(m_values.end(), value); }
-  /// Inserts before the position; in a unique sequence the value's present position is the result.
-  Iterator insert(Iterator position, T const& value);
-  /// Removes and gives the position behind.
-  Iterator erase(Iterator position);
+  /// Amortized O(1); in a unique sequence linear, here and below.
+  void push_back(T value) { insert(this->end(), std::move(value)); }
+  /// Inserts before the position and gives the value's position: in a unique sequence the one that it has already.
+  /// Linear in what lies behind.
+  Iterator insert(Iterator position, T value);
+  /// Inserts the values from `first` to `last` in their order, and gives the position of the first; a unique sequence
+  /// takes those that it doesn't hold yet. The range may be of this very sequence. Linear.
+  template <class InputIterator>
+  Iterator insert(Iterator position, InputIterator first, InputIterator last) {
+    return insertAll(position, std::vector<T>(first, last));
+  }
+  /// Removes and gives the position behind. Linear in what lies behind.
+  Iterator erase(Iterator position) { return erase(position, std::next(position)); }
+  /// Removes the values from `first` to `last` and gives the position behind. Linear.
+  Iterator erase(Iterator first, Iterator last);
   /// Puts the value into a slot; a unique sequence that holds it already stays as it is.
   void replaceAt(std::size_t index, T value);
-  /// Becomes a copy of the values: one change. Linear.
-  void assign(std::vector<T> values);
-  void clear() override { assign({}); }
+  /// Becomes these values; a unique sequence takes the first of equal ones. Linear.
+  void assign(std::vector<T> values) {
+    this->become(m_unique ? withoutRepetitions(std::move(values), {}) : std::move(values));
+  }
   void copyValues(AbstractPrimitiveCollection const* other) override {
-    assign(other == nullptr ? std::vector<T>() : static_cast<PrimitiveSequence const*>(other)->m_values);
+    assign(other == nullptr ? std::vector<T>() : static_cast<PrimitiveSequence const*>(other)->values());
   }
 
   PrimitiveKind getKind() const noexcept override { return PrimitiveKind::SEQUENCE; }
   void genericAdd(Value const& value) override { push_back(value.getValue<T>()); }
   void genericRemove(Value const& value) override {
-    auto const found = std::find(m_values.begin(), m_values.end(), value.getValue<T>());
-    if (found != m_values.end()) erase(found);
+    Iterator const found = find(value.getValue<T>());
+    if (found != this->end()) erase(found);
   }
-  std::vector<Value> getAllValues() const override;
-  bool equals(AbstractPrimitiveCollection const& other) const override {
-    return m_values == static_cast<PrimitiveSequence const&>(other).m_values;
-  }
-
-  std::size_t rawSize() const override { return m_values.size(); }
-  std::size_t oldSize() const override {
-    auto const* const kept = static_cast<Journal const*>(journal());
-    return kept == nullptr ? m_values.size() : kept->oldSize();
-  }
-  std::unique_ptr<AbstractOwnedCollection> oldContents() const override;
-  std::unique_ptr<AbstractOwnedCollection> detachedCopy() const override;
 
  protected:
-  std::unique_ptr<CollectionJournal> makeJournal() override { return std::make_unique<Journal>(m_values); }
+  std::unique_ptr<Base> makeDetached() const override {
+    return std::make_unique<PrimitiveSequence>(CollectionPrivateTag(), nullptr, this->property());
+  }
   std::unique_ptr<GenericPrimitiveCollectionInterface> makeGenericInterface() override {
     return std::make_unique<SequenceInterface>(*this);
   }
 
  private:
-  using Journal = detail::SequenceJournal<T>;
-  Iterator at(std::size_t index) const { return m_values.begin() + static_cast<std::ptrdiff_t>(index); }
-  Journal* recordingJournal() { return static_cast<Journal*>(modifying()); }
+  using typename Base::Journal;
+  using Operation = AbstractOwnedCollection::Operation;
+  Iterator at(std::size_t index) const { return this->begin() + static_cast<std::ptrdiff_t>(index); }
+  std::size_t indexOf(Iterator position) const { return static_cast<std::size_t>(position - this->begin()); }
+  Iterator find(T const& value) const { return std::find(this->begin(), this->end(), value); }
+  Iterator insertAll(Iterator position, std::vector<T> values);
+  static std::vector<T> withoutRepetitions(std::vector<T> values, std::vector<T> const& present);
 
-  std::vector<T> m_values;
   bool m_unique = false;
 };
 
@@ -87,11 +97,11 @@ class PrimitiveSequence<T>::SequenceInterface final : public detail::PrimitiveVi
  public:
   explicit SequenceInterface(PrimitiveSequence& sequence) noexcept : PrimitiveView(sequence), m_sequence(&sequence) {}
   Value genericAt(std::uint32_t index) const override {
-    return Value::makeUnchecked<T>(m_sequence->template elementMeta<T>(), m_sequence->m_values[index]);
+    return Value::makeUnchecked<T>(m_sequence->template elementMeta<T>(), (*m_sequence)[index]);
   }
   std::uint32_t genericIndexOf(Value const& value) const override {
-    auto const found = std::find(m_sequence->begin(), m_sequence->end(), value.getValue<T>());
-    return found == m_sequence->end() ? ABSENT : static_cast<std::uint32_t>(found - m_sequence->begin());
+    Iterator const found = m_sequence->find(value.getValue<T>());
+    return found == m_sequence->end() ? ABSENT : static_cast<std::uint32_t>(m_sequence->indexOf(found));
   }
   void genericReplace(Value const& value, std::uint32_t index) override {
     m_sequence->replaceAt(index, value.getValue<T>());
@@ -106,83 +116,80 @@ class PrimitiveSequence<T>::SequenceInterface final : public detail::PrimitiveVi
 };
 
 template <class T>
-typename PrimitiveSequence<T>::Iterator PrimitiveSequence<T>::insert(Iterator position, T const& value) {
+auto PrimitiveSequence<T>::insert(Iterator position, T value) -> Iterator {
   if (m_unique) {
-    auto const found = std::find(m_values.begin(), m_values.end(), value);
-    if (found != m_values.end()) return found;
+    Iterator const found = find(value);
+    if (found != this->end()) return found;
   }
-  auto const index = static_cast<std::size_t>(position - m_values.begin());
+  std::size_t const index = indexOf(position);
   Operation operation(*this);
-  Journal* const journal = recordingJournal();
+  Journal* const journal = this->recordingJournal();
   if (journal != nullptr) journal->reserve();
   failurePoint("primitive-insert");
-  m_values.insert(position, value);
+  this->container().insert(position, std::move(value));
   if (journal != nullptr) journal->inserted(index);
   operation.commit();
   return at(index);
 }
 
 template <class T>
-typename PrimitiveSequence<T>::Iterator PrimitiveSequence<T>::erase(Iterator position) {
-  auto const index = static_cast<std::size_t>(position - m_values.begin());
+auto PrimitiveSequence<T>::insertAll(Iterator position, std::vector<T> values) -> Iterator {
+  if (m_unique) values = withoutRepetitions(std::move(values), this->values());
+  if (values.empty()) return position;
+  std::size_t const index = indexOf(position);
   Operation operation(*this);
-  Journal* const journal = recordingJournal();
+  Journal* const journal = this->recordingJournal();
   if (journal != nullptr) journal->reserve();
-  T taken = std::move(m_values[index]);
-  m_values.erase(position);
-  if (journal != nullptr) journal->erased(index, std::move(taken));
+  failurePoint("primitive-insert");
+  this->container().reserve(this->size() + values.size());  // so that what follows can't fail half-way
+  this->container().insert(at(index), std::make_move_iterator(values.begin()), std::make_move_iterator(values.end()));
+  if (journal != nullptr) journal->inserted(index, values.size());
   operation.commit();
   return at(index);
 }
 
 template <class T>
-void PrimitiveSequence<T>::assign(std::vector<T> values) {
-  if (values.empty() && m_values.empty()) return;
+std::vector<T> PrimitiveSequence<T>::withoutRepetitions(std::vector<T> values, std::vector<T> const& present) {
+  std::unordered_set<T> seen(present.begin(), present.end());
+  auto const isRepetition = [&seen](T const& value) { return !seen.insert(value).second; };
+  values.erase(std::remove_if(values.begin(), values.end(), isRepetition), values.end());
+  return values;
+}
+
+template <class T>
+auto PrimitiveSequence<T>::erase(Iterator first, Iterator last) -> Iterator {
+  if (first == last) return first;
+  std::size_t const index = indexOf(first);
+  std::size_t const end = indexOf(last);
   Operation operation(*this);
-  Journal* const journal = recordingJournal();
-  if (journal != nullptr) journal->reserveReset();
-  values.swap(m_values);
-  if (journal != nullptr) journal->reset(std::move(values));
+  Journal* const journal = this->recordingJournal();
+  if (journal != nullptr) {
+    journal->reserve(end - index);
+    // One behind the other leaves the same slot.
+    for (std::size_t i = index; i < end; ++i) journal->erased(index, std::move(this->container()[i]));
+  }
+  this->container().erase(first, last);
   operation.commit();
+  return at(index);
 }
 
 template <class T>
 void PrimitiveSequence<T>::replaceAt(std::size_t index, T value) {
-  if (m_unique && std::find(m_values.begin(), m_values.end(), value) != m_values.end()) return;
+  if (m_unique && contains(value)) return;
   Operation operation(*this);
-  Journal* const journal = recordingJournal();
-  if (journal != nullptr) {
-    journal->reserve();
-    journal->replaced(index, m_values[index]);
-  }
-  m_values[index] = std::move(value);
+  Journal* const journal = this->recordingJournal();
+  if (journal != nullptr) journal->reserve();
+  T former = std::move(this->container()[index]);
+  this->container()[index] = std::move(value);
+  if (journal != nullptr) journal->replaced(index, std::move(former));
   operation.commit();
 }
 
-template <class T>
-std::vector<Value> PrimitiveSequence<T>::getAllValues() const {
-  std::vector<Value> all;
-  all.reserve(m_values.size());
-  ValueMeta const meta = elementMeta<T>();
-  for (std::size_t i = 0; i < m_values.size(); ++i) all.push_back(Value::makeUnchecked<T>(meta, m_values[i]));
-  return all;
-}
-
-template <class T>
-std::unique_ptr<AbstractOwnedCollection> PrimitiveSequence<T>::oldContents() const {
-  auto copy = std::make_unique<PrimitiveSequence>(CollectionPrivateTag(), nullptr, property());
-  auto const* const kept = static_cast<Journal const*>(journal());
-  copy->m_values = kept == nullptr ? m_values : kept->oldContents();
-  return copy;
-}
-
-template <class T>
-std::unique_ptr<AbstractOwnedCollection> PrimitiveSequence<T>::detachedCopy() const {
-  auto copy = std::make_unique<PrimitiveSequence>(CollectionPrivateTag(), nullptr, property());
-  copy->m_values = m_values;
-  return copy;
-}
-
+extern template class TESSEL_EXPORT PrimitiveCollection<bool, std::vector<bool>>;
+extern template class TESSEL_EXPORT PrimitiveCollection<double, std::vector<double>>;
+extern template class TESSEL_EXPORT PrimitiveCollection<long, std::vector<long>>;
+extern template class TESSEL_EXPORT PrimitiveCollection<unsigned int, std::vector<unsigned int>>;
+extern template class TESSEL_EXPORT PrimitiveCollection<std::u16string, std::vector<std::u16string>>;
 extern template class TESSEL_EXPORT PrimitiveSequence<bool>;
 extern template class TESSEL_EXPORT PrimitiveSequence<double>;
 extern template class TESSEL_EXPORT PrimitiveSequence<long>;

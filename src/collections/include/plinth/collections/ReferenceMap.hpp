@@ -10,15 +10,9 @@
 #include <string_view>
 
 #include "plinth/collections/AssociativeStore.hpp"
+#include "plinth/collections/CollisionResolution.hpp"
 
 namespace plinth {
-
-/// What an insert does when another element bears the key.
-enum class CollisionResolution : int {
-  RAISE = 0,    ///< raises UniquenessConstraint
-  KEEP = 1,     ///< keeps the element that is there
-  REPLACE = 2,  ///< replaces it
-};
 
 /// Reads the key of an element.
 using KeyExtractor = std::u16string const& (*)(ModelElementImpl const& element);

@@ -32,6 +32,8 @@ class TESSEL_EXPORT ReferenceSequence : public ReferenceCollection {
   /// Puts the element into a slot. Raises CannotAddNonExistentObject for an empty handle, CannotAddSecondObject when a
   /// unique sequence holds the element in another slot.
   void replaceAt(std::size_t position, ModelElement const& element);
+  /// Inserts the element, or, where the sequence is unique and holds it already, swaps it into the slot. Raises as
+  /// insertElement does.
   void ensureAt(std::size_t position, ModelElement const& element);
   /// The slot's element; a proxy is resolved first if it can be.
   ModelElement const& resolveAt(std::size_t position);

@@ -1,4 +1,5 @@
-// The undo of a sequence: what was inserted, erased and replaced, and whole former contents.
+// The undo of a sequence: what was inserted, erased and replaced, and whole former contents. What happens to values
+// that the same transaction level has inserted needs no step of its own, so that filling a sequence costs one in all.
 // Ownership: belongs to the sequence whose vector it takes back. Thread rule: the model's thread.
 #pragma once
 
@@ -15,19 +16,34 @@ class SequenceJournal : public CollectionJournal {
  public:
   explicit SequenceJournal(std::vector<T>& container) noexcept : m_container(&container) {}
 
-  /// Makes room for one step; call before the change.
-  void reserve() { makeRoomForOne(m_steps); }
+  /// Makes room for that many steps; call before the change.
+  void reserve(std::size_t count = 1) { makeRoomFor(m_steps, count); }
   void reserveReset() {
     reserve();
-    makeRoomForOne(m_former, 1);
+    makeRoomFor(m_former, 1, 1);
   }
-  void inserted(std::size_t position) noexcept { add(Kind::INSERTED, position, T()); }
-  void erased(std::size_t position, T value) noexcept { add(Kind::ERASED, position, std::move(value)); }
-  void replaced(std::size_t position, T value) noexcept { add(Kind::REPLACED, position, std::move(value)); }
+  void inserted(std::size_t position, std::size_t count = 1) noexcept {
+    if (Step* const run = ownInsertion(); run != nullptr && run->begin <= position && position <= run->end) {
+      run->end += count;
+    } else {
+      m_steps.push_back(Step{T(), position, position + count, Kind::INSERTED});
+    }
+  }
+  void erased(std::size_t position, T value) noexcept {
+    if (Step* const run = ownInsertionAround(position)) {
+      if (--run->end == run->begin) m_steps.pop_back();
+    } else {
+      m_steps.push_back(Step{std::move(value), position, position + 1, Kind::ERASED});
+    }
+  }
+  void replaced(std::size_t position, T value) noexcept {
+    if (ownInsertionAround(position) != nullptr) return;
+    m_steps.push_back(Step{std::move(value), position, position + 1, Kind::REPLACED});
+  }
   /// The whole contents have been taken out.
   void reset(std::vector<T> former) noexcept {
     m_former.push_back(std::move(former));
-    add(Kind::RESET, m_former.size() - 1, T());
+    m_steps.push_back(Step{T(), m_former.size() - 1, m_former.size(), Kind::RESET});
   }
 
   std::size_t steps() const noexcept override { return m_steps.size(); }
@@ -39,16 +55,15 @@ class SequenceJournal : public CollectionJournal {
   void undoTo(std::size_t mark) noexcept override {
     while (m_steps.size() > mark) {
       Step& step = m_steps.back();
-      auto const at = m_container->begin() + static_cast<std::ptrdiff_t>(step.position);
       switch (step.kind) {
         case Kind::INSERTED:
-          m_container->erase(at);
+          m_container->erase(at(*m_container, step.begin), at(*m_container, step.end));
           break;
         case Kind::ERASED:  // the capacity is there: the vector held this value before
-          m_container->insert(at, std::move(step.value));
+          m_container->insert(at(*m_container, step.begin), std::move(step.value));
           break;
         case Kind::REPLACED:
-          *at = std::move(step.value);
+          *at(*m_container, step.begin) = std::move(step.value);
           break;
         case Kind::RESET:
           *m_container = std::move(m_former.back());
@@ -59,29 +74,29 @@ class SequenceJournal : public CollectionJournal {
     }
   }
 
-  /// The contents before the first step. Linear in contents and steps.
+  /// The contents before the first step. Linear in the contents for each step in the midst of them.
   std::vector<T> oldContents() const {
     std::vector<T> contents = *m_container;
     for (auto step = m_steps.rbegin(); step != m_steps.rend(); ++step) {
-      auto const at = static_cast<std::ptrdiff_t>(step->position);
       if (step->kind == Kind::INSERTED) {
-        contents.erase(contents.begin() + at);
+        contents.erase(at(contents, step->begin), at(contents, step->end));
       } else if (step->kind == Kind::ERASED) {
-        contents.insert(contents.begin() + at, step->value);
+        contents.insert(at(contents, step->begin), step->value);
       } else if (step->kind == Kind::REPLACED) {
-        contents[step->position] = step->value;
+        contents[step->begin] = step->value;
       } else {
-        contents = m_former[step->position];
+        contents = m_former[step->begin];
       }
     }
     return contents;
   }
+  /// How many there were before the first step. Linear in the steps.
   std::size_t oldSize() const noexcept {
     std::size_t size = m_container->size();
     for (auto step = m_steps.rbegin(); step != m_steps.rend(); ++step) {
-      if (step->kind == Kind::INSERTED) --size;
+      if (step->kind == Kind::INSERTED) size -= step->end - step->begin;
       if (step->kind == Kind::ERASED) ++size;
-      if (step->kind == Kind::RESET) size = m_former[step->position].size();
+      if (step->kind == Kind::RESET) size = m_former[step->begin].size();
     }
     return size;
   }
@@ -90,11 +105,22 @@ class SequenceJournal : public CollectionJournal {
   enum class Kind : std::uint8_t { INSERTED, ERASED, REPLACED, RESET };
   struct Step {
     T value;
-    std::size_t position;
+    std::size_t begin;  ///< the first slot; of a reset, the position among the former contents
+    std::size_t end;    ///< the slot behind the last
     Kind kind;
   };
-  void add(Kind kind, std::size_t position, T value) noexcept {
-    m_steps.push_back(Step{std::move(value), position, kind});
+
+  static auto at(std::vector<T>& values, std::size_t position) {
+    return values.begin() + static_cast<std::ptrdiff_t>(position);
+  }
+  /// The last step, if it is an insertion of the present transaction level.
+  Step* ownInsertion() noexcept {
+    bool const isOwn = m_steps.size() > firstOwnStep() && m_steps.back().kind == Kind::INSERTED;
+    return isOwn ? &m_steps.back() : nullptr;
+  }
+  Step* ownInsertionAround(std::size_t position) noexcept {
+    Step* const run = ownInsertion();
+    return run != nullptr && run->begin <= position && position < run->end ? run : nullptr;
   }
 
   std::vector<T>* m_container;

@@ -48,7 +48,7 @@ class TESSEL_EXPORT Element : public plinth::ModelElementImpl {
   /// The change storage of the class: `makeStorage<Storage>()`.
   template <class S>
   S* makeStorage() const {
-    return new (model().recordPool()) S(*this);
+    return new (recordPool()) S(*this);
   }
 };
 

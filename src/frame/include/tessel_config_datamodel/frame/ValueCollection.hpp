@@ -5,8 +5,9 @@
 
 #include <memory>
 
-#include "plinth/collections/PrimitiveAssociative.hpp"
+#include "plinth/collections/PrimitiveMap.hpp"
 #include "plinth/collections/PrimitiveSequence.hpp"
+#include "plinth/collections/PrimitiveSet.hpp"
 #include "tessel_config_datamodel/frame/Collection.hpp"
 
 namespace tessel::frame {

@@ -103,12 +103,12 @@ class TypedDatatypeSerializer : public plinth::meta::DatatypeSerializer {
   Value combineAsUnmanagedSequenceValue(Type const& type, std::vector<Value> const& values) const final {
     auto combined = std::make_unique<std::vector<T>>();
     for (Value const& value : values) combined->push_back(value.getValue<T>());
-    return Value(plinth::ValueMeta(type.impl(), plinth::meta::SEQUENCE), combined.release());
+    return Value::makeUnmanaged(plinth::ValueMeta(type.impl(), plinth::meta::SEQUENCE), std::move(combined));
   }
   Value combineAsUnmanagedSetValue(Type const& type, std::vector<Value> const& values) const final {
     auto combined = std::make_unique<std::set<T>>();
     for (Value const& value : values) combined->insert(value.getValue<T>());
-    return Value(plinth::ValueMeta(type.impl(), plinth::meta::SET), combined.release());
+    return Value::makeUnmanaged(plinth::ValueMeta(type.impl(), plinth::meta::SET), std::move(combined));
   }
   Value fromOptionalValue(Value const& value) const final {
     auto const content = value.getValue<boost::optional<T>>();

@@ -42,31 +42,27 @@ class DefaultPropertySerializer : public plinth::meta::PropertySerializer {
   }
   std::u16string serializeValue(Value const& value) const final { return serialize(value.getValue<E>()); }
   Value parseValue(std::u16string const& text, Type const& type) const final {
-    Value value = Value::make<E>(ValueMeta(type.impl(), plinth::meta::SINGLE), parse(text));
-    value.checkCompatible<E>();
-    return value;
+    return Value::make<E>(ValueMeta(type.impl(), plinth::meta::SINGLE), parse(text));
   }
   Value parseOptionalValue(std::u16string const& text, Type const& type) const final {
-    Value value = Value::make<boost::optional<E>>(ValueMeta(type.impl(), plinth::meta::OPTIONAL), parse(text));
-    value.checkCompatible<boost::optional<E>>();
-    return value;
+    return Value::make<boost::optional<E>>(ValueMeta(type.impl(), plinth::meta::OPTIONAL), parse(text));
   }
   Value createEmptyOptionalValue(Type const& type) const final {
-    return Value(ValueMeta(type.impl(), plinth::meta::OPTIONAL).setOptionalEmpty());
+    return Value::make<boost::optional<E>>(ValueMeta(type.impl(), plinth::meta::OPTIONAL), boost::none);
   }
   Value createDefaultValue(Type const& type) const final {
     return Value::make<E>(ValueMeta(type.impl(), plinth::meta::SINGLE), static_cast<E>(0));
   }
-  void releaseValue(Value& value) const final { value = Value(); }
+  void releaseValue(Value& value) const final { value.release(); }
   Value combineAsUnmanagedSequenceValue(Type const& type, std::vector<Value> const& values) const final {
     auto combined = std::make_unique<std::vector<E>>();
     for (Value const& value : values) combined->push_back(value.getValue<E>());
-    return Value(ValueMeta(type.impl(), plinth::meta::SEQUENCE), combined.release());
+    return Value::makeUnmanaged(ValueMeta(type.impl(), plinth::meta::SEQUENCE), std::move(combined));
   }
   Value combineAsUnmanagedSetValue(Type const& type, std::vector<Value> const& values) const final {
     auto combined = std::make_unique<std::set<E>>();
     for (Value const& value : values) combined->insert(value.getValue<E>());
-    return Value(ValueMeta(type.impl(), plinth::meta::SET), combined.release());
+    return Value::makeUnmanaged(ValueMeta(type.impl(), plinth::meta::SET), std::move(combined));
   }
 
  protected:

@@ -6,8 +6,8 @@
 
 #include "plinth/Builder.hpp"
 #include "plinth/collections/ElementSequence.hpp"
-#include "plinth/collections/PrimitiveAssociative.hpp"
 #include "plinth/collections/PrimitiveSequence.hpp"
+#include "plinth/collections/PrimitiveSet.hpp"
 #include "plinth/collections/UnorderedElementSet.hpp"
 
 namespace tessel::metamodel {

@@ -1,4 +1,4 @@
-#include "plinth/PrimitiveCollection.hpp"
+#include "plinth/AbstractPrimitiveCollection.hpp"
 
 namespace plinth {
 

@@ -1,0 +1,41 @@
+#include "plinth/Transaction.hpp"
+
+#include "plinth/Messages.hpp"
+#include "plinth/Model.hpp"
+#include "plinth/Value.hpp"
+
+namespace plinth {
+
+Transaction::Transaction(ModelImpl& model, unsigned level, unsigned long serial) noexcept
+    : m_model(&model), m_level(level), m_serial(serial) {}
+
+Transaction::Transaction(Transaction&& other) noexcept
+    : m_model(std::move(other.m_model)),
+      m_level(other.m_level),
+      m_serial(other.m_serial),
+      m_open(std::exchange(other.m_open, false)) {}
+
+Transaction::~Transaction() {
+  if (!isOpen()) return;
+  auto& model = static_cast<ModelImpl&>(*m_model.elementImpl());
+  while (model.level() >= m_level) model.rollBack();
+}
+
+void Transaction::commit() {
+  auto* const model = static_cast<ModelImpl*>(m_model.elementImpl());
+  if (!isOpen()) reportException(messages::TransactionEnded());
+  if (model->level() != m_level) reportException(messages::TransactionNotInnermost());
+  model->commit();
+  m_open = false;
+}
+
+bool Transaction::isOpen() const noexcept {
+  if (!m_open) return false;
+  // Inner transactions that outlive an outer one ended with it: their level has another serial by then, or is gone.
+  auto const& model = static_cast<ModelImpl const&>(*m_model.elementImpl());
+  return model.level() >= m_level && model.m_log.serialAt(m_level) == m_serial;
+}
+
+void Transaction::commit(boost::optional<Value> const&) { commit(); }
+
+}  // namespace plinth
