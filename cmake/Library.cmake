@@ -36,6 +36,14 @@ target_link_options(tessel_config_datamodel PRIVATE -Wl,-Bsymbolic-functions)
 if(NOT TESSEL_SANITIZE)
   target_link_options(tessel_config_datamodel PRIVATE -Wl,--no-undefined)
 endif()
+# What the compiler instantiates of other people's templates stays inside. The names that carry identity, those of
+# types, go out all the same: an exception of Boost's that the library throws is caught by its class.
+set(exports ${PROJECT_SOURCE_DIR}/cmake/tessel_config_datamodel.map)
+target_link_options(tessel_config_datamodel PRIVATE -Wl,--version-script=${exports})
+set_property(TARGET tessel_config_datamodel APPEND PROPERTY LINK_DEPENDS ${exports})
+# The metamodel lives until the process ends, with statics that other libraries may share; a dlclose that took the code
+# away from under them would leave it dangling. So the library says of itself that it stays.
+target_link_options(tessel_config_datamodel PRIVATE -Wl,-z,nodelete)
 # Before version 1 every minor version may change the binary interface.
 set_target_properties(tessel_config_datamodel PROPERTIES
   LINKER_LANGUAGE CXX

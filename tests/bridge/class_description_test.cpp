@@ -18,12 +18,12 @@ class ClassDescriptions : public BridgeTest {
       for (CorvidClass* each :
            CorvidPackage::getPackage(makeInterned(std::string("tessel.internal.") + package))->classes())
         if (auto* const metaClass = metaClassOf(*each))
-          all.emplace_back(&classNamed(each->getName().text()), metaClass);
+          all.emplace_back(&classNamed(each->getFullName().text()), metaClass);
     return all;
   }
   static meta::ClassImpl* metaClassOf(CorvidClass const& hostClass) {
     return dynamic_cast<meta::ClassImpl*>(
-        meta::MetaRegistry::getInstance().findType(hostClass.getName().text()).impl());
+        meta::MetaRegistry::getInstance().findType(hostClass.getFullName().text()).impl());
   }
   static corvid::CorvidMethodInfo const* methodOf(CorvidClass const& hostClass, std::string const& name) {
     auto const& methods = hostClass.getMethods(makeInterned(name));
@@ -44,7 +44,7 @@ TEST_F(ClassDescriptions, standForEveryClassOfTheMetamodel) {
   EXPECT_EQ(classes.size(), 67u);
   std::set<std::string> hidden;
   for (auto const& [hostClass, metaClass] : classes) {
-    SCOPED_TRACE(hostClass->getName().text());
+    SCOPED_TRACE(hostClass->getFullName().text());
     auto const& info = hostClass->getInfo();
     EXPECT_TRUE(info.isHandle());
     EXPECT_FALSE(info.isEnumeration());
@@ -54,7 +54,7 @@ TEST_F(ClassDescriptions, standForEveryClassOfTheMetamodel) {
     auto const* const base = metaClass->superclass();
     std::string const expected = base != nullptr ? base->narrowName() : "plinth.ModelElement";
     ASSERT_GE(hostClass->lineage().size(), 2u);
-    EXPECT_EQ(hostClass->lineage()[1]->getName().text(), expected);
+    EXPECT_EQ(hostClass->lineage()[1]->getFullName().text(), expected);
   }
   EXPECT_EQ(hidden, (std::set<std::string>{"ConfigEntry", "ConfigProfile", "ConfigStore", "InternalDef"}));
 }
@@ -62,15 +62,15 @@ TEST_F(ClassDescriptions, standForEveryClassOfTheMetamodel) {
 TEST_F(ClassDescriptions, haveAConstructorUnlessTheyAreAbstract) {
   std::size_t constructors = 0;
   for (auto const& [hostClass, metaClass] : modelClasses()) {
-    SCOPED_TRACE(hostClass->getName().text());
-    auto const* const constructor = methodOf(*hostClass, hostClass->getShortName().text());
+    SCOPED_TRACE(hostClass->getFullName().text());
+    auto const* const constructor = methodOf(*hostClass, hostClass->getName().text());
     ASSERT_EQ(constructor != nullptr, !metaClass->isAbstract());
     if (constructor == nullptr) continue;
     ++constructors;
     auto const& signature = constructor->getSignature();
     EXPECT_EQ(inputsOf(*constructor), "plinth.Model, any, any, ");
     EXPECT_EQ(signature.argumentNames(), (std::vector<std::string>{"model", "opt_init", "opt_uuid"}));
-    EXPECT_EQ(signature.outputs(), std::vector<Identifier>{hostClass->getName()});
+    EXPECT_EQ(signature.outputs(), std::vector<Identifier>{hostClass->getFullName()});
     EXPECT_EQ(signature.minimumInputs(), 1u);
     EXPECT_EQ(constructor->getAttributes(), 0u);
   }
@@ -82,12 +82,12 @@ TEST_F(ClassDescriptions, haveACreateIntoMethodForEachContainmentOfTheClassItsel
   for (auto const& [hostClass, metaClass] : modelClasses()) {
     for (meta::PropertyImpl const* each : metaClass->ownProperties()) {
       std::string const name = "createInto" + memberName(*each).text();
-      SCOPED_TRACE(hostClass->getName().text() + "." + name);
+      SCOPED_TRACE(hostClass->getFullName().text() + "." + name);
       auto const* const method = methodOf(*hostClass, name);
       ASSERT_EQ(method != nullptr, each->isComposite());
       if (method == nullptr) continue;
       ++methods;
-      EXPECT_EQ(inputsOf(*method), hostClass->getName().text() + ", any, char, ");
+      EXPECT_EQ(inputsOf(*method), hostClass->getFullName().text() + ", any, char, ");
       EXPECT_EQ(method->getSignature().outputs().front().text(), each->type()->narrowName());
       EXPECT_EQ(method->getSignature().minimumInputs(), 1u);
       EXPECT_TRUE(method->getSignature().argumentNames().empty());
@@ -99,7 +99,7 @@ TEST_F(ClassDescriptions, haveACreateIntoMethodForEachContainmentOfTheClassItsel
 
 TEST_F(ClassDescriptions, giveTheirMetaClassByAStaticMethod) {
   for (auto const& [hostClass, metaClass] : modelClasses()) {
-    SCOPED_TRACE(hostClass->getName().text());
+    SCOPED_TRACE(hostClass->getFullName().text());
     auto const& methods = hostClass->getMethods(makeInterned("StaticMetaClass"));
     ASSERT_FALSE(methods.empty());
     EXPECT_EQ(methods.back()->getAttributes(), 520u);
@@ -112,7 +112,7 @@ TEST_F(ClassDescriptions, haveEveryPropertyUnderItsNameSingleOnesFirst) {
   std::size_t properties = 0;
   std::size_t hidden = 0;
   for (auto const& [hostClass, metaClass] : modelClasses()) {
-    SCOPED_TRACE(hostClass->getName().text());
+    SCOPED_TRACE(hostClass->getFullName().text());
     std::vector<std::string> expected;
     for (bool const many : {false, true})
       for (meta::PropertyImpl const* each : metaClass->ownProperties()) {
@@ -195,7 +195,7 @@ TEST_F(ClassDescriptions, describeDatatypesAsValues) {
     for (char const* comparison : {"eq", "ne", "lt"}) {
       auto const* const method = methodOf(hostClass, comparison);
       ASSERT_NE(method, nullptr);
-      std::string const own = hostClass.getName().text() + ", ";
+      std::string const own = hostClass.getFullName().text() + ", ";
       EXPECT_EQ(inputsOf(*method), own + own);
       EXPECT_EQ(method->getSignature().outputs().front().text(), "logical scalar");
       EXPECT_EQ(method->getAttributes(), 0u);
@@ -231,7 +231,7 @@ TEST_F(ClassDescriptions, describeEnumerationsWithTheirLiteralsAndMethods) {
     for (auto const& member : hostClass.getEnumValues()) {
       actual +=
           member->getName().text() + " " + std::to_string(kestrel::element<std::int32_t>(member->getValue())) + " ";
-      EXPECT_EQ(kestrel::className(member->getValue()), hostClass.getName());
+      EXPECT_EQ(kestrel::className(member->getValue()), hostClass.getFullName());
       EXPECT_EQ(&member->getValue(), &member->getValue()) << "made once";
     }
     EXPECT_EQ(actual, literals);
@@ -248,7 +248,7 @@ TEST_F(ClassDescriptions, aSelfThatIsNoMemberCountsAsZero) {
     return corvid::invoke(type, makeInterned(method), {&self});
   };
   auto const other = corvid::construct(classNamed("tessel.internal.config.expr.ExprType"), {text(u"OPERATION").get()});
-  auto const beyond = kestrel::createBuiltInBased(type.getName(), kestrel::createScalar<std::int32_t>(21));
+  auto const beyond = kestrel::createBuiltInBased(type.getFullName(), kestrel::createScalar<std::int32_t>(21));
   EXPECT_EQ(kestrel::element<std::int32_t>(*call("getValue", *kestrel::createEmpty(kestrel::ClassId::Double))), 0);
   EXPECT_EQ(kestrel::element<std::int32_t>(*call("getValue", *other)), 0);
   EXPECT_EQ(kestrel::charText(*call("getLiteral", *other)), u"ANY");

@@ -52,10 +52,14 @@ TEST_F(ElementAccess, anEmptyArrayIsNeitherStructNorUuid) {
   auto const none = kestrel::createEmpty(kestrel::ClassId::Double);
   auto const noStructs = kestrel::createStruct({"Key"}, kestrel::EMPTY);
   CorvidClass& entryClass = classNamed("tessel.internal.ext.ConfigEntry");
-  EXPECT_EQ(errorOf([&] { corvid::construct(entryClass, {none.get()}); }), "plinth:messages:CannotCreateWithoutModel");
-  EXPECT_EQ(errorOf([&] { corvid::construct(entryClass, {model.get(), none.get()}); }), "plinth:messages:InvalidValue");
+  EXPECT_EQ(errorOf([&] { return corvid::construct(entryClass, {none.get()}); }),
+            "plinth:messages:CannotCreateWithoutModel");
   EXPECT_EQ(errorOf([&] {
-              corvid::construct(entryClass, {model.get(), noStructs.get()});
+              return corvid::construct(entryClass, {model.get(), none.get()});
+            }),
+            "plinth:messages:InvalidValue");
+  EXPECT_EQ(errorOf([&] {
+              return corvid::construct(entryClass, {model.get(), noStructs.get()});
             }),
             "plinth:messages:InvalidValue");
   auto const profile = announce(ConfigProfile::create(m_model));
@@ -159,7 +163,7 @@ TEST_F(ElementAccess, aDestroyedElementIsRefusedByEveryDoor) {
 
 TEST_F(ElementAccess, anEmptySelfIsRefusedAsOneThatIsGone) {
   CorvidClass& profileClass = classNamed("tessel.internal.ext.ConfigProfile");
-  auto const nobody = kestrel::createObjects(profileClass.getName(), kestrel::EMPTY);
+  auto const nobody = kestrel::createObjects(profileClass.getFullName(), kestrel::EMPTY);
   auto const& id = corvid::requireProperty(profileClass, makeInterned("Id"));
   for (auto const& action : std::vector<std::function<void()>>{
            [&] { corvid::getProperty(*nobody, id); }, [&] { corvid::setProperty(*nobody, id, *text(u"x")); },

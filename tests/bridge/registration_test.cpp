@@ -16,7 +16,7 @@ CorvidPackage* package(char const* name) { return CorvidPackage::getPackage(make
 
 std::string classesOf(char const* name) {
   std::string names;
-  for (CorvidClass const* hostClass : package(name)->classes()) names += hostClass->getShortName().text() + " ";
+  for (CorvidClass const* hostClass : package(name)->classes()) names += hostClass->getName().text() + " ";
   return names;
 }
 

@@ -1,4 +1,5 @@
-# Builds and runs the program with a bare compiler and the flags that pkg-config gives.
+# Builds and runs the first program, and one that looks across the library's boundary, with a bare compiler, the flags that
+# pkg-config gives, and more warnings than the library itself is built with.
 include(${CMAKE_CURRENT_LIST_DIR}/expect.cmake)
 
 file(REMOVE_RECURSE ${WORK})
@@ -8,8 +9,13 @@ execute_process(
   COMMAND ${PKG_CONFIG} --cflags --libs tessel_config_datamodel
   OUTPUT_VARIABLE flags OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
 separate_arguments(flags UNIX_COMMAND "${FLAGS} ${flags}")
-execute_process(
-  COMMAND ${COMPILER} -std=c++17 ${PROGRAM}/main.cpp -o ${WORK}/program ${flags}
-  COMMAND_ERROR_IS_FATAL ANY)
+set(warnings -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Werror)
+foreach(source ${PROGRAM}/main.cpp ${CMAKE_CURRENT_LIST_DIR}/boundary.cpp)
+  cmake_path(GET source STEM name)
+  execute_process(
+    COMMAND ${COMPILER} -std=c++17 ${warnings} ${source} -o ${WORK}/${name} ${flags}
+    COMMAND_ERROR_IS_FATAL ANY)
+endforeach()
 set(ENV{LD_LIBRARY_PATH} ${PREFIX}/${LIBDIR})
-expect_rolled_back(${WORK}/program)
+expect_rolled_back(${WORK}/main)
+execute_process(COMMAND ${WORK}/boundary COMMAND_ERROR_IS_FATAL ANY)

@@ -20,8 +20,8 @@ using Classes = HostTest;
 TEST_F(Classes, inheritMembersButNoConstructors) {
   CorvidClass& cat = classNamed("zoo.residents.Cat");
   EXPECT_TRUE(cat.isSubclassOf(makeInterned("zoo.residents.Animal")));
-  EXPECT_TRUE(cat.isSubclassOf(cat.getName()));
-  EXPECT_FALSE(animalClass().isSubclassOf(cat.getName()));
+  EXPECT_TRUE(cat.isSubclassOf(cat.getFullName()));
+  EXPECT_FALSE(animalClass().isSubclassOf(cat.getFullName()));
   EXPECT_EQ(cat.lineage(), (std::vector<CorvidClass const*>{&cat, &animalClass()}));
   EXPECT_EQ(cat.findProperty(makeInterned("Weight")), animalClass().findProperty(makeInterned("Weight")));
   EXPECT_TRUE(cat.getMethods(makeInterned("Animal")).empty());
@@ -87,10 +87,10 @@ TEST_F(Classes, anOptionalArgumentIsConvertedOrLeftToTheMethodToJudge) {
 }
 
 TEST_F(Classes, abstractClassesHaveNoObjects) {
-  EXPECT_EQ(errorOf([] { construct(classNamed("zoo.residents.Ghost"), {}); }), "Kestrel:class:AbstractClass");
+  EXPECT_EQ(errorOf([] { return construct(classNamed("zoo.residents.Ghost"), {}); }), "Kestrel:class:AbstractClass");
   auto const number = kestrel::createScalar(1.0);
   EXPECT_EQ(errorOf([&] {
-              construct(animalClass(), {number.get(), number.get(), number.get()});
+              return construct(animalClass(), {number.get(), number.get(), number.get()});
             }),
             "Kestrel:class:WrongArgumentCount");
 }
@@ -132,7 +132,7 @@ TEST_F(Classes, enumerationsAreMadeFromMembersTextAndNumbers) {
   EXPECT_EQ(namesOf(diet.getEnumValues()), (std::vector<std::string>{"PLANTS", "MEAT", "EVERYTHING"}));
   auto const made = [&](kestrel::OwnedArray const& from) { return construct(diet, {from.get()}); };
   kestrel::OwnedArray const meat = made(kestrel::createChar(u"MEAT"));
-  EXPECT_EQ(kestrel::className(*meat), diet.getName());
+  EXPECT_EQ(kestrel::className(*meat), diet.getFullName());
   EXPECT_EQ(kestrel::element<std::int32_t>(*meat), 2);
   EXPECT_TRUE(kestrel::equalContents(made(meat).get(), meat.get()));
   EXPECT_TRUE(kestrel::equalContents(made(kestrel::createScalar(2.0)).get(), meat.get()));
@@ -144,7 +144,7 @@ TEST_F(Classes, enumerationsAreMadeFromMembersTextAndNumbers) {
       << "a method that judges its own self is given what could not be converted";
   EXPECT_EQ(errorOf([&] { made(kestrel::createChar(u"STONES")); }), "Kestrel:class:WrongType");
   EXPECT_EQ(errorOf([&] { made(kestrel::createScalar(1.5)); }), "Kestrel:class:ValueOutOfRange");
-  EXPECT_EQ(errorOf([&] { construct(diet, {}); }), "Kestrel:class:WrongArgumentCount");
+  EXPECT_EQ(errorOf([&] { return construct(diet, {}); }), "Kestrel:class:WrongArgumentCount");
 }
 
 }  // namespace

@@ -137,7 +137,7 @@ TEST_F(Objects, refuseWrongValuesUnderANameAndStayAsTheyWere) {
 TEST_F(Objects, ofARowAreNotTakenForOneByAMethod) {
   CorvidClass& placeClass = classNamed("zoo.residents.Place");
   kestrel::OwnedArray const place = construct(placeClass, {});
-  kestrel::OwnedArray const two = kestrel::createObjects(placeClass.getName(), kestrel::row(2));
+  kestrel::OwnedArray const two = kestrel::createObjects(placeClass.getFullName(), kestrel::row(2));
   kestrel::setObject(*two, 0, kestrel::object(*place));
   kestrel::setObject(*two, 1, kestrel::object(*place));
   EXPECT_EQ(errorOf([&] {
@@ -175,7 +175,7 @@ TEST_F(Objects, thatAreValuesAreCopiedAndComparedByContent) {
   EXPECT_FALSE(kestrel::equalContents(copy.get(), place.get()));
 
   auto const copier = &factory::Marshaler<factory::DataTypePolicy>::copier<zoo::Place>;
-  auto announced = BindingRegistry::announceWithoutStoring(new zoo::Place{1, 0}, placeClass.getName(), copier);
+  auto announced = BindingRegistry::announceWithoutStoring(new zoo::Place{1, 0}, placeClass.getFullName(), copier);
   EXPECT_TRUE(kestrel::equalContents(announced.get(), copy.get()));
   EXPECT_TRUE(kestrel::equalContents(kestrel::deepCopy(announced.get()).get(), copy.get()));
 
@@ -186,7 +186,7 @@ TEST_F(Objects, thatAreValuesAreCopiedAndComparedByContent) {
 TEST_F(Objects, ofAnUnknownClassAreNotBound) {
   zoo::AnimalHandle const animal(new zoo::Animal);
   bool isNew = true;
-  EXPECT_EQ(errorOf([&] { BindingRegistry::announce(animal.get(), makeInterned("zoo.Dodo"), isNew); }),
+  EXPECT_EQ(errorOf([&] { return BindingRegistry::announce(animal.get(), makeInterned("zoo.Dodo"), isNew); }),
             "Kestrel:class:NoSuchClass");
   EXPECT_FALSE(isNew);
   EXPECT_FALSE(BindingRegistry::remove(animal.get()));

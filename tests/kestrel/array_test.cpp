@@ -161,12 +161,30 @@ TEST_F(HostArray, whatAnArrayDoesNotHaveIsANamedErrorAndChangesNothing) {
   EXPECT_EQ(errorOf([&] { setObjectClass(*number, intern("zoo.Kind")); }), "Kestrel:array:WrongClass");
   EXPECT_EQ(errorOf([&] { stringElement(*number); }), "Kestrel:array:WrongClass");
   EXPECT_EQ(errorOf([&] { setCell(*number, 0, nullptr); }), "Kestrel:array:WrongClass");
-  EXPECT_EQ(errorOf([] { createObject(nullptr); }), "Kestrel:array:NoObject");
-  EXPECT_EQ(errorOf([] { createStruct({"a", "b", "a"}); }), "Kestrel:array:DuplicateField");
+  EXPECT_EQ(errorOf([] { return createObject(nullptr); }), "Kestrel:array:NoObject");
+  EXPECT_EQ(errorOf([] { return createStruct({"a", "b", "a"}); }), "Kestrel:array:DuplicateField");
   EXPECT_EQ(errorOf([] { field(*createStruct({"a"}), 0, "b"); }), "Kestrel:array:NoSuchField");
   EXPECT_EQ(errorOf([] { setField(*createStruct({"a"}), 1, "b", nullptr); }), "Kestrel:array:OutOfRange");
-  EXPECT_EQ(errorOf([] { createBuiltInBased(intern(""), createScalar(1)); }), "Kestrel:array:NotBuiltIn");
+  EXPECT_EQ(errorOf([] { return createBuiltInBased(intern(""), createScalar(1)); }), "Kestrel:array:NotBuiltIn");
   EXPECT_EQ(element<double>(*number), 1.0);
+}
+
+TEST_F(HostArray, dimensionsThatNoMemoryHoldsAreRefusedHoweverTheirProductWrapsAround) {
+  constexpr std::size_t MANY = std::size_t{1} << 61;
+  for (Dimensions const& size :
+       {Dimensions{MANY + 1, 1}, Dimensions{1, MANY + 1}, Dimensions{MANY, 8},
+        Dimensions{std::size_t{1} << 32, std::size_t{1} << 32}, Dimensions{~std::size_t{0}, 1}}) {
+    EXPECT_EQ(errorOf([&] { return createNumeric<double>(size); }), "Kestrel:array:TooLarge");
+    EXPECT_EQ(errorOf([&] { return createStrings(size); }), "Kestrel:array:TooLarge");
+    EXPECT_EQ(errorOf([&] { return createObjects(intern("zoo.Kind"), size); }), "Kestrel:array:TooLarge");
+    EXPECT_EQ(errorOf([&] { return createCell(size); }), "Kestrel:array:TooLarge");
+    EXPECT_EQ(errorOf([&] { return createStruct({"a"}, size); }), "Kestrel:array:TooLarge");
+  }
+  EXPECT_EQ(errorOf([] { return createNumeric<std::uint8_t>({MANY, 8}); }), "Kestrel:array:TooLarge");
+  OwnedArray const fieldless = createStruct({}, {MANY, 1});
+  EXPECT_EQ(errorOf([&] { setField(*fieldless, 0, "a", nullptr); }), "Kestrel:array:TooLarge");
+  EXPECT_TRUE(fieldNames(*fieldless).empty());
+  EXPECT_TRUE(isEmpty(*createNumeric<double>({~std::size_t{0}, 0})));
 }
 
 TEST_F(HostArray, madeInOneThreadMayBeFreedInAnotherAndAllAreCounted) {

@@ -8,9 +8,6 @@ Printers look only at fields, so they work on a core file too. What they cannot 
 import gdb
 import gdb.printing
 
-PROXY, DESTROYED, ANNOUNCED = 1, 2, 4  # plinth::ElementImpl::State
-REFCOUNT_DELETING = 0x80000000
-
 
 def uuid_text(uuid):
     """The usual lower-case form of a boost::uuids::uuid."""
@@ -56,18 +53,25 @@ def count_of(impl):
         return int(count["_M_i"])
 
 
+def state_bits():
+    """The bits of an element's state by name, as the program was compiled with them."""
+    fields = gdb.lookup_type("plinth::ElementImpl::State").fields()
+    return {field.name.rpartition("::")[2]: field.enumval for field in fields}
+
+
 def state_of(impl):
     """An element's life in a word or two."""
     state = int(impl["m_state"])
-    if count_of(impl) >= REFCOUNT_DELETING:
+    bits = state_bits()
+    if count_of(impl) >= int(impl["REFCOUNT_DELETING"]):
         return "being deleted"
-    if state & PROXY:
+    if state & bits["PROXY"]:
         return "proxy"
     if int(impl["m_live"]):
         return "live"
-    if state & DESTROYED:
+    if state & bits["DESTROYED"]:
         return "destroyed"
-    return "dead" if state & ANNOUNCED else "not announced yet"
+    return "dead" if state & bits["ANNOUNCED"] else "not announced yet"
 
 
 class HandlePrinter:

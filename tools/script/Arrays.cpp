@@ -111,9 +111,7 @@ void registerArrays(lua_State* state) {
   setFunction<equal>(state, "__eq");
   setFunction<toString>(state, "__tostring");
   setFunction<collect>(state, "__gc");
-  lua_pushstring(state, ARRAY_TYPE);
-  lua_setfield(state, -2, "__metatable");
-  lua_pop(state, 1);
+  finishType(state, ARRAY_TYPE);
 }
 
 void pushArray(lua_State* state, kestrel::OwnedArray array) {

@@ -54,7 +54,7 @@ void addClassMembers(std::set<std::string>& names, corvid::CorvidClass const& ho
 void addPackageMembers(std::set<std::string>& names, corvid::CorvidPackage& package) {
   addNames(names, package.subpackages());
   for (corvid::CorvidClass const* hostClass : package.classes())
-    if (!hostClass->getInfo().isHidden()) names.insert(hostClass->getShortName().text());
+    if (!hostClass->getInfo().isHidden()) names.insert(hostClass->getName().text());
 }
 
 void addKeys(lua_State* state, std::set<std::string>& names) {

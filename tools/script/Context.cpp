@@ -135,6 +135,12 @@ std::string_view checkText(lua_State* state, int index) {
   return {text, length};
 }
 
+void finishType(lua_State* state, char const* type) {
+  lua_pushstring(state, type);
+  lua_setfield(state, -2, "__metatable");
+  lua_pop(state, 1);
+}
+
 void pushError(lua_State* state, corvid::ErrorDescription const& error) {
   lua_createtable(state, 0, 3);
   lua_pushlstring(state, error.identifier.data(), error.identifier.size());

@@ -114,4 +114,7 @@ void setFunction(lua_State* state, char const* name) {
   lua_setfield(state, -2, name);
 }
 
+/// Takes the finished metatable of a type off the stack. Scripts that ask for it get the type's name instead.
+void finishType(lua_State* state, char const* type);
+
 }  // namespace luafront

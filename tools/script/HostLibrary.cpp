@@ -24,7 +24,7 @@ corvid::CorvidClass const& classOfArgument(lua_State* state) {
 // A class among the arguments, given as such or by its name.
 std::string nameOfClass(lua_State* state, int index) {
   corvid::CorvidClass const* const hostClass = toClass(state, index);
-  return hostClass != nullptr ? hostClass->getName().text() : std::string(checkText(state, index));
+  return hostClass != nullptr ? hostClass->getFullName().text() : std::string(checkText(state, index));
 }
 
 template <class Members>
@@ -49,7 +49,7 @@ int classes(lua_State* state) {
   lua_Integer position = 0;
   for (corvid::CorvidClass const* hostClass : package->classes()) {
     if (hostClass->getInfo().isHidden()) continue;
-    lua_pushstring(state, hostClass->getShortName().c_str());
+    lua_pushstring(state, hostClass->getName().c_str());
     lua_rawseti(state, -2, ++position);
   }
   return 1;

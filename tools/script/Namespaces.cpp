@@ -71,7 +71,7 @@ int classIndex(lua_State* state) {
   } else if (!hostClass.getMethods(name).empty()) {
     pushMethod(state, hostClass, name, NamedOn::Class);
   } else {
-    throw corvid::HostError(corvid::ErrorKey::NO_SUCH_MEMBER, "Class '" + hostClass.getName().text() +
+    throw corvid::HostError(corvid::ErrorKey::NO_SUCH_MEMBER, "Class '" + hostClass.getFullName().text() +
                                                                   "' has no method or literal '" + name.text() + "'.");
   }
   return 1;
@@ -80,7 +80,7 @@ int classIndex(lua_State* state) {
 int classCall(lua_State* state) { return constructObject(state, checkClass(state), 2); }
 
 int classToString(lua_State* state) {
-  lua_pushstring(state, checkClass(state).getName().c_str());
+  lua_pushstring(state, checkClass(state).getFullName().c_str());
   return 1;
 }
 
@@ -95,13 +95,6 @@ int refuseAssignment(lua_State*) {
   throw corvid::HostError(corvid::ErrorKey::READ_ONLY_PROPERTY, "Nothing can be assigned in a package or class.");
 }
 
-void finishType(lua_State* state, char const* type) {
-  setFunction<refuseAssignment>(state, "__newindex");
-  lua_pushstring(state, type);
-  lua_setfield(state, -2, "__metatable");
-  lua_pop(state, 1);
-}
-
 }  // namespace
 
 CorvidPackage* toPackage(lua_State* state, int index) { return toPointer<CorvidPackage>(state, index, PACKAGE_TYPE); }
@@ -113,6 +106,7 @@ void registerNamespaces(lua_State* state) {
   setFunction<packageIndex>(state, "__index");
   setFunction<packageToString>(state, "__tostring");
   setFunction<equalPointers<CorvidPackage, toPackage>>(state, "__eq");
+  setFunction<refuseAssignment>(state, "__newindex");
   finishType(state, PACKAGE_TYPE);
 
   luaL_newmetatable(state, CLASS_TYPE);
@@ -120,6 +114,7 @@ void registerNamespaces(lua_State* state) {
   setFunction<classCall>(state, "__call");
   setFunction<classToString>(state, "__tostring");
   setFunction<equalPointers<CorvidClass, toClass>>(state, "__eq");
+  setFunction<refuseAssignment>(state, "__newindex");
   finishType(state, CLASS_TYPE);
 
   lua_pushglobaltable(state);

@@ -50,7 +50,8 @@ void pushMembers(lua_State* state, CorvidClass const& hostClass) {
 }
 
 [[noreturn]] void refuseMember(CorvidClass const& hostClass, corvid::Identifier name) {
-  std::string sentence = "Class '" + hostClass.getName().text() + "' has no property or method '" + name.text() + "'";
+  std::string sentence =
+      "Class '" + hostClass.getFullName().text() + "' has no property or method '" + name.text() + "'";
   if (!hostClass.getMethods(makeInterned(corvid::ContainerMethod::KEYS)).empty())
     sentence += "; an element is reached by its key with the method '" + std::string(keyedAccess(hostClass)) + "'";
   throw corvid::HostError(corvid::ErrorKey::NO_SUCH_MEMBER, sentence + ".");
@@ -154,7 +155,7 @@ int pairs(lua_State* state) {
   if (!hasMethod(box, corvid::ContainerMethod::AT))
     throw corvid::HostError(
         corvid::ErrorKey::NO_SUCH_MEMBER,
-        "An object of the class '" + box.hostClass->getName().text() + "' has no elements to walk.");
+        "An object of the class '" + box.hostClass->getFullName().text() + "' has no elements to walk.");
   if (!isKeyed || callWith(state, corvid::ContainerMethod::KEYS) == 0) lua_pushnil(state);
   lua_pushinteger(state, 0);
   lua_pushcclosure(state, guarded<nextElement>, 2);
@@ -178,7 +179,8 @@ int lessThan(lua_State* state) {
 
 int toString(lua_State* state) {
   ObjectBox const& box = checkObject(state, 1);
-  lua_pushfstring(state, "%s%s: %p", box.hostClass->getName().c_str(), corvid::isLive(*box.self) ? "" : " (destroyed)",
+  lua_pushfstring(state, "%s%s: %p", box.hostClass->getFullName().c_str(),
+                  corvid::isLive(*box.self) ? "" : " (destroyed)",
                   static_cast<void const*>(kestrel::object(*box.self).get()));
   return 1;
 }
@@ -221,9 +223,7 @@ void registerObjects(lua_State* state) {
   setFunction<toString>(state, "__tostring");
   setFunction<close>(state, "__close");
   setFunction<collect>(state, "__gc");
-  lua_pushstring(state, OBJECT_TYPE);
-  lua_setfield(state, -2, "__metatable");
-  lua_pop(state, 1);
+  finishType(state, OBJECT_TYPE);
 }
 
 void pushObject(lua_State* state, kestrel::ObjectRef const& object) {

@@ -36,7 +36,7 @@ std::u16string utf16Of(lua_State* state, int index) {
 // The class at the index under its name; null for any other value.
 kestrel::OwnedArray nameOfClass(lua_State* state, int index) {
   corvid::CorvidClass const* const hostClass = toClass(state, index);
-  return hostClass != nullptr ? kestrel::createChar(groundwork::toUtf16(hostClass->getName().text())) : nullptr;
+  return hostClass != nullptr ? kestrel::createChar(groundwork::toUtf16(hostClass->getFullName().text())) : nullptr;
 }
 
 enum class ListKind { Empty, Integers, Numbers, Booleans, Strings, Objects, Mixed };

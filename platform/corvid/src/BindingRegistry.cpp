@@ -20,7 +20,7 @@ ScriptObject* find(void* native) {
 ScriptObject& unboundObject(kestrel_array const& self, CorvidClass const& hostClass) {
   auto* const object = dynamic_cast<ScriptObject*>(kestrel::object(self).get());
   if (object == nullptr || object->isBound() || !hostClass.isSubclassOf(object->className()))
-    throw HostError(ErrorKey::BAD_DESCRIPTION, "A constructor bound the class '" + hostClass.getName().text() +
+    throw HostError(ErrorKey::BAD_DESCRIPTION, "A constructor bound the class '" + hostClass.getFullName().text() +
                                                    "' to an object of the class '" + kestrel::className(self).text() +
                                                    "' that does not wait for it.");
   return *object;

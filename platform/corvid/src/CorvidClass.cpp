@@ -55,7 +55,7 @@ std::vector<Member const*> listMembers(std::vector<CorvidClass const*> const& li
 CorvidClass::CorvidClass(std::unique_ptr<CorvidClassInfo> info)
     : m_info(std::move(info)),
       m_fullName(internal::makeInterned(m_info->getFullName())),
-      m_shortName(internal::makeInterned(m_info->getName())),
+      m_name(internal::makeInterned(m_info->getName())),
       m_ancestors{this} {}
 
 CorvidClass::~CorvidClass() = default;
@@ -129,7 +129,7 @@ void CorvidClass::inheritFrom(CorvidClass const& superclass, bool withMembers) {
   if (!withMembers) return;
   m_properties.insert(superclass.m_properties.begin(), superclass.m_properties.end());
   for (auto const& [name, methods] : superclass.m_methods) {
-    if (name == superclass.m_shortName) continue;
+    if (name == superclass.m_name) continue;
     auto& inherited = m_methods[name];
     inherited.insert(inherited.end(), methods.begin(), methods.end());
   }
@@ -189,7 +189,7 @@ std::vector<CorvidMethodInfo const*> CorvidClass::listMethods() const {
   return listMembers<CorvidMethodInfo>(
       lineage(), [](CorvidClass const& hostClass) -> auto const& { return hostClass.m_ownMethods; },
       [](CorvidClass const& hostClass, CorvidMethodInfo const& method) {
-        return (method.getAttributes() & MethodAttribute::HIDDEN) == 0 && method.getName() != hostClass.m_shortName;
+        return (method.getAttributes() & MethodAttribute::HIDDEN) == 0 && method.getName() != hostClass.m_name;
       });
 }
 

@@ -77,9 +77,9 @@ CorvidClass* CorvidPackage::addClass(std::unique_ptr<CorvidClassInfo> info, int 
                                                    info->getFullName() + "', expected the native class '" + expected +
                                                    "'.");
   auto hostClass = std::make_unique<CorvidClass>(std::move(info));
-  refuseDuplicate(hostClass->getName());
+  refuseDuplicate(hostClass->getFullName());
   m_classes.reserve(m_classes.size() + 1);
-  hostState().classesByName.emplace(hostClass->getName(), hostClass.get());
+  hostState().classesByName.emplace(hostClass->getFullName(), hostClass.get());
   m_classes.push_back(std::move(hostClass));
   return m_classes.back().get();
 }
@@ -92,7 +92,7 @@ void CorvidPackage::initialize() {
     m_info->initializePackage(this);
   } catch (...) {
     for (std::size_t i = classesBefore; i < m_classes.size(); ++i)
-      hostState().classesByName.erase(m_classes[i]->getName());
+      hostState().classesByName.erase(m_classes[i]->getFullName());
     m_classes.resize(classesBefore);
     m_state = State::New;
     throw;
@@ -109,7 +109,7 @@ CorvidPackage* CorvidPackage::findSubpackage(std::string_view shortName) const {
 CorvidClass* CorvidPackage::findClass(std::string_view shortName) {
   initialize();
   auto const found = std::find_if(m_classes.begin(), m_classes.end(),
-                                  [&](auto const& hostClass) { return hostClass->getShortName().text() == shortName; });
+                                  [&](auto const& hostClass) { return hostClass->getName().text() == shortName; });
   return found == m_classes.end() ? nullptr : found->get();
 }
 

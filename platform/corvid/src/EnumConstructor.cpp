@@ -10,25 +10,25 @@ namespace corvid {
 
 EnumConstructor::EnumConstructor(CorvidClass const& hostClass) : m_class(hostClass) {
   m_signature.addInput(internal::makeInterned("any"));
-  m_signature.addOutput(hostClass.getName());
+  m_signature.addOutput(hostClass.getFullName());
 }
 
-Identifier EnumConstructor::getName() const { return m_class.getShortName(); }
+Identifier EnumConstructor::getName() const { return m_class.getName(); }
 
 void EnumConstructor::invoke(MethodCall& call) const {
   kestrel_array const& value = call.input(0);
-  if (kestrel::className(value) == m_class.getName()) return call.setOutput(kestrel::deepCopy(&value));
+  if (kestrel::className(value) == m_class.getFullName()) return call.setOutput(kestrel::deepCopy(&value));
   if (kestrel::isText(value)) {
     std::string const literal = groundwork::toUtf8(kestrel::scalarText(value));
     CorvidEnumInfo const* const member = m_class.findEnumValue(internal::makeInterned(literal));
     if (member == nullptr)
-      throw HostError(ErrorKey::WRONG_TYPE, "'" + literal + "' is no literal of " + m_class.getName().text() + ".");
+      throw HostError(ErrorKey::WRONG_TYPE, "'" + literal + "' is no literal of " + m_class.getFullName().text() + ".");
     return call.setOutput(kestrel::deepCopy(&member->getValue()));
   }
   kestrel::OwnedArray converted;
   kestrel_array const& number = CorvidTypeRepository::coerce(
       internal::makeInterned(m_class.getUnderlyingType().text() + " vector"), value, converted);
-  call.setOutput(kestrel::createBuiltInBased(m_class.getName(), kestrel::deepCopy(&number)));
+  call.setOutput(kestrel::createBuiltInBased(m_class.getFullName(), kestrel::deepCopy(&number)));
 }
 
 }  // namespace corvid

@@ -72,7 +72,7 @@ class CoercedInputs {
 // Counts as a caller does: without the object that a method is called on.
 [[noreturn]] void reportCount(CorvidClass const& hostClass, CorvidMethodInfo const& method, std::size_t inputs) {
   CorvidMethodSignature const& signature = method.getSignature();
-  bool const hasSelf = method.getName() != hostClass.getShortName() && !has(method, MethodAttribute::STATIC);
+  bool const hasSelf = method.getName() != hostClass.getName() && !has(method, MethodAttribute::STATIC);
   std::size_t const self = hasSelf ? 1 : 0;
   std::string const name = "'" + method.getName().text() + "'";
   if (inputs < self) throw HostError(ErrorKey::WRONG_ARGUMENT_COUNT, name + " was called without its object.");
@@ -106,9 +106,9 @@ kestrel::OwnedArray newObject(CorvidClass& hostClass) {
 void constructDefault(CorvidClass& hostClass, kestrel_array& self) {
   void* const native = hostClass.getInfo().createDefaultInstance();
   if (native == nullptr)
-    throw HostError(ErrorKey::NO_CONSTRUCTOR, "Class '" + hostClass.getName().text() + "' has no constructor.");
+    throw HostError(ErrorKey::NO_CONSTRUCTOR, "Class '" + hostClass.getFullName().text() + "' has no constructor.");
   bool const stored = hostClass.getInfo().isHandle();
-  factory::basic::BindingRegistry::announceForConstructor(native, hostClass.getName(), self, stored);
+  factory::basic::BindingRegistry::announceForConstructor(native, hostClass.getFullName(), self, stored);
 }
 
 }  // namespace
@@ -122,8 +122,8 @@ kestrel::OwnedArray construct(CorvidClass& hostClass, Inputs const& inputs) {
   CorvidClassInfo const& info = hostClass.getInfo();
   if (info.isAbstract())
     throw HostError(ErrorKey::ABSTRACT_CLASS,
-                    "Class '" + hostClass.getName().text() + "' is abstract: only its subclasses have objects.");
-  CorvidMethodInfo const* const constructor = findMethod(hostClass, hostClass.getShortName(), inputs.size());
+                    "Class '" + hostClass.getFullName().text() + "' is abstract: only its subclasses have objects.");
+  CorvidMethodInfo const* const constructor = findMethod(hostClass, hostClass.getName(), inputs.size());
   if (info.isEnumeration()) {
     MethodCall call(inputs, true);
     constructor->invoke(call);
@@ -139,14 +139,14 @@ kestrel::OwnedArray construct(CorvidClass& hostClass, Inputs const& inputs) {
   constructor->invoke(call);
   if (!isLive(*self))
     throw HostError(ErrorKey::BAD_DESCRIPTION,
-                    "The constructor of class '" + hostClass.getName().text() + "' made no object.");
+                    "The constructor of class '" + hostClass.getFullName().text() + "' made no object.");
   return self;
 }
 
 CorvidPropInfo const& requireProperty(CorvidClass const& hostClass, Identifier name) {
   if (CorvidPropInfo const* const property = hostClass.findProperty(name)) return *property;
   throw HostError(ErrorKey::NO_SUCH_MEMBER,
-                  "Class '" + hostClass.getName().text() + "' has no property '" + name.text() + "'.");
+                  "Class '" + hostClass.getFullName().text() + "' has no property '" + name.text() + "'.");
 }
 
 kestrel::OwnedArray getProperty(kestrel_array const& self, CorvidPropInfo const& property) {
@@ -172,7 +172,7 @@ void setProperty(kestrel_array const& self, CorvidPropInfo const& property, kest
 CorvidMethodInfo const& requireMethod(CorvidClass const& hostClass, Identifier name, std::size_t inputs) {
   if (CorvidMethodInfo const* const method = findMethod(hostClass, name, inputs)) return *method;
   throw HostError(ErrorKey::NO_SUCH_MEMBER,
-                  "Class '" + hostClass.getName().text() + "' has no method '" + name.text() + "'.");
+                  "Class '" + hostClass.getFullName().text() + "' has no method '" + name.text() + "'.");
 }
 
 kestrel::OwnedArray invoke(CorvidClass const& hostClass, Identifier method, Inputs const& inputs, bool wantsOutput) {
@@ -203,11 +203,11 @@ void settleClass(kestrel_array& objects) {
     previous = object->className();
     CorvidClass const& hostClass = CorvidClass::requireClass(object->className());
     if (common.empty()) common = hostClass.lineage();
-    while (!common.empty() && !hostClass.isSubclassOf(common.front()->getName())) common.erase(common.begin());
+    while (!common.empty() && !hostClass.isSubclassOf(common.front()->getFullName())) common.erase(common.begin());
     if (common.empty()) break;
   }
-  kestrel::setObjectClass(objects,
-                          common.empty() ? internal::makeInterned(kestrel::HETEROGENEOUS) : common.front()->getName());
+  kestrel::setObjectClass(
+      objects, common.empty() ? internal::makeInterned(kestrel::HETEROGENEOUS) : common.front()->getFullName());
 }
 
 }  // namespace corvid

@@ -20,7 +20,7 @@ class ScriptObject final : public kestrel::Object {
   void release() noexcept override {
     if (--m_references == 0) delete this;
   }
-  Identifier className() const noexcept override { return m_class->getName(); }
+  Identifier className() const noexcept override { return m_class->getFullName(); }
   void* native(Identifier className) const noexcept override;
   bool isLive() const noexcept override;
   /// A value is copied, a handle shared.

@@ -16,7 +16,8 @@ std::string textOf(MessageArgument const& argument) {
 std::string formatMessage(std::string_view pattern, std::vector<MessageArgument> const& arguments) {
   std::string text;
   for (std::size_t at = 0; at < pattern.size(); ++at) {
-    bool const placeholder = pattern[at] == '{' && at + 2 < pattern.size() && pattern[at + 2] == '}';
+    bool const placeholder = pattern[at] == '{' && at + 2 < pattern.size() && pattern[at + 2] == '}' &&
+                             pattern[at + 1] >= '0' && pattern[at + 1] <= '9';
     auto const index = placeholder ? static_cast<std::size_t>(pattern[at + 1] - '0') : arguments.size();
     if (index < arguments.size()) {
       text += textOf(arguments[index]);

@@ -53,6 +53,11 @@ void raiseWrongClass(kestrel_array const& array, char const* wanted) {
                    "Expected an array of class " + std::string(wanted) + ", not " + className(array).text() + ".");
 }
 
+void raiseTooLarge(Dimensions const& dimensions) {
+  throw ArrayError("Kestrel:array:TooLarge", "No memory holds an array of " + std::to_string(dimensions.rows) + " by " +
+                                                 std::to_string(dimensions.columns) + " elements.");
+}
+
 void checkIndex(kestrel_array const& array, std::size_t index) {
   if (index < numberOfElements(array)) return;
   throw ArrayError("Kestrel:array:OutOfRange", "Element " + std::to_string(index) + " lies outside an array of " +

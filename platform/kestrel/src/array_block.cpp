@@ -43,8 +43,9 @@ std::atomic<Slot*> slots{nullptr};
 std::atomic<std::ptrdiff_t> homelessCount{0};
 
 // Trivial, so that reaching it needs no test for its initialisation; and at a fixed place in each thread's storage,
-// which takes one instruction where the general way takes a call. One pointer fits the storage that loaders keep in
-// reserve for libraries that are opened later.
+// which takes one instruction where the general way takes a call. The price is that all thread storage of the library
+// has to fit what loaders keep in reserve for libraries that are opened at run time, a few hundred bytes for all of
+// them together: a large thread_local anywhere in the library, and it can't be opened any more.
 [[gnu::tls_model("initial-exec")]] thread_local Slot* ownSlot = nullptr;
 [[gnu::tls_model("initial-exec")]] thread_local bool threadEnds = false;
 

@@ -43,7 +43,19 @@ using Store = std::variant<Plain, Strings, Fields, Cells, Objects>;
 std::size_t plainSize(ClassId id) noexcept;
 
 [[noreturn]] void raiseWrongClass(kestrel_array const& array, char const* wanted);
+[[noreturn]] void raiseTooLarge(Dimensions const& dimensions);
 void checkIndex(kestrel_array const& array, std::size_t index);
+
+// The number of elements of an array that is to be made, each of which takes that many bytes. Raises TooLarge where the
+// block of them would be longer than any object can be: a product that wrapped around would give a block too short.
+inline std::size_t checkedCount(Dimensions const& dimensions, std::size_t elementBytes) {
+  std::size_t count = 0;
+  std::ptrdiff_t bytes = 0;
+  if (__builtin_mul_overflow(dimensions.rows, dimensions.columns, &count) ||
+      __builtin_mul_overflow(count, elementBytes, &bytes))
+    raiseTooLarge(dimensions);
+  return count;
+}
 
 }  // namespace kestrel::detail
 
@@ -81,6 +93,18 @@ T& storeAs(kestrel_array& array, char const* wanted) {
 template <class T>
 T const& storeAs(kestrel_array const& array, char const* wanted) {
   return storeAs<T>(const_cast<kestrel_array&>(array), wanted);
+}
+
+// An element of a store of that kind; raises WrongClass, OutOfRange.
+template <class T>
+typename T::value_type& slotAt(kestrel_array& array, std::size_t index, char const* wanted) {
+  T& store = storeAs<T>(array, wanted);
+  checkIndex(array, index);
+  return store[index];
+}
+template <class T>
+typename T::value_type const& slotAt(kestrel_array const& array, std::size_t index, char const* wanted) {
+  return slotAt<T>(const_cast<kestrel_array&>(array), index, wanted);
 }
 
 }  // namespace kestrel::detail

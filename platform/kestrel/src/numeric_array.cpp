@@ -92,7 +92,8 @@ OwnedArray convertAll(kestrel_array const& array) {
 namespace detail {
 
 OwnedArray createPlain(ClassId id, Dimensions const& dimensions) {
-  std::size_t const size = dimensions.count() * plainSize(id);
+  std::size_t const elementBytes = plainSize(id);
+  std::size_t const size = checkedCount(dimensions, elementBytes) * elementBytes;
   OwnedArray array = makeArray<Plain>(id, dimensions, size, boost::container::default_init);
   void* const block = std::get<Plain>(array->store).data();
   // A scalar lies in the array, where there is room for the whole: no call is needed to clear it.

@@ -7,7 +7,8 @@ namespace kestrel {
 ObjectRef Object::copyForContainment() { return ObjectRef(this); }
 
 OwnedArray createObjects(Identifier className, Dimensions dimensions) {
-  OwnedArray array = detail::makeArray<detail::Objects>(ClassId::Object, dimensions, dimensions.count());
+  std::size_t const count = detail::checkedCount(dimensions, sizeof(ObjectRef));
+  OwnedArray array = detail::makeArray<detail::Objects>(ClassId::Object, dimensions, count);
   array->ownClass = className;
   return array;
 }
@@ -25,15 +26,11 @@ Object* soleObject(kestrel_array const& array) noexcept {
 }
 
 ObjectRef const& object(kestrel_array const& array, std::size_t index) {
-  auto const& objects = detail::storeAs<detail::Objects>(array, "object");
-  detail::checkIndex(array, index);
-  return objects[index];
+  return detail::slotAt<detail::Objects>(array, index, "object");
 }
 
 void setObject(kestrel_array& array, std::size_t index, ObjectRef object) {
-  auto& objects = detail::storeAs<detail::Objects>(array, "object");
-  detail::checkIndex(array, index);
-  objects[index] = std::move(object);
+  detail::slotAt<detail::Objects>(array, index, "object") = std::move(object);
 }
 
 void setObjectClass(kestrel_array& array, Identifier className) {

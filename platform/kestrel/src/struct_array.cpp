@@ -16,7 +16,7 @@ namespace {
 // Gives every element a further field; the values stand element by element, so they all move.
 void appendField(Fields& fields, std::string_view name, std::size_t elements) {
   std::size_t const width = fields.names.size();
-  Cells widened(elements * (width + 1));
+  Cells widened(checkedCount({elements, width + 1}, sizeof(OwnedArray)));
   std::vector<std::string> names = fields.names;
   names.emplace_back(name);
   for (std::size_t i = 0; i < elements; ++i)
@@ -35,7 +35,8 @@ OwnedArray createStruct(std::vector<std::string> fieldNames, Dimensions dimensio
   auto const twice = std::adjacent_find(sorted.begin(), sorted.end());
   if (twice != sorted.end())
     throw ArrayError("Kestrel:array:DuplicateField", "A struct cannot have two fields named '" + *twice + "'.");
-  detail::Cells values(dimensions.count() * fieldNames.size());
+  std::size_t const count = detail::checkedCount(dimensions, fieldNames.size() * sizeof(OwnedArray));
+  detail::Cells values(count * fieldNames.size());
   return detail::makeArray<detail::Fields>(ClassId::Struct, dimensions, std::move(fieldNames), std::move(values));
 }
 
@@ -66,19 +67,16 @@ void setField(kestrel_array& array, std::size_t index, std::string_view name, Ow
 }
 
 OwnedArray createCell(Dimensions dimensions) {
-  return detail::makeArray<detail::Cells>(ClassId::Cell, dimensions, dimensions.count());
+  std::size_t const count = detail::checkedCount(dimensions, sizeof(OwnedArray));
+  return detail::makeArray<detail::Cells>(ClassId::Cell, dimensions, count);
 }
 
 kestrel_array const* cell(kestrel_array const& array, std::size_t index) {
-  auto const& cells = detail::storeAs<detail::Cells>(array, "cell");
-  detail::checkIndex(array, index);
-  return cells[index].get();
+  return detail::slotAt<detail::Cells>(array, index, "cell").get();
 }
 
 void setCell(kestrel_array& array, std::size_t index, OwnedArray value) {
-  auto& cells = detail::storeAs<detail::Cells>(array, "cell");
-  detail::checkIndex(array, index);
-  cells[index] = std::move(value);
+  detail::slotAt<detail::Cells>(array, index, "cell") = std::move(value);
 }
 
 }  // namespace kestrel

@@ -16,7 +16,8 @@ OwnedArray createChar(std::u16string_view text) {
 std::u16string_view charText(kestrel_array const& array) { return {data<char16_t>(array), numberOfElements(array)}; }
 
 OwnedArray createStrings(Dimensions dimensions) {
-  return detail::makeArray<detail::Strings>(ClassId::String, dimensions, dimensions.count());
+  std::size_t const count = detail::checkedCount(dimensions, sizeof(MaybeString));
+  return detail::makeArray<detail::Strings>(ClassId::String, dimensions, count);
 }
 
 OwnedArray createString(std::u16string_view text) {
@@ -30,15 +31,11 @@ OwnedArray createStringRow(std::vector<std::u16string> const& texts) {
 }
 
 MaybeString const& stringElement(kestrel_array const& array, std::size_t index) {
-  auto const& strings = detail::storeAs<detail::Strings>(array, "string");
-  detail::checkIndex(array, index);
-  return strings[index];
+  return detail::slotAt<detail::Strings>(array, index, "string");
 }
 
 void setStringElement(kestrel_array& array, std::size_t index, MaybeString text) {
-  auto& strings = detail::storeAs<detail::Strings>(array, "string");
-  detail::checkIndex(array, index);
-  strings[index] = std::move(text);
+  detail::slotAt<detail::Strings>(array, index, "string") = std::move(text);
 }
 
 std::u16string_view scalarText(kestrel_array const& array) {

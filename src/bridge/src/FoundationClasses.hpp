@@ -41,7 +41,7 @@ class MethodAdder {
   void add(std::string_view name, std::string_view result, std::initializer_list<std::string_view> inputs, Body body,
            std::size_t optional = 0, unsigned attributes = 0) const {
     namespace impl = corvid::factory::impl;
-    auto signature = impl::Invoker::createSignature("", result, {m_class.getName().text()});
+    auto signature = impl::Invoker::createSignature("", result, {m_class.getFullName().text()});
     for (std::string_view const input : inputs) signature->addInput(corvid::internal::makeInterned(input));
     signature->setOptionalTrailing(optional);
     m_class.addMethod(std::make_unique<impl::FunctionMethod>(corvid::internal::makeInterned(name),

@@ -173,8 +173,8 @@ class ModelWrapper final : public corvid::factory::HandleClassInfo<Model, false>
 
   void initializeClass(CorvidClass* hostClass) override {
     corvid::factory::detail::initStringDataTypes();
-    std::string const& name = hostClass->getName().text();
-    hostClass->addMethod(std::make_unique<FunctionMethod>(hostClass->getShortName(), MethodAttributes(),
+    std::string const& name = hostClass->getFullName().text();
+    hostClass->addMethod(std::make_unique<FunctionMethod>(hostClass->getName(), MethodAttributes(),
                                                           Invoker::createSignature("", name, {}), &construct));
     MethodAttributes const isStatic(corvid::MethodAttribute::STATIC);
     hostClass->addMethod(

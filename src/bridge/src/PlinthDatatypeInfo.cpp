@@ -11,8 +11,8 @@ using corvid::internal::makeInterned;
 
 void beginDatatype(corvid::CorvidClass& hostClass, Body construct) {
   corvid::factory::detail::initStringDataTypes();
-  hostClass.addMethod(std::make_unique<FunctionMethod>(hostClass.getShortName(), MethodAttributes(),
-                                                       Invoker::createSignature("", hostClass.getName().text(), {}),
+  hostClass.addMethod(std::make_unique<FunctionMethod>(hostClass.getName(), MethodAttributes(),
+                                                       Invoker::createSignature("", hostClass.getFullName().text(), {}),
                                                        construct));
 }
 
@@ -22,7 +22,7 @@ void announceOperations(corvid::CorvidClass& hostClass, meta::TypeImpl const& ty
 }
 
 void addComparison(corvid::CorvidClass& hostClass, char const* name, Body compare) {
-  std::string const& own = hostClass.getName().text();
+  std::string const& own = hostClass.getFullName().text();
   hostClass.addMethod(std::make_unique<FunctionMethod>(
       makeInterned(name), MethodAttributes(), Invoker::createSignature("", "logical scalar", {own, own}), compare));
 }

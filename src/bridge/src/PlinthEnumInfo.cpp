@@ -15,7 +15,7 @@ using corvid::factory::impl::Invoker;
 using corvid::internal::makeInterned;
 
 EnumConstructor::EnumConstructor(CorvidClass const& hostClass)
-    : m_name(hostClass.getShortName()), m_className(hostClass.getName()) {
+    : m_name(hostClass.getName()), m_className(hostClass.getFullName()) {
   m_signature.addInput(makeInterned("any"));
   m_signature.addOutput(m_className);
 }
@@ -49,7 +49,7 @@ std::int32_t numberOf(kestrel_array const& self, Identifier className) {
 
 void addEnumMethods(CorvidClass& hostClass, meta::EnumImpl const& type) {
   corvid::factory::detail::initStringDataTypes();
-  Identifier const name = hostClass.getName();
+  Identifier const name = hostClass.getFullName();
   auto const add = [&](char const* method, char const* result, FunctionMethod::Function function) {
     corvid::factory::MethodAttributes const attributes(corvid::MethodAttribute::PURE |
                                                        corvid::MethodAttribute::LENIENT_SELF);

@@ -2,12 +2,13 @@
 
 namespace tessel::frame {
 
-template class AttributeKind<bool>;
-template class AttributeKind<double>;
-template class AttributeKind<long>;
-template class AttributeKind<unsigned long>;
-template class AttributeKind<unsigned int>;
 template class AttributeKind<std::u16string>;
+template class PlainAttributeKind<bool>;
+template class PlainAttributeKind<double>;
+template class PlainAttributeKind<long>;
+template class PlainAttributeKind<unsigned long>;
+template class PlainAttributeKind<unsigned int>;
+template class PlainAttributeKind<std::u16string>;
 template class OptionalKind<unsigned int>;
 template class OptionalKind<std::u16string>;
 

@@ -161,10 +161,6 @@ void SingleElementKind::replaceByProxy(Element& element, Row const& row, ModelEl
   basicSetElement(field, proxy);
 }
 
-void ReferenceKind::store(Element& element, Row const& row, ModelElement const& target) const {
-  setReference(element, fieldOf<ElementField>(element, row), target, row);
-}
-
 void ReferenceKind::disassociate(Element& element, Row const& row) const {
   if (!fieldOf<ElementField>(element, row).isEmpty()) store(element, row, ModelElement());
 }
@@ -179,13 +175,6 @@ bool ReferenceKind::containsProxyTo(Element& element, Row const& row, ModelEleme
   return true;
 }
 
-void ReferenceKind::convertToProxies(Element& element, Row const& row, bool, boost::optional<plinth::ProxyId>&) const {
-  auto& field = fieldOf<ElementField>(element, row);
-  if (field.isEmpty()) return;
-  element.notifyModifying(row.index);
-  basicSetElement(field, ModelElement());
-}
-
 bool ReferenceKind::build(ElementBuilder& builder, Row const& row, plinth::Value const& value) const {
   builderFieldOf<ElementField>(builder, row) = elementFrom(value, row);
   return true;
@@ -193,6 +182,18 @@ bool ReferenceKind::build(ElementBuilder& builder, Row const& row, plinth::Value
 
 void ReferenceKind::link(Element& element, ElementBuilder& builder, Row const& row) const {
   store(element, row, builderFieldOf<ElementField>(builder, row));
+}
+
+void OneWayReferenceKind::store(Element& element, Row const& row, ModelElement const& target) const {
+  setReference(element, fieldOf<ElementField>(element, row), target, row);
+}
+
+void OneWayReferenceKind::convertToProxies(Element& element, Row const& row, bool,
+                                           boost::optional<plinth::ProxyId>&) const {
+  auto& field = fieldOf<ElementField>(element, row);
+  if (field.isEmpty()) return;
+  element.notifyModifying(row.index);
+  basicSetElement(field, ModelElement());
 }
 
 void OppositeReferenceKind::store(Element& element, Row const& row, ModelElement const& target) const {

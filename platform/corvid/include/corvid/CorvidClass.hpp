@@ -48,29 +48,32 @@ class CORVID_EXPORT CorvidClass {
 
   // For everybody, once the class is initialised.
 
-  Identifier getName() const noexcept { return m_fullName; }
-  Identifier getShortName() const noexcept { return m_shortName; }
+  /// The last part of the dotted name.
+  Identifier getName() const noexcept { return m_name; }
+  Identifier getFullName() const noexcept { return m_fullName; }
   CorvidClassInfo const& getInfo() const noexcept { return *m_info; }
   /// The built-in type that the class stands over, empty for most classes.
   Identifier getUnderlyingType() const noexcept { return m_underlyingType; }
 
   /// True for the class itself too. Cost: linear in the number of ancestors.
-  bool isSubclassOf(Identifier fullName) const noexcept { return fullName == m_fullName || hasAncestor(fullName); }
+  [[nodiscard]] bool isSubclassOf(Identifier fullName) const noexcept {
+    return fullName == m_fullName || hasAncestor(fullName);
+  }
   /// This class first, then its ancestors, each once, nearest first; without hidden ones.
-  std::vector<CorvidClass const*> lineage() const;
+  [[nodiscard]] std::vector<CorvidClass const*> lineage() const;
 
   /// Own or inherited; null when there is none. Cost: a hash look-up.
-  CorvidPropInfo const* findProperty(Identifier name) const;
+  [[nodiscard]] CorvidPropInfo const* findProperty(Identifier name) const;
   /// The methods of a name, inherited ones first, then the class's own in the order of their addition. Constructors are
   /// not inherited.
-  std::vector<CorvidMethodInfo const*> const& getMethods(Identifier name) const;
+  [[nodiscard]] std::vector<CorvidMethodInfo const*> const& getMethods(Identifier name) const;
   /// The members of an enumeration in the order of their addition.
   std::vector<std::unique_ptr<CorvidEnumInfo>> const& getEnumValues() const noexcept { return m_enumValues; }
-  CorvidEnumInfo const* findEnumValue(Identifier name) const;
+  [[nodiscard]] CorvidEnumInfo const* findEnumValue(Identifier name) const;
 
   /// What a script can name on an object of the class, the class's own first, hidden ones and constructors left out.
-  std::vector<CorvidPropInfo const*> listProperties() const;
-  std::vector<CorvidMethodInfo const*> listMethods() const;
+  [[nodiscard]] std::vector<CorvidPropInfo const*> listProperties() const;
+  [[nodiscard]] std::vector<CorvidMethodInfo const*> listMethods() const;
 
  private:
   enum class State { New, Describing, Ready };
@@ -85,7 +88,7 @@ class CORVID_EXPORT CorvidClass {
 
   std::unique_ptr<CorvidClassInfo> m_info;
   Identifier m_fullName;
-  Identifier m_shortName;
+  Identifier m_name;
   Identifier m_underlyingType;
   State m_state = State::New;
   std::vector<Superclass> m_superclasses;

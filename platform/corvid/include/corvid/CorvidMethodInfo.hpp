@@ -30,7 +30,7 @@ class CORVID_EXPORT MethodCall {
   bool wantsOutput() const noexcept { return m_wantsOutput; }
   void setOutput(kestrel::OwnedArray output) { m_output = std::move(output); }
   /// Null when the method gave no result.
-  kestrel::OwnedArray takeOutput() { return std::move(m_output); }
+  [[nodiscard]] kestrel::OwnedArray takeOutput() { return std::move(m_output); }
 
   /// For a constructor: the array of the script object that waits to be bound. Raises BadDescription in any other call.
   kestrel_array& newObject() const;

@@ -39,10 +39,10 @@ class CORVID_EXPORT CorvidPackage {
   /// Adds a top-level package. Raises DuplicateName.
   static CorvidPackage* addPackage(std::unique_ptr<CorvidPackageInfo> info);
   /// The package of that dotted name, null when there is none.
-  static CorvidPackage* getPackage(Identifier fullName);
-  static std::vector<CorvidPackage*> topLevelPackages();
+  [[nodiscard]] static CorvidPackage* getPackage(Identifier fullName);
+  [[nodiscard]] static std::vector<CorvidPackage*> topLevelPackages();
   /// The top-level package of that name, null when there is none. Interns nothing. Cost: linear in their number.
-  static CorvidPackage* findTopLevelPackage(std::string_view name);
+  [[nodiscard]] static CorvidPackage* findTopLevelPackage(std::string_view name);
 
   ~CorvidPackage();
   CorvidPackage(CorvidPackage const&) = delete;
@@ -58,10 +58,10 @@ class CORVID_EXPORT CorvidPackage {
   Identifier getFullName() const noexcept { return m_fullName; }
 
   /// Null when there is none. The second initialises the package, not the class.
-  CorvidPackage* findSubpackage(std::string_view shortName) const;
+  [[nodiscard]] CorvidPackage* findSubpackage(std::string_view shortName) const;
   CorvidClass* findClass(std::string_view shortName);
 
-  std::vector<CorvidPackage*> subpackages() const;
+  [[nodiscard]] std::vector<CorvidPackage*> subpackages() const;
   /// In the order of registration; initialises the package.
   std::vector<CorvidClass*> classes();
 

@@ -27,7 +27,7 @@ class CORVID_EXPORT CorvidTypeConverter : public HostAllocated {
 class CORVID_EXPORT CorvidTypeRepository {
  public:
   /// Null when there is none.
-  static CorvidTypeConverter* getConversion(std::string_view from, std::string_view to);
+  [[nodiscard]] static CorvidTypeConverter* getConversion(std::string_view from, std::string_view to);
   /// Gives the converter back to the caller; null when there is none.
   static std::unique_ptr<CorvidTypeConverter> removeConversion(std::string_view from, std::string_view to);
   /// Raises DuplicateName when there is one already.

@@ -19,7 +19,7 @@ class CORVID_EXPORT HostError : public groundwork::except::Exception<groundwork:
 
   std::string const& key() const noexcept { return get_error_id().key; }
   /// The same error with the place in front of its sentence, for who knows where it belongs: "Property 'Key'".
-  HostError at(std::string const& place) const;
+  [[nodiscard]] HostError at(std::string const& place) const;
 };
 
 namespace ErrorKey {
@@ -56,12 +56,12 @@ struct ErrorDescription {
 
 /// Describes any exception: those with a message identifier under that, out of memory and all others under identifiers
 /// of the catalogue "Kestrel:native".
-CORVID_EXPORT ErrorDescription describeError(std::exception const& error);
+[[nodiscard]] CORVID_EXPORT ErrorDescription describeError(std::exception const& error);
 
 /// What a sentence calls a value: the text (its beginning, when it is long) or number itself where there is one,
 /// "nothing" for an empty plain array, and class and dimensions otherwise.
-CORVID_EXPORT std::string describeValue(kestrel_array const& value);
+[[nodiscard]] CORVID_EXPORT std::string describeValue(kestrel_array const& value);
 /// The same for one element of a plain array of numbers.
-CORVID_EXPORT std::string describeNumber(kestrel_array const& numbers, std::size_t index);
+[[nodiscard]] CORVID_EXPORT std::string describeNumber(kestrel_array const& numbers, std::size_t index);
 
 }  // namespace corvid

@@ -13,10 +13,10 @@
 namespace corvid {
 
 /// The class of an array of objects or of enumeration members; null for any other array.
-CORVID_EXPORT CorvidClass* classOf(kestrel_array const& array);
+[[nodiscard]] CORVID_EXPORT CorvidClass* classOf(kestrel_array const& array);
 
 /// A new object of a class, in a 1 by 1 array.
-CORVID_EXPORT kestrel::OwnedArray construct(CorvidClass& hostClass, Inputs const& inputs);
+[[nodiscard]] CORVID_EXPORT kestrel::OwnedArray construct(CorvidClass& hostClass, Inputs const& inputs);
 
 /// `self` has one object.
 CORVID_EXPORT kestrel::OwnedArray getProperty(kestrel_array const& self, CorvidPropInfo const& property);
@@ -32,7 +32,7 @@ CORVID_EXPORT kestrel::OwnedArray invoke(CorvidClass const& hostClass, Identifie
 CORVID_EXPORT CorvidMethodInfo const& requireMethod(CorvidClass const& hostClass, Identifier name, std::size_t inputs);
 
 /// Whether the objects' natives can be used; true for an array without objects.
-CORVID_EXPORT bool isLive(kestrel_array const& objects);
+[[nodiscard]] CORVID_EXPORT bool isLive(kestrel_array const& objects);
 
 /// Gives an array of objects their nearest common class; HETEROGENEOUS stays where there is none, or no object.
 CORVID_EXPORT void settleClass(kestrel_array& objects);

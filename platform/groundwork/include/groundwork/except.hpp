@@ -26,7 +26,7 @@ class TESSEL_EXPORT IMsgIDException {
 
   /// The message's record: arguments, catalogue and key.
   virtual MessageRecord const& GetBaseMsgIDObj() const noexcept = 0;
-  virtual std::unique_ptr<IMsgIDException> clone() const = 0;
+  [[nodiscard]] virtual std::unique_ptr<IMsgIDException> clone() const = 0;
   [[noreturn]] virtual void rethrow() const = 0;
 
   /// "catalogue:key".
@@ -46,7 +46,7 @@ class Exception : public IMsgIDException, public Base {
 
   char const* what() const noexcept override { return m_sentence.c_str(); }
   MessageRecord const& GetBaseMsgIDObj() const noexcept override { return m_record; }
-  std::unique_ptr<IMsgIDException> clone() const override { return std::make_unique<Exception>(*this); }
+  [[nodiscard]] std::unique_ptr<IMsgIDException> clone() const override { return std::make_unique<Exception>(*this); }
   [[noreturn]] void rethrow() const override { throw *this; }
 
  private:

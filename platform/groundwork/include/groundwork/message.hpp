@@ -21,7 +21,9 @@ struct MessageRecord {
   std::string key;
 };
 
-/// Puts the arguments for {0}, {1}, ... into `pattern`; a placeholder without an argument stays as it stands.
-TESSEL_EXPORT std::string formatMessage(std::string_view pattern, std::vector<MessageArgument> const& arguments);
+/// Puts the first ten arguments for {0} to {9} into `pattern`; a placeholder without an argument stays as it stands,
+/// and so does everything else in braces.
+[[nodiscard]] TESSEL_EXPORT std::string formatMessage(std::string_view pattern,
+                                                      std::vector<MessageArgument> const& arguments);
 
 }  // namespace groundwork

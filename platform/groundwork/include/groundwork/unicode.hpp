@@ -1,5 +1,5 @@
-// Conversion between the UTF-16 strings of the model and UTF-8. Malformed sequences are left out.
-// Thread rule: pure functions.
+// Conversion between the UTF-16 strings of the model and UTF-8. Malformed sequences are left out, and nothing beside
+// them. Thread rule: pure functions.
 #pragma once
 
 #include <string>
@@ -10,9 +10,9 @@
 namespace groundwork {
 
 /// UTF-16 to UTF-8; linear in the length.
-TESSEL_EXPORT std::string toUtf8(std::u16string_view text);
+[[nodiscard]] TESSEL_EXPORT std::string toUtf8(std::u16string_view text);
 
 /// UTF-8 to UTF-16; linear in the length.
-TESSEL_EXPORT std::u16string toUtf16(std::string_view text);
+[[nodiscard]] TESSEL_EXPORT std::u16string toUtf16(std::string_view text);
 
 }  // namespace groundwork

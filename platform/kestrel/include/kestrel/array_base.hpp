@@ -1,5 +1,7 @@
 // Host arrays: what holds for every class of array. An array is opaque, has two dimensions, and is reached by free
-// functions; the headers beside this one create and read the single classes.
+// functions; the headers beside this one create and read the single classes. Whatever makes an array raises ArrayError
+// "Kestrel:array:TooLarge" for dimensions that no memory could hold, and std::bad_alloc where there is too little of
+// it.
 //
 // Ownership: each array has one owner, an OwnedArray or, for an array held by a property of an element, a
 // PropertyArray. Raw pointers borrow. Arrays take no locks: one array is used from one thread at a time.
@@ -49,14 +51,14 @@ struct PropertyArrayDeleter {
 using PropertyArray = std::unique_ptr<kestrel_array, PropertyArrayDeleter>;
 
 /// The copy that a property keeps of an array that it is given; null for null. Cost: as deepCopy.
-KESTREL_EXPORT PropertyArray copyForPropertyContainment(kestrel_array const* array);
+[[nodiscard]] KESTREL_EXPORT PropertyArray copyForPropertyContainment(kestrel_array const* array);
 
 /// A copy that shares nothing changeable with the original: fields, cells and value objects are copied as well, handles
 /// to living things are held by both. Null gives null. Cost: linear in what the array holds.
-KESTREL_EXPORT OwnedArray deepCopy(kestrel_array const* array);
+[[nodiscard]] KESTREL_EXPORT OwnedArray deepCopy(kestrel_array const* array);
 
 /// An empty 0 by 0 array of a class. An object array made so has an empty class name.
-KESTREL_EXPORT OwnedArray createEmpty(ClassId id);
+[[nodiscard]] KESTREL_EXPORT OwnedArray createEmpty(ClassId id);
 
 /// The representation class, without the flag of built-in based classes.
 KESTREL_EXPORT ClassId baseClass(kestrel_array const& array) noexcept;
@@ -70,7 +72,7 @@ KESTREL_EXPORT Identifier nameOf(ClassId id) noexcept;
 
 KESTREL_EXPORT Dimensions dimensions(kestrel_array const& array) noexcept;
 KESTREL_EXPORT std::size_t numberOfElements(kestrel_array const& array) noexcept;
-inline bool isEmpty(kestrel_array const& array) noexcept { return numberOfElements(array) == 0; }
+[[nodiscard]] inline bool isEmpty(kestrel_array const& array) noexcept { return numberOfElements(array) == 0; }
 inline bool isScalar(kestrel_array const& array) noexcept { return numberOfElements(array) == 1; }
 inline bool isStruct(kestrel_array const& array) noexcept { return baseClass(array) == ClassId::Struct; }
 /// Whether the elements are numbers or logical values, whatever class stands over them.
@@ -78,11 +80,11 @@ KESTREL_EXPORT bool isNumeric(kestrel_array const& array) noexcept;
 
 /// Makes a built-in based array: the same representation under a class of its own, as a member of an enumeration is an
 /// int32 under the class of the enumeration. Raises ArrayError for an object array or for an empty name.
-KESTREL_EXPORT OwnedArray createBuiltInBased(Identifier className, OwnedArray representation);
+[[nodiscard]] KESTREL_EXPORT OwnedArray createBuiltInBased(Identifier className, OwnedArray representation);
 
 /// Equality of class, dimensions and contents. Fields are compared by name and in order; numbers by value, except that
 /// NaN equals NaN, as a missing string equals a missing string; objects by their own equality. Null equals only null.
-KESTREL_EXPORT bool equalContents(kestrel_array const* left, kestrel_array const* right);
+[[nodiscard]] KESTREL_EXPORT bool equalContents(kestrel_array const* left, kestrel_array const* right);
 
 /// How many arrays exist in the process, fields and cells included: the measure of a leak.
 KESTREL_EXPORT std::ptrdiff_t liveArrayCount() noexcept;

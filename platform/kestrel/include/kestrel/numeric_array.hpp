@@ -13,9 +13,9 @@
 namespace kestrel {
 
 namespace detail {
-KESTREL_EXPORT OwnedArray createPlain(ClassId id, Dimensions const& dimensions);
+[[nodiscard]] KESTREL_EXPORT OwnedArray createPlain(ClassId id, Dimensions const& dimensions);
 /// The first `size` bytes of the word are the element.
-KESTREL_EXPORT OwnedArray createPlainScalar(ClassId id, std::uint64_t word, std::size_t size);
+[[nodiscard]] KESTREL_EXPORT OwnedArray createPlainScalar(ClassId id, std::uint64_t word, std::size_t size);
 KESTREL_EXPORT void const* plainData(kestrel_array const& array, ClassId expected);
 KESTREL_EXPORT void* plainData(kestrel_array& array, ClassId expected);
 KESTREL_EXPORT void const* plainElement(kestrel_array const& array, ClassId expected, std::size_t index);
@@ -39,12 +39,12 @@ T element(kestrel_array const& array, std::size_t index = 0) {
 
 /// An array of zeros.
 template <class T>
-OwnedArray createNumeric(Dimensions const& dimensions) {
+[[nodiscard]] OwnedArray createNumeric(Dimensions const& dimensions) {
   return detail::createPlain(ElementClass<T>::value, dimensions);
 }
 
 template <class T>
-OwnedArray createScalar(T value) {
+[[nodiscard]] OwnedArray createScalar(T value) {
   std::uint64_t word = 0;
   static_assert(sizeof(T) <= sizeof(word));
   std::memcpy(&word, &value, sizeof(T));
@@ -53,13 +53,13 @@ OwnedArray createScalar(T value) {
 
 /// A 1 by N copy of N elements; 0 by 0 for none.
 template <class T>
-OwnedArray createRow(T const* elements, std::size_t count) {
+[[nodiscard]] OwnedArray createRow(T const* elements, std::size_t count) {
   OwnedArray array = createNumeric<T>(row(count));
   std::copy_n(elements, count, mutableData<T>(*array));
   return array;
 }
 template <class T>
-OwnedArray createRow(std::vector<T> const& elements) {
+[[nodiscard]] OwnedArray createRow(std::vector<T> const& elements) {
   OwnedArray array = createNumeric<T>(row(elements.size()));
   std::copy(elements.begin(), elements.end(), mutableData<T>(*array));
   return array;
@@ -71,6 +71,6 @@ KESTREL_EXPORT double elementAsDouble(kestrel_array const& array, std::size_t in
 /// The same numbers under another numeric class: rounded to the nearest integer, and clamped to the range of the
 /// target. NaN becomes 0 as an integer and raises ArrayError "Kestrel:array:NotLogical" as a logical value. Raises
 /// WrongClass if either class is not numeric.
-KESTREL_EXPORT OwnedArray convertNumeric(kestrel_array const& array, ClassId target);
+[[nodiscard]] KESTREL_EXPORT OwnedArray convertNumeric(kestrel_array const& array, ClassId target);
 
 }  // namespace kestrel

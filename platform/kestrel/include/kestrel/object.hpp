@@ -28,7 +28,7 @@ class KESTREL_EXPORT Object {
 
   /// What a deep copy of an array holds in this object's place: the object itself (the default, right for handles), or
   /// a new object (right for values). Never empty.
-  virtual boost::intrusive_ptr<Object> copyForContainment();
+  [[nodiscard]] virtual boost::intrusive_ptr<Object> copyForContainment();
 
   /// Equality of contents; identity unless overridden.
   virtual bool equals(Object const& other) const { return this == &other; }

@@ -14,10 +14,11 @@ namespace kestrel {
 
 /// All fields of all elements start as null, which stands for an empty double. Raises ArrayError
 /// "Kestrel:array:DuplicateField" for a name given twice.
-KESTREL_EXPORT OwnedArray createStruct(std::vector<std::string> fieldNames, Dimensions dimensions = SCALAR);
+[[nodiscard]] KESTREL_EXPORT OwnedArray createStruct(std::vector<std::string> fieldNames,
+                                                     Dimensions dimensions = SCALAR);
 
 KESTREL_EXPORT std::vector<std::string> const& fieldNames(kestrel_array const& array);
-KESTREL_EXPORT bool hasField(kestrel_array const& array, std::string_view name);
+[[nodiscard]] KESTREL_EXPORT bool hasField(kestrel_array const& array, std::string_view name);
 
 /// Borrowed, null where nothing was stored.
 KESTREL_EXPORT kestrel_array const* field(kestrel_array const& array, std::size_t index, std::string_view name);
@@ -25,7 +26,7 @@ KESTREL_EXPORT kestrel_array const* field(kestrel_array const& array, std::size_
 KESTREL_EXPORT void setField(kestrel_array& array, std::size_t index, std::string_view name, OwnedArray value);
 
 /// All cells start as null.
-KESTREL_EXPORT OwnedArray createCell(Dimensions dimensions);
+[[nodiscard]] KESTREL_EXPORT OwnedArray createCell(Dimensions dimensions);
 /// Borrowed, null where nothing was stored.
 KESTREL_EXPORT kestrel_array const* cell(kestrel_array const& array, std::size_t index);
 KESTREL_EXPORT void setCell(kestrel_array& array, std::size_t index, OwnedArray value);

@@ -16,16 +16,16 @@ namespace kestrel {
 using MaybeString = std::optional<std::u16string>;
 
 /// A 1 by N char array; 0 by 0 for the empty text.
-KESTREL_EXPORT OwnedArray createChar(std::u16string_view text);
+[[nodiscard]] KESTREL_EXPORT OwnedArray createChar(std::u16string_view text);
 /// The text of a char array, its columns one after the other; valid until the array is destroyed.
 KESTREL_EXPORT std::u16string_view charText(kestrel_array const& array);
 
 /// A string array whose elements are all missing.
-KESTREL_EXPORT OwnedArray createStrings(Dimensions dimensions);
+[[nodiscard]] KESTREL_EXPORT OwnedArray createStrings(Dimensions dimensions);
 /// A 1 by 1 string array.
-KESTREL_EXPORT OwnedArray createString(std::u16string_view text);
+[[nodiscard]] KESTREL_EXPORT OwnedArray createString(std::u16string_view text);
 /// A 1 by N string array; 0 by 0 for none.
-KESTREL_EXPORT OwnedArray createStringRow(std::vector<std::u16string> const& texts);
+[[nodiscard]] KESTREL_EXPORT OwnedArray createStringRow(std::vector<std::u16string> const& texts);
 
 /// An element, empty when it is missing.
 KESTREL_EXPORT MaybeString const& stringElement(kestrel_array const& array, std::size_t index = 0);

@@ -19,7 +19,7 @@ class CORVID_EXPORT BindingRegistry {
 
   /// The script object of a native, in a 1 by 1 array; a new one of the named class if there is none yet, and `isNew`
   /// tells so. Null gives an empty array of the class. Raises NoSuchClass, with nothing bound.
-  static kestrel::OwnedArray announce(void* native, Identifier className, bool& isNew);
+  [[nodiscard]] static kestrel::OwnedArray announce(void* native, Identifier className, bool& isNew);
 
   /// Binds the object that a constructor was given to a native, under a class that is its own or a subclass. With
   /// `stored` the native is known to announce from now on; without, the object owns it as its value. If the native has
@@ -29,11 +29,11 @@ class CORVID_EXPORT BindingRegistry {
 
   /// A new script object that owns `native` as its value; the copier, or without one the class, copies it when the
   /// object is copied. When this raises NoSuchClass the native is still the caller's.
-  static kestrel::OwnedArray announceWithoutStoring(void* native, Identifier className, Copier copier);
+  [[nodiscard]] static kestrel::OwnedArray announceWithoutStoring(void* native, Identifier className, Copier copier);
 
   /// Parts a native from its script object, which is stale from then on. True when there was one: whoever holds a
   /// reference for the binding then drops it.
-  static bool remove(void* native) noexcept;
+  [[nodiscard]] static bool remove(void* native) noexcept;
 };
 
 }  // namespace corvid::factory::basic

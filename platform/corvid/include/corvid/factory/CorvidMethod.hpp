@@ -66,10 +66,9 @@ class CORVID_EXPORT Invoker {
  public:
   /// A signature of argument names (blank separated, perhaps none), a result type (empty for none) and input types, of
   /// which the last `optionalTrailing` may be left out. Raises NoSuchType.
-  static std::unique_ptr<CorvidMethodSignature> createSignature(std::string_view argumentNames,
-                                                                std::string_view resultType,
-                                                                std::initializer_list<std::string_view> inputTypes,
-                                                                std::size_t optionalTrailing = 0);
+  [[nodiscard]] static std::unique_ptr<CorvidMethodSignature> createSignature(
+      std::string_view argumentNames, std::string_view resultType, std::initializer_list<std::string_view> inputTypes,
+      std::size_t optionalTrailing = 0);
 };
 
 }  // namespace impl

@@ -27,12 +27,12 @@ namespace impl {
 
 /// The native bound to the first object of an array under a class; null when the array has no element, or its object is
 /// of another class or parted from its native.
-CORVID_EXPORT void* nativeOf(kestrel_array const& self, Identifier className, std::size_t index = 0);
+[[nodiscard]] CORVID_EXPORT void* nativeOf(kestrel_array const& self, Identifier className, std::size_t index = 0);
 
 [[noreturn]] CORVID_EXPORT void reportInvalidSelf(Identifier className);
 
 template <class T>
-typename SelfTraits<T>::Self selfOf(kestrel_array const& self, std::size_t index = 0) {
+[[nodiscard]] typename SelfTraits<T>::Self selfOf(kestrel_array const& self, std::size_t index = 0) {
   return SelfTraits<T>::fromNative(nativeOf(self, SelfTraits<T>::className(), index));
 }
 

@@ -1,5 +1,6 @@
-// What a static object of a library does for the types of its package: their marshalers are known while it is loaded.
-// Ownership: the registry owns the marshalers. Thread rule: the thread that loads or unloads the library.
+// What a static object of a library does for the types of its package: their marshalers are known from when it is
+// loaded until the process ends. Ownership: the registry owns the marshalers. Thread rule: the thread that loads the
+// library, or ends the process.
 #pragma once
 
 #include <memory>
@@ -10,7 +11,9 @@
 
 namespace plinth::bridge {
 
-/// Registers marshalers while a library loads, and takes them out when the process ends or the library goes.
+/// Registers marshalers while a library loads, and takes them out when the process ends. A library that is closed with
+/// dlclose stays loaded until then, and so do its marshalers: the metamodel, which knows its types, is never taken
+/// down.
 class TESSEL_EXPORT MarshalerRegistration {
  public:
   using Make = std::unique_ptr<ValueMarshaler> (*)(meta::Type const& type);
@@ -19,7 +22,7 @@ class TESSEL_EXPORT MarshalerRegistration {
     Make make;
   };
 
-  explicit MarshalerRegistration(std::vector<Row> const& rows);
+  [[nodiscard]] explicit MarshalerRegistration(std::vector<Row> const& rows);
   MarshalerRegistration(MarshalerRegistration const&) = delete;
   MarshalerRegistration& operator=(MarshalerRegistration const&) = delete;
   ~MarshalerRegistration();

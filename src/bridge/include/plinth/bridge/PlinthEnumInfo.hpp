@@ -87,7 +87,7 @@ class PlinthEnumInfo : public corvid::factory::CorvidFactoryClassInfo {
     auto const& type = static_cast<meta::EnumImpl const&>(*MetaTypeOf<E>::type());
     for (meta::EnumLiteralImpl const* literal : type.getLiterals())
       hostClass->addEnumValue(
-          std::make_unique<PlinthEnumValueInfo<E>>(memberName(*literal), hostClass->getName(), literal->value()));
+          std::make_unique<PlinthEnumValueInfo<E>>(memberName(*literal), hostClass->getFullName(), literal->value()));
     detail::addEnumMethods(*hostClass, type);
   }
 
@@ -103,7 +103,7 @@ class PlinthEnumInfo : public corvid::factory::CorvidFactoryClassInfo {
 /// Adds an enumeration W to a package, with its class described and its conversions installed.
 template <class W>
 void addEnumeration(corvid::CorvidPackage& package, char const* name) {
-  corvid::Identifier const fullName = addClass<W>(package, name)->getName();
+  corvid::Identifier const fullName = addClass<W>(package, name)->getFullName();
   corvid::CorvidClass::requireClass(fullName);
   auto* const type = static_cast<meta::EnumImpl*>(MetaTypeOf<typename W::Enumeration>::type());
   FromAnyAsStringTypeConverter::install(fullName, meta::Enum(type));

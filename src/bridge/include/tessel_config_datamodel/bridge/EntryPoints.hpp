@@ -1,6 +1,6 @@
 // The entries of the library for its host. A host that loads the library at run time finds them by name; a program that
-// links it calls them itself.
-// Thread rule: the host's thread.
+// links it calls them itself. Once loaded, the library stays until the process ends, also behind a dlclose: the
+// metamodel is never taken down. Thread rule: the host's thread.
 #pragma once
 
 #include "groundwork/export.hpp"

@@ -62,9 +62,9 @@ class ElementMap final : public ReferenceMap {
     Container const* m_container;
   };
 
-  ElementMap(CollectionPrivateTag, KeyExtractor keyExtractor, ModelElementImpl* owner = nullptr,
+  ElementMap(CollectionPrivateTag, KeyExtractor extractor, ModelElementImpl* owner = nullptr,
              meta::PropertyImpl* property = nullptr, meta::PropertyImpl* opposite = nullptr) noexcept
-      : ReferenceMap(keyExtractor, owner, property, opposite) {}
+      : ReferenceMap(extractor, owner, property, opposite) {}
 
   meta::Class const& getCollectionType() const override { return T::metaClass(); }
 

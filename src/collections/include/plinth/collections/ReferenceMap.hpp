@@ -53,9 +53,9 @@ class TESSEL_EXPORT ReferenceMap : public AssociativeStore<MapContainer> {
   void genericAdd(ModelElement const& element) override;
 
  protected:
-  ReferenceMap(KeyExtractor keyExtractor, ModelElementImpl* owner, meta::PropertyImpl* property,
+  ReferenceMap(KeyExtractor extractor, ModelElementImpl* owner, meta::PropertyImpl* property,
                meta::PropertyImpl* opposite) noexcept
-      : AssociativeStore(owner, property, opposite), m_keyExtractor(keyExtractor) {}
+      : AssociativeStore(owner, property, opposite), m_keyExtractor(extractor) {}
   KeyExtractor keyExtractor() const noexcept { return m_keyExtractor; }
   std::unique_ptr<GenericCollectionInterface> makeGenericInterface() override;
   Position locate(ModelElement const& element) const override;

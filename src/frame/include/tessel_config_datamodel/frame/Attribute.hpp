@@ -60,9 +60,12 @@ class ValueFieldKind : public PropertyKind {
   void initialize(Element& element, ElementBuilder& builder, Row const& row) const final {
     fieldOf<T>(element, row) = builderFieldOf<T>(builder, row);
   }
+
+ protected:
+  ~ValueFieldKind() = default;
 };
 
-/// An attribute that always has a value.
+/// What attributes share that always have a value.
 template <class T>
 class AttributeKind : public ValueFieldKind<T> {
  public:
@@ -93,7 +96,14 @@ class AttributeKind : public ValueFieldKind<T> {
       builder.markSet(row.index);
     }
   }
+
+ protected:
+  ~AttributeKind() = default;
 };
+
+/// An attribute without more to it.
+template <class T>
+class PlainAttributeKind final : public AttributeKind<T> {};
 
 /// An attribute whose setter a subclass overrides: reflection goes through the virtual setter.
 class TESSEL_EXPORT TextKeyKind final : public AttributeKind<std::u16string> {
@@ -139,17 +149,18 @@ class OptionalKind final : public ValueFieldKind<boost::optional<T>> {
 };
 
 template <class T>
-inline constexpr AttributeKind<T> attributeKind{};
+inline constexpr PlainAttributeKind<T> attributeKind{};
 template <class T>
 inline constexpr OptionalKind<T> optionalKind{};
 inline constexpr TextKeyKind textKeyKind{};
 
-extern template class AttributeKind<bool>;
-extern template class AttributeKind<double>;
-extern template class AttributeKind<long>;
-extern template class AttributeKind<unsigned long>;
-extern template class AttributeKind<unsigned int>;
 extern template class AttributeKind<std::u16string>;
+extern template class PlainAttributeKind<bool>;
+extern template class PlainAttributeKind<double>;
+extern template class PlainAttributeKind<long>;
+extern template class PlainAttributeKind<unsigned long>;
+extern template class PlainAttributeKind<unsigned int>;
+extern template class PlainAttributeKind<std::u16string>;
 extern template class OptionalKind<unsigned int>;
 extern template class OptionalKind<std::u16string>;
 

@@ -29,6 +29,7 @@ class TESSEL_EXPORT CollectionKind : public PropertyKind {
   plinth::AbstractOwnedCollection& requireAny(Element& element, Row const& row) const;
 
  protected:
+  ~CollectionKind() = default;
   virtual CollectionField make(Element& element, Row const& row) const = 0;
 };
 

@@ -48,6 +48,7 @@ class TESSEL_EXPORT ElementCollectionKind : public CollectionKind {
   }
 
  protected:
+  ~ElementCollectionKind() = default;
   virtual void reserve(plinth::ReferenceCollection& collection, std::size_t count) const;
 };
 

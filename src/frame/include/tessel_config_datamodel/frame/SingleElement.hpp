@@ -60,18 +60,27 @@ class TESSEL_EXPORT SingleElementKind : public PropertyKind {
                       plinth::ModelElement const& proxy) const final;
 
  protected:
+  ~SingleElementKind() = default;
   virtual void store(Element& element, Row const& row, plinth::ModelElement const& target) const = 0;
 };
 
+/// What references share, with an opposite or without.
 class TESSEL_EXPORT ReferenceKind : public SingleElementKind {
  public:
   using PropertyKind::build;
   void disassociate(Element& element, Row const& row) const final;
   bool containsProxyTo(Element& element, Row const& row, plinth::ModelElementImpl& far) const final;
-  void convertToProxies(Element& element, Row const& row, bool convert,
-                        boost::optional<plinth::ProxyId>& id) const override;
   bool build(ElementBuilder& builder, Row const& row, plinth::Value const& value) const final;
   void link(Element& element, ElementBuilder& builder, Row const& row) const final;
+
+ protected:
+  ~ReferenceKind() = default;
+};
+
+class TESSEL_EXPORT OneWayReferenceKind final : public ReferenceKind {
+ public:
+  void convertToProxies(Element& element, Row const& row, bool convert,
+                        boost::optional<plinth::ProxyId>& id) const override;
 
  protected:
   void store(Element& element, Row const& row, plinth::ModelElement const& target) const override;
@@ -102,7 +111,7 @@ class TESSEL_EXPORT ContainmentKind final : public SingleElementKind {
   void store(Element& element, Row const& row, plinth::ModelElement const& target) const override;
 };
 
-inline constexpr ReferenceKind referenceKind{};
+inline constexpr OneWayReferenceKind referenceKind{};
 inline constexpr OppositeReferenceKind oppositeReferenceKind{};
 inline constexpr ContainmentKind containmentKind{};
 

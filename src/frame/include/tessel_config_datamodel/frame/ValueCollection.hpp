@@ -21,6 +21,9 @@ class TESSEL_EXPORT ValueCollectionKind : public CollectionKind {
   plinth::AbstractPrimitiveCollection& require(Element& element, Row const& row) const {
     return static_cast<plinth::AbstractPrimitiveCollection&>(requireAny(element, row));
   }
+
+ protected:
+  ~ValueCollectionKind() = default;
 };
 
 /// C is the collection's class; the builder gathers a vector of its values.
@@ -37,6 +40,9 @@ class TypedValueCollectionKind : public ValueCollectionKind {
     auto const& values = builderFieldOf<std::vector<T>>(builder, row);
     if (!values.empty()) fill(static_cast<C&>(require(element, row)), values);
   }
+
+ protected:
+  ~TypedValueCollectionKind() = default;
 
  private:
   static void fill(plinth::PrimitiveSequence<T>& sequence, std::vector<T> const& values) { sequence.assign(values); }
