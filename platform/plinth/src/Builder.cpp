@@ -13,7 +13,8 @@ struct Orchestrator::Frame {
   std::size_t next;
 };
 
-Orchestrator::Orchestrator(ModelElementBuilder* root) : m_root(root), m_step(*root->model().impl(), Step::WHOLE) {
+Orchestrator::Orchestrator(ModelElementBuilder* root, Builders builders)
+    : m_root(root), m_step(*root->model().impl(), Step::WHOLE), m_spendsBuilders(builders == Builders::SPENT) {
   addBuilder(root);
 }
 
@@ -106,11 +107,17 @@ void ModelElementBuilder::cascadeCreation(ModelElementImpl&, CascadeSteps&) {}
 
 void ModelElementBuilder::attach(ModelElementImpl&, meta::PropertyImpl&, ModelElement const&) {}
 
+namespace {
+
+// At a fixed place in each thread's storage: reaching it takes no call.
+[[gnu::tls_model("initial-exec")]] thread_local ModelElementBuilder* waiting = nullptr;
+[[gnu::tls_model("initial-exec")]] thread_local bool isRunning = false;
+
+}  // namespace
+
 void takeDown(std::unique_ptr<ModelElementBuilder> builder) noexcept {
   if (builder == nullptr) return;
   // The destructor of a builder hands its children in here again: they wait in the list of the outermost call.
-  thread_local ModelElementBuilder* waiting = nullptr;
-  thread_local bool isRunning = false;
   builder->m_next = waiting;
   waiting = builder.release();
   if (isRunning) return;

@@ -33,7 +33,7 @@ plinth::ModelElement createChild(Element& self, PropertyDescriptor const& row, p
                                  boost::uuids::uuid const& uuid) {
   self.requireModifiable();
   if (builder.model().impl() != &self.model()) builder.setModel(self.getModel());
-  plinth::Orchestrator orchestrator(&builder);
+  plinth::Orchestrator orchestrator(&builder, plinth::Orchestrator::Builders::SPENT);
   plinth::ModelElement child = orchestrator.run(uuid);
   row.kind->attach(self, row, child);
   orchestrator.commit();

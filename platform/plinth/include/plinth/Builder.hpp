@@ -18,7 +18,10 @@ namespace plinth {
 /// children from a work list, so that the depth of a tree costs no stack.
 class TESSEL_EXPORT Orchestrator {
  public:
-  explicit Orchestrator(ModelElementBuilder* root);
+  /// Whether the builders are read after the run, or end with it: then elements take over what builders hold.
+  enum class Builders { KEPT, SPENT };
+
+  explicit Orchestrator(ModelElementBuilder* root, Builders builders = Builders::KEPT);
   Orchestrator(Orchestrator const&) = delete;
   Orchestrator& operator=(Orchestrator const&) = delete;
   /// Without a commit, what was built is taken back.
@@ -30,12 +33,14 @@ class TESSEL_EXPORT Orchestrator {
   /// Makes the root's element and everything below it.
   ModelElement run(boost::uuids::uuid const& uuid);
   void commit();
+  bool spendsBuilders() const noexcept { return m_spendsBuilders; }
 
  private:
   struct Frame;
   ModelElementBuilder* m_root;
   ModelElementBuilder* m_builders = nullptr;  ///< the one added last; each knows the one before it
   Step m_step;
+  bool m_spendsBuilders;
 };
 
 /// A child that a builder is to make, and the containment property that takes it.

@@ -58,7 +58,12 @@ class ValueFieldKind : public PropertyKind {
     return fieldOf<T>(element, row) == slotOf<T>(storage, row);
   }
   void initialize(Element& element, ElementBuilder& builder, Row const& row) const final {
-    fieldOf<T>(element, row) = builderFieldOf<T>(builder, row);
+    T& given = builderFieldOf<T>(builder, row);
+    if (!std::is_trivially_copyable_v<T> && builder.isSpent()) {
+      fieldOf<T>(element, row) = std::move(given);
+    } else {
+      fieldOf<T>(element, row) = given;
+    }
   }
 
  protected:

@@ -56,6 +56,8 @@ class TESSEL_EXPORT ElementBuilder : public plinth::ModelElementBuilder {
 
   /// For the kinds: the property of this index has been given.
   void markSet(unsigned long index) noexcept { mark(index); }
+  /// For the kinds: nobody reads this builder after the element is made.
+  bool isSpent() const noexcept { return orchestrator() != nullptr && orchestrator()->spendsBuilders(); }
 
  protected:
   /// With a model, the class's own type stamps are given; without, none is.

@@ -37,15 +37,18 @@ class TypedValueCollectionKind : public ValueCollectionKind {
     return true;
   }
   void initialize(Element& element, ElementBuilder& builder, Row const& row) const final {
-    auto const& values = builderFieldOf<std::vector<T>>(builder, row);
-    if (!values.empty()) fill(static_cast<C&>(require(element, row)), values);
+    auto& values = builderFieldOf<std::vector<T>>(builder, row);
+    if (values.empty()) return;
+    fill(static_cast<C&>(require(element, row)), builder.isSpent() ? std::move(values) : values);
   }
 
  protected:
   ~TypedValueCollectionKind() = default;
 
  private:
-  static void fill(plinth::PrimitiveSequence<T>& sequence, std::vector<T> const& values) { sequence.assign(values); }
+  static void fill(plinth::PrimitiveSequence<T>& sequence, std::vector<T> values) {
+    sequence.assign(std::move(values));
+  }
   template <class Associative>
   static void fill(Associative& collection, std::vector<T> const& values) {
     for (T const& value : values) collection.insert(value);
