@@ -32,18 +32,31 @@ constexpr bool isPair(SymbolId a, SymbolId b, SymbolId x, SymbolId y) {
   return (a == x && b == y) || (a == y && b == x);
 }
 
-ExpressionId remembered(std::vector<ExpressionId> const& results, ExpressionId id) {
-  return id < results.size() ? results[id] : noExpression;
-}
+}  // namespace
 
-ExpressionId remember(std::vector<ExpressionId>& results, ExpressionId id, ExpressionId result) {
+// The result for an expression, worked out at the first request.
+template <class Work>
+ExpressionId ExpressionRules::once(List& results, ExpressionId id, Work const& work) {
+  ExpressionId const known = id < results.size() ? results[id] : noExpression;
+  if (known != noExpression || id == noExpression) {
+    return known;
+  }
+  ExpressionId const result = work();
   if (id >= results.size()) {
     results.resize(id + id / 2 + 64, noExpression);
   }
   return results[id] = result;
 }
 
-}  // namespace
+// A list of op with the operands of another list, rewritten.
+template <class Rewrite>
+ExpressionId ExpressionRules::listOf(Operator op, ExpressionId list, Rewrite const& rewrite) {
+  List operands = operandsOf(list, m_pool.op(list));
+  for (ExpressionId& operand : operands) {
+    operand = rewrite(operand);
+  }
+  return m_pool.list(op, operands);
+}
 
 void ExpressionRules::forget() {
   m_normalized.clear();
@@ -54,18 +67,13 @@ void ExpressionRules::forget() {
 // Normalizing
 
 ExpressionId ExpressionRules::normalized(ExpressionId id) {
-  const ExpressionId known = remembered(m_normalized, id);
-  return known != noExpression || id == noExpression ? known : remember(m_normalized, id, normalize(id));
+  return once(m_normalized, id, [&] { return normalize(id); });
 }
 
 ExpressionId ExpressionRules::normalize(ExpressionId id) {
   const Operator op = m_pool.op(id);
   if (isList(op)) {
-    List operands = operandsOf(id, op);
-    for (ExpressionId& operand : operands) {
-      operand = normalized(operand);
-    }
-    return m_pool.list(op, operands);
+    return listOf(op, id, [this](ExpressionId operand) { return normalized(operand); });
   }
   if (op == Operator::Not) {
     return normalizeNegation(normalized(m_pool.operand(id)));
@@ -95,11 +103,7 @@ ExpressionId ExpressionRules::normalizeNegation(ExpressionId operand) {
     return m_pool.comparison(opposite(op), m_pool.left(operand), m_pool.right(operand));
   }
   if (isList(op)) {
-    List operands = operandsOf(operand, op);
-    for (ExpressionId& inner : operands) {
-      inner = normalized(m_pool.negation(inner));
-    }
-    return m_pool.list(opposite(op), operands);
+    return listOf(opposite(op), operand, [this](ExpressionId inner) { return normalized(m_pool.negation(inner)); });
   }
   const SymbolId symbol = m_pool.left(operand);
   return isTristateConstant(symbol) ? constant(symbolYes - symbol) : m_pool.negation(operand);
@@ -108,9 +112,7 @@ ExpressionId ExpressionRules::normalizeNegation(ExpressionId operand) {
 // Joining
 
 ExpressionId ExpressionRules::withoutDuplicates(ExpressionId id) {
-  const ExpressionId known = remembered(m_withoutDuplicates, id);
-  return known != noExpression || id == noExpression ? known
-                                                     : remember(m_withoutDuplicates, id, eliminateDuplicates(id));
+  return once(m_withoutDuplicates, id, [&] { return eliminateDuplicates(id); });
 }
 
 ExpressionId ExpressionRules::eliminateDuplicates(ExpressionId id) {
@@ -339,18 +341,13 @@ bool ExpressionRules::dependsOn(ExpressionId id, SymbolId symbol) const {
 // Rewriting
 
 ExpressionId ExpressionRules::forBoolean(ExpressionId id) {
-  const ExpressionId known = remembered(m_forBoolean, id);
-  return known != noExpression || id == noExpression ? known : remember(m_forBoolean, id, testForBoolean(id));
+  return once(m_forBoolean, id, [&] { return testForBoolean(id); });
 }
 
 ExpressionId ExpressionRules::testForBoolean(ExpressionId id) {
   const Operator op = m_pool.op(id);
   if (isList(op)) {
-    List operands = operandsOf(id, op);
-    for (ExpressionId& operand : operands) {
-      operand = forBoolean(operand);
-    }
-    return m_pool.list(op, operands);
+    return listOf(op, id, [this](ExpressionId operand) { return forBoolean(operand); });
   }
   if (op == Operator::Not) {
     return m_pool.negation(forBoolean(m_pool.operand(id)));
@@ -361,18 +358,13 @@ ExpressionId ExpressionRules::testForBoolean(ExpressionId id) {
 }
 
 ExpressionId ExpressionRules::withModules(ExpressionId id, SymbolId modules) {
-  const ExpressionId known = remembered(m_withModules, id);
-  return known != noExpression || id == noExpression ? known : remember(m_withModules, id, requireModules(id, modules));
+  return once(m_withModules, id, [&] { return requireModules(id, modules); });
 }
 
 ExpressionId ExpressionRules::requireModules(ExpressionId id, SymbolId modules) {
   const Operator op = m_pool.op(id);
   if (isList(op)) {
-    List operands = operandsOf(id, op);
-    for (ExpressionId& operand : operands) {
-      operand = withModules(operand, modules);
-    }
-    return m_pool.list(op, operands);
+    return listOf(op, id, [&](ExpressionId operand) { return withModules(operand, modules); });
   }
   if (op == Operator::Not) {
     return m_pool.negation(withModules(m_pool.operand(id), modules));
@@ -384,11 +376,8 @@ ExpressionId ExpressionRules::comparedWithNo(ExpressionId id, Operator op) {
   bool const equal = op == Operator::Equal;
   const Operator own = m_pool.op(id);
   if (isList(own)) {
-    List operands = operandsOf(id, own);
-    for (ExpressionId& operand : operands) {
-      operand = comparedWithNo(operand, Operator::Equal);
-    }
-    const ExpressionId result = m_pool.list(opposite(own), operands);
+    auto const equalsNo = [this](ExpressionId operand) { return comparedWithNo(operand, Operator::Equal); };
+    const ExpressionId result = listOf(opposite(own), id, equalsNo);
     return equal ? result : m_pool.negation(result);
   }
   switch (own) {

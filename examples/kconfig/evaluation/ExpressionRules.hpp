@@ -56,6 +56,10 @@ class ExpressionRules {
   void cancelPairs(Operator op, ExpressionId& a, ExpressionId& b);
   ExpressionId comparedWithNo(ExpressionId id, Operator op);
 
+  template <class Work>
+  ExpressionId once(List& results, ExpressionId id, Work const& work);
+  template <class Rewrite>
+  ExpressionId listOf(Operator op, ExpressionId list, Rewrite const& rewrite);
   List operandsOf(ExpressionId id, Operator op) const;
   SymbolId joinableSymbol(ExpressionId id) const;
   bool compares(ExpressionId id, Operator op, SymbolId right) const {
