@@ -1,5 +1,5 @@
-# Builds and runs the first program, and one that looks across the library's boundary, with a bare compiler, the flags that
-# pkg-config gives, and more warnings than the library itself is built with.
+# Builds and runs the first program, and one that looks across the library's boundary, with a bare compiler, the flags
+# that pkg-config gives, and more warnings than the library itself is built with.
 include(${CMAKE_CURRENT_LIST_DIR}/expect.cmake)
 
 file(REMOVE_RECURSE ${WORK})
