@@ -67,12 +67,14 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_L
   add_compile_options(-Wno-stringop-overflow -Wno-stringop-overread)
 endif()
 
-# A compiler cache, where there is one. The sloppiness is what it needs to know precompiled headers again.
+# A compiler cache, where there is one. The sloppiness is what it needs to know precompiled headers again. Paths below
+# the checkout count as relative, so that presets with the same flags share what they compile.
 find_program(TESSEL_CCACHE ccache)
 mark_as_advanced(TESSEL_CCACHE)
 if(TESSEL_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
   set(CMAKE_CXX_COMPILER_LAUNCHER
     ${CMAKE_COMMAND} -E env CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime
+    CCACHE_BASEDIR=${PROJECT_SOURCE_DIR} CCACHE_NOHASHDIR=1
     ${TESSEL_CCACHE})
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     add_compile_options(-fpch-preprocess)

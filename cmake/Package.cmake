@@ -3,13 +3,13 @@ include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/tessel_config_datamodel)
 # A folder of their own, by version: the headers are those of many folders, whose names would stand among everybody's.
-set(header_dir
+set(TESSEL_INSTALL_INCLUDEDIR
   ${CMAKE_INSTALL_INCLUDEDIR}/tessel_config_datamodel-${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
 
 install(TARGETS tessel_config_datamodel
   EXPORT tessel_config_datamodel
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-  FILE_SET HEADERS DESTINATION ${header_dir}
+  FILE_SET HEADERS DESTINATION ${TESSEL_INSTALL_INCLUDEDIR}
 )
 install(EXPORT tessel_config_datamodel
   FILE tessel_config_datamodel-targets.cmake

@@ -1,5 +1,5 @@
 // What a user's program sees of the library across its boundary: each exception that the library throws is caught by
-// its own class, those of other libraries' classes too, and headers compile without a warning.
+// its own class, those of other libraries' classes too.
 #include <boost/lexical_cast.hpp>
 #include <cstdio>
 #include <kestrel/array.hpp>

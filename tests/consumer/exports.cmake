@@ -8,7 +8,8 @@ foreach(namespace IN LISTS namespaces)
   list(APPEND own ${length}${namespace})
 endforeach()
 list(JOIN own "|" own)
-set(allowed "^(_ZT[ISV]|_Z(T[hv][n0-9_]+)*(GV|Z)*N[KVRO]*(${own}|[0-9]+MetaPackageTessel_)|ML(Initialize|Terminate)_tessel_)")
+set(entry "ML(Initialize|Terminate)_tessel_")
+set(allowed "^(_ZT[ISV]|_Z(T[hv][n0-9_]+)*(GV|Z)*N[KVRO]*(${own}|[0-9]+MetaPackageTessel_)|${entry})")
 
 execute_process(COMMAND ${NM} --dynamic --defined-only --format=posix ${LIBRARY}
   OUTPUT_VARIABLE names COMMAND_ERROR_IS_FATAL ANY)

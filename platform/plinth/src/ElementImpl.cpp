@@ -47,8 +47,9 @@ class RandomBits {
   bool isSeeded() const noexcept { return (m_state[0] | m_state[1] | m_state[2] | m_state[3]) != 0; }
   [[gnu::noinline, gnu::cold]] void seed() {
     std::random_device source;
-    while (!isSeeded())
-      for (std::uint64_t& word : m_state) word = std::uint64_t{source()} << 32 | source();
+    std::array<std::uint64_t, 4> words{};
+    for (std::uint64_t& word : words) word = std::uint64_t{source()} << 32 | source();
+    m_state = words;
   }
 
  private:
