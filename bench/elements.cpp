@@ -79,7 +79,7 @@ void describeCreation() {
       meter.measure([&] {
         boost::optional<plinth::Transaction> outer;
         if (together) outer.emplace(model.beginTransaction());
-        for (std::size_t i = 0; i < sizeOf(state); ++i) data::DoubleParamData::create(model);
+        for (std::size_t i = 0; i < sizeOf(state); ++i) static_cast<void>(data::DoubleParamData::create(model));
         if (together) outer->commit();
       });
     }

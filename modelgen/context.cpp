@@ -90,6 +90,7 @@ void setMemberNames(Data& object, std::string const& property) {
   object.set("childCreator", naming::childCreator(property));
   object.set("builderSetter", naming::builderSetter(property));
   object.set("adder", naming::adder(property));
+  object.set("clearer", naming::clearer(property));
   object.set("builderAdder", naming::builderAdder(property));
   object.set("builderClearer", naming::builderClearer(property));
 }
@@ -98,7 +99,11 @@ void setShape(Data& object, Property const& property) {
   object.set("scheme", naming::schemeName(property.scheme));
   object.set("rowKind", naming::rowKind(property));
   object.set("elementSetter", naming::elementSetter(property));
+  object.set("resultType", naming::resultType(property));
   object.set("parameterType", naming::parameterType(property));
+  object.set("argument", naming::argument(property));
+  object.set("ownedParameterType", naming::ownedParameterType(property));
+  object.set("ownedArgument", naming::ownedArgument(property));
   object.set("builderField", naming::builderFieldType(property));
   object.set("implField", naming::implFieldType(property));
   object.set("oldField", naming::oldFieldType(property));

@@ -2,14 +2,17 @@
 
 #include <algorithm>
 #include <cctype>
-#include <limits>
+#include <optional>
 #include <sstream>
+#include <vector>
 
 namespace modelgen {
 namespace {
 
 constexpr std::size_t bodyIndent = 2;
 constexpr std::size_t continuationIndent = 4;
+
+using Lines = std::vector<std::string>;
 
 std::size_t indentOf(std::string const& line) { return std::min(line.find_first_not_of(' '), line.size()); }
 
@@ -58,36 +61,53 @@ bool endsWith(std::string const& line, std::size_t end, std::string const& what)
   return end >= what.size() && line.compare(end - what.size(), what.size(), what) == 0;
 }
 
-// What a break before the character at `at` costs, the least being best; the scanner stands behind the one before it.
-int costOfBreak(std::string const& line, std::size_t at, Scanner const& scanner) {
-  constexpr int never = std::numeric_limits<int>::max();
-  if (scanner.isQuoted()) return never;
-  int const depth = 2 * scanner.depth();
-  if (line[at - 1] == '(' && line[at] != ')') return depth - 1;
-  if (line[at] != ' ') return never;
-  if (line[at - 1] == ',' || line.compare(at, 3, " : ") == 0) return depth;
-  bool const behindType = endsWith(line, at, " const&") || endsWith(line, at, ">*");
-  return behindType && isWord(line[at + 1]) ? depth + 1 : never;
-}
-
-// Where to break a line of code; its size where there is no place.
-std::size_t placeToBreak(std::string const& line, std::size_t width) {
+// Where `what` stands at this depth, outside quotes, first; the line's size where it doesn't.
+std::size_t findAtDepth(std::string const& line, int depth, std::string const& what, std::size_t from = 0) {
   Scanner scanner(line);
-  int least = std::numeric_limits<int>::max();
-  std::size_t best = line.size();
-  const std::size_t indent = indentOf(line);
-  for (std::size_t at = 0; at < std::min(line.size() - 1, width + 1); ++at) {
-    if (!scanner.isQuoted() && line.compare(at, 2, "//") == 0) break;
-    if (at > indent) {
-      int const cost = costOfBreak(line, at, scanner);
-      if (cost < std::numeric_limits<int>::max() && cost <= least) {
-        least = cost;
-        best = at;
-      }
-    }
+  for (std::size_t at = 0; at < line.size(); ++at) {
+    bool const counts = at >= from && scanner.depth() == depth && !scanner.isQuoted();
+    if (counts && line.compare(at, what.size(), what) == 0) return at;
     scanner.step(at);
   }
-  return best;
+  return line.size();
+}
+
+// The parts of a line that a line break may stand between: broken behind `open` and the commas directly inside it.
+Lines partsOf(std::string const& line, std::size_t open) {
+  Lines parts{line.substr(0, open + 1)};
+  Scanner scanner(line);
+  int inside = 0;
+  std::size_t start = open + 1;
+  for (std::size_t at = 0; at < line.size(); ++at) {
+    scanner.step(at);
+    if (at == open) inside = scanner.depth();
+    if (at <= open) continue;
+    if (scanner.depth() < inside) break;
+    if (scanner.depth() != inside || scanner.isQuoted() || line[at] != ',' || line[at + 1] != ' ') continue;
+    parts.push_back(line.substr(start, at + 1 - start));
+    start = at + 2;
+  }
+  parts.push_back(line.substr(start));
+  return parts;
+}
+
+// The parts behind the first one, on lines that go on from `line` and have this indent, as many on each as fit. Nothing
+// where one alone is too long.
+std::optional<Lines> fill(std::string line, Lines const& parts, std::size_t indent, std::size_t width) {
+  Lines lines;
+  for (std::size_t i = 1; i < parts.size(); ++i) {
+    std::string const& part = parts[i];
+    bool const isFirst = i == 1;
+    if (line.size() + (isFirst ? 0 : 1) + part.size() <= width) {
+      line += (isFirst ? "" : " ") + part;
+    } else {
+      if (isFirst || indent + part.size() > width) return std::nullopt;
+      lines.push_back(line);
+      line = std::string(indent, ' ') + part;
+    }
+  }
+  lines.push_back(line);
+  return lines;
 }
 
 // Where " { body }" begins in the one-line definition of a function; its size where the line is none.
@@ -136,15 +156,78 @@ class Folder {
     m_result += line + '\n';
   }
 
-  // All lines behind the first have one indent, so that they read as one continuation.
-  void foldCode(std::string line, std::size_t indent) {
-    while (line.size() > m_width) {
-      const std::size_t at = placeToBreak(line, m_width);
-      if (at == line.size()) break;
-      m_result += line.substr(0, at) + '\n';
-      line = std::string(indent, ' ') + line.substr(line[at] == ' ' ? at + 1 : at);
+  // The members that a constructor initializes, on a line of their own or, where that is too long, one to a line.
+  void foldInitializers(std::string const& line, std::size_t colon) {
+    const std::size_t indent = indentOf(line) + continuationIndent;
+    fold(line.substr(0, colon));
+    const std::string list = std::string(indent, ' ') + line.substr(colon + 1);
+    if (list.size() <= m_width) {
+      m_result += list + '\n';
+      return;
+    }
+    std::string rest = list;
+    std::string lead(indent, ' ');
+    for (std::size_t comma = findAtDepth(rest, 0, ", "); comma != rest.size(); comma = findAtDepth(rest, 0, ", ")) {
+      fold(lead + rest.substr(indentOf(rest), comma + 1 - indentOf(rest)));
+      lead.assign(indent + 2, ' ');
+      rest = lead + rest.substr(comma + 2);
+    }
+    fold(rest);
+  }
+
+  void foldCode(std::string const& line, std::size_t indent) {
+    if (const std::size_t colon = findAtDepth(line, 0, " : ", indentOf(line)); colon != line.size()) {
+      if (findAtDepth(line, 0, "(") < colon) return foldInitializers(line, colon);
+      fold(line.substr(0, colon));
+      return fold(std::string(indent, ' ') + line.substr(colon + 1));
+    }
+    for (std::size_t open = firstBracket(line, 0); open != line.size(); open = firstBracket(line, open + 1)) {
+      if (auto const lines = brokenAt(line, open, indent)) return addLines(*lines);
     }
     m_result += line + '\n';
+  }
+
+  // The line broken inside this bracket: what it holds goes on below its first character or, behind a parenthesis, on
+  // lines of its own. Nothing where that is not enough.
+  std::optional<Lines> brokenAt(std::string const& line, std::size_t open, std::size_t indent) const {
+    const Lines parts = partsOf(line, open);
+    if (line[open] == '(' && parts.back().front() == ')') return brokenBehindType(line, open);
+    if (auto lines = fill(parts.front(), parts, open + 1, m_width)) return lines;
+    if (line[open] != '(') return std::nullopt;
+    auto lines = fill(std::string(indent, ' '), parts, indent, m_width);
+    if (lines) lines->insert(lines->begin(), parts.front());
+    return lines;
+  }
+
+  // A function without parameters has its name on a line of its own, below its type, unless it is enough to move what
+  // stands behind the parameters.
+  std::optional<Lines> brokenBehindType(std::string const& line, std::size_t parameters) const {
+    const std::size_t indent = indentOf(line);
+    const std::size_t end = parameters + 2;
+    if (end <= m_width && line.compare(end, 6, " const") == 0) {
+      return Lines{line.substr(0, end), std::string(indent + continuationIndent, ' ') + line.substr(end + 1)};
+    }
+    const std::size_t space = line.rfind(' ', parameters);
+    if (space == std::string::npos || space <= indent) return std::nullopt;
+    const std::string type = line.substr(0, space);
+    const std::string name = std::string(indent, ' ') + line.substr(space + 1);
+    if (name.size() > m_width) return std::nullopt;
+    std::optional<Lines> lines = Lines{type};
+    const std::size_t open = findAtDepth(type, 0, "<");
+    if (type.size() > m_width && open != type.size()) {
+      const Lines parts = partsOf(type, open);
+      lines = fill(parts.front(), parts, open + 1, m_width);
+    }
+    if (lines) lines->push_back(name);
+    return lines;
+  }
+
+  void addLines(Lines const& lines) {
+    for (std::string const& each : lines) m_result += each + '\n';
+  }
+
+  static std::size_t firstBracket(std::string const& line, std::size_t from) {
+    return std::min(findAtDepth(line, 0, "(", from), findAtDepth(line, 0, "{", from));
   }
 
   std::size_t m_width;

@@ -6,11 +6,12 @@
 
 namespace modelgen {
 
-// The source with lines of at most `width` characters, as far as there is a place to break them: a body that stands on
-// the line of its function moves below it; then lines break behind an opening parenthesis, a comma or the type that a
-// function gives, or before the colon of bases and initializers, the outermost place that fits, and go on four columns
-// further in. A line of comment breaks at spaces. Preprocessor lines, texts in quotes and comments behind code stay
-// whole. The same source always gives the same result.
+// The source with lines of at most `width` characters, as far as there is a place to break them, and broken as
+// clang-format does by the style of this repository: a body that stands on the line of its function moves below it;
+// bases and initializers go below their head; what an outermost bracket holds goes on below its first character or,
+// where that is too narrow, behind the bracket; a name without parameters goes below its type. A line of comment breaks
+// at spaces. Preprocessor lines, texts in quotes and comments behind code stay whole. The same source always gives the
+// same result.
 std::string foldLongLines(std::string const& source, std::size_t width);
 
 }  // namespace modelgen

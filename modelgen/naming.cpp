@@ -58,6 +58,15 @@ std::string withUpperFirst(std::string name) {
   return name;
 }
 
+// A number, a truth value or a literal.
+bool isScalar(Property const& property) {
+  return property.scheme == Scheme::attribute && !isString(*property.type) && property.type->kind != TypeKind::dataType;
+}
+
+bool isOptionalText(Property const& property) {
+  return property.scheme == Scheme::optionalAttribute && isString(*property.type);
+}
+
 std::string elementCollectionType(Property const& property) {
   char const* const collection = property.shape == Shape::sequence ? "ElementSequence" : "UnorderedElementSet";
   return "plinth::" + std::string(collection) + "<" + cppTypeName(*property.type) + ">";
@@ -176,6 +185,7 @@ std::string presenceTest(std::string const& property) { return "has" + property;
 std::string childCreator(std::string const& property) { return "createInto" + property; }
 std::string builderSetter(std::string const& property) { return "doSet" + property; }
 std::string adder(std::string const& property) { return "add" + property; }
+std::string clearer(std::string const& property) { return "clear" + property; }
 
 std::string builderAdder(std::string const& property) { return "doAdd" + property; }
 std::string builderClearer(std::string const& property) { return "doClear" + property; }
@@ -231,10 +241,24 @@ std::string builderFieldType(Property const& property) {
   return isContainment ? "tessel::frame::ChildBuilders" : "tessel::frame::ReferenceTargets";
 }
 
+std::string resultType(Property const& property) {
+  return isScalar(property) ? valueType(property) : valueType(property) + " const&";
+}
+
 std::string parameterType(Property const& property) {
-  bool const isScalar =
-      property.scheme == Scheme::attribute && !isString(*property.type) && property.type->kind != TypeKind::dataType;
-  return isScalar ? valueType(property) : valueType(property) + " const&";
+  return isOptionalText(property) ? "tessel::frame::OptionalText const&" : resultType(property);
+}
+
+std::string argument(Property const& property) { return isOptionalText(property) ? "value.get()" : "value"; }
+
+std::string ownedParameterType(Property const& property) {
+  return isOptionalText(property) ? "tessel::frame::OptionalText" : valueType(property);
+}
+
+std::string ownedArgument(Property const& property) {
+  const std::string parameter = lowerCamel(property.name);
+  if (isOptionalText(property)) return "std::move(" + parameter + ").take()";
+  return isScalar(property) ? parameter : "std::move(" + parameter + ")";
 }
 
 std::string elementSetter(Property const& property) {

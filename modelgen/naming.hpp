@@ -42,6 +42,7 @@ std::string presenceTest(std::string const& property);
 std::string childCreator(std::string const& property);
 std::string builderSetter(std::string const& property);
 std::string adder(std::string const& property);
+std::string clearer(std::string const& property);
 std::string builderAdder(std::string const& property);
 std::string builderClearer(std::string const& property);
 
@@ -57,8 +58,14 @@ std::string fieldType(Property const& property);
 std::string implFieldType(Property const& property);
 std::string oldFieldType(Property const& property);
 std::string builderFieldType(Property const& property);
-// How a value of the property is passed and returned: by value where it is a number, a truth value or a literal.
+// How a getter gives a value of the property: by value where it is a number, a truth value or a literal.
+std::string resultType(Property const& property);
+// How a setter takes it, and what of its parameter `value` it passes on.
 std::string parameterType(Property const& property);
+std::string argument(Property const& property);
+// The same for a datatype, which keeps what it is given; its parameters bear the names of the fields.
+std::string ownedParameterType(Property const& property);
+std::string ownedArgument(Property const& property);
 // The function of the scheme that sets a property of one element.
 std::string elementSetter(Property const& property);
 // The object of the scheme that holds the behaviour of the property: its kind.

@@ -46,6 +46,11 @@ bool isCode(std::string const& path) {
   return extension == ".hpp" || extension == ".cpp";
 }
 
+// Templates need not know how code is set.
+std::string layOut(std::string const& code) {
+  return foldLongLines(shortenOwnNames(dropNeedlessBlankLines(sortIncludes(code))), lineWidth);
+}
+
 class PlanRenderer {
  public:
   PlanRenderer(std::vector<PlanRow> const& plan, bool withText, TemplateSet& templates, Diagnostics& diagnostics)
@@ -86,7 +91,7 @@ class PlanRenderer {
       return;
     }
     const std::string text = m_withText ? m_templates.render(row.templateFile.value, row.templateFile.at, data) : "";
-    if (!m_files.emplace(path, isCode(path) ? foldLongLines(shortenOwnNames(text), lineWidth) : text).second) {
+    if (!m_files.emplace(path, isCode(path) ? layOut(text) : text).second) {
       m_diagnostics.report(row.path.at, "the path '" + path + "' is made twice", "a path for each file");
     }
   }

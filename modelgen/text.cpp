@@ -2,6 +2,7 @@
 
 #include <cctype>
 #include <cstdint>
+#include <set>
 #include <sstream>
 
 namespace modelgen {
@@ -123,6 +124,38 @@ std::vector<std::string> wrap(std::string const& text, std::size_t width) {
     } while (words >> word);
   }
   return lines;
+}
+
+std::string sortIncludes(std::string const& source) {
+  std::string result;
+  std::set<std::string> run;  // the directives since the last line of another kind
+  auto const flush = [&] {
+    for (std::string const& each : run) result += each + '\n';
+    run.clear();
+  };
+  std::istringstream lines(source);
+  for (std::string line; std::getline(lines, line);) {
+    if (line.compare(0, 10, "#include <") == 0) {
+      run.insert(line);
+      continue;
+    }
+    flush();
+    result += line + '\n';
+  }
+  flush();
+  return result;
+}
+
+std::string dropNeedlessBlankLines(std::string const& source) {
+  std::string result;
+  std::istringstream lines(source);
+  bool isNeedless = true;  // what a blank line here would be
+  for (std::string line; std::getline(lines, line);) {
+    if (!line.empty() || !isNeedless) result += line + '\n';
+    bool const opensSection = line == " public:" || line == " protected:" || line == " private:";
+    isNeedless = line.empty() || opensSection;
+  }
+  return result;
 }
 
 std::string shortenOwnNames(std::string const& source) {

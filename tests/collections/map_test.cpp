@@ -152,7 +152,7 @@ TEST_F(ElementMap, StoreAndEntryKeepTheirOwnRules) {
 
   auto const absent = s.model->createProxy(ext::ConfigStore::metaClass(), {u"", u"", boost::none});
   auto const store = plinth::element_cast<ext::ConfigStore>(absent);
-  EXPECT_EQ(raised([&] { store->getProfiles(); }), "CannotModifyProxy");
+  EXPECT_EQ(raised([&] { return store->getProfiles(); }), "CannotModifyProxy");
   EXPECT_EQ(raised([&] { store->setVersion(1); }), "CannotModifyProxy");
 }
 

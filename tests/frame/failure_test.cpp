@@ -193,15 +193,17 @@ std::vector<Work> works() {
          s.day->setPropertyValue(name, plinth::Value::createPrimitiveValue<std::u16string>(name, u"reflected"));
        },
        {"record-old-value"}},
-      {"Create", [](Stage& s) { ext::ConfigProfile::create(s.model); }, {"announce"}},
+      {"Create", [](Stage& s) { static_cast<void>(ext::ConfigProfile::create(s.model)); }, {"announce"}},
       {"ManyInOneTransaction",
        [](Stage& s) {
          auto transaction = s.model.beginTransaction();
-         for (int i = 0; i < 70; ++i) ext::ConfigProfile::create(s.model);
+         for (int i = 0; i < 70; ++i) static_cast<void>(ext::ConfigProfile::create(s.model));
          transaction.commit();
        },
        {"undo-log-grow"}},
-      {"CreateWithStamps", [](Stage& s) { sample::expr::ConditionalOperation::create(s.model); }, {"announce"}},
+      {"CreateWithStamps",
+       [](Stage& s) { static_cast<void>(sample::expr::ConditionalOperation::create(s.model)); },
+       {"announce"}},
       {"CreateInto",
        [](Stage& s) { s.night->createIntoValues(std::make_unique<ext::ConfigEntry::Builder>()); },
        {"builder-make", "announce", "map-insert"}},

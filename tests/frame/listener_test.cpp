@@ -346,7 +346,7 @@ TEST(Listener, IsFreedWithItsRegistration) {
     auto model = plinth::Model::create();
     auto own = std::make_shared<plinth::ListenerRegistration>();
     *own = model.addListener([own, model](ChangeSet const&) { own->reset(); });
-    sample::ext::ConfigStore::create(std::exchange(model, {}));
+    static_cast<void>(sample::ext::ConfigStore::create(std::exchange(model, {})));
   }
   EXPECT_EQ(plinth::surplus(census, plinth::census()).text(), "");
 }

@@ -90,7 +90,7 @@ TEST(Proxy, LoadsItsModelWhenAGetterAsksAndNotWhenOnePeeks) {
   EXPECT_EQ(library.asked(), 0);
   EXPECT_EQ(s.store->getActiveProfile(), library.profile);
   EXPECT_EQ(library.asked(), 1);
-  s.store->getActiveProfile();
+  static_cast<void>(s.store->getActiveProfile());
   EXPECT_EQ(library.asked(), 1) << "the element has taken the proxy's place";
   EXPECT_TRUE(proxy->isProxy()) << "the proxy itself never turns into it";
 }

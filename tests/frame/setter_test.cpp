@@ -185,7 +185,7 @@ TEST(Setter, ChecksForAProxyFirstAndForASubclassQualifierLast) {
   EXPECT_EQ(raised([&] { proxy->setDirty(false); }), "CannotModifyProxy") << "even a value that is there";
   EXPECT_EQ(raised([&] { proxy->setCategory({}); }), "CannotModifyProxy");
   EXPECT_EQ(raised([&] { proxy->setData({}); }), "CannotModifyProxy");
-  EXPECT_EQ(raised([&] { proxy->getMetadata(); }), "CannotModifyProxy");
+  EXPECT_EQ(raised([&] { return proxy->getMetadata(); }), "CannotModifyProxy");
   EXPECT_EQ(raised([&] { entry->setKey(u""); }), "CannotModifyProxy");
   EXPECT_EQ(raised([&] { proxy->setKey(u"x"); }), "CannotModifyProxy") << "the base's check decides";
   EXPECT_EQ(raised([&] { proxy->setKey(u""); }), "") << "the no-change test comes first";

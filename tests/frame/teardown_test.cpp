@@ -118,8 +118,8 @@ TEST(Teardown, AnnouncesTheEndOfEachCollectionElementsFirst) {
   auto const schema = sample::runtime::ConfigurationState::create(model);
   auto const definitions = tessel::internal::config::schema::SchemaData::create(model);
   definitions->getCustomTypes()->push_back(u"type");
-  definitions->getTags();
-  definitions->getParams();
+  static_cast<void>(definitions->getTags());
+  static_cast<void>(definitions->getParams());
   plinth::ElementImpl::m_callback = [](plinth::ElementImpl*, plinth::AbstractOwnedCollection* collection) {
     ended.push_back(collection->property()->getName());
   };

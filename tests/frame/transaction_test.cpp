@@ -168,7 +168,7 @@ TEST(Transaction, CreatedElementsAreGoneAndDestroyedOnesLiveAgainAsTheSame) {
   EXPECT_EQ(sample.day->getValues()->find(u"volume"), sample.volume);
   // The UUID is free again.
   EXPECT_TRUE(sample::ext::ConfigProfile::create(sample.model, sample::nameUuid("created")));
-  EXPECT_EQ(raised([&] { sample::ext::ConfigProfile::create(sample.model, sample::nameUuid("created")); }),
+  EXPECT_EQ(raised([&] { return sample::ext::ConfigProfile::create(sample.model, sample::nameUuid("created")); }),
             "UniquenessConstraint");
 }
 
@@ -218,7 +218,7 @@ TEST(Model, EndsWithItsLastHandleWhateverItsElementsReferTo) {
     data = plinth::element_cast<sample::data::DoubleParamData>(sample.volume->getData());
     data->getAllowedValues()->push_back(1);
     listening = sample.model.addListener([](plinth::ChangeSet const&) { ADD_FAILURE() << "told of the end"; });
-    EXPECT_EQ(raised([] { sample::ext::ConfigStore::create(plinth::Model()); }), "CannotCreateWithoutModel");
+    EXPECT_EQ(raised([] { return sample::ext::ConfigStore::create(plinth::Model()); }), "CannotCreateWithoutModel");
     EXPECT_EQ(raised([&] { (void)sample.model.addListener({}); }), "NoListener");
   }
   EXPECT_FALSE(store || data);
@@ -234,7 +234,7 @@ TEST(Model, IsAskedForWhereTheHandleIsEmpty) {
   EXPECT_EQ(raised([&] { (void)none.beginTransaction(); }), "NoModel");
   EXPECT_EQ(raised([&] { (void)none.addListener([](plinth::ChangeSet const&) {}); }), "NoModel");
   EXPECT_EQ(raised([&] { plinth::Model::Freezer const freezer(none); }), "NoModel");
-  EXPECT_EQ(raised([&] { plinth::query::Query<sample::ext::ConfigEntry>(none).find(); }), "NoModel");
+  EXPECT_EQ(raised([&] { return plinth::query::Query<sample::ext::ConfigEntry>(none).find(); }), "NoModel");
 }
 
 TEST(Freezer, IsRefusedWhileATransactionIsOpenAndThawsOnlyItsOwn) {

@@ -34,22 +34,6 @@ namespace {
 
 using Text = boost::optional<std::u16string>;
 
-EnumOption option(std::u16string const& value, Text const& display, bool enabled) {
-  EnumOption made;
-  made.setValue(value);
-  made.setDisplayValue(display);
-  made.setEnabled(enabled);
-  return made;
-}
-
-CompositeEntry entry(std::u16string const& field, Text const& code, Text const& bytes) {
-  CompositeEntry made;
-  made.setField(field);
-  made.setCode(code);
-  made.setBytes(bytes);
-  return made;
-}
-
 template <class T>
 Value single(T const& content) {
   return Value::make<T>({plinth::MetaTypeOf<T>::type(), meta::SINGLE}, content);
@@ -72,33 +56,61 @@ std::uint64_t combined(std::vector<std::uint64_t> const& hashes) {
 
 TEST(Datatype, IsOrderedFieldByField) {
   std::vector<EnumOption> const ascending{
-      option(u"", boost::none, true),           option(u"a", boost::none, false),
-      option(u"a", boost::none, true),          option(u"a", std::u16string(), false),
-      option(u"a", std::u16string(u"x"), true), option(u"aa", boost::none, false),
-      option(u"b", boost::none, false),         option(u"\uFFFD", boost::none, false)};
+      EnumOption(u"", boost::none, true),   EnumOption(u"a", boost::none, false),
+      EnumOption(u"a", boost::none, true),  EnumOption(u"a", u"", false),
+      EnumOption(u"a", u"x", true),         EnumOption(u"aa", boost::none, false),
+      EnumOption(u"b", boost::none, false), EnumOption(u"\uFFFD", boost::none, false)};
   for (std::size_t i = 0; i < ascending.size(); ++i) {
     for (std::size_t j = 0; j < ascending.size(); ++j) {
       EXPECT_EQ(ascending[i].compareWith(ascending[j]), i < j ? -1 : i > j ? 1 : 0) << i << ", " << j;
       EXPECT_EQ(ascending[i] == ascending[j], i == j);
       EXPECT_EQ(ascending[i] != ascending[j], i != j);
       EXPECT_EQ(ascending[i] < ascending[j], i < j);
+      EXPECT_EQ(ascending[i] > ascending[j], i > j);
+      EXPECT_EQ(ascending[i] <= ascending[j], i <= j);
+      EXPECT_EQ(ascending[i] >= ascending[j], i >= j);
       EXPECT_EQ(std::hash<EnumOption>()(ascending[i]) == std::hash<EnumOption>()(ascending[j]), i == j);
     }
   }
-  EXPECT_TRUE(option(u"\U0001F600", boost::none, true) < option(u"\uFFFD", boost::none, true)) << "by code units";
-  EXPECT_TRUE(entry(u"f", boost::none, std::u16string(u"b")) < entry(u"f", std::u16string(), boost::none));
+  EXPECT_TRUE(EnumOption(u"\U0001F600", boost::none, true) < EnumOption(u"\uFFFD", boost::none, true))
+      << "by code units";
+  EXPECT_TRUE(CompositeEntry(u"f", boost::none, u"b") < CompositeEntry(u"f", u"", boost::none));
 }
 
 TEST(Datatype, HashesByTheFormulaWithEmptyOptionalsLeftOut) {
-  EXPECT_EQ(std::hash<EnumOption>()(option(u"v", std::u16string(u"d"), true)),
-            combined({hashOf(u"v"), hashOf(u"d"), 1}));
-  EXPECT_EQ(std::hash<EnumOption>()(option(u"v", boost::none, false)), combined({hashOf(u"v"), 0}));
-  EXPECT_EQ(std::hash<CompositeEntry>()(entry(u"f", boost::none, std::u16string())),
-            combined({hashOf(u"f"), hashOf(u"")}));
-  EvalDef eval;
-  eval.setAttribute(u"a");
-  eval.setConstant(true);
-  EXPECT_EQ(std::hash<EvalDef>()(eval), combined({hashOf(u"a"), hashOf(u""), 1}));
+  EXPECT_EQ(std::hash<EnumOption>()(EnumOption(u"v", u"d", true)), combined({hashOf(u"v"), hashOf(u"d"), 1}));
+  EXPECT_EQ(std::hash<EnumOption>()(EnumOption(u"v", boost::none, false)), combined({hashOf(u"v"), 0}));
+  EXPECT_EQ(std::hash<CompositeEntry>()(CompositeEntry(u"f", boost::none, u"")), combined({hashOf(u"f"), hashOf(u"")}));
+  EXPECT_EQ(std::hash<EvalDef>()(EvalDef(u"a", u"", true)), combined({hashOf(u"a"), hashOf(u""), 1}));
+}
+
+TEST(Datatype, IsMadeFromItsFieldsAndTakesTextsInAllForms) {
+  EnumOption given(u"a");
+  EXPECT_TRUE(given.getValue() == u"a" && !given.getDisplayValue() && given.getEnabled()) << "the others by default";
+  Text const kept(u"kept");
+  given.setDisplayValue(kept);
+  EXPECT_TRUE(given.getDisplayValue() == kept);
+  given.setDisplayValue(u"literal");
+  EXPECT_EQ(given, EnumOption(u"a", std::u16string(u"literal")));
+  given.setDisplayValue({});
+  EXPECT_EQ(given, EnumOption(u"a", boost::none, true));
+  Text handed(u"a text that is too long to stand in the string itself");
+  auto const* const characters = handed->data();
+  given.setDisplayValue(std::move(handed));
+  EXPECT_EQ(given.getDisplayValue()->data(), characters) << "moved, not copied";
+  auto const model = plinth::Model::create();
+  auto const element = tessel::internal::config::data::DoubleParamData::create(model);
+  element->setName(u"literal");
+  element->setDescription(kept);
+  EXPECT_TRUE(element->getName() == Text(u"literal") && element->getDescription() == kept);
+  element->setName(boost::none);
+  EXPECT_FALSE(element->getName());
+}
+
+TEST(Datatype, IsPrintedFieldByFieldInUtf8) {
+  EXPECT_EQ(testing::PrintToString(EnumOption(u"a")), "EnumOption{Value: \"a\", DisplayValue: none, Enabled: true}");
+  EXPECT_EQ(testing::PrintToString(CompositeEntry(u"\u00e9\n", u"")),
+            "CompositeEntry{Field: \"\u00e9\\u000a\", Code: \"\", Bytes: none}");
 }
 
 TEST(DatatypeSerializer, ReadsAndWritesFieldsOfACopy) {

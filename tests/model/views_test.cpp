@@ -1,8 +1,7 @@
-// The typed and the reflective view of an element check each other: written through one, read through the other.
+// The typed and the reflective view of an element check each other, where that takes more than one property.
 #include <gmock/gmock.h>
 
 #include <tessel_config_datamodel/data/CompositeParamData.hpp>
-#include <tessel_config_datamodel/data/IntegerParamData.hpp>
 #include <tessel_config_datamodel/data/StringArrayParamData.hpp>
 #include <tessel_config_datamodel/runtime/ProductionState.hpp>
 #include <tessel_config_datamodel/schema/ControllerDef.hpp>
@@ -26,38 +25,16 @@ plinth::meta::Property property(plinth::ModelElement const& element, char16_t co
   return tessel::frame::propertyOf(element->getMetaClass(), name);
 }
 
-/// `write` and `read` are the typed view of a property that holds one plain value; T is its type as a value.
-template <class T, class Write, class Read>
-void checkPlain(plinth::ModelElement const& element, char16_t const* name, T first, T second, Write write, Read read) {
-  auto const handle = property(element, name);
-  write(first);
-  EXPECT_TRUE(element->getPropertyValue(handle).getValue<T>() == first) << plinth::quoted(name);
-  element->setPropertyValue(handle, Value::make<T>(ValueMeta(handle), second));
-  EXPECT_TRUE(read() == second) << plinth::quoted(name);
-}
-
-TEST(Views, OfPlainValuesAgree) {
+TEST(Views, OfPlainValuesThatAreMoreThanAFieldAgree) {
   SampleModel s;
   auto const text = sample::data::StringArrayParamData::create(s.model);
-  auto const whole = sample::data::IntegerParamData::create(s.model);
-  using Count = boost::optional<unsigned int>;
-  checkPlain<unsigned long>(
-      s.store, u"Version", 1, ~0UL, [&](auto v) { s.store->setVersion(v); }, [&] { return s.store->getVersion(); });
-  checkPlain<long>(
-      whole, u"Value", -1, std::numeric_limits<long>::min(), [&](auto v) { whole->setValue(v); },
-      [&] { return whole->getValue(); });
-  checkPlain<double>(
-      s.sum, u"Arity", 1.5, -2, [&](auto v) { s.sum->setArity(v); }, [&] { return s.sum->getArity(); });
-  checkPlain<bool>(
-      s.first, u"Dirty", true, false, [&](auto v) { s.first->setDirty(v); }, [&] { return s.first->getDirty(); });
-  checkPlain<std::u16string>(
-      s.first, u"Key", u"k", u"l", [&](auto v) { s.first->setKey(v); }, [&] { return s.first->getKey(); });
-  checkPlain<sample::expr::Operator>(
-      s.sum, u"Operator", sample::expr::Operator::AND, sample::expr::Operator::OR,
-      [&](auto v) { s.sum->setOperator(v); }, [&] { return s.sum->getOperator(); });
-  checkPlain<Count>(
-      text, u"MaxLength", 0U, boost::none, [&](auto v) { text->setMaxLength(v); },
-      [&] { return text->getMaxLength(); });
+  auto const length = property(text, u"MaxLength");
+  text->setMaxLength(0U);
+  EXPECT_EQ(text->getPropertyValue(length).getValue<boost::optional<unsigned int>>().value(), 0U);
+  text->setPropertyValue(length, Value(ValueMeta(length).setOptionalEmpty()));
+  EXPECT_FALSE(text->getMaxLength());
+  auto const firstKey = property(s.first, u"Key");
+  s.first->setPropertyValue(firstKey, Value::createPrimitiveValue<std::u16string>(firstKey, u"l"));
   EXPECT_EQ(s.configuration->getParams()->find(u"l"), s.first) << "reflection goes through the qualifier's setter";
   EXPECT_EQ(raised([&] {
               auto const key = property(s.second, u"Key");
@@ -75,6 +52,18 @@ TEST(Views, OfPlainValuesAgree) {
                                      array.get()));
   production->setPropertyValue(handle, Value(ValueMeta(handle)));
   EXPECT_EQ(production->getProduction(), nullptr);
+}
+
+TEST(Views, OfAQueryStayWithIt) {
+  using Profiles = plinth::query::Query<sample::ext::ConfigProfile>;
+  using sample::ext::ConfigProfile;
+  static_assert(!std::is_copy_constructible_v<ConfigProfile::Constrainables>, "its members point at it");
+  static_assert(!std::is_copy_assignable_v<ConfigProfile::Constrainables>);
+  SampleModel s;
+  Profiles named(s.model);
+  static_assert(std::is_same_v<decltype(named.where(ConfigProfile::id() == u"")), Profiles&>);
+  auto const kept = Profiles(s.model).where(ConfigProfile::id() == s.day->getId()).where(ConfigProfile::name() != u"x");
+  EXPECT_THAT(kept.find(), ElementsAre(s.day));
 }
 
 TEST(Views, OfSingleElementsAgree) {
@@ -138,9 +127,7 @@ TEST(Views, OfCollectionsAgree) {
   EXPECT_THAT(composite->getRequiredFields()->values(), ElementsAre(u"f"));
   EXPECT_EQ(raised([&] { required.genericAdd(Value()); }), "CannotCastIncompatibleTypes");
   auto const schema = tessel::internal::config::schema::SchemaData::create(s.model);
-  tessel::internal::config::schema::ControllerDef controller;
-  controller.setId(u"c");
-  schema->getControllers()->insert(controller);
+  schema->getControllers()->insert(tessel::internal::config::schema::ControllerDef(u"c"));
   EXPECT_EQ(Specimens::valuesOf(schema, *property(schema, u"Controllers").impl()).getAllValues().size(), 1U);
 }
 

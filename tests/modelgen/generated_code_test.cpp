@@ -26,12 +26,6 @@ using tessel::good::shop::TinyItem;
 using testing::ElementsAre;
 using testing::SizeIs;
 
-Point at(double x) {
-  Point point;
-  point.setX(x);
-  return point;
-}
-
 /// The property's values as reflection shows them.
 plinth::AbstractPrimitiveCollection const& valuesOf(plinth::ModelElement const& element, char16_t const* property) {
   auto const value = element->getPropertyValue(tessel::frame::propertyOf(element->getMetaClass(), property));
@@ -47,15 +41,15 @@ class GeneratedCode : public testing::Test {
 TEST_F(GeneratedCode, SetOfValuesHoldsEachOnceInOrderAndIsTakenBack) {
   auto const shop = Shop::create(model);
   EXPECT_FALSE(shop->hasPlaces());
-  for (double const x : {3.0, 1.0, 3.0, 2.0}) shop->getPlacesMutable()->insert(at(x));
-  EXPECT_THAT(shop->getPlaces()->values(), ElementsAre(at(1), at(2), at(3)));
+  for (double const x : {3.0, 1.0, 3.0, 2.0}) shop->getPlacesMutable()->insert(Point(x));
+  EXPECT_THAT(shop->getPlaces()->values(), ElementsAre(Point(1), Point(2), Point(3)));
 
   Snapshot const before(model);
   {
     auto const transaction = model.beginTransaction();
-    shop->getPlaces()->insert(at(4));
-    shop->getPlaces()->erase(at(1));
-    EXPECT_THAT(shop->getPlaces()->values(), ElementsAre(at(2), at(3), at(4)));
+    shop->getPlaces()->insert(Point(4));
+    shop->getPlaces()->erase(Point(1));
+    EXPECT_THAT(shop->getPlaces()->values(), ElementsAre(Point(2), Point(3), Point(4)));
   }
   EXPECT_TRUE(before.isBack());
   {
@@ -64,7 +58,7 @@ TEST_F(GeneratedCode, SetOfValuesHoldsEachOnceInOrderAndIsTakenBack) {
     EXPECT_FALSE(shop->hasPlaces());
   }
   EXPECT_TRUE(before.isBack());
-  EXPECT_THAT(shop->getPlaces()->values(), ElementsAre(at(1), at(2), at(3)));
+  EXPECT_THAT(shop->getPlaces()->values(), ElementsAre(Point(1), Point(2), Point(3)));
 }
 
 TEST_F(GeneratedCode, SetOfValuesIsBuiltAndShownByReflection) {

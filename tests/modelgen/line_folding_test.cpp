@@ -6,14 +6,32 @@
 namespace modelgen {
 namespace {
 
-TEST(LongLines, BreakAtTheOutermostPlaceThatFits) {
+TEST(LongLines, GoOnBelowTheFirstThingInTheBracketOrBehindIt) {
   EXPECT_EQ(foldLongLines("  call(first, second(third, fourth));\n", 30),
-            "  call(\n      first,\n      second(third, fourth));\n");
-  EXPECT_EQ(foldLongLines("a::Map<Key, Value> const& A::f() {\n", 30), "a::Map<Key, Value> const&\n    A::f() {\n");
+            "  call(first,\n       second(third, fourth));\n");
+  EXPECT_EQ(foldLongLines("  {first, second, third, fourth},\n", 30), "  {first, second, third,\n   fourth},\n");
+  EXPECT_EQ(foldLongLines("  aLongCall(first, secondOf(third, fourth));\n", 31),
+            "  aLongCall(\n      first,\n      secondOf(third, fourth));\n");
+  EXPECT_EQ(foldLongLines("bool operator<(A const& a, B const& b);\n", 30),
+            "bool operator<(A const& a,\n               B const& b);\n");
+}
+
+TEST(LongLines, PutTheNameBelowALongTypeAndWhatFollowsBelowAShorterOne) {
+  EXPECT_EQ(foldLongLines("a::Map<Key, Value> const& A::f() {\n", 30), "a::Map<Key, Value> const&\nA::f() {\n");
+  EXPECT_EQ(foldLongLines("  a::Map<LongKey, LongValue> const& f();\n", 26),
+            "  a::Map<LongKey,\n         LongValue> const&\n  f();\n");
+  EXPECT_EQ(foldLongLines("Map<Key, Value>* A::valuesOf() const {\n", 30),
+            "Map<Key, Value>* A::valuesOf()\n    const {\n");
+}
+
+TEST(LongLines, BreakBeforeBasesAndInitializers) {
   EXPECT_EQ(foldLongLines("class Long final : public Base<Long> {\n", 30),
             "class Long final\n    : public Base<Long> {\n");
-  EXPECT_EQ(foldLongLines("bool operator<(A const& a, B const& b);\n", 30),
-            "bool operator<(\n    A const& a, B const& b);\n");
+  EXPECT_EQ(foldLongLines("class Long : public BaseOf<First> {\n", 20), "class Long\n    : public BaseOf<First> {\n");
+  EXPECT_EQ(foldLongLines("Long(int a, int b) : m_a(a), m_b(b) {}\n", 30),
+            "Long(int a, int b)\n    : m_a(a), m_b(b) {}\n");
+  EXPECT_EQ(foldLongLines("Long(int a, int b) : m_first(a), m_second(b) {}\n", 30),
+            "Long(int a, int b)\n    : m_first(a),\n      m_second(b) {}\n");
 }
 
 TEST(LongLines, BodyOfAFunctionMovesBelowItsHead) {

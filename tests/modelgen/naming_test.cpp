@@ -95,5 +95,16 @@ TEST(Naming, ANamespacesOwnNamesAreShortInsideItOnly) {
             "a::b::X y;\n");
 }
 
+TEST(Naming, IncludesAreSortedInEachRunAndNamedOnce) {
+  EXPECT_EQ(
+      sortIncludes("#include \"own.hpp\"\n\n#include <b>\n#include <a/z>\n#include <b>\n\n#include <a/c>\nint x;\n"),
+      "#include \"own.hpp\"\n\n#include <a/z>\n#include <b>\n\n#include <a/c>\nint x;\n");
+}
+
+TEST(Naming, BlankLinesThatPartNothingGo) {
+  EXPECT_EQ(dropNeedlessBlankLines("\na\n\n\nb {\n public:\n\n  c\n\n private:\n}\n"),
+            "a\n\nb {\n public:\n  c\n\n private:\n}\n");
+}
+
 }  // namespace
 }  // namespace modelgen::naming

@@ -48,7 +48,7 @@ TEST(Census, CountsNothingThatWasRolledBackOrLetGo) {
     SampleModel sample;
     Census const filled = census();
     auto const transaction = sample.model.beginTransaction();
-    sample::ext::ConfigProfile::create(sample.model);
+    static_cast<void>(sample::ext::ConfigProfile::create(sample.model));
     sample.day->destroy();
   }
   EXPECT_EQ(surplus(before, census()).text(), "");

@@ -89,7 +89,8 @@ std::vector<Change> changes() {
       {"Sequence", [](SampleModel& s) { s.sum->getOperandsMutable()->replaceAt(0, s.right); },
        "NumericOperation" + shortUuid("sum"), "Operands", "[" + uuid("left") + ", " + uuid("right") + "]",
        "[" + uuid("right") + ", " + uuid("right") + "]"},
-      {"Created", [](SampleModel& s) { sample::ext::ConfigProfile::create(s.model, sample::nameUuid("new")); },
+      {"Created",
+       [](SampleModel& s) { static_cast<void>(sample::ext::ConfigProfile::create(s.model, sample::nameUuid("new"))); },
        "ConfigProfile" + shortUuid("new"), "", "absent", "tessel.internal.ext.ConfigProfile"},
   };
 }
@@ -146,7 +147,7 @@ TEST(Fingerprint, TellsEveryPropertyOfEveryClass) {
   auto const model = plinth::Model::create();
   auto const& registry = plinth::meta::MetaRegistry::getInstance();
   std::size_t classes = 0;
-  sample::ext::ConfigStore::create(model);  // brings the metamodel up
+  static_cast<void>(sample::ext::ConfigStore::create(model));  // brings the metamodel up
   for (plinth::ModelElementImpl const* element : registry.model()->directory().all()) {
     auto const* const metaClass = dynamic_cast<plinth::meta::ClassImpl const*>(element);
     if (metaClass == nullptr || metaClass->isAbstract() || metaClass->owningPackage() == nullptr) continue;

@@ -14,12 +14,12 @@ plinth::Model& keptModel() {
 
 TEST(CensusListener, Leaves) {
   keptModel() = plinth::Model::create();
-  tessel::internal::ext::ConfigStore::create(keptModel());
+  static_cast<void>(tessel::internal::ext::ConfigStore::create(keptModel()));
 }
 
 TEST(CensusListener, LeavesNothing) {
   auto const model = plinth::Model::create();
-  tessel::internal::ext::ConfigStore::create(model);
+  static_cast<void>(tessel::internal::ext::ConfigStore::create(model));
 }
 
 }  // namespace

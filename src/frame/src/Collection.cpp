@@ -15,8 +15,7 @@ plinth::AbstractOwnedCollection* CollectionKind::collection(Element const& eleme
 }
 
 bool CollectionKind::has(Element const& element, Row const& row) const {
-  auto const* const present = collection(element, row);
-  return present != nullptr && !present->empty();
+  return holdsAny(fieldOf<CollectionField>(element, row));
 }
 
 void CollectionKind::keepOld(Element const& element, ElementStorage& storage, Row const& row) const {

@@ -47,8 +47,8 @@ class TESSEL_EXPORT AbstractQuery {
   /// Adds a constraint; all that were added must hold.
   void addConstraint(Constraint constraint) { m_constraints.push_back(std::move(constraint)); }
   /// The elements that meet all constraints, class by class. Raises NoModel. Linear in the elements of the class.
-  std::vector<ModelElement> execute() const;
-  std::size_t count() const { return execute().size(); }
+  [[nodiscard]] std::vector<ModelElement> execute() const;
+  [[nodiscard]] std::size_t count() const { return execute().size(); }
   meta::Class const& metaClass() const noexcept { return m_class; }
   SearchClassMatchMode matchMode() const noexcept { return m_mode; }
 
@@ -59,11 +59,14 @@ class TESSEL_EXPORT AbstractQuery {
   std::vector<Constraint> m_constraints;
 };
 
-/// The properties of a class instance under query; generated classes add a member for each.
+/// The properties of a class instance under query; generated classes add a member for each. The members point at the
+/// object, so it stays where it is.
 class TESSEL_EXPORT Constrainables {
  public:
   Constrainables(AbstractQuery& query, meta::Class metaClass, SearchClassMatchMode mode) noexcept
       : m_query(&query), m_class(std::move(metaClass)), m_mode(mode) {}
+  Constrainables(Constrainables const&) = delete;
+  Constrainables& operator=(Constrainables const&) = delete;
   AbstractQuery& query() const noexcept { return *m_query; }
   meta::Class const& queriedClass() const noexcept { return m_class; }
   SearchClassMatchMode matchMode() const noexcept { return m_mode; }
@@ -189,11 +192,18 @@ class Query : public AbstractQuery {
  public:
   explicit Query(Model model, SearchClassMatchMode mode = SearchClassMatchMode::WITH_SUBCLASSES)
       : AbstractQuery(std::move(model), X::metaClass(), mode) {}
-  Query& where(Constraint constraint) {
+  /// Adds a constraint; all that were added must hold.
+  Query& where(Constraint constraint) & {
     addConstraint(std::move(constraint));
     return *this;
   }
-  std::vector<X> find() const {
+  /// The same on a query that has no name yet, which goes on as the result.
+  [[nodiscard]] Query where(Constraint constraint) && {
+    addConstraint(std::move(constraint));
+    return std::move(*this);
+  }
+  /// The elements that meet all constraints. Raises NoModel. Linear in the elements of the class.
+  [[nodiscard]] std::vector<X> find() const {
     std::vector<X> found;
     for (ModelElement const& element : execute()) found.push_back(static_cast<X const&>(element));
     return found;

@@ -8,6 +8,7 @@
 #include "plinth/Messages.hpp"
 #include "tessel_config_datamodel/frame/Element.hpp"
 #include "tessel_config_datamodel/frame/ElementBuilder.hpp"
+#include "tessel_config_datamodel/frame/OptionalText.hpp"
 
 namespace tessel::frame {
 

@@ -14,6 +14,9 @@ namespace tessel::frame {
 /// The field of any collection.
 using CollectionField = std::unique_ptr<plinth::AbstractOwnedCollection>;
 
+/// Whether there is a collection in the field, with anything in it.
+inline bool holdsAny(CollectionField const& field) { return field != nullptr && !field->empty(); }
+
 class TESSEL_EXPORT CollectionKind : public PropertyKind {
  public:
   /// Whether the collection is there and not empty.

@@ -83,8 +83,8 @@ class TESSEL_EXPORT ElementBuilder : public plinth::ModelElementBuilder {
     field.push_back(value);
     mark(index);
   }
-  template <class F, class V>
-  void addValues(F& field, std::initializer_list<V> values, unsigned long index) {
+  template <class F, class Values>
+  void addValues(F& field, Values const& values, unsigned long index) {
     field.insert(field.end(), values.begin(), values.end());
     mark(index);
   }

@@ -5,6 +5,7 @@
 
 #include <boost/optional.hpp>
 #include <cstdint>
+#include <iosfwd>
 #include <memory>
 #include <set>
 #include <tuple>
@@ -14,6 +15,7 @@
 #include "plinth/Hashing.hpp"
 #include "plinth/Messages.hpp"
 #include "plinth/meta/Serializers.hpp"
+#include "tessel_config_datamodel/frame/OptionalText.hpp"
 
 namespace tessel::metamodel {
 
@@ -57,6 +59,11 @@ void fromValue(boost::optional<F>& field, plinth::Value const& value) {
   field = isPlain ? boost::optional<F>(value.getValue<F>()) : value.getValue<boost::optional<F>>();
 }
 
+/// Whether no field can fail to be moved, as the datatype's own moves promise.
+template <class... F>
+std::bool_constant<(... && (std::is_nothrow_move_constructible_v<F> && std::is_nothrow_move_assignable_v<F>))>
+movedSafely(std::tuple<F&...> const& fields);
+
 }  // namespace detail
 
 /// -1, 0 or 1, field by field in declared order.
@@ -79,10 +86,20 @@ std::uint64_t hashFields(std::tuple<F const&...> const& fields) {
   return state;
 }
 
+/// Writes a value of a datatype as `Name{Field: value, ...}`. Linear in the value.
+TESSEL_EXPORT std::ostream& printValue(std::ostream& stream, plinth::Value const& value);
+
+template <class T>
+std::ostream& print(std::ostream& stream, T const& value) {
+  return printValue(stream, plinth::Value::make<T>({plinth::MetaTypeOf<T>::type(), plinth::meta::SINGLE}, value));
+}
+
 /// The serializer of datatype T, which gives `T::properties()`, the handles of its properties in declared order, and
 /// `editableFields()`.
 template <class T>
 class TypedDatatypeSerializer : public plinth::meta::DatatypeSerializer {
+  static_assert(decltype(detail::movedSafely(std::declval<T&>().editableFields()))::value);
+
  public:
   using Type = plinth::meta::Type;
   using Property = plinth::meta::Property;

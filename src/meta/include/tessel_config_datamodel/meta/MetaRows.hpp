@@ -95,9 +95,9 @@ struct PackageRows {
   char16_t const* name;
   char16_t const* uri;
   plinth::meta::Package* parent;
-  std::vector<StructuredTypeRow> types;  ///< classes and datatypes by simple name
-  std::vector<PrimitiveRow> primitives;
-  std::vector<EnumRow> enums;
+  std::vector<StructuredTypeRow> types{};  ///< classes and datatypes by simple name
+  std::vector<PrimitiveRow> primitives{};
+  std::vector<EnumRow> enums{};
 };
 
 /// The root of a model.
