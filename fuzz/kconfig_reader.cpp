@@ -14,7 +14,7 @@
 namespace {
 
 std::vector<std::string> split(std::string const& input) {
-  const std::string separator = "\n====\n";
+  std::string const separator = "\n====\n";
   std::vector<std::string> parts;
   std::size_t start = 0;
   for (std::size_t at = input.find(separator); at != std::string::npos; at = input.find(separator, start)) {
@@ -30,14 +30,14 @@ std::vector<std::string> split(std::string const& input) {
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
   using namespace kconfig;
-  const std::vector<std::string> parts = split(std::string(data, data + size));
+  std::vector<std::string> const parts = split(std::string(data, data + size));
   Surroundings surroundings;
   surroundings.variable = [](std::string const& name) {
     return name == "PLACE" ? std::optional<std::string>("other") : std::nullopt;
   };
   surroundings.file = [&parts](std::string const& path, std::string& problem) -> std::optional<std::string> {
     problem = "there is no such file";
-    const std::vector<std::string> names{"Kconfig", "other", "profile"};
+    std::vector<std::string> const names{"Kconfig", "other", "profile"};
     for (std::size_t at = 0; at < names.size(); ++at) {
       if (path == names[at]) {
         return parts[at];

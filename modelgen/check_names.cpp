@@ -179,7 +179,7 @@ bool checkPackages(std::deque<ModelRow> const& models, Diagnostics& diagnostics)
       folders.add("folder", package.folder);
       checkForm(package.name, naming::isPackageName, "a package",
                 "lower-case words joined by points, none of them a reserved word", diagnostics);
-      if (const std::string component = naming::hidingComponent(package.name.value); !component.empty()) {
+      if (std::string const component = naming::hidingComponent(package.name.value); !component.empty()) {
         diagnostics.report(package.name.at,
                            "'" + package.name.value + "' hides the namespace '" + component + "' in its own code",
                            "another word for that component");

@@ -63,7 +63,7 @@ class PropertyChecks {
   }
 
   bool shapeFitsKind(Property const& property) {
-    const std::string expected = expectedShape(property);
+    std::string const expected = expectedShape(property);
     if (expected.empty()) return true;
     refuse(property.row->shape.at, property, "has the shape " + naming::shapeName(property.shape), expected);
     return false;
@@ -71,7 +71,7 @@ class PropertyChecks {
 
   // Empty where the shape is allowed.
   static std::string expectedShape(Property const& property) {
-    const Shape shape = property.shape;
+    Shape const shape = property.shape;
     if (property.isDerived()) return shape == Shape::set ? "" : "set, as a derived view is one";
     if (isHostArray(*property.type)) return shape == Shape::single ? "" : "single, as a host array is one value";
     if (property.isElement() && shape == Shape::optional) return "single, as a reference can be empty anyway";

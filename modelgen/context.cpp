@@ -366,7 +366,7 @@ Data packageData(Package const& package, std::string const& root) {
   setList(result, "enums", objectsOf(package.enumOrder, [&root](Enum const* each) { return enumData(*each, root); }));
   result.set("hasMarshaledTypes", !package.dataTypes.empty() || !package.enumOrder.empty());
   setList(result, "instantiationOrder", objectsOf(package.instantiationOrder, [&root](Type const* each) {
-            const Class* const type = asClass(each);
+            Class const* const type = asClass(each);
             return type != nullptr ? classData(*type, root) : dataTypeData(*asDataType(each), root);
           }));
   setList(result, "keptPrimitives",
@@ -387,7 +387,7 @@ Data modelData(Model const& model, std::string const& root) {
             handle.set("type", naming::handleType(each.kind));
             return handle;
           }));
-  const Counts counts = countModel(model);
+  Counts const counts = countModel(model);
   setNumber(result, "classCount", counts.classes);
   setNumber(result, "dataTypeCount", counts.dataTypes);
   setNumber(result, "enumCount", counts.enums);

@@ -106,7 +106,7 @@ class Derivation {
   static std::vector<Type const*> keptPrimitives(Package const& package) {
     std::set<Type const*> used;
     auto const use = [&used](Type const* type) {
-      const Primitive* const primitive = asPrimitive(type);
+      Primitive const* const primitive = asPrimitive(type);
       if (primitive != nullptr && primitive->keepsHandle) used.insert(primitive);
     };
     for (Class const& type : package.classes) {
@@ -198,7 +198,7 @@ class Derivation {
     for (Package const& package : model.packages) {
       for (std::size_t point = package.name.find('.'); point != std::string::npos;
            point = package.name.find('.', point + 1)) {
-        const std::string prefix = package.name.substr(0, point);
+        std::string const prefix = package.name.substr(0, point);
         if (packages.insert(prefix).second) addNode(model, prefix);
       }
     }
@@ -221,8 +221,8 @@ class Derivation {
 
   static PackageNode const* parentOf(Model const& model, PackageNode const& node) {
     if (node.qualifiedName.empty()) return nullptr;
-    const std::size_t point = node.qualifiedName.rfind('.');
-    const std::string above = point == std::string::npos ? "" : node.qualifiedName.substr(0, point);
+    std::size_t const point = node.qualifiedName.rfind('.');
+    std::string const above = point == std::string::npos ? "" : node.qualifiedName.substr(0, point);
     auto const found = std::find_if(model.packageTree.begin(), model.packageTree.end(),
                                     [&above](PackageNode const& each) { return each.qualifiedName == above; });
     return &*found;

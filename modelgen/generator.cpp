@@ -55,7 +55,7 @@ char const* describe(Difference::Kind kind) {
 }
 
 ExitStatus checkFolder(OutputFolder const& folder, std::vector<OutputFile> const& files, std::ostream& out) {
-  const std::vector<Difference> differences = folder.compare(files);
+  std::vector<Difference> const differences = folder.compare(files);
   for (Difference const& each : differences) out << describe(each.kind) << ' ' << each.path << '\n';
   return differences.empty() ? ExitStatus::done : ExitStatus::outOfDate;
 }
@@ -72,7 +72,7 @@ ExitStatus runChecked(Options const& options, std::ostream& out, std::ostream& e
     return ExitStatus::done;
   }
 
-  const std::vector<PlanRow> plan = readPlan(options.templates, diagnostics);
+  std::vector<PlanRow> const plan = readPlan(options.templates, diagnostics);
   if (!diagnostics.empty()) return refuse(diagnostics, err);
   TemplateSet templates(options.templates, diagnostics);
   bool const withText = options.mode != Mode::listOutputs;
@@ -83,7 +83,7 @@ ExitStatus runChecked(Options const& options, std::ostream& out, std::ostream& e
     for (OutputFile const& each : files) out << each.path << '\n';
     return ExitStatus::done;
   }
-  const OutputFolder folder(options.out, model.name);
+  OutputFolder const folder(options.out, model.name);
   if (options.mode == Mode::check) return checkFolder(folder, files, out);
   folder.write(files);
   if (!options.depfile.empty()) {

@@ -47,7 +47,7 @@ class Scanner {
 
  private:
   bool endsInOperator(std::size_t at) const {
-    static const std::string word = "operator";
+    static std::string const word = "operator";
     return at >= word.size() && m_line.compare(at - word.size(), word.size(), word) == 0;
   }
 
@@ -127,12 +127,12 @@ class Folder {
   explicit Folder(std::size_t width) : m_width(width) {}
 
   void fold(std::string const& line) {
-    const std::size_t indent = indentOf(line);
+    std::size_t const indent = indentOf(line);
     if (line.size() <= m_width || line[indent] == '#') {
       m_result += line + '\n';
     } else if (line.compare(indent, 2, "//") == 0) {
       foldComment(line, indent);
-    } else if (const std::size_t body = bodyStart(line); body != line.size()) {
+    } else if (std::size_t const body = bodyStart(line); body != line.size()) {
       fold(line.substr(0, body + 2));
       fold(std::string(indent + bodyIndent, ' ') + line.substr(body + 3, line.size() - body - 5));
       fold(std::string(indent, ' ') + "}");
@@ -145,7 +145,7 @@ class Folder {
 
  private:
   void foldComment(std::string line, std::size_t indent) {
-    const std::string start = line.substr(0, line.find_first_not_of('/', indent)) + ' ';
+    std::string const start = line.substr(0, line.find_first_not_of('/', indent)) + ' ';
     while (line.size() > m_width) {
       std::size_t at = line.rfind(' ', m_width);
       if (at == std::string::npos || at < start.size()) at = line.find(' ', start.size());
@@ -158,9 +158,9 @@ class Folder {
 
   // The members that a constructor initializes, on a line of their own or, where that is too long, one to a line.
   void foldInitializers(std::string const& line, std::size_t colon) {
-    const std::size_t indent = indentOf(line) + continuationIndent;
+    std::size_t const indent = indentOf(line) + continuationIndent;
     fold(line.substr(0, colon));
-    const std::string list = std::string(indent, ' ') + line.substr(colon + 1);
+    std::string const list = std::string(indent, ' ') + line.substr(colon + 1);
     if (list.size() <= m_width) {
       m_result += list + '\n';
       return;
@@ -176,7 +176,7 @@ class Folder {
   }
 
   void foldCode(std::string const& line, std::size_t indent) {
-    if (const std::size_t colon = findAtDepth(line, 0, " : ", indentOf(line)); colon != line.size()) {
+    if (std::size_t const colon = findAtDepth(line, 0, " : ", indentOf(line)); colon != line.size()) {
       if (findAtDepth(line, 0, "(") < colon) return foldInitializers(line, colon);
       fold(line.substr(0, colon));
       return fold(std::string(indent, ' ') + line.substr(colon + 1));
@@ -190,7 +190,7 @@ class Folder {
   // The line broken inside this bracket: what it holds goes on below its first character or, behind a parenthesis, on
   // lines of its own. Nothing where that is not enough.
   std::optional<Lines> brokenAt(std::string const& line, std::size_t open, std::size_t indent) const {
-    const Lines parts = partsOf(line, open);
+    Lines const parts = partsOf(line, open);
     if (line[open] == '(' && parts.back().front() == ')') return brokenBehindType(line, open);
     if (auto lines = fill(parts.front(), parts, open + 1, m_width)) return lines;
     if (line[open] != '(') return std::nullopt;
@@ -202,20 +202,20 @@ class Folder {
   // A function without parameters has its name on a line of its own, below its type, unless it is enough to move what
   // stands behind the parameters.
   std::optional<Lines> brokenBehindType(std::string const& line, std::size_t parameters) const {
-    const std::size_t indent = indentOf(line);
-    const std::size_t end = parameters + 2;
+    std::size_t const indent = indentOf(line);
+    std::size_t const end = parameters + 2;
     if (end <= m_width && line.compare(end, 6, " const") == 0) {
       return Lines{line.substr(0, end), std::string(indent + continuationIndent, ' ') + line.substr(end + 1)};
     }
-    const std::size_t space = line.rfind(' ', parameters);
+    std::size_t const space = line.rfind(' ', parameters);
     if (space == std::string::npos || space <= indent) return std::nullopt;
-    const std::string type = line.substr(0, space);
-    const std::string name = std::string(indent, ' ') + line.substr(space + 1);
+    std::string const type = line.substr(0, space);
+    std::string const name = std::string(indent, ' ') + line.substr(space + 1);
     if (name.size() > m_width) return std::nullopt;
     std::optional<Lines> lines = Lines{type};
-    const std::size_t open = findAtDepth(type, 0, "<");
+    std::size_t const open = findAtDepth(type, 0, "<");
     if (type.size() > m_width && open != type.size()) {
-      const Lines parts = partsOf(type, open);
+      Lines const parts = partsOf(type, open);
       lines = fill(parts.front(), parts, open + 1, m_width);
     }
     if (lines) lines->push_back(name);

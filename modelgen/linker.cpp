@@ -216,7 +216,7 @@ class Linker {
 
   void linkOpposite(Property& property, Package const& from) {
     Text const& text = *property.row->opposite;
-    const std::size_t point = text.value.rfind('.');
+    std::size_t const point = text.value.rfind('.');
     Type const* type = nullptr;
     if (point != std::string::npos) type = findType(text.value.substr(0, point), from);
     Class const* const owner = asClass(type);

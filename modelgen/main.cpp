@@ -18,13 +18,13 @@ int runCommandLine(int argc, char** argv) {
   app.add_option("--root", options.root, "folder that generated files name their tables by (default: above the model)");
   app.add_option("--depfile", options.depfile, "file to write the dependencies to, in the form of make");
   CLI::Option_group* const modes = app.add_option_group("mode", "what to do instead of writing");
-  const CLI::Option* const check = modes->add_flag("--check", "tell what is not up to date (exit 1) and write nothing");
-  const CLI::Option* const list = modes->add_flag("--list-outputs", "print the output files, relative to --out");
-  const CLI::Option* const summary = modes->add_flag("--summary", "print what the model holds, counted");
+  CLI::Option const* const check = modes->add_flag("--check", "tell what is not up to date (exit 1) and write nothing");
+  CLI::Option const* const list = modes->add_flag("--list-outputs", "print the output files, relative to --out");
+  CLI::Option const* const summary = modes->add_flag("--summary", "print what the model holds, counted");
   modes->require_option(0, 1);
   try {
     app.parse(argc, argv);
-  } catch (const CLI::ParseError& error) {
+  } catch (CLI::ParseError const& error) {
     // The library has exit codes of its own; 0 is that of --help.
     return static_cast<int>(app.exit(error) == 0 ? modelgen::ExitStatus::done : modelgen::ExitStatus::refused);
   }

@@ -88,7 +88,7 @@ bool isUpperSnake(std::string const& name) { return isSnake(name, isUpper); }
 bool isLowerSnake(std::string const& name) { return isSnake(name, isLower); }
 
 bool isPackageName(std::string const& name) {
-  const std::vector<std::string> components = componentsOf(name);
+  std::vector<std::string> const components = componentsOf(name);
   return std::all_of(components.begin(), components.end(), [](std::string const& each) {
     return each.find('_') == std::string::npos && isLowerSnake(each) && !isReservedWord(each);
   });
@@ -100,9 +100,9 @@ bool isRelease(std::string const& text) {
 }
 
 std::string hidingComponent(std::string const& package) {
-  static const std::set<std::string> namespaces{"boost",     "bridge", "corvid", "frame",
+  static std::set<std::string> const namespaces{"boost",     "bridge", "corvid", "frame",
                                                 "metamodel", "plinth", "query",  "std"};
-  const std::vector<std::string> components = componentsOf(package);
+  std::vector<std::string> const components = componentsOf(package);
   for (std::size_t i = 0; i < components.size(); ++i) {
     // The outermost "tessel" is the one that generated code means.
     if (namespaces.count(components[i]) != 0 || (i != 0 && components[i] == "tessel")) return components[i];
@@ -111,7 +111,7 @@ std::string hidingComponent(std::string const& package) {
 }
 
 bool isReservedWord(std::string const& word) {
-  static const std::set<std::string> words{
+  static std::set<std::string> const words{
       "alignas",       "alignof",     "and",         "and_eq",    "asm",       "auto",         "bitand",
       "bitor",         "bool",        "break",       "case",      "catch",     "char",         "char16_t",
       "char32_t",      "char8_t",     "class",       "co_await",  "co_return", "co_yield",     "compl",
@@ -130,7 +130,7 @@ bool isReservedWord(std::string const& word) {
 }
 
 bool isMacro(std::string const& name) {
-  static const std::set<std::string> macros{
+  static std::set<std::string> const macros{
       "BUFSIZ",    "CHAR_BIT", "CHAR_MAX", "CHAR_MIN", "CLOCKS_PER_SEC", "DBL_MAX",      "DBL_MIN",      "DOMAIN",
       "EDOM",      "EILSEQ",   "EOF",      "ERANGE",   "EXIT_FAILURE",   "EXIT_SUCCESS", "FILENAME_MAX", "FLT_MAX",
       "FOPEN_MAX", "HUGE_VAL", "INFINITY", "INT_MAX",  "INT_MIN",        "LC_ALL",       "LC_NUMERIC",   "LONG_MAX",
@@ -142,13 +142,13 @@ bool isMacro(std::string const& name) {
 }
 
 bool isFamilyName(std::string const& name) {
-  static const std::set<std::string> names{"Builder", "BuilderBase",    "BuilderImpl", "BuilderWrapper",
+  static std::set<std::string> const names{"Builder", "BuilderBase",    "BuilderImpl", "BuilderWrapper",
                                            "Changes", "Constrainables", "Impl",        "Storage"};
   return names.count(name) != 0;
 }
 
 bool isElementOperation(std::string const& property) {
-  static const std::set<std::string> names{"AddRef",
+  static std::set<std::string> const names{"AddRef",
                                            "Container",
                                            "Create",
                                            "ElementImpl",
@@ -172,7 +172,7 @@ bool isElementOperation(std::string const& property) {
 }
 
 std::string lowerCamel(std::string const& name) {
-  const std::string result = withLowerFirst(name);
+  std::string const result = withLowerFirst(name);
   return isReservedWord(result) ? result + '_' : result;
 }
 
@@ -202,12 +202,12 @@ std::string cppBaseTypeName(Class const& type) {
 }
 
 std::string valueType(Property const& property) {
-  const std::string type = cppTypeName(*property.type);
+  std::string const type = cppTypeName(*property.type);
   return property.scheme == Scheme::optionalAttribute ? "boost::optional<" + type + ">" : type;
 }
 
 std::string fieldType(Property const& property) {
-  const std::string type = cppTypeName(*property.type);
+  std::string const type = cppTypeName(*property.type);
   switch (property.scheme) {
     case Scheme::valueCollection:
       return valueCollectionType(property);
@@ -256,7 +256,7 @@ std::string ownedParameterType(Property const& property) {
 }
 
 std::string ownedArgument(Property const& property) {
-  const std::string parameter = lowerCamel(property.name);
+  std::string const parameter = lowerCamel(property.name);
   if (isOptionalText(property)) return "std::move(" + parameter + ").take()";
   return isScalar(property) ? parameter : "std::move(" + parameter + ")";
 }
@@ -267,7 +267,7 @@ std::string elementSetter(Property const& property) {
 }
 
 std::string rowKind(Property const& property) {
-  const std::string type = cppTypeName(*property.type);
+  std::string const type = cppTypeName(*property.type);
   switch (property.scheme) {
     case Scheme::attribute:
       if (property.virtualSetter) return "textKeyKind";
@@ -342,7 +342,7 @@ std::string handleType(HandleKind kind) {
 }
 
 std::string packageUri(ModelRow const& model, std::string const& package) {
-  const std::string root =
+  std::string const root =
       schemaHost + ("/plinth/" + model.name.value + "/" + model.release.value + model.revision.value);
   return package.empty() ? root : root + "/" + package;
 }

@@ -49,7 +49,7 @@ std::vector<std::string> OutputFolder::listed() const {
   std::istringstream stream(readFile(m_folder / m_list).value_or(""));
   for (std::string line; std::getline(stream, line);) {
     // Nothing outside the folder is ever deleted, whatever somebody wrote into the list.
-    const fs::path path = fs::path(line).lexically_normal();
+    fs::path const path = fs::path(line).lexically_normal();
     if (!line.empty() && path.is_relative() && *path.begin() != "..") result.push_back(line);
   }
   return result;
@@ -81,7 +81,7 @@ std::vector<Difference> OutputFolder::compare(std::vector<OutputFile> const& fil
 }
 
 std::vector<Difference> OutputFolder::write(std::vector<OutputFile> const& files) const {
-  const std::vector<Difference> result = compare(files);
+  std::vector<Difference> const result = compare(files);
   std::vector<std::string> made;
   for (OutputFile const& file : files) made.push_back(file.path);
   // While files are written the list names old and new ones, so that a run that was cut off leaves none behind.

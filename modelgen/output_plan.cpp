@@ -37,12 +37,12 @@ bool readScope(Text const& text, Scope& scope, Diagnostics& diagnostics) {
 
 // A path that stays below the output folder.
 bool isInside(std::string const& path) {
-  const std::filesystem::path normal = std::filesystem::path(path).lexically_normal();
+  std::filesystem::path const normal = std::filesystem::path(path).lexically_normal();
   return !path.empty() && normal.is_relative() && *normal.begin() != ".." && normal.has_filename() && normal != ".";
 }
 
 bool isCode(std::string const& path) {
-  const std::filesystem::path extension = std::filesystem::path(path).extension();
+  std::filesystem::path const extension = std::filesystem::path(path).extension();
   return extension == ".hpp" || extension == ".cpp";
 }
 
@@ -61,7 +61,7 @@ class PlanRenderer {
   void add(Scope scope, Make const& make) {
     auto const wants = [scope](PlanRow const& row) { return row.scope == scope; };
     if (std::none_of(m_plan.begin(), m_plan.end(), wants)) return;
-    const Data data = make();
+    Data const data = make();
     for (PlanRow const& row : m_plan) {
       if (wants(row) && isWanted(row, data)) addFile(row, data);
     }
@@ -84,13 +84,13 @@ class PlanRenderer {
   }
 
   void addFile(PlanRow const& row, Data const& data) {
-    const std::string path = m_templates.renderText(row.path.value, row.path.at, data);
+    std::string const path = m_templates.renderText(row.path.value, row.path.at, data);
     if (!m_diagnostics.empty()) return;
     if (!isInside(path)) {
       m_diagnostics.report(row.path.at, "the path '" + path + "' leaves the output folder", "a relative path below it");
       return;
     }
-    const std::string text = m_withText ? m_templates.render(row.templateFile.value, row.templateFile.at, data) : "";
+    std::string const text = m_withText ? m_templates.render(row.templateFile.value, row.templateFile.at, data) : "";
     if (!m_files.emplace(path, isCode(path) ? layOut(text) : text).second) {
       m_diagnostics.report(row.path.at, "the path '" + path + "' is made twice", "a path for each file");
     }
@@ -107,7 +107,7 @@ class PlanRenderer {
 
 std::vector<PlanRow> readPlan(std::string const& folder, Diagnostics& diagnostics) {
   std::vector<PlanRow> result;
-  const std::string file = folder + "/outputs.yaml";
+  std::string const file = folder + "/outputs.yaml";
   auto const document = loadYaml(file, {file, 0, 0}, diagnostics);
   if (!document) return result;
   MapReader map(*document, {file, 1, 1}, "a table of outputs", diagnostics);

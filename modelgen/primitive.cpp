@@ -17,7 +17,7 @@ Primitive primitive(std::string const& name, std::string const& cppType, bool qu
 }
 
 std::array<Primitive, 8> const& primitives() {
-  static const std::array<Primitive, 8> all{primitive("Boolean", "bool", true, false),
+  static std::array<Primitive, 8> const all{primitive("Boolean", "bool", true, false),
                                             primitive("Integer", "std::int32_t", true, false),
                                             primitive("Integer64", "std::int64_t", true, true),
                                             primitive("KestrelArray", "kestrel_array", false, true),

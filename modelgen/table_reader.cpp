@@ -94,9 +94,9 @@ class TableReader {
     row.name = map.requiredText("name");
     row.doc = map.requiredText("doc");
     for (MapReader& each : map.requiredRows("literals", "a literal")) {
-      const Text name = each.requiredText("name");
+      Text const name = each.requiredText("name");
       auto const value = each.requiredInteger("value");
-      const Text doc = each.requiredText("doc");
+      Text const doc = each.requiredText("doc");
       each.refuseOtherKeys();
       if (value) row.literals.push_back({name, *value, doc});
     }
@@ -105,7 +105,7 @@ class TableReader {
   }
 
   void packageFile(MapReader& map, PackageRow& row) {
-    const Text name = map.requiredText("package");
+    Text const name = map.requiredText("package");
     if (!name.value.empty() && name.value != row.name.value) {
       m_diagnostics.report(name.at, "the package is called '" + name.value + "'",
                            "'" + row.name.value + "', as the model lists it");

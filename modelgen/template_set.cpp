@@ -42,8 +42,8 @@ std::string prepared(std::string text) {
     bool const atEnd = last == text.size() || text[last] == '\n';
     if (!atStart || !atEnd) continue;
     if (last < text.size()) ++last;
-    const std::string inside = text.substr(start, tagEnd - 2 - start);
-    const std::string blanks = text.substr(first, start - first) + text.substr(tagEnd, last - tagEnd);
+    std::string const inside = text.substr(start, tagEnd - 2 - start);
+    std::string const blanks = text.substr(first, start - first) + text.substr(tagEnd, last - tagEnd);
     text.replace(first, last - first, inside + blanks + "}}");
     lineStart = tagEnd = last;
   }
@@ -68,8 +68,8 @@ Position positionAt(std::string const& original, std::size_t offset, Position co
 // The library tells a syntax error as "<what> at <offset>".
 void reportSyntax(std::string const& message, std::string const& text, Position const& start,
                   Diagnostics& diagnostics) {
-  const std::size_t at = message.rfind(" at ");
-  const std::size_t offset = at == std::string::npos ? 0 : std::strtoul(message.c_str() + at + 4, nullptr, 10);
+  std::size_t const at = message.rfind(" at ");
+  std::size_t const offset = at == std::string::npos ? 0 : std::strtoul(message.c_str() + at + 4, nullptr, 10);
   diagnostics.report(positionAt(text, offset, start), "not a template: " + message.substr(0, at), "Mustache");
 }
 
@@ -186,7 +186,7 @@ class TemplateSet::Validator {
   }
 
   void partial(Template const& source, Component const& tag, Context& context) {
-    const Position at = positionAt(source.original, tag.position, source.start);
+    Position const at = positionAt(source.original, tag.position, source.start);
     if (++m_depth > deepestPartial) {
       refuse(source, tag, "the partial '" + tag.tag.name + "' reaches itself", "partials that end");
     } else if (Template const* const found = m_set.load(tag.tag.name + ".mustache", at)) {
@@ -209,7 +209,7 @@ TemplateSet::~TemplateSet() = default;
 TemplateSet::Template* TemplateSet::load(std::string const& file, Position const& namedAt) {
   auto const known = m_templates.find(file);
   if (known != m_templates.end()) return known->second.get();
-  const std::string path = m_folder + "/" + file;
+  std::string const path = m_folder + "/" + file;
   std::ifstream stream(path, std::ios::binary);
   std::ostringstream content;
   if (!stream || !(content << stream.rdbuf())) {

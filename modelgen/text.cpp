@@ -26,12 +26,12 @@ std::size_t characterLength(std::string const& text, std::size_t at) {
   auto const lead = static_cast<std::uint8_t>(text[at]);
   if (lead < 0x80) return 1;
   if (lead < 0xc2 || lead > 0xf4) return 0;
-  const std::size_t length = lead >= 0xf0 ? 4 : lead >= 0xe0 ? 3 : 2;
+  std::size_t const length = lead >= 0xf0 ? 4 : lead >= 0xe0 ? 3 : 2;
   if (text.size() - at < length) return 0;
   for (std::size_t i = at + 1; i < at + length; ++i) {
     if ((static_cast<std::uint8_t>(text[i]) & 0xc0) != 0x80) return 0;
   }
-  const std::uint32_t character = nextCharacter(text, at);
+  std::uint32_t const character = nextCharacter(text, at);
   bool const isOverlong = (length == 3 && character < 0x800) || (length == 4 && character < 0x10000);
   bool const isSurrogate = character >= 0xd800 && character < 0xe000;
   return isOverlong || isSurrogate || character > 0x10ffff ? 0 : length;
@@ -53,7 +53,7 @@ std::string escaped(std::uint32_t character) {
   return character > 0xffff ? "\\U" + digits(character, 16, 8) : "\\u" + digits(character, 16, 4);
 }
 
-const std::string opening = "namespace ";
+std::string const opening = "namespace ";
 
 // "N::" for a line "namespace N {", otherwise nothing.
 std::string openedNamespace(std::string const& line) {
@@ -92,7 +92,7 @@ std::size_t firstBadCharacter(std::string const& text) {
   while (at < text.size()) {
     char const c = text[at];
     bool const isControl = static_cast<std::uint8_t>(c) < 0x20 && c != '\t' && c != '\n' && c != '\r';
-    const std::size_t length = isControl ? 0 : characterLength(text, at);
+    std::size_t const length = isControl ? 0 : characterLength(text, at);
     if (length == 0) break;
     at += length;
   }

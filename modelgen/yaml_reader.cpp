@@ -11,7 +11,7 @@
 namespace modelgen {
 namespace {
 
-Position positionOfMark(std::string const& file, const YAML::Mark& mark) {
+Position positionOfMark(std::string const& file, YAML::Mark const& mark) {
   return mark.is_null() ? Position{file, 1, 1} : Position{file, mark.line + 1, mark.column + 1};
 }
 
@@ -26,7 +26,7 @@ Position positionInText(std::string const& file, std::string const& text, std::s
 
 }  // namespace
 
-MapReader::MapReader(const YAML::Node& node, Position start, std::string what, Diagnostics& diagnostics)
+MapReader::MapReader(YAML::Node const& node, Position start, std::string what, Diagnostics& diagnostics)
     : m_node(node), m_start(std::move(start)), m_what(std::move(what)), m_diagnostics(&diagnostics) {
   if (!m_node.IsMap()) reportMissingRows(m_start, "this is not a map", m_what + ", written as key: value");
 }
@@ -36,14 +36,14 @@ void MapReader::reportMissingRows(Position const& at, std::string const& wrong, 
   m_whole = false;
 }
 
-Position MapReader::positionOf(const YAML::Node& node) const { return positionOfMark(m_start.file, node.Mark()); }
+Position MapReader::positionOf(YAML::Node const& node) const { return positionOfMark(m_start.file, node.Mark()); }
 
 std::optional<MapReader::Entry> MapReader::find(std::string const& key) {
   m_known.insert(key);
   if (!m_node.IsMap()) return std::nullopt;
   for (auto const& pair : m_node) {
     if (!pair.first.IsScalar() || pair.first.Scalar() != key) continue;
-    const Position keyAt = positionOf(pair.first);
+    Position const keyAt = positionOf(pair.first);
     return Entry{keyAt, pair.second.IsNull() ? keyAt : positionOf(pair.second), pair.second};
   }
   return std::nullopt;
@@ -92,7 +92,7 @@ bool MapReader::flagOr(std::string const& key, bool absent) {
 }
 
 std::optional<Located<std::int32_t>> MapReader::requiredInteger(std::string const& key) {
-  const Text found = requiredText(key);
+  Text const found = requiredText(key);
   if (found.value.empty()) return std::nullopt;
   char const* const end = found.value.data() + found.value.size();
   std::int32_t number = 0;
@@ -110,7 +110,7 @@ std::vector<Text> MapReader::textList(std::string const& key) {
     m_diagnostics->report(entry->valueAt, "'" + key + "' of " + m_what + " is not a list", "a list of names");
     return result;
   }
-  for (const YAML::Node& node : entry->value) {
+  for (YAML::Node const& node : entry->value) {
     if (node.IsScalar()) {
       result.push_back({node.Scalar(), positionOf(node)});
     } else {
@@ -130,7 +130,7 @@ std::vector<std::pair<Text, Text>> MapReader::textMap(std::string const& key) {
   }
   std::set<std::string> seen;
   for (auto const& pair : entry->value) {
-    const Position at = positionOf(pair.first);
+    Position const at = positionOf(pair.first);
     if (!pair.first.IsScalar() || !pair.second.IsScalar()) {
       m_diagnostics->report(at, "an entry of '" + key + "' is not a pair of texts", "name: name");
     } else if (!seen.insert(pair.first.Scalar()).second) {
@@ -152,7 +152,7 @@ std::vector<MapReader> MapReader::rows(std::string const& key, std::string const
                       "a list in which each entry is " + what);
     return result;
   }
-  for (const YAML::Node& node : entry->value) result.emplace_back(node, positionOf(node), what, *m_diagnostics);
+  for (YAML::Node const& node : entry->value) result.emplace_back(node, positionOf(node), what, *m_diagnostics);
   return result;
 }
 
@@ -169,7 +169,7 @@ void MapReader::refuseOtherKeys() {
   if (!m_node.IsMap()) return;
   std::set<std::string> seen;
   for (auto const& pair : m_node) {
-    const std::string key = pair.first.IsScalar() ? pair.first.Scalar() : "?";
+    std::string const key = pair.first.IsScalar() ? pair.first.Scalar() : "?";
     if (m_known.count(key) == 0) {
       reportMissingRows(positionOf(pair.first), "unknown key '" + key + "' in " + m_what,
                         alternatives({m_known.begin(), m_known.end()}));
@@ -186,17 +186,17 @@ std::optional<YAML::Node> loadYaml(std::string const& file, Position const& name
     diagnostics.report(namedAt, "cannot read the file " + file, "a readable file");
     return std::nullopt;
   }
-  const std::string text = content.str();
-  if (const std::size_t bad = firstBadCharacter(text); bad != text.size()) {
-    const Position at = positionInText(file, text, bad);
+  std::string const text = content.str();
+  if (std::size_t const bad = firstBadCharacter(text); bad != text.size()) {
+    Position const at = positionInText(file, text, bad);
     diagnostics.report(at, "this byte is no text", "UTF-8 without control characters");
     return std::nullopt;
   }
   try {
-    const std::vector<YAML::Node> documents = YAML::LoadAll(text);
+    std::vector<YAML::Node> const documents = YAML::LoadAll(text);
     if (documents.size() < 2) return documents.empty() ? YAML::Node() : documents.front();
     diagnostics.report(positionOfMark(file, documents[1].Mark()), "a second document begins here", "one in each file");
-  } catch (const YAML::Exception& error) {
+  } catch (YAML::Exception const& error) {
     diagnostics.report(positionOfMark(file, error.mark), "not well-formed: " + error.msg, "YAML");
   }
   return std::nullopt;

@@ -19,7 +19,7 @@ class MapReader {
  public:
   // `what` names the row in messages, with its article: "a class". `node` need not be a map; that is reported, and all
   // keys then read as absent.
-  MapReader(const YAML::Node& node, Position start, std::string what, Diagnostics& diagnostics);
+  MapReader(YAML::Node const& node, Position start, std::string what, Diagnostics& diagnostics);
 
   // An absent key gives nothing; a key without a text is reported and gives nothing.
   std::optional<Text> text(std::string const& key);
@@ -54,7 +54,7 @@ class MapReader {
   };
 
   std::optional<Entry> find(std::string const& key);
-  Position positionOf(const YAML::Node& node) const;
+  Position positionOf(YAML::Node const& node) const;
   void reportMissingRows(Position const& at, std::string const& wrong, std::string const& expected);
   std::optional<Text> scalar(Entry const& entry, std::string const& key);
 

@@ -47,7 +47,7 @@ class CommandLine {
   int run(int argc, char** argv) {
     try {
       m_app.parse(argc, argv);
-    } catch (const CLI::ParseError& error) {
+    } catch (CLI::ParseError const& error) {
       return m_app.exit(error) == 0 ? kconfig::exitDone : kconfig::exitUsage;
     }
     for (auto const& [app, command] : m_commands) {

@@ -22,11 +22,11 @@ struct Input {
 inline Surroundings surroundingsOf(Input const& input) {
   Surroundings surroundings;
   surroundings.variable = [&input](std::string const& name) {
-    const auto found = input.variables.find(name);
+    auto const found = input.variables.find(name);
     return found != input.variables.end() ? std::optional<std::string>(found->second) : std::nullopt;
   };
   surroundings.file = [&input](std::string const& path, std::string& problem) {
-    const auto found = input.files.find(path);
+    auto const found = input.files.find(path);
     problem = "no such file";
     return found != input.files.end() ? std::optional<std::string>(found->second) : std::nullopt;
   };
@@ -82,9 +82,9 @@ inline std::vector<std::string> settingsOf(std::string const& configuration) {
   std::vector<std::string> lines;
   std::size_t start = 0;
   for (std::size_t end = configuration.find('\n'); end != std::string::npos; end = configuration.find('\n', start)) {
-    const std::string line = configuration.substr(start, end - start);
+    std::string const line = configuration.substr(start, end - start);
     start = end + 1;
-    const std::size_t prefix = line.find("CONFIG_");
+    std::size_t const prefix = line.find("CONFIG_");
     if (prefix == 0) {
       lines.push_back(line.substr(7));
     } else if (prefix == 2) {

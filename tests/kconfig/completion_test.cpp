@@ -24,7 +24,7 @@ struct Case {
 constexpr char const* modulesEntry = "config MODULES\n\tbool \"modules\"\n\toption modules\n\tdefault y\n";
 
 std::vector<Case> const& cases() {
-  static const std::vector<Case> all = {
+  static std::vector<Case> const all = {
       {"a prompt that is shown takes the user's value, else the default",
        "config A\n\tbool \"a\"\nconfig B\n\tbool \"b\"\n\tdefault y\nconfig C\n\tbool \"c\"\n\tdefault y\n",
        "CONFIG_A=y\n# CONFIG_C is not set\n",
@@ -132,7 +132,7 @@ std::vector<Case> const& cases() {
 
 // The same with a third value.
 std::vector<Case> const& tristateCases() {
-  static const std::vector<Case> all = {
+  static std::vector<Case> const all = {
       {"a tristate symbol is limited by what it depends on",
        "config A\n\ttristate \"a\"\nconfig B\n\ttristate \"b\"\n\tdepends on A\n\tdefault y\n"
        "config C\n\tbool \"c\"\n\tdepends on A\n\tdefault y\n",
@@ -170,11 +170,11 @@ Case withModules(Case const& original, std::string& storage) {
 // The reference tool's answer, in a folder of its own.
 std::string askReference(Case const& wanted) {
   namespace fs = std::filesystem;
-  const fs::path folder = fs::temp_directory_path() / ("kconfig-reference-" + std::to_string(::getpid()));
+  fs::path const folder = fs::temp_directory_path() / ("kconfig-reference-" + std::to_string(::getpid()));
   fs::create_directories(folder);
   std::ofstream(folder / "Kconfig") << wanted.tree;
   std::ofstream(folder / ".config") << wanted.profile;
-  const std::string command = "cd '" + folder.string() + "' && kconfig-conf --olddefconfig Kconfig >log 2>&1";
+  std::string const command = "cd '" + folder.string() + "' && kconfig-conf --olddefconfig Kconfig >log 2>&1";
   int const code = std::system(command.c_str());
   std::ifstream file(folder / ".config");
   std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
@@ -186,7 +186,7 @@ class CompletionTest : public testing::Test {
  protected:
   static void check(Case const& row) {
     SCOPED_TRACE(row.behaviour);
-    const Completed completed = complete({{{"Kconfig", row.tree}}, {}, row.profile});
+    Completed const completed = complete({{{"Kconfig", row.tree}}, {}, row.profile});
     EXPECT_EQ(settingsOf(completed.configuration), row.settings);
     if (s_hasReference) {
       EXPECT_EQ(completed.configuration, askReference(row));
@@ -210,7 +210,7 @@ TEST_F(CompletionTest, KnowsTheThirdValueWhereModulesAreOn) {
 }
 
 TEST_F(CompletionTest, WritesHeadingsOnlyOfWhatIsShown) {
-  const Completed completed = complete({{{"Kconfig",
+  Completed const completed = complete({{{"Kconfig",
                                           "mainmenu \"Title\"\nconfig A\n\tbool \"a\"\nmenu \"seen\"\nconfig B\n\tint\n"
                                           "\tdefault 1\nendmenu\nmenu \"hidden\"\n\tdepends on A\ncomment \"inside\"\n"
                                           "endmenu\ncomment \"said\"\n"}}});
@@ -220,28 +220,28 @@ TEST_F(CompletionTest, WritesHeadingsOnlyOfWhatIsShown) {
 }
 
 TEST_F(CompletionTest, WritesTheTitleWithoutBlanksAroundIt) {
-  const std::pair<char const*, char const*> titles[] = {
+  std::pair<char const*, char const*> const titles[] = {
       {"  Title", "# Title\n#\n"}, {"", "#\n#\n"}, {"$NONE", "#\n#\n"}};
   for (auto const& [title, lines] : titles) {
-    const Completed completed = complete({{{"Kconfig", "mainmenu \"" + std::string(title) + "\"\n"}}});
+    Completed const completed = complete({{{"Kconfig", "mainmenu \"" + std::string(title) + "\"\n"}}});
     EXPECT_EQ(completed.configuration, "#\n# Automatically generated file; DO NOT EDIT.\n" + std::string(lines))
         << title;
   }
 }
 
 TEST_F(CompletionTest, WritesAHeaderOfWhatIsSet) {
-  const std::string tree = std::string(modulesEntry) +
+  std::string const tree = std::string(modulesEntry) +
                            "config A\n\ttristate \"a\"\nconfig B\n\tbool \"b\"\nconfig H\n\thex\n\tdefault ff\n"
                            "config I\n\tint\n\tdefault -3\nconfig S\n\tstring\n\tdefault \"a\\\"b\"\n";
-  const Completed completed = complete({{{"Kconfig", tree}}, {}, "CONFIG_A=m\n"});
-  const std::string macros = completed.header.substr(completed.header.find("#define"));
+  Completed const completed = complete({{{"Kconfig", tree}}, {}, "CONFIG_A=m\n"});
+  std::string const macros = completed.header.substr(completed.header.find("#define"));
   EXPECT_EQ(macros,
             "#define CONFIG_MODULES 1\n#define CONFIG_A_MODULE 1\n#define CONFIG_H 0xff\n#define CONFIG_I -3\n"
             "#define CONFIG_S \"a\\\"b\"\n");
 }
 
 TEST_F(CompletionTest, WarnsOfTheProfileWithItsLines) {
-  const Completed completed = complete({{{"Kconfig",
+  Completed const completed = complete({{{"Kconfig",
                                           "config A\n\tint \"a\"\n\trange 1 5\nconfig B\n\tbool \"b\"\nconfig S\n"
                                           "\tstring \"s\"\nchoice\n\tprompt \"c\"\nconfig C\n\tbool \"c\"\nconfig D\n"
                                           "\tbool \"d\"\nendchoice\n"}},
@@ -259,7 +259,7 @@ TEST_F(CompletionTest, WarnsOfTheProfileWithItsLines) {
 }
 
 TEST_F(CompletionTest, ReportsLoopsAndGoesOn) {
-  const Completed completed = complete({{{"Kconfig",
+  Completed const completed = complete({{{"Kconfig",
                                           "config A\n\tbool \"a\" if B\nconfig B\n\tbool\n\tdefault y if A\n"
                                           "config Z\n\tbool \"z\"\n\tdefault y\n"}}});
   EXPECT_THAT(completed.messages, ElementsAre(testing::MatchesRegex(
@@ -269,7 +269,7 @@ TEST_F(CompletionTest, ReportsLoopsAndGoesOn) {
 }
 
 TEST_F(CompletionTest, WarnsOfWhatATreeCanHardlyMean) {
-  const std::pair<char const*, char const*> trees[] = {
+  std::pair<char const*, char const*> const trees[] = {
       {"config A\n\tprompt \"a\"\n", "Kconfig:1: warning: 'A' has no type"},
       {"config A\n\tint \"a\"\n\tselect B\nconfig B\n\tbool\n",
        "Kconfig:3: warning: 'A' is neither bool nor tristate and can't select another symbol"},

@@ -23,21 +23,21 @@ class ExpressionRulesTest : public testing::Test {
   ExpressionId parse(std::string const& text) {
     // The reader's own tree is thrown away: its expression is built anew over the typed symbols.
     Diagnostics diagnostics;
-    const Input input{{{"Kconfig", "config X\n\tbool\n\tdepends on " + text + "\n"}}};
-    const MenuTree parsed = readTree("Kconfig", surroundingsOf(input), diagnostics);
+    Input const input{{{"Kconfig", "config X\n\tbool\n\tdepends on " + text + "\n"}}};
+    MenuTree const parsed = readTree("Kconfig", surroundingsOf(input), diagnostics);
     EXPECT_FALSE(diagnostics.hasErrors()) << text;
     return copy(parsed, parsed.properties.back().condition);
   }
   ExpressionId copy(MenuTree const& from, ExpressionId id) {
     ExpressionPool const& pool = from.expressions;
     auto const symbol = [&](SymbolId other) {
-      const Symbol& row = from.symbols[other];
-      const std::string_view name = m_tree.texts.intern(row.name);
+      Symbol const& row = from.symbols[other];
+      std::string_view const name = m_tree.texts.intern(row.name);
       return row.kind == SymbolKind::Constant ? m_tree.symbols.constant(name) : m_tree.symbols.plain(name);
     };
     if (isList(pool.op(id))) {
       std::vector<ExpressionId> operands;
-      for (const ExpressionId operand : pool.operands(id)) {
+      for (ExpressionId const operand : pool.operands(id)) {
         operands.push_back(copy(from, operand));
       }
       return m_tree.expressions.list(pool.op(id), operands);
@@ -58,7 +58,7 @@ class ExpressionRulesTest : public testing::Test {
 using Cases = std::vector<std::pair<char const*, char const*>>;
 
 TEST_F(ExpressionRulesTest, NormalizingBringsNegationsDownAndSimplifiesBooleanTests) {
-  const Cases cases = {{"!!B", "B"},
+  Cases const cases = {{"!!B", "B"},
                        {"!(B && !T)", "!B || T"},
                        {"!(T = m)", "T != m"},
                        {"!(S < 3)", "S >= 3"},
@@ -77,7 +77,7 @@ TEST_F(ExpressionRulesTest, NormalizingBringsNegationsDownAndSimplifiesBooleanTe
 }
 
 TEST_F(ExpressionRulesTest, JoiningLeavesOneOperandWhereTwoSayOneThing) {
-  const Cases cases = {{"B && B", "B"},
+  Cases const cases = {{"B && B", "B"},
                        {"B || !B", "y"},
                        {"T || !T", "T || !T"},
                        {"T && T = y", "T = y"},
@@ -111,7 +111,7 @@ TEST_F(ExpressionRulesTest, RewritesForPlacesThatKnowLessOrMore) {
 }
 
 TEST_F(ExpressionRulesTest, SeesWhichEntryLiesBelowWhich) {
-  const SymbolId t = m_tree.symbols.plain("T");
+  SymbolId const t = m_tree.symbols.plain("T");
   for (char const* text : {"T", "B && T", "T = y", "T = m && B", "T != n"}) {
     EXPECT_TRUE(m_rules.dependsOn(parse(text), t)) << text;
   }

@@ -51,8 +51,8 @@ std::string described(MenuTree const& tree) {
     return std::string(tree.files[position.file].name) + ":" + std::to_string(position.line) + " ";
   };
   auto const symbol = [&tree](SymbolId id) {
-    const bool quoted = id != noSymbol && tree.symbols[id].kind == SymbolKind::Constant;
-    const std::string name(id != noSymbol ? tree.symbols[id].name : std::string_view());
+    bool const quoted = id != noSymbol && tree.symbols[id].kind == SymbolKind::Constant;
+    std::string const name(id != noSymbol ? tree.symbols[id].name : std::string_view());
     return quoted ? "\"" + name + "\"" : name;
   };
   for (SymbolId id = 0; id < tree.symbols.size(); ++id) {
@@ -104,9 +104,9 @@ TEST(Mapping, DefinitionsGiveTheTreeBack) {
   }
   for (Input const& input : inputs) {
     Diagnostics diagnostics;
-    const MenuTree tree = readTree("Kconfig", surroundingsOf(input), diagnostics);
-    const plinth::Model model = plinth::Model::create();
-    const Definitions definitions = readDefinitions(writeSchema(tree, model));
+    MenuTree const tree = readTree("Kconfig", surroundingsOf(input), diagnostics);
+    plinth::Model const model = plinth::Model::create();
+    Definitions const definitions = readDefinitions(writeSchema(tree, model));
     EXPECT_EQ(described(definitions.tree), described(tree)) << input.files.at("Kconfig");
   }
 }
@@ -115,7 +115,7 @@ TEST(Mapping, DefinitionsSayWhatTheAuthorWrote) {
   Bench bench(demo(""));
   schema::SchemaData const& schema = bench.workspace.schema();
   std::vector<std::string> attributes;
-  const schema::ParamDef param = schema->getParams()->find(u"MEMORY_SIZE");
+  schema::ParamDef const param = schema->getParams()->find(u"MEMORY_SIZE");
   for (schema::FollowsDef const& row : *param->getFollows()) {
     attributes.push_back(fromModel(row->getAttribute()));
   }
@@ -135,11 +135,11 @@ TEST(Mapping, DependenciesCanBeFollowedBothWays) {
   std::vector<std::pair<std::uint32_t, std::uint32_t>> forward;
   std::vector<std::pair<std::uint32_t, std::uint32_t>> back;
   auto const collect = [&](schema::ControllableDef const& definition) {
-    for (const schema::GlobalNodeRef& required : *definition->getRequires()) {
+    for (schema::GlobalNodeRef const& required : *definition->getRequires()) {
       back.emplace_back(required.getOrdinal(), definition->getOrdinal());
       EXPECT_EQ(schema->getParams()->find(required.getKey())->getOrdinal(), required.getOrdinal());
     }
-    for (const unsigned int successor : *definition->getSuccessors()) {
+    for (unsigned int const successor : *definition->getSuccessors()) {
       forward.emplace_back(definition->getOrdinal(), successor);
     }
   };
@@ -181,8 +181,8 @@ TEST_F(State, HoldsTypedValuesWithTheirConstraints) {
 }
 
 TEST_F(State, TellsAChoiceByItsOptions) {
-  const runtime::ParamState board = param(u"BOARD_SMALL");
-  const runtime::ParamState choice = state->getParams()->find(board->getCategory()->getKey());
+  runtime::ParamState const board = param(u"BOARD_SMALL");
+  runtime::ParamState const choice = state->getParams()->find(board->getCategory()->getKey());
   ASSERT_TRUE(choice);
   EXPECT_EQ(choice->getTypeName(), u"choice");
   auto const data = plinth::element_cast<data::EnumParamData>(choice->getData());
@@ -194,7 +194,7 @@ TEST_F(State, TellsAChoiceByItsOptions) {
 }
 
 TEST_F(State, TellsWhatTheUserHasSetAndWhatIsWrongWithIt) {
-  const runtime::ParamState period = param(u"READING_PERIOD");
+  runtime::ParamState const period = param(u"READING_PERIOD");
   EXPECT_TRUE(period->getUserModified());
   EXPECT_EQ(plinth::element_cast<data::IntegerParamData>(period->getDefault())->getValue(), 60);
   EXPECT_FALSE(param(u"FILTER_WIDTH")->getUserModified());
@@ -207,11 +207,11 @@ TEST_F(State, TellsWhatTheUserHasSetAndWhatIsWrongWithIt) {
 }
 
 TEST_F(State, GroupsParametersForTheUser) {
-  const runtime::TagState radio = state->getTags()->find(u"radio");
+  runtime::TagState const radio = state->getTags()->find(u"radio");
   ASSERT_TRUE(radio);
   EXPECT_EQ(radio->getType(), runtime::TagType::OWNER);
   EXPECT_TRUE(radio->getTagged()->contains(param(u"RADIO_POWER")));
-  const runtime::PerspectiveState settable = state->getPerspectives()->find(u"settable");
+  runtime::PerspectiveState const settable = state->getPerspectives()->find(u"settable");
   EXPECT_TRUE(settable->getMembers()->contains(param(u"RADIO_CHANNEL")));
   EXPECT_FALSE(settable->getMembers()->contains(param(u"RADIO_POWER")));
   EXPECT_TRUE(param(u"RADIO_POWER")->getInternal());
@@ -219,7 +219,7 @@ TEST_F(State, GroupsParametersForTheUser) {
 }
 
 TEST(Mapping, ProfilesKeepWhatTheFileSaid) {
-  const Input tree{{{"Kconfig",
+  Input const tree{{{"Kconfig",
                      "config MODULES\n\tbool \"m\"\n\toption modules\n\tdefault y\nconfig I\n\tint \"i\"\nconfig H\n"
                      "\thex \"h\"\nconfig S\n\tstring \"s\"\nchoice\n\ttristate \"c\"\nconfig A\n\ttristate \"a\"\n"
                      "config B\n\ttristate \"b\"\nendchoice\n"}}};
@@ -228,14 +228,14 @@ TEST(Mapping, ProfilesKeepWhatTheFileSaid) {
         "CONFIG_S=\"a\\\"b \xff \xc3\xa9\"\n# CONFIG_MODULES is not set\n", "CONFIG_A=y\nCONFIG_B=y\n",
         "CONFIG_A=m\nCONFIG_B=m\n", "CONFIG_A=y\nCONFIG_B=m\n", "CONFIG_A=y\nCONFIG_A=n\n", "CONFIG_B=n\n"}) {
     Diagnostics diagnostics;
-    const plinth::Model model = plinth::Model::create();
+    plinth::Model const model = plinth::Model::create();
     Definitions definitions =
         readDefinitions(writeSchema(readTree("Kconfig", surroundingsOf(tree), diagnostics), model));
-    const CompiledTree compiled = compile(definitions.tree);
+    CompiledTree const compiled = compile(definitions.tree);
     UserValues users(definitions.tree, compiled);
     applyProfile(readProfile(profile, "CONFIG_", "p", diagnostics), "p", definitions.tree.symbols, users, diagnostics);
-    const ext::ConfigStore store = ext::ConfigStore::create(model);
-    const UserValues back = readProfileValues(storeProfile(store, "p", definitions, users), definitions, compiled);
+    ext::ConfigStore const store = ext::ConfigStore::create(model);
+    UserValues const back = readProfileValues(storeProfile(store, "p", definitions, users), definitions, compiled);
     for (SymbolId symbol = 0; symbol < definitions.tree.symbols.size(); ++symbol) {
       UserValue const& left = users[symbol];
       UserValue const& right = back[symbol];

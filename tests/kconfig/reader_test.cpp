@@ -35,7 +35,7 @@ std::string_view helpOf(MenuTree const& tree) {
 }
 
 TEST(Reader, KeepsEntriesInOrderWithParentsAndPositions) {
-  const Read result = read(
+  Read const result = read(
       "menu \"m\"\n"
       "config A\n\tbool \"a\"\n"
       "if A\n"
@@ -69,7 +69,7 @@ TEST(Reader, KeepsEntriesInOrderWithParentsAndPositions) {
 }
 
 TEST(Reader, BindsAndTighterThanOrAndNotTightest) {
-  const std::pair<char const*, char const*> cases[] = {{"A||B&&C", "A || (B && C)"},
+  std::pair<char const*, char const*> const cases[] = {{"A||B&&C", "A || (B && C)"},
                                                        {"(A || B) && !C", "(A || B) && !C"},
                                                        {"!A=y && B!='x y'", "!(A = y) && B != \"x y\""},
                                                        {"A<3||A<=3||A>3||A>=3", "A < 3 || A <= 3 || A > 3 || A >= 3"},
@@ -77,7 +77,7 @@ TEST(Reader, BindsAndTighterThanOrAndNotTightest) {
                                                        {"((A))", "A"},
                                                        {"\"y\" && 'n'", "y && n"}};
   for (auto const& [text, expected] : cases) {
-    const Read result = read(std::string("config X\n\tbool\n\tdepends on ") + text + "\n");
+    Read const result = read(std::string("config X\n\tbool\n\tdepends on ") + text + "\n");
     ASSERT_THAT(result.messages, IsEmpty()) << text;
     Property const& property = result.tree.properties.back();
     EXPECT_EQ(textOf(result.tree.expressions, result.tree.symbols, property.condition), expected) << text;
@@ -85,7 +85,7 @@ TEST(Reader, BindsAndTighterThanOrAndNotTightest) {
 }
 
 TEST(Reader, EndsHelpByItsIndentation) {
-  const std::pair<char const*, char const*> cases[] = {
+  std::pair<char const*, char const*> const cases[] = {
       {"\thelp\n\t  one\n\t    two\n\n\t  three\n\tdefault y\n", "one\n  two\n\nthree"},
       {"\t---help---\n        eight\n\ttab\nconfig Z\n", "eight\ntab"},
       {"\thelp\n\nconfig Z\n", ""},
@@ -98,14 +98,14 @@ TEST(Reader, EndsHelpByItsIndentation) {
 }
 
 TEST(Reader, SourcesFilesNamedByVariables) {
-  const Input input{{{"Kconfig",
+  Input const input{{{"Kconfig",
                       "config PLACE\n\tstring\n\toption env=\"DIR\"\n"
                       "config SUB\n\tstring\n\tdefault \"deep\"\n"
                       "source \"$PLACE/$SUB/Kconfig\"\nsource \"tree$NOTHING\"\n"},
                      {"there/deep/Kconfig", "config A\n\tbool\n"},
                      {"/base/tree", "config B\n\tbool\n"}},
                     {{"DIR", "there"}, {"srctree", "/base"}}};
-  const Read result = read(input);
+  Read const result = read(input);
   EXPECT_THAT(result.messages, IsEmpty());
   EXPECT_TRUE(result.tree.symbols[result.tree.symbols.find("A")].defined);
   EXPECT_TRUE(result.tree.symbols[result.tree.symbols.find("B")].defined);
@@ -115,7 +115,7 @@ TEST(Reader, SourcesFilesNamedByVariables) {
 }
 
 TEST(Reader, TakesVariablesAsTheyAreDeclaredSoFar) {
-  const std::pair<char const*, char const*> cases[] = {
+  std::pair<char const*, char const*> const cases[] = {
       {"config F\n\tbool\n\tdefault y\nconfig V\n\tstring\n\tdefault \"first\" if !F\n\tdefault \"second\"\n",
        "second"},
       {"config W\n\tstring\n\tdefault \"other\"\nconfig V\n\tstring\n\tdefault W\n", "other"},
@@ -128,14 +128,14 @@ TEST(Reader, TakesVariablesAsTheyAreDeclaredSoFar) {
       {"config X\n\tbool\n\tdepends on V\n", "V"},
       {"config X\n\tbool\n", ""}};
   for (auto const& [text, value] : cases) {
-    const Read result = read(std::string(text) + "source \"<$V>\"\nconfig V\n\tstring\n\tdefault \"late\"\n");
+    Read const result = read(std::string(text) + "source \"<$V>\"\nconfig V\n\tstring\n\tdefault \"late\"\n");
     ASSERT_FALSE(result.messages.empty()) << text;
     EXPECT_THAT(result.messages.front(), testing::HasSubstr("the file '<" + std::string(value) + ">'")) << text;
   }
 }
 
 TEST(Reader, ExpandsTheTitleOnceAllIsRead) {
-  const Input input{{{"Kconfig",
+  Input const input{{{"Kconfig",
                       "mainmenu \"$V of $ARCH $NONE.\"\nconfig V\n\tstring\n\toption env=\"V\"\n"
                       "config ARCH\n\tstring\n\tdefault \"arm\" if V\n"}},
                     {{"V", "7"}}};
@@ -147,7 +147,7 @@ TEST(Reader, TellsWhereTextIsWrongAndReadsOn) {
     char const* text;
     std::vector<std::string> messages;
   };
-  const Case cases[] = {
+  Case const cases[] = {
       {"foo bar\n", {"Kconfig:1: error: unknown statement 'foo'"}},
       {"= 5\n",
        {"Kconfig:1: warning: the character '=' has no meaning here and is ignored",
@@ -191,7 +191,7 @@ TEST(Reader, TellsWhereTextIsWrongAndReadsOn) {
 }
 
 TEST(Reader, FindsASourceThatComesBackThroughOthers) {
-  const Input input{{{"Kconfig", "source \"a\"\n"}, {"a", "\nsource \"b\"\n"}, {"b", "source \"a\"\nconfig X\n"}}};
+  Input const input{{{"Kconfig", "source \"a\"\n"}, {"a", "\nsource \"b\"\n"}, {"b", "source \"a\"\nconfig X\n"}}};
   EXPECT_THAT(read(input).messages, ElementsAre("b:1: error: the file 'a' sources itself, directly or through others"));
 }
 

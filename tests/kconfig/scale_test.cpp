@@ -15,7 +15,7 @@ TEST(Scale, LongChainsOfDependencies) {
   for (int i = 1; i < many; ++i) {
     tree += "config " + symbol(i) + "\n\tbool \"s\"\n\tdepends on " + symbol(i - 1) + "\n\tdefault y\n";
   }
-  const Completed completed = complete({{{"Kconfig", tree}}});
+  Completed const completed = complete({{{"Kconfig", tree}}});
   EXPECT_TRUE(completed.messages.empty());
   EXPECT_EQ(settingsOf(completed.configuration).back(), symbol(many - 1) + "=y");
 }
@@ -26,7 +26,7 @@ TEST(Scale, LongChainsOfSelectionsBackwards) {
     tree += "config " + symbol(i) + "\n\tbool\n" + (i > 0 ? "\tselect " + symbol(i - 1) + "\n" : "");
   }
   tree += "config LAST\n\tbool \"l\"\n\tselect " + symbol(many - 1) + "\n";
-  const Completed completed = complete({{{"Kconfig", tree}}, {}, "CONFIG_LAST=y\n"});
+  Completed const completed = complete({{{"Kconfig", tree}}, {}, "CONFIG_LAST=y\n"});
   EXPECT_EQ(settingsOf(completed.configuration).front(), "S0=y");
 }
 
@@ -43,7 +43,7 @@ TEST(Scale, DeepNestingIsRefusedWithAMessage) {
   for (int i = 0; i < many; ++i) {
     blocks += "if A\n";
   }
-  const std::vector<std::string> messages = complete({{{"Kconfig", blocks}}}).messages;
+  std::vector<std::string> const messages = complete({{{"Kconfig", blocks}}}).messages;
   ASSERT_FALSE(messages.empty());
   EXPECT_EQ(messages.front(), "Kconfig:500: error: blocks are nested too deeply, the rest of the file is left out");
   for (char const* opening : {"(", "!", "!("}) {

@@ -35,8 +35,8 @@ TEST(Workspace, TryingOutLeavesNoTrace) {
   Bench bench(Input{{{"Kconfig", smallTree}}, {}, "CONFIG_S=\"mine\"\n"});
   Workspace& workspace = bench.workspace;
   workspace.produce();
-  const ShownValues before = workspace.writer().shown();
-  const plinth::Fingerprint fingerprint = plinth::Fingerprint::of(workspace.model());
+  ShownValues const before = workspace.writer().shown();
+  plinth::Fingerprint const fingerprint = plinth::Fingerprint::of(workspace.model());
   std::string differences;
   workspace.tryOut(bench.profile, {settingFrom(workspace, "A=y"), settingFrom(workspace, "CONFIG_S=new")}, false, [&] {
     EXPECT_NE(plinth::Fingerprint::of(workspace.model()), fingerprint);
@@ -67,7 +67,7 @@ TEST(Workspace, KeepsWhatIsNotTakenBack) {
 TEST(Workspace, ProfilesCanBeAppliedInTurn) {
   Bench bench(Input{{{"Kconfig", smallTree}, {"other", "CONFIG_A=y\nCONFIG_B=4\n"}}});
   Workspace& workspace = bench.workspace;
-  const ShownValues before = workspace.writer().shown();
+  ShownValues const before = workspace.writer().shown();
   workspace.apply(workspace.load("other"));
   EXPECT_EQ(printed([&] { printDifferences(workspace, before, workspace.writer().shown()); }),
             "-# CONFIG_A is not set\n+CONFIG_A=y\n+CONFIG_B=4\n-CONFIG_S=\"\"\n+CONFIG_S=\"x\"\n");

@@ -72,7 +72,7 @@ TEST_F(Derivation, FieldsStandAsValuesThenSingleElementsThenCollections) {
 
 TEST_F(Derivation, OrderAndUniquenessFollowShapeAndSource) {
   auto const flags = [this](std::string const& name) {
-    const Property& each = property("Shop", name);
+    Property const& each = property("Shop", name);
     return std::make_pair(each.ordered, each.unique);
   };
   EXPECT_EQ(flags("Mode"), std::make_pair(true, true));
@@ -110,7 +110,7 @@ TEST_F(Derivation, AKeyOfDerivedClassesOnlyIsKeptSoundByThese) {
 }
 
 TEST_F(Derivation, DefaultsAndStampsBecomeInitialisers) {
-  const Data shop = classData(classNamed("Shop"), "");
+  Data const shop = classData(classNamed("Shop"), "");
   std::map<std::string, std::string> initializers;
   for (Data const& each : shop.get("properties")->list_value()) {
     initializers[each.get("name")->string_value()] = each.get("initializer")->string_value();
@@ -128,7 +128,7 @@ TEST_F(Derivation, ThePackageTreeHoldsNamespacesBeforePackages) {
   for (PackageNode const& each : set.generated().packageTree) {
     tree.push_back(each.uri + (each.parent == nullptr ? "" : " in " + each.parent->slot));
   }
-  const std::string root = "https://schema.tessel.invalid/plinth/good_datamodel/R2.7";
+  std::string const root = "https://schema.tessel.invalid/plinth/good_datamodel/R2.7";
   EXPECT_THAT(tree, ElementsAre(root, root + "/tessel in rootPackage", root + "/tessel.good.shop in tessel_good",
                                 root + "/tessel.good in tessel"));
 }

@@ -10,7 +10,7 @@ namespace {
 TEST(Naming, PropertiesBecomeLowerCamelAndStepAsideForReservedWords) {
   EXPECT_EQ(lowerCamel("ExprType"), "exprType");
   for (char const* const word : {"Operator", "Import", "Export", "Static", "Default", "Class", "Xor", "Requires"}) {
-    const std::string accessor = lowerCamel(word);
+    std::string const accessor = lowerCamel(word);
     EXPECT_EQ(accessor.back(), '_') << word;
     EXPECT_FALSE(isReservedWord(accessor)) << word;
   }

@@ -128,7 +128,7 @@ TEST_F(Output, LeavesWhatDidNotChangeAndDeletesWhatIsNoLongerMade) {
 
   plan("- {template: model, for: model, path: \"m/{{name}}.txt\"}\n");
   workspace.write("out/c/Item.txt", "changed by hand");
-  const Result check = run(Mode::check);
+  Result const check = run(Mode::check);
   EXPECT_EQ(check.status, ExitStatus::outOfDate);
   EXPECT_EQ(check.out,
             "stale c/Archive.txt\nstale c/Depot.txt\nstale c/Item.txt\nstale c/Label.txt\nstale c/PriceLabel.txt\n"
@@ -173,7 +173,7 @@ TEST_F(Output, IsNotTouchedWhereATemplateIsWrong) {
   auto const before = workspace.snapshot("out");
   workspace.write("templates/model", "changed {{name}}\n");
   workspace.write("templates/class", "{{nmae}}");
-  const Result result = run(Mode::write);
+  Result const result = run(Mode::write);
   EXPECT_EQ(result.status, ExitStatus::refused);
   EXPECT_THAT(result.err,
               testing::EndsWith("/class:1:1: undefined key 'nmae', expected a key of the data in this place\n"));
@@ -183,7 +183,7 @@ TEST_F(Output, IsNotTouchedWhereATemplateIsWrong) {
 TEST_F(Output, PlanThatMakesNoSenseIsRefused) {
   auto const refused = [this](std::string const& row) {
     plan(row);
-    const Result result = run(Mode::write);
+    Result const result = run(Mode::write);
     EXPECT_EQ(result.status, ExitStatus::refused) << row;
     return result.err;
   };
@@ -198,7 +198,7 @@ TEST_F(Output, PlanThatMakesNoSenseIsRefused) {
 TEST_F(Output, DepfileNamesEveryFileThatWasRead) {
   options.depfile = workspace.path("files.d").string();
   ASSERT_EQ(run(Mode::write).status, ExitStatus::done);
-  const std::string text = read(options.depfile);
+  std::string const text = read(options.depfile);
   EXPECT_THAT(text, HasSubstr("out/model.txt "));
   for (char const* const file : {"good/model.yaml", "good/good/package.yaml", "base/base/package.yaml",
                                  "templates/outputs.yaml", "templates/class", "templates/model"}) {
@@ -228,14 +228,14 @@ TEST_F(Output, OfTheGeneratorsTemplatesFitsTheColumnLimitAndOpensNoNamespaceTwic
 
 TEST_F(Output, FolderThatCannotBeWrittenIsAFailureWithItsName) {
   workspace.write("out", "a file");
-  const Result result = run(Mode::write);
+  Result const result = run(Mode::write);
   EXPECT_EQ(result.status, ExitStatus::refused);
   EXPECT_THAT(result.err, HasSubstr(workspace.path("out").string()));
 }
 
 TEST_F(Output, FileThatCannotBeReplacedIsNamedAndNoTemporaryOneStays) {
   workspace.write("out/model.txt/inside.txt", "a folder where a file should be");
-  const Result result = run(Mode::write);
+  Result const result = run(Mode::write);
   EXPECT_EQ(result.status, ExitStatus::refused);
   EXPECT_THAT(result.err, HasSubstr(workspace.path("out/model.txt").string()));
   EXPECT_FALSE(fs::exists(workspace.path("out/model.txt.new")));

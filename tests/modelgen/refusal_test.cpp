@@ -35,7 +35,7 @@ class BadTable : public testing::TestWithParam<std::string> {
  protected:
   // Lays the bad table out as part of a model that is fine otherwise.
   Options prepare() const {
-    const std::string table = GetParam() + ".yaml";
+    std::string const table = GetParam() + ".yaml";
     if (fs::path(GetParam()).extension() == ".model") {
       workspace.copy(badTables() / table, "model.yaml");
       workspace.copy(testTables() / "good/good/package.yaml", "good/package.yaml");
@@ -52,7 +52,7 @@ class BadTable : public testing::TestWithParam<std::string> {
 
   // The messages with the table called by its name in the corpus.
   std::string named(std::string text) const {
-    const std::string table = GetParam() + ".yaml";
+    std::string const table = GetParam() + ".yaml";
     text = replaceAll(text, workspace.path("bad/package.yaml").string(), table);
     text = replaceAll(text, workspace.path("model.yaml").string(), table);
     text = replaceAll(text, testTables().string() + "/", "");
@@ -70,7 +70,7 @@ TEST_P(BadTable, IsRefusedWithItsMessageAndWritesNothing) {
   ASSERT_THAT(before, testing::Not(testing::IsEmpty()));
   options.depfile = workspace.path("out/depfile").string();
 
-  const Result result = generate(options);
+  Result const result = generate(options);
 
   EXPECT_EQ(result.status, ExitStatus::refused);
   EXPECT_EQ(named(result.err), read(badTables() / (GetParam() + ".expected")));

@@ -13,7 +13,7 @@ namespace fs = std::filesystem;
 Result generate(Options const& options) {
   std::ostringstream out;
   std::ostringstream err;
-  const ExitStatus status = run(options, out, err);
+  ExitStatus const status = run(options, out, err);
   return {status, out.str(), err.str()};
 }
 

@@ -57,7 +57,7 @@ void EntryChecks::checkSymbol(EntryId id, Entry const& entry) {
   if (entry.kind == EntryKind::Choice && !prompted) {
     warn(entry.position, "the choice has no prompt");
   }
-  const SymbolId choice = m_compiled.symbols[entry.symbol].choice;
+  SymbolId const choice = m_compiled.symbols[entry.symbol].choice;
   bool const insideChoice = choice != noSymbol && enclosingSymbol(entry) == choice;
   if (insideChoice && !prompted) {
     warn(entry.position, quoted(symbol) + " is a member of a choice and has no prompt");
@@ -144,7 +144,7 @@ void checkEntries(MenuTree const& tree, CompiledTree const& compiled, Diagnostic
 
 void checkLoops(MenuTree const& tree, CompiledTree const& compiled, EvaluationOrder const& order,
                 Diagnostics& diagnostics) {
-  const std::vector<std::vector<SymbolId>> loops = findLoops(tree, compiled, order);
+  std::vector<std::vector<SymbolId>> const loops = findLoops(tree, compiled, order);
   if (loops.empty()) {
     return;
   }
@@ -156,13 +156,13 @@ void checkLoops(MenuTree const& tree, CompiledTree const& compiled, EvaluationOr
   }
   for (std::vector<SymbolId> const& loop : loops) {
     std::string path;
-    for (const SymbolId symbol : loop) {
+    for (SymbolId const symbol : loop) {
       path += quoted(tree.symbols[symbol]) + " depends on ";
     }
     auto const declared =
         std::find_if(loop.begin(), loop.end(), [&](SymbolId symbol) { return declarations[symbol] != noEntry; });
-    const EntryId place = declared != loop.end() ? declarations[*declared] : rootEntry;
-    const Position position = tree.entries[place].position;
+    EntryId const place = declared != loop.end() ? declarations[*declared] : rootEntry;
+    Position const position = tree.entries[place].position;
     diagnostics.error(tree.files[position.file].name, position.line,
                       "dependency loop: " + path + quoted(tree.symbols[loop.front()]));
   }

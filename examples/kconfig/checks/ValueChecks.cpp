@@ -11,7 +11,7 @@ void checkSelections(MenuTree const& tree, CompiledTree const& compiled, Evaluat
                        compiled.symbols[selection.target].choice == noSymbol &&
                        evaluator.valueOf(selection.condition) != Tristate::No;
     if (unmet) {
-      const Position position = tree.properties[selection.source].position;
+      Position const position = tree.properties[selection.source].position;
       diagnostics.warning(tree.files[position.file].name, position.line,
                           "'" + std::string(tree.symbols[selection.selector].name) + "' selects '" +
                               std::string(tree.symbols[selection.target].name) + "', whose dependencies are not met");

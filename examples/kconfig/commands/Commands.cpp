@@ -15,7 +15,7 @@ namespace {
 
 // The old file stays as it is until the new one is complete.
 bool writeFile(std::string const& name, std::string const& text) {
-  const std::string temporary = name + ".new";
+  std::string const temporary = name + ".new";
   std::ofstream file(temporary, std::ios::binary | std::ios::trunc);
   file << text;
   file.close();
@@ -86,7 +86,7 @@ int runShow(Run& run) {
   if (name.compare(0, workspace.prefix().size(), workspace.prefix()) == 0) {
     name.erase(0, workspace.prefix().size());
   }
-  const SymbolId symbol = workspace.tree().symbols.find(name);
+  SymbolId const symbol = workspace.tree().symbols.find(name);
   if (symbol == noSymbol || !workspace.definitions().params[symbol]) {
     workspace.diagnostics().error(run.options().root, 0, "there is no symbol '" + name + "'");
     return run.report();
@@ -97,7 +97,7 @@ int runShow(Run& run) {
 
 int runDiff(Run& run) {
   Workspace& workspace = run.workspace();
-  const ShownValues before = workspace.writer().shown();
+  ShownValues const before = workspace.writer().shown();
   workspace.apply(workspace.load(run.options().other));
   printDifferences(workspace, before, workspace.writer().shown());
   return run.report();
@@ -114,18 +114,18 @@ int runSet(Run& run) {
     std::cerr << "tessel-kconfig: " << error.what() << '\n';
     return exitUsage;
   }
-  const ShownValues before = workspace.writer().shown();
+  ShownValues const before = workspace.writer().shown();
   bool written = true;
   auto const start = std::chrono::steady_clock::now();
   workspace.tryOut(run.profile(), settings, !run.options().dryRun, [&] {
     printDifferences(workspace, before, workspace.writer().shown());
     written = run.options().dryRun || writeProductions(workspace, run.options());
   });
-  const std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - start;
+  std::chrono::duration<double, std::milli> const took = std::chrono::steady_clock::now() - start;
   int result = run.report();
   if (run.options().dryRun) {
     std::cout << "evaluated again and rolled back in " << took.count() << " ms\n";
-    const std::size_t left = workspace.writer().countDeviations();
+    std::size_t const left = workspace.writer().countDeviations();
     std::cout << (left == 0 ? "taken back: the state is as it was\n"
                             : "NOT taken back: " + std::to_string(left) + " parameters differ\n");
     result = left == 0 ? result : exitInputErrors;
@@ -134,7 +134,7 @@ int runSet(Run& run) {
 }
 
 Workspace::Setting settingFrom(Workspace const& workspace, std::string const& text) {
-  const std::size_t sign = text.find('=');
+  std::size_t const sign = text.find('=');
   if (sign == std::string::npos || sign == 0) {
     throw std::invalid_argument("'" + text + "' is not of the form SYMBOL=VALUE");
   }
@@ -143,7 +143,7 @@ Workspace::Setting settingFrom(Workspace const& workspace, std::string const& te
     setting.symbol.erase(0, workspace.prefix().size());
   }
   SymbolTable const& symbols = workspace.tree().symbols;
-  const SymbolId symbol = symbols.find(setting.symbol);
+  SymbolId const symbol = symbols.find(setting.symbol);
   bool const quoted = !setting.value.empty() && setting.value.front() == '"';
   if (symbol != noSymbol && symbols[symbol].type == SymbolType::String && !quoted) {
     setting.value = quote(setting.value);

@@ -33,7 +33,7 @@ int runDemo(Run& run) {
   title("show TEMPERATURE");
   printSymbol(workspace, workspace.tree().symbols.find("TEMPERATURE"));
   title("set READING_PERIOD=300 RADIO=y --dry-run: what would change");
-  const ShownValues before = workspace.writer().shown();
+  ShownValues const before = workspace.writer().shown();
   auto const show = [&] { printDifferences(workspace, before, workspace.writer().shown()); };
   workspace.tryOut(run.profile(), {{"READING_PERIOD", "300"}, {"RADIO", "y"}}, false, show);
   std::cout << (workspace.writer().countDeviations() == 0 ? "taken back\n" : "NOT taken back\n");

@@ -52,8 +52,8 @@ void printParam(runtime::ParamState const& param, std::size_t depth) {
   if (param->getTypeName() == u"choice") {
     return;
   }
-  const data::ParamData data = param->getData();
-  const std::string prompt = orEmpty(data->getName());
+  data::ParamData const data = param->getData();
+  std::string const prompt = orEmpty(data->getName());
   std::cout << std::string(2 * depth, ' ') << fromModel(param->getKey()) << " = " << fromModel(param->getCachedCode())
             << (prompt.empty() ? "" : "   \"" + prompt + "\"") << (param->getUserModified() ? " *" : "") << '\n';
 }
@@ -63,7 +63,7 @@ void printParam(runtime::ParamState const& param, std::size_t depth) {
 std::string originOf(Workspace& workspace, SymbolId symbol) {
   MenuTree const& tree = workspace.tree();
   SymbolValue const& value = workspace.values()[symbol];
-  const std::string source =
+  std::string const source =
       value.source != noProperty ? " at " + placeOf(tree, tree.properties[value.source].position) : "";
   switch (value.origin) {
     case Origin::User:
@@ -100,7 +100,7 @@ void printProperties(Workspace const& workspace, SymbolId symbol) {
   MenuTree const& tree = workspace.tree();
   auto const text = [&tree](ExpressionId id) { return textOf(tree.expressions, tree.symbols, id); };
   for (EffectiveProperty const& row : workspace.compiled().propertiesOf(symbol)) {
-    const std::string condition = row.condition != noExpression ? " if " + text(row.condition) : "";
+    std::string const condition = row.condition != noExpression ? " if " + text(row.condition) : "";
     if (row.kind == PropertyKind::Default) {
       printRow("default", text(row.value) + condition);
     } else if (row.kind == PropertyKind::Range) {
@@ -125,7 +125,7 @@ std::string pathOf(runtime::ParamState const& param) {
 
 void printSymbol(Workspace& workspace, SymbolId symbol) {
   runtime::ParamState const& param = workspace.states().params[symbol];
-  const data::ParamData data = param->getData();
+  data::ParamData const data = param->getData();
   printRow("symbol", fromModel(param->getKey()));
   printRow("type", fromModel(param->getTypeName()));
   printRow("prompt", orEmpty(data->getName()));
@@ -164,7 +164,7 @@ void printTree(Workspace const& workspace, bool all) {
       open.pop_back();
       continue;
     }
-    const runtime::ControllableState member = contents.at(open.back().next++);
+    runtime::ControllableState const member = contents.at(open.back().next++);
     if (!all && !member->getEffectiveVisible()) {
       continue;
     }
@@ -179,8 +179,8 @@ void printTree(Workspace const& workspace, bool all) {
 
 void printDifferences(Workspace const& workspace, ShownValues const& before, ShownValues const& after) {
   for (SymbolId symbol = 0; symbol < before.size(); ++symbol) {
-    const std::string left = workspace.settingOf(symbol, before[symbol]);
-    const std::string right = workspace.settingOf(symbol, after[symbol]);
+    std::string const left = workspace.settingOf(symbol, before[symbol]);
+    std::string const right = workspace.settingOf(symbol, after[symbol]);
     if (left != right) {
       std::cout << (left.empty() ? "" : "-" + left + "\n") << (right.empty() ? "" : "+" + right + "\n");
     }
@@ -188,7 +188,7 @@ void printDifferences(Workspace const& workspace, ShownValues const& before, Sho
 }
 
 bool printFindings(Workspace const& workspace) {
-  const std::vector<plinth::Finding> findings = plinth::verify(workspace.model());
+  std::vector<plinth::Finding> const findings = plinth::verify(workspace.model());
   for (plinth::Finding const& finding : findings) {
     std::cout << finding << '\n';
   }
@@ -221,7 +221,7 @@ void printSummary(Run& run) {
   row("comments", count(EntryKind::Comment), "");
   row("elements of the model", workspace.model()->elementCount(), "");
   for (plinth::Census::Row const& kind : plinth::census(workspace.model()).classes) {
-    const std::string name = fromModel(kind.metaClass->getQualifiedName());
+    std::string const name = fromModel(kind.metaClass->getQualifiedName());
     row("  " + name.substr(name.rfind('.') + 1), kind.count, "");
   }
   std::cout << std::fixed << std::setprecision(1);

@@ -33,7 +33,7 @@ Workspace::Workspace(std::string const& root, Surroundings const& surroundings, 
   checkEntries(m_definitions.tree, m_compiled, m_diagnostics);
   checkLoops(m_definitions.tree, m_compiled, m_order, m_diagnostics);
   m_progress.begin("evaluating");
-  const UserValues nothing(m_definitions.tree, m_compiled);
+  UserValues const nothing(m_definitions.tree, m_compiled);
   m_evaluator.evaluate(nothing);
   m_writer.write(m_evaluator, nothing);
   m_loading->commit();
@@ -60,7 +60,7 @@ States Workspace::buildStates(Source& source) {
 // Profiles
 
 ext::ConfigProfile Workspace::load(std::string const& file) {
-  const ext::ConfigProfile known = m_store->getProfiles()->find(toModel(file));
+  ext::ConfigProfile const known = m_store->getProfiles()->find(toModel(file));
   if (known) {
     return known;
   }
@@ -75,10 +75,10 @@ ext::ConfigProfile Workspace::load(std::string const& file) {
     }
   }
   // The lines refer to the text.
-  const std::string content = text.value_or("");
-  const std::vector<ProfileLine> lines = readProfile(content, m_prefix, file, m_diagnostics);
+  std::string const content = text.value_or("");
+  std::vector<ProfileLine> const lines = readProfile(content, m_prefix, file, m_diagnostics);
   applyProfile(lines, file, m_definitions.tree.symbols, users, m_diagnostics);
-  const ext::ConfigProfile profile = storeProfile(m_store, file, m_definitions, users);
+  ext::ConfigProfile const profile = storeProfile(m_store, file, m_definitions, users);
   m_progress.finish();
   return profile;
 }
@@ -93,7 +93,7 @@ std::string Workspace::defaultProfile() {
       for (EffectiveProperty const& row : m_compiled.propertiesOf(entry.symbol)) {
         bool const named = row.kind == PropertyKind::Default && m_evaluator.valueOf(row.condition) != Tristate::No &&
                            tree.expressions.op(row.value) == Operator::Symbol;
-        const std::string file(named ? m_evaluator.textOf(tree.expressions.left(row.value)) : std::string_view());
+        std::string const file(named ? m_evaluator.textOf(tree.expressions.left(row.value)) : std::string_view());
         std::string problem;
         if (named && m_surroundings.file(file, problem)) {
           return file;
@@ -125,7 +125,7 @@ void Workspace::activate(ext::ConfigProfile const& profile) {
     other->setIsActive(other->getProfile() == profile);
   }
   if (!profiles.find(profile->getId())) {
-    const runtime::ProfileState state = runtime::ProfileState::create(m_model);
+    runtime::ProfileState const state = runtime::ProfileState::create(m_model);
     state->setId(profile->getId());
     state->setName(profile->getName());
     state->setProfile(profile);
@@ -158,7 +158,7 @@ void Workspace::tryOut(ext::ConfigProfile const& base, std::vector<Setting> cons
     applyProfile({line}, name, m_definitions.tree.symbols, own, m_diagnostics);
     users.takeOver(own);
   }
-  const ext::ConfigProfile trial = storeProfile(m_store, name, m_definitions, users);
+  ext::ConfigProfile const trial = storeProfile(m_store, name, m_definitions, users);
   apply(trial);
   look();
   if (keep) {
@@ -180,7 +180,7 @@ void Workspace::publishMessages() {
   for (; m_published < m_diagnostics.entries().size(); ++m_published) {
     Diagnostic const& diagnostic = m_diagnostics.entries()[m_published];
     bool const error = diagnostic.severity == Severity::Error;
-    const runtime::MetaMessage message = runtime::MetaMessage::create(m_model);
+    runtime::MetaMessage const message = runtime::MetaMessage::create(m_model);
     message->setCode(error ? u"error" : u"warning");
     message->setSeverity(error ? 2 : 1);
     message->setText(toModel(diagnostic.message));

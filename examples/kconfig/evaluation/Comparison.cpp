@@ -23,7 +23,7 @@ Number readNumber(ComparedValue const& value) {
   if (isLogical(value.type)) {
     return {};
   }
-  const std::string text(value.text);
+  std::string const text(value.text);
   char* end = nullptr;
   Number number;
   errno = 0;
@@ -39,8 +39,8 @@ Number readNumber(ComparedValue const& value) {
 
 int order(ComparedValue const& left, ComparedValue const& right) {
   if (left.type != SymbolType::String || right.type != SymbolType::String) {
-    const Number a = readNumber(left);
-    const Number b = readNumber(right);
+    Number const a = readNumber(left);
+    Number const b = readNumber(right);
     if (a.reading != Reading::Text && b.reading != Reading::Text) {
       if (a.reading == Reading::Unsigned || b.reading == Reading::Unsigned) {
         return (a.bits > b.bits) - (a.bits < b.bits);

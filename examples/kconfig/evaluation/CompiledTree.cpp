@@ -50,7 +50,7 @@ void fillProperties(MenuTree const& tree, std::vector<ExpressionId> const& condi
     SymbolRules& rules = compiled.symbols[symbol];
     EffectiveProperty& row = compiled.properties[rules.firstProperty + rules.propertyCount++];
     // What the environment gives counts without any condition.
-    const bool imported = property.kind == PropertyKind::Environment;
+    bool const imported = property.kind == PropertyKind::Environment;
     row.kind = imported ? PropertyKind::Default : property.kind;
     row.condition = imported ? noExpression : conditions[at];
     row.value = property.value;

@@ -36,7 +36,7 @@ class GroupSearch {
         m_depth(m_index.size(), 0) {}
 
   void run() {
-    for (const SymbolId symbol : m_order.visiting) {
+    for (SymbolId const symbol : m_order.visiting) {
       if (m_index[symbol] == 0) {
         visit(symbol);
       }
@@ -88,12 +88,12 @@ void GroupSearch::visit(Node root) {
   while (!m_frames.empty()) {
     Frame& frame = m_frames.back();
     if (frame.nextEdge == m_edges.size()) {
-      const Frame done = frame;
+      Frame const done = frame;
       m_frames.pop_back();
       leave(done);
       continue;
     }
-    const Node target = m_edges[frame.nextEdge++];
+    Node const target = m_edges[frame.nextEdge++];
     if (m_index[target] == 0) {
       enter(target);
     } else if (m_index[target] != finished) {
@@ -114,7 +114,7 @@ void GroupSearch::enter(Node node) {
 void GroupSearch::leave(Frame const& frame) {
   m_edges.resize(frame.firstEdge);
   if (!m_frames.empty()) {
-    const Node parent = m_frames.back().node;
+    Node const parent = m_frames.back().node;
     m_low[parent] = std::min(m_low[parent], m_low[frame.node]);
     m_depth[parent] = std::max(m_depth[parent], m_depth[frame.node] + 1);
   }
@@ -129,10 +129,10 @@ void GroupSearch::pushEdges(Node node) {
     pushSymbolEdges(node);
     return;
   }
-  const ExpressionId id = node - m_symbols;
-  const Operator op = m_pool.op(id);
+  ExpressionId const id = node - m_symbols;
+  Operator const op = m_pool.op(id);
   if (isList(op)) {
-    for (const ExpressionId operand : m_pool.operands(id)) {
+    for (ExpressionId const operand : m_pool.operands(id)) {
       pushExpression(operand);
     }
   } else if (op == Operator::Not) {
@@ -158,7 +158,7 @@ void GroupSearch::pushSymbolEdges(SymbolId symbol) {
   pushExpression(rules.direct);
   pushExpression(rules.reverse);
   pushExpression(rules.implied);
-  for (const SymbolId member : m_compiled.membersOf(symbol)) {
+  for (SymbolId const member : m_compiled.membersOf(symbol)) {
     m_edges.push_back(member);
   }
   if (rules.choice != noSymbol) {
@@ -201,7 +201,7 @@ class LoopSearch {
   };
 
   SymbolId nodeOf(SymbolId symbol) const {
-    const SymbolId choice = m_compiled.symbols[symbol].choice;
+    SymbolId const choice = m_compiled.symbols[symbol].choice;
     return choice != noSymbol ? choice : symbol;
   }
   Frame open(SymbolId node);
@@ -218,7 +218,7 @@ class LoopSearch {
 };
 
 std::vector<SymbolId> LoopSearch::find(std::vector<SymbolId> const& starts) {
-  for (const SymbolId start : starts) {
+  for (SymbolId const start : starts) {
     if (m_seen.count(nodeOf(start)) == 0) {
       std::vector<SymbolId> loop = searchFrom(nodeOf(start));
       if (!loop.empty()) {
@@ -239,7 +239,7 @@ std::vector<SymbolId> LoopSearch::searchFrom(SymbolId start) {
       path.pop_back();
       continue;
     }
-    const SymbolId target = frame.targets[frame.next++];
+    SymbolId const target = frame.targets[frame.next++];
     auto const seen = m_seen.find(target);
     if (seen == m_seen.end()) {
       path.push_back(open(target));
@@ -259,7 +259,7 @@ LoopSearch::Frame LoopSearch::open(SymbolId node) {
   Frame frame;
   frame.node = node;
   addTargets(frame, node, false);
-  for (const SymbolId member : m_compiled.membersOf(node)) {
+  for (SymbolId const member : m_compiled.membersOf(node)) {
     addTargets(frame, member, true);
   }
   return frame;
@@ -290,9 +290,9 @@ void LoopSearch::addTarget(Frame& frame, SymbolId owner, SymbolId target, bool i
 }
 
 void LoopSearch::addExpression(Frame& frame, SymbolId owner, ExpressionId id, bool inChoice) {
-  const Operator op = m_pool.op(id);
+  Operator const op = m_pool.op(id);
   if (isList(op)) {
-    for (const ExpressionId operand : m_pool.operands(id)) {
+    for (ExpressionId const operand : m_pool.operands(id)) {
       addExpression(frame, owner, operand, inChoice);
     }
   } else if (op == Operator::Not) {

@@ -19,7 +19,7 @@ void Evaluator::evaluate(UserValues const& users) {
   reset(users);
   calculate(m_compiled.modules);
   bool confirmed = true;
-  for (const SymbolId symbol : m_order.symbols) {
+  for (SymbolId const symbol : m_order.symbols) {
     calculate(symbol);
     confirmed = confirmed && isAsAsked(symbol);
   }
@@ -27,7 +27,7 @@ void Evaluator::evaluate(UserValues const& users) {
   if (confirmed && !m_order.menu.empty()) {
     evaluateAgain();
   }
-  for (const SymbolId symbol : m_order.symbols) {
+  for (SymbolId const symbol : m_order.symbols) {
     calculate(symbol);
   }
 }
@@ -38,7 +38,7 @@ void Evaluator::evaluate(UserValues const& users) {
 void Evaluator::evaluateAgain() {
   forgetAll();
   calculate(m_compiled.modules);
-  for (const SymbolId symbol : m_order.menu) {
+  for (SymbolId const symbol : m_order.menu) {
     calculate(symbol);
   }
   m_valid.assign(m_valid.size(), true);
@@ -58,13 +58,13 @@ bool Evaluator::isAsAsked(SymbolId symbol) const {
 
 void Evaluator::forgetAll() {
   m_valid.assign(m_valid.size(), false);
-  for (const SymbolId constant : {symbolNo, symbolMod, symbolYes}) {
+  for (SymbolId const constant : {symbolNo, symbolMod, symbolYes}) {
     m_valid[constant] = true;
   }
 }
 
 void Evaluator::reset(UserValues const& users) {
-  const SymbolId count = m_tree.symbols.size();
+  SymbolId const count = m_tree.symbols.size();
   m_values.assign(count, SymbolValue());
   m_valid.resize(count);
   forgetAll();
@@ -72,7 +72,7 @@ void Evaluator::reset(UserValues const& users) {
   for (SymbolId symbol = 0; symbol < count; ++symbol) {
     m_users[symbol] = users[symbol];
   }
-  for (const SymbolId constant : {symbolNo, symbolMod, symbolYes}) {
+  for (SymbolId const constant : {symbolNo, symbolMod, symbolYes}) {
     m_values[constant].tristate = static_cast<Tristate>(constant);
     m_values[constant].text = m_tree.symbols[constant].name;
   }
@@ -84,7 +84,7 @@ void Evaluator::calculate(SymbolId symbol) {
     return;
   }
   m_valid[symbol] = true;
-  const SymbolType type = typeOf(symbol);
+  SymbolType const type = typeOf(symbol);
   SymbolValue& value = m_values[symbol];
   if (type == SymbolType::Unknown) {
     value.text = m_tree.symbols[symbol].name;
@@ -147,7 +147,7 @@ Tristate Evaluator::limited(SymbolId symbol, Tristate value) const {
 }
 
 SymbolType Evaluator::effectiveType(SymbolId symbol) const {
-  const SymbolType type = typeOf(symbol);
+  SymbolType const type = typeOf(symbol);
   bool const restricted = (isMember(symbol) && m_values[symbol].visible == Tristate::Yes) || !modulesOn();
   return type == SymbolType::Tristate && restricted ? SymbolType::Boolean : type;
 }
@@ -212,7 +212,7 @@ void Evaluator::calculateText(SymbolId symbol) {
       value.written = true;
       value.origin = Origin::Default;
       value.source = property->source;
-      const SymbolId other = m_tree.expressions.left(property->value);
+      SymbolId const other = m_tree.expressions.left(property->value);
       calculate(other);
       value.text = textTakenFrom(other);
     }
@@ -226,12 +226,12 @@ std::string_view Evaluator::textTakenFrom(SymbolId symbol) const {
 }
 
 void Evaluator::chooseMember(SymbolId choice) {
-  for (const SymbolId member : m_compiled.membersOf(choice)) {
+  for (SymbolId const member : m_compiled.membersOf(choice)) {
     calculateVisibility(member);
   }
-  const SymbolId wanted = m_users[choice].member;
+  SymbolId const wanted = m_users[choice].member;
   bool const possible = wanted != noSymbol && m_values[wanted].visible != Tristate::No;
-  const SymbolId chosen = possible ? wanted : defaultMember(choice);
+  SymbolId const chosen = possible ? wanted : defaultMember(choice);
   m_values[choice].chosen = chosen;
   if (chosen == noSymbol) {
     m_values[choice].tristate = Tristate::No;
@@ -241,13 +241,13 @@ void Evaluator::chooseMember(SymbolId choice) {
 SymbolId Evaluator::defaultMember(SymbolId choice) {
   for (EffectiveProperty const& property : m_compiled.propertiesOf(choice)) {
     if (property.kind == PropertyKind::Default && valueOf(property.condition) != Tristate::No) {
-      const SymbolId member = m_tree.expressions.left(property.value);
+      SymbolId const member = m_tree.expressions.left(property.value);
       if (m_values[member].visible != Tristate::No) {
         return member;
       }
     }
   }
-  for (const SymbolId member : m_compiled.membersOf(choice)) {
+  for (SymbolId const member : m_compiled.membersOf(choice)) {
     if (m_values[member].visible != Tristate::No) {
       return member;
     }
@@ -257,7 +257,7 @@ SymbolId Evaluator::defaultMember(SymbolId choice) {
 
 void Evaluator::markMembersWritten(SymbolId choice) {
   if (m_values[choice].written) {
-    for (const SymbolId member : m_compiled.membersOf(choice)) {
+    for (SymbolId const member : m_compiled.membersOf(choice)) {
       m_values[member].written = m_values[member].written || m_values[member].visible != Tristate::No;
     }
   }
@@ -266,7 +266,7 @@ void Evaluator::markMembersWritten(SymbolId choice) {
 // Ranges
 
 void Evaluator::clampToRange(SymbolId symbol) {
-  const SymbolType type = typeOf(symbol);
+  SymbolType const type = typeOf(symbol);
   EffectiveProperty const* range = rangeInForce(symbol);
   if (range == nullptr) {
     return;
@@ -290,7 +290,7 @@ void Evaluator::clampToRange(SymbolId symbol) {
 
 long long Evaluator::boundOf(SymbolId symbol, int base) {
   calculate(symbol);
-  const SymbolType type = typeOf(symbol);
+  SymbolType const type = typeOf(symbol);
   if (isNumeric(type)) {
     base = baseOf(type);
   }
@@ -300,7 +300,7 @@ long long Evaluator::boundOf(SymbolId symbol, int base) {
 // A number out of its range counts as not given, once all values are known. Symbols that saw it keep the value that
 // they worked out from it brought into range.
 void Evaluator::dropOutOfRange() {
-  for (const SymbolId symbol : m_order.visiting) {
+  for (SymbolId const symbol : m_order.visiting) {
     if (m_users[symbol].present && isNumeric(typeOf(symbol)) && !isMember(symbol) &&
         !isWithinRange(symbol, m_users[symbol].text)) {
       m_users[symbol].present = false;
@@ -348,7 +348,7 @@ EffectiveProperty const* Evaluator::firstInForce(SymbolId symbol, PropertyKind k
 
 Tristate Evaluator::valueOf(ExpressionId id) {
   ExpressionPool const& pool = m_tree.expressions;
-  const Operator op = pool.op(id);
+  Operator const op = pool.op(id);
   switch (op) {
     case Operator::None:
       return Tristate::Yes;
@@ -359,7 +359,7 @@ Tristate Evaluator::valueOf(ExpressionId id) {
     case Operator::And:
     case Operator::Or: {
       ++m_depth;
-      const Tristate result = op == Operator::Not ? negated(valueOf(pool.operand(id))) : valueOfList(id);
+      Tristate const result = op == Operator::Not ? negated(valueOf(pool.operand(id))) : valueOfList(id);
       --m_depth;
       return result;
     }
@@ -372,8 +372,8 @@ Tristate Evaluator::valueOf(ExpressionId id) {
 Tristate Evaluator::valueOfList(ExpressionId id) {
   bool const all = m_tree.expressions.op(id) == Operator::And;
   Tristate result = all ? Tristate::Yes : Tristate::No;
-  for (const ExpressionId operand : m_tree.expressions.operands(id)) {
-    const Tristate value = valueOf(operand);
+  for (ExpressionId const operand : m_tree.expressions.operands(id)) {
+    Tristate const value = valueOf(operand);
     result = all ? both(result, value) : either(result, value);
   }
   return result;
@@ -381,8 +381,8 @@ Tristate Evaluator::valueOfList(ExpressionId id) {
 
 bool Evaluator::compare(ExpressionId id) {
   ExpressionPool const& pool = m_tree.expressions;
-  const SymbolId left = pool.left(id);
-  const SymbolId right = pool.right(id);
+  SymbolId const left = pool.left(id);
+  SymbolId const right = pool.right(id);
   calculate(left);
   calculate(right);
   return holds(pool.op(id), {textOf(left), typeOf(left)}, {textOf(right), typeOf(right)});

@@ -71,7 +71,7 @@ ExpressionId ExpressionRules::normalized(ExpressionId id) {
 }
 
 ExpressionId ExpressionRules::normalize(ExpressionId id) {
-  const Operator op = m_pool.op(id);
+  Operator const op = m_pool.op(id);
   if (isList(op)) {
     return listOf(op, id, [this](ExpressionId operand) { return normalized(operand); });
   }
@@ -82,7 +82,7 @@ ExpressionId ExpressionRules::normalize(ExpressionId id) {
 }
 
 ExpressionId ExpressionRules::normalizeComparison(ExpressionId id) {
-  const SymbolId symbol = m_pool.left(id);
+  SymbolId const symbol = m_pool.left(id);
   if (m_symbols[symbol].type != SymbolType::Boolean || !isTristateConstant(m_pool.right(id))) {
     return id;
   }
@@ -95,7 +95,7 @@ ExpressionId ExpressionRules::normalizeComparison(ExpressionId id) {
 }
 
 ExpressionId ExpressionRules::normalizeNegation(ExpressionId operand) {
-  const Operator op = m_pool.op(operand);
+  Operator const op = m_pool.op(operand);
   if (op == Operator::Not) {
     return normalized(m_pool.operand(operand));
   }
@@ -105,7 +105,7 @@ ExpressionId ExpressionRules::normalizeNegation(ExpressionId operand) {
   if (isList(op)) {
     return listOf(opposite(op), operand, [this](ExpressionId inner) { return normalized(m_pool.negation(inner)); });
   }
-  const SymbolId symbol = m_pool.left(operand);
+  SymbolId const symbol = m_pool.left(operand);
   return isTristateConstant(symbol) ? constant(symbolYes - symbol) : m_pool.negation(operand);
 }
 
@@ -117,7 +117,7 @@ ExpressionId ExpressionRules::withoutDuplicates(ExpressionId id) {
 
 ExpressionId ExpressionRules::eliminateDuplicates(ExpressionId id) {
   while (isList(m_pool.op(id))) {
-    const Operator op = m_pool.op(id);
+    Operator const op = m_pool.op(id);
     List operands = operandsOf(id, op);
     unsigned changes = 0;
     joinPairs(op, operands, changes);
@@ -139,13 +139,13 @@ void ExpressionRules::joinPairs(Operator op, List& operands, unsigned& changes) 
       }
       if (!settled && isList(m_pool.op(operands[i]))) {
         unsigned const before = changes;
-        const Operator inner = m_pool.op(operands[i]);
+        Operator const inner = m_pool.op(operands[i]);
         List innerOperands = operandsOf(operands[i], inner);
         joinPairs(inner, innerOperands, changes);
         operands[i] = m_pool.list(inner, innerOperands);
         settled = changes == before;
       }
-      const ExpressionId result = joined(op, operands[i], operands[j]);
+      ExpressionId const result = joined(op, operands[i], operands[j]);
       if (result != noExpression) {
         operands[i] = constant(neutral(op));
         operands[j] = result;
@@ -160,7 +160,7 @@ ExpressionId ExpressionRules::joined(Operator op, ExpressionId a, ExpressionId b
   if (same(a, b)) {
     return a;
   }
-  const SymbolId symbol = joinableSymbol(a);
+  SymbolId const symbol = joinableSymbol(a);
   bool const fits = symbol != noSymbol && symbol == joinableSymbol(b) && isLogical(m_symbols[symbol].type) &&
                     (m_pool.op(b) != Operator::Not || m_pool.op(m_pool.operand(b)) == Operator::Symbol);
   if (!fits) {
@@ -182,9 +182,9 @@ ExpressionId ExpressionRules::joinedByOr(ExpressionId a, ExpressionId b, SymbolI
     return noExpression;
   }
   // Two of the three values: not the third.
-  const SymbolId x = m_pool.right(a);
-  const SymbolId y = m_pool.right(b);
-  for (const SymbolId third : {symbolNo, symbolMod, symbolYes}) {
+  SymbolId const x = m_pool.right(a);
+  SymbolId const y = m_pool.right(b);
+  for (SymbolId const third : {symbolNo, symbolMod, symbolYes}) {
     if (isPair(x, y, (third + 1) % 3, (third + 2) % 3)) {
       return m_pool.comparison(Operator::Unequal, symbol, third);
     }
@@ -212,8 +212,8 @@ ExpressionId ExpressionRules::joinedTristatesByAnd(ExpressionId a, ExpressionId 
   if (!isComparison(m_pool.op(a)) || m_pool.op(b) != Operator::Unequal) {
     return noExpression;
   }
-  const SymbolId x = m_pool.right(a);
-  const SymbolId y = m_pool.right(b);
+  SymbolId const x = m_pool.right(a);
+  SymbolId const y = m_pool.right(b);
   if (m_pool.op(a) == Operator::Equal) {
     if (m_symbols[x].kind != SymbolKind::Constant || m_symbols[y].kind != SymbolKind::Constant) {
       return noExpression;
@@ -231,14 +231,14 @@ ExpressionId ExpressionRules::joinedTristatesByAnd(ExpressionId a, ExpressionId 
 
 // Takes y and n out of lists, as far down as lists go.
 ExpressionId ExpressionRules::withoutConstants(ExpressionId id) {
-  const Operator op = m_pool.op(id);
+  Operator const op = m_pool.op(id);
   if (!isList(op)) {
     return id;
   }
-  const SymbolId deciding = op == Operator::And ? symbolNo : symbolYes;
+  SymbolId const deciding = op == Operator::And ? symbolNo : symbolYes;
   List kept;
-  for (const ExpressionId operand : operandsOf(id, op)) {
-    const ExpressionId inner = withoutConstants(operand);
+  for (ExpressionId const operand : operandsOf(id, op)) {
+    ExpressionId const inner = withoutConstants(operand);
     if (m_pool.isSymbol(inner, deciding)) {
       return inner;
     }
@@ -256,7 +256,7 @@ bool ExpressionRules::same(ExpressionId a, ExpressionId b) {
   if (a == b) {
     return true;
   }
-  const Operator op = m_pool.op(a);
+  Operator const op = m_pool.op(a);
   if (op != m_pool.op(b) || (!isList(op) && op != Operator::Not)) {
     return false;
   }
@@ -303,9 +303,9 @@ bool ExpressionRules::coveredBy(ExpressionId b, ExpressionId a) {
 }
 
 bool ExpressionRules::mentions(ExpressionId id, SymbolId symbol) const {
-  const Operator op = m_pool.op(id);
+  Operator const op = m_pool.op(id);
   if (isList(op)) {
-    for (const ExpressionId operand : m_pool.operands(id)) {
+    for (ExpressionId const operand : m_pool.operands(id)) {
       if (mentions(operand, symbol)) {
         return true;
       }
@@ -321,7 +321,7 @@ bool ExpressionRules::mentions(ExpressionId id, SymbolId symbol) const {
 bool ExpressionRules::dependsOn(ExpressionId id, SymbolId symbol) const {
   switch (m_pool.op(id)) {
     case Operator::And:
-      for (const ExpressionId operand : m_pool.operands(id)) {
+      for (ExpressionId const operand : m_pool.operands(id)) {
         if (dependsOn(operand, symbol)) {
           return true;
         }
@@ -345,7 +345,7 @@ ExpressionId ExpressionRules::forBoolean(ExpressionId id) {
 }
 
 ExpressionId ExpressionRules::testForBoolean(ExpressionId id) {
-  const Operator op = m_pool.op(id);
+  Operator const op = m_pool.op(id);
   if (isList(op)) {
     return listOf(op, id, [this](ExpressionId operand) { return forBoolean(operand); });
   }
@@ -362,7 +362,7 @@ ExpressionId ExpressionRules::withModules(ExpressionId id, SymbolId modules) {
 }
 
 ExpressionId ExpressionRules::requireModules(ExpressionId id, SymbolId modules) {
-  const Operator op = m_pool.op(id);
+  Operator const op = m_pool.op(id);
   if (isList(op)) {
     return listOf(op, id, [&](ExpressionId operand) { return withModules(operand, modules); });
   }
@@ -374,10 +374,10 @@ ExpressionId ExpressionRules::requireModules(ExpressionId id, SymbolId modules) 
 
 ExpressionId ExpressionRules::comparedWithNo(ExpressionId id, Operator op) {
   bool const equal = op == Operator::Equal;
-  const Operator own = m_pool.op(id);
+  Operator const own = m_pool.op(id);
   if (isList(own)) {
     auto const equalsNo = [this](ExpressionId operand) { return comparedWithNo(operand, Operator::Equal); };
-    const ExpressionId result = listOf(opposite(own), id, equalsNo);
+    ExpressionId const result = listOf(opposite(own), id, equalsNo);
     return equal ? result : m_pool.negation(result);
   }
   switch (own) {
@@ -399,7 +399,7 @@ ExpressionRules::List ExpressionRules::operandsOf(ExpressionId id, Operator op) 
   if (m_pool.op(id) != op) {
     return {id};
   }
-  const Operands operands = m_pool.operands(id);
+  Operands const operands = m_pool.operands(id);
   return List(operands.begin(), operands.end());
 }
 
@@ -408,7 +408,7 @@ SymbolId ExpressionRules::joinableSymbol(ExpressionId id) const {
   if (m_pool.op(id) == Operator::Not) {
     id = m_pool.operand(id);
   }
-  const Operator op = m_pool.op(id);
+  Operator const op = m_pool.op(id);
   return op == Operator::Symbol || op == Operator::Equal || op == Operator::Unequal ? m_pool.left(id) : noSymbol;
 }
 

@@ -37,7 +37,7 @@ Output collectOutput(MenuTree const& tree, CompiledTree const& compiled, Evaluat
   output.prefix = prefix;
   std::vector<bool> done(tree.symbols.size(), false);
   for (EntryId id = compiled.nodes[rootEntry].firstChild; id != noEntry; id = following(compiled, id)) {
-    const SymbolId symbol = tree.entries[id].symbol;
+    SymbolId const symbol = tree.entries[id].symbol;
     if (symbol == noSymbol) {
       if (isShown(compiled.nodes[id], evaluator)) {
         output.items.push_back(headingOf(tree, compiled.nodes[id]));

@@ -48,7 +48,7 @@ void Propagation::run() {
 void Propagation::link() {
   std::vector<EntryId> lastChild(nodes.size(), noEntry);
   for (EntryId id = 1; id < nodes.size(); ++id) {
-    const EntryId parent = entryAt(id).parent;
+    EntryId const parent = entryAt(id).parent;
     nodes[id].parent = parent;
     (lastChild[parent] == noEntry ? nodes[parent].firstChild : nodes[lastChild[parent]].next) = id;
     lastChild[parent] = id;
@@ -65,7 +65,7 @@ void Propagation::gatherConditions(EntryId id) {
       node.visibility = m_pool.conjunction(node.visibility, property.condition);
       continue;
     }
-    const ExpressionId condition = m_rules.withModules(property.condition, modules);
+    ExpressionId const condition = m_rules.withModules(property.condition, modules);
     if (property.kind == PropertyKind::DependsOn) {
       node.dependency = m_pool.conjunction(node.dependency, condition);
     } else if (property.kind == PropertyKind::Prompt) {
@@ -96,7 +96,7 @@ Propagation::Step Propagation::begin(EntryId id) {
     handDown(id);
     step.cursor = node.firstChild;
   } else if (entryAt(id).symbol != noSymbol) {
-    const ExpressionId own = node.prompt != noProperty ? conditions[node.prompt] : noExpression;
+    ExpressionId const own = node.prompt != noProperty ? conditions[node.prompt] : noExpression;
     step.base = m_rules.withoutDuplicates(m_rules.normalized(m_rules.differsFromNo(own)));
     step.cursor = node.next;
     step.takesSuccessors = true;
@@ -111,8 +111,8 @@ bool Propagation::takesCursor(Step const& step) {
     return true;
   }
   MenuNode const& node = nodes[step.cursor];
-  const SymbolId symbol = entryAt(step.entry).symbol;
-  const ExpressionId condition = node.prompt != noProperty ? conditions[node.prompt] : node.dependency;
+  SymbolId const symbol = entryAt(step.entry).symbol;
+  ExpressionId const condition = node.prompt != noProperty ? conditions[node.prompt] : node.dependency;
   if (!m_rules.mentions(condition, symbol)) {
     return false;
   }
@@ -130,7 +130,7 @@ void Propagation::moveOn(Step& step) {
 
 void Propagation::finish(Step const& step) {
   MenuNode& node = nodes[step.entry];
-  const SymbolId symbol = entryAt(step.entry).symbol;
+  SymbolId const symbol = entryAt(step.entry).symbol;
   if (step.takesSuccessors) {
     if (step.last != noEntry) {
       node.firstChild = node.next;
@@ -157,15 +157,15 @@ void Propagation::finish(Step const& step) {
 
 // A choice without a type has that of its first member that has one, and members without a type have the choice's.
 void Propagation::settleTypes(EntryId choice) {
-  const SymbolId symbol = entryAt(choice).symbol;
+  SymbolId const symbol = entryAt(choice).symbol;
   for (EntryId child = nodes[choice].firstChild; child != noEntry; child = nodes[child].next) {
-    const SymbolId member = entryAt(child).symbol;
+    SymbolId const member = entryAt(child).symbol;
     if (m_tree.symbols[symbol].type == SymbolType::Unknown && member != noSymbol) {
       setType(symbol, m_tree.symbols[member].type);
     }
   }
   for (EntryId child = nodes[choice].firstChild; child != noEntry; child = nodes[child].next) {
-    const SymbolId member = entryAt(child).symbol;
+    SymbolId const member = entryAt(child).symbol;
     if (member != noSymbol && m_tree.symbols[member].type == SymbolType::Unknown) {
       setType(member, m_tree.symbols[symbol].type);
       m_rules.forget();
@@ -203,7 +203,7 @@ void Propagation::inherit(EntryId id, ExpressionId inherited) {
     condition = boolean ? m_rules.forBoolean(condition) : condition;
     conditions[at] = condition;
     if (property.kind == PropertyKind::Select || property.kind == PropertyKind::Imply) {
-      const ExpressionId term = m_pool.conjunction(m_pool.symbol(entry.symbol), condition);
+      ExpressionId const term = m_pool.conjunction(m_pool.symbol(entry.symbol), condition);
       (property.kind == PropertyKind::Select ? selects : implies).push_back({property.symbol, entry.symbol, at, term});
     }
   }
@@ -211,7 +211,7 @@ void Propagation::inherit(EntryId id, ExpressionId inherited) {
 
 // A member that knows only y and n can be had only while a tristate choice is y.
 void Propagation::addMember(EntryId choiceEntry, EntryId memberEntry) {
-  const SymbolId choice = entryAt(choiceEntry).symbol;
+  SymbolId const choice = entryAt(choiceEntry).symbol;
   Entry const& entry = entryAt(memberEntry);
   if (entry.symbol == noSymbol || choiceOf[entry.symbol] != noSymbol) {
     return;
@@ -222,7 +222,7 @@ void Propagation::addMember(EntryId choiceEntry, EntryId memberEntry) {
       m_tree.symbols[entry.symbol].type == SymbolType::Tristate) {
     return;
   }
-  const ExpressionId chosen = m_pool.comparison(Operator::Equal, choice, symbolYes);
+  ExpressionId const chosen = m_pool.comparison(Operator::Equal, choice, symbolYes);
   nodes[memberEntry].dependency = m_pool.conjunction(chosen, nodes[memberEntry].dependency);
   for (PropertyId at = entry.firstProperty; at < entry.firstProperty + entry.propertyCount; ++at) {
     if (isConditional(m_tree.properties[at].kind)) {

@@ -99,20 +99,20 @@ Assignment UserValues::unset(SymbolId symbol, std::uint32_t line) {
 
 Assignment UserValues::store(SymbolId symbol, Tristate value, std::uint32_t line) {
   UserValue& own = m_values[symbol];
-  const Assignment result = own.present ? Assignment::Override : Assignment::Done;
+  Assignment const result = own.present ? Assignment::Override : Assignment::Done;
   own.present = true;
   own.tristate = value;
   own.line = line;
   if (m_compiled.symbols[symbol].choice == noSymbol) {
     return result;
   }
-  const Assignment told = informChoice(symbol);
+  Assignment const told = informChoice(symbol);
   return told == Assignment::Done ? result : told;
 }
 
 Assignment UserValues::storeText(SymbolId symbol, std::string_view text, std::uint32_t line) {
   UserValue& own = m_values[symbol];
-  const Assignment result = own.present ? Assignment::Override : Assignment::Done;
+  Assignment const result = own.present ? Assignment::Override : Assignment::Done;
   own.present = true;
   own.text = m_tree.texts.intern(text);
   own.line = line;
@@ -136,7 +136,7 @@ void UserValues::takeOver(UserValues const& other) {
 // The last member that is y wins, and the choice is what its highest member is.
 Assignment UserValues::informChoice(SymbolId member) {
   UserValue& choice = m_values[m_compiled.symbols[member].choice];
-  const Tristate value = m_values[member].tristate;
+  Tristate const value = m_values[member].tristate;
   Assignment result = Assignment::Done;
   if (value == Tristate::Mod && choice.tristate == Tristate::Yes) {
     choice.present = false;

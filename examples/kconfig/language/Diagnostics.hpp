@@ -19,7 +19,7 @@ struct Diagnostic {
 
   // "file:line: error: message"
   std::string text() const {
-    const std::string place = line == 0 ? file : file + ":" + std::to_string(line);
+    std::string const place = line == 0 ? file : file + ":" + std::to_string(line);
     return place + (severity == Severity::Error ? ": error: " : ": warning: ") + message;
   }
 };

@@ -26,9 +26,9 @@ ExpressionId ExpressionPool::list(Operator op, std::vector<ExpressionId> const& 
     return operands.front();
   }
   m_scratch.clear();
-  for (const ExpressionId id : operands) {
+  for (ExpressionId const id : operands) {
     if (this->op(id) == op) {
-      const Operands inner = this->operands(id);
+      Operands const inner = this->operands(id);
       m_scratch.insert(m_scratch.end(), inner.begin(), inner.end());
     } else {
       m_scratch.push_back(id);
@@ -42,9 +42,9 @@ ExpressionId ExpressionPool::combine(Operator op, ExpressionId a, ExpressionId b
     return a == noExpression ? b : a;
   }
   m_scratch.clear();
-  for (const ExpressionId id : {a, b}) {
+  for (ExpressionId const id : {a, b}) {
     if (this->op(id) == op) {
-      const Operands inner = operands(id);
+      Operands const inner = operands(id);
       m_scratch.insert(m_scratch.end(), inner.begin(), inner.end());
     } else {
       m_scratch.push_back(id);
@@ -54,15 +54,15 @@ ExpressionId ExpressionPool::combine(Operator op, ExpressionId a, ExpressionId b
 }
 
 ExpressionId ExpressionPool::find(Operator op, std::uint32_t a, std::uint32_t b) {
-  const std::uint64_t hash = mix(mix(static_cast<std::uint64_t>(op) + 1, a), b);
-  const Node node{op, a, b};
+  std::uint64_t const hash = mix(mix(static_cast<std::uint64_t>(op) + 1, a), b);
+  Node const node{op, a, b};
   ExpressionId* slot = slotOf(hash, &ExpressionPool::sameFields, node);
   return *slot != noExpression ? *slot : store(slot, node, hash);
 }
 
 ExpressionId ExpressionPool::findList(Operator op) {
   std::uint64_t hash = static_cast<std::uint64_t>(op) + 1;
-  for (const ExpressionId id : m_scratch) {
+  for (ExpressionId const id : m_scratch) {
     hash = mix(hash, id);
   }
   // The operands are appended first and taken back when the list is known already.
@@ -78,9 +78,9 @@ ExpressionId ExpressionPool::findList(Operator op) {
 
 ExpressionId* ExpressionPool::slotOf(std::uint64_t hash, bool (ExpressionPool::*same)(Node const&, Node const&) const,
                                      Node const& node) {
-  const std::size_t mask = m_table.size() - 1;
+  std::size_t const mask = m_table.size() - 1;
   for (std::size_t at = hash & mask;; at = (at + 1) & mask) {
-    const ExpressionId id = m_table[at];
+    ExpressionId const id = m_table[at];
     if (id == noExpression || (m_hashes[id] == hash && (this->*same)(m_nodes[id], node))) {
       return &m_table[at];
     }
@@ -95,7 +95,7 @@ bool ExpressionPool::sameOperands(Node const& x, Node const& y) const {
 }
 
 ExpressionId ExpressionPool::store(ExpressionId* slot, Node const& node, std::uint64_t hash) {
-  const ExpressionId id = size();
+  ExpressionId const id = size();
   *slot = id;
   m_nodes.push_back(node);
   m_hashes.push_back(hash);
@@ -107,7 +107,7 @@ ExpressionId ExpressionPool::store(ExpressionId* slot, Node const& node, std::ui
 
 void ExpressionPool::grow() {
   m_table.assign(m_table.size() * 2, noExpression);
-  const std::size_t mask = m_table.size() - 1;
+  std::size_t const mask = m_table.size() - 1;
   for (ExpressionId id = 1; id < size(); ++id) {
     std::size_t at = m_hashes[id] & mask;
     while (m_table[at] != noExpression) {

@@ -42,7 +42,7 @@ class Printer {
 };
 
 void Printer::print(ExpressionId id) {
-  const Operator op = m_pool.op(id);
+  Operator const op = m_pool.op(id);
   if (isList(op)) {
     printList(id);
   } else if (op == Operator::Not) {
@@ -69,9 +69,9 @@ void Printer::printSymbol(SymbolId id) {
 }
 
 void Printer::printList(ExpressionId id) {
-  const Operator op = m_pool.op(id);
+  Operator const op = m_pool.op(id);
   char const* separator = "";
-  for (const ExpressionId operand : m_pool.operands(id)) {
+  for (ExpressionId const operand : m_pool.operands(id)) {
     bool const inner = isList(m_pool.op(operand));
     m_text += separator;
     m_text += inner ? "(" : "";

@@ -98,8 +98,8 @@ inline PropertyRange propertiesOf(MenuTree const& tree, Entry const& entry) {
 
 // The folder at the top of the tree in which an entry stands; empty at the top itself and outside of the tree.
 inline std::string_view ownerOf(MenuTree const& tree, Entry const& entry) {
-  const std::string_view file = tree.files[entry.position.file].name;
-  const std::size_t slash = file.find('/');
+  std::string_view const file = tree.files[entry.position.file].name;
+  std::size_t const slash = file.find('/');
   return slash != std::string_view::npos ? file.substr(0, slash) : std::string_view();
 }
 

@@ -4,7 +4,7 @@ namespace kconfig {
 
 SymbolTable::SymbolTable() {
   for (char const* name : {"n", "m", "y"}) {
-    const SymbolId id = add(name, SymbolKind::Constant);
+    SymbolId const id = add(name, SymbolKind::Constant);
     m_plain.emplace(name, id);
     m_constants.emplace(name, id);
   }
@@ -33,7 +33,7 @@ SymbolId SymbolTable::lookUp(Index& index, std::string_view name, SymbolKind kin
   if (found != index.end()) {
     return found->second;
   }
-  const SymbolId id = add(name, kind);
+  SymbolId const id = add(name, kind);
   index.emplace(name, id);
   return id;
 }

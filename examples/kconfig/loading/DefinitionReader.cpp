@@ -36,7 +36,7 @@ EntryKind kindOf(std::string_view key) {
 }
 
 SymbolType typeOf(std::string_view keyword) {
-  for (const SymbolType type :
+  for (SymbolType const type :
        {SymbolType::Boolean, SymbolType::Tristate, SymbolType::Integer, SymbolType::Hexadecimal, SymbolType::String}) {
     if (keyword == keywordOf(type)) {
       return type;
@@ -100,7 +100,7 @@ void DefinitionReader::readMetadata() {
 }
 
 kestrel_array const* DefinitionReader::metadataOf(std::u16string_view name) const {
-  const runtime::Metadata row = m_schema->getMetadata()->find(name);
+  runtime::Metadata const row = m_schema->getMetadata()->find(name);
   if (!row || row->getValue() == nullptr) {
     throw std::runtime_error("the definitions lack the metadata '" + fromModel(name) + "'");
   }
@@ -111,7 +111,7 @@ Position DefinitionReader::nextPosition() {
   if (m_position == m_lastPosition) {
     throw std::runtime_error("the definitions have fewer positions than entries and properties");
   }
-  const Position position{m_position[0], m_position[1]};
+  Position const position{m_position[0], m_position[1]};
   m_position += 2;
   return position;
 }
@@ -138,7 +138,7 @@ void DefinitionReader::addSymbols() {
     if (!param) {
       continue;
     }
-    const std::string_view name = intern(param->getKey());
+    std::string_view const name = intern(param->getKey());
     SymbolId symbol = noSymbol;
     if (startsWith(name, key::choice)) {
       symbol = symbols.choice(startsWith(name, key::nameless) ? "" : name.substr(key::choice.size()));
@@ -193,7 +193,7 @@ void DefinitionReader::addContents(schema::CategoryDef const& category, EntryId 
 
 SymbolId DefinitionReader::symbolOf(schema::ControllableDef const& definition, EntryKind kind) {
   if (kind == EntryKind::Choice) {
-    const schema::ParamDef param = m_schema->getParams()->find(definition->getKey());
+    schema::ParamDef const param = m_schema->getParams()->find(definition->getKey());
     return param ? m_symbols[param->getOrdinal()] : noSymbol;
   }
   if (kind != EntryKind::Config) {
@@ -213,7 +213,7 @@ void DefinitionReader::readFollows(schema::FollowsDef const& row, EntryId id) {
     add(id, property);
     return;
   }
-  const ConditionalElements parts = m_expressions.readConditional(row->getExpr());
+  ConditionalElements const parts = m_expressions.readConditional(row->getExpr());
   property.condition = parts.condition;
   expr::ExprValue const& value = parts.values.at(0);
   if (attribute == follows::name) {
@@ -282,7 +282,7 @@ void DefinitionReader::add(EntryId id, Property const& property) {
 void DefinitionReader::addPredefined() {
   MenuTree& tree = m_result.tree;
   for (std::size_t ordinal = 0; ordinal < m_nodes.size(); ++ordinal) {
-    const SymbolId symbol = m_symbols[ordinal];
+    SymbolId const symbol = m_symbols[ordinal];
     if (symbol == noSymbol || tree.symbols[symbol].defined) {
       continue;
     }

@@ -54,15 +54,15 @@ bool isIfThen(expr::Operation const& operation) {
 
 expr::ExprValue ExpressionWriter::write(ExpressionId id) {
   ExpressionPool const& pool = m_tree.expressions;
-  const Operator op = pool.op(id);
+  Operator const op = pool.op(id);
   if (op == Operator::Symbol) {
     return writeSymbol(pool.left(id));
   }
-  const expr::BooleanOperation operation = expr::BooleanOperation::create(m_model);
+  expr::BooleanOperation const operation = expr::BooleanOperation::create(m_model);
   operation->setOperator(toModel(op));
   std::vector<expr::ExprValue> operands;
   if (isList(op)) {
-    for (const ExpressionId operand : pool.operands(id)) {
+    for (ExpressionId const operand : pool.operands(id)) {
       operands.push_back(write(operand));
     }
   } else if (op == Operator::Not) {
@@ -77,20 +77,20 @@ expr::ExprValue ExpressionWriter::write(ExpressionId id) {
 expr::ExprValue ExpressionWriter::writeSymbol(SymbolId id) {
   Symbol const& symbol = m_tree.symbols[id];
   if (id == symbolNo || id == symbolYes) {
-    const expr::BooleanConstant constant = expr::BooleanConstant::create(m_model);
+    expr::BooleanConstant const constant = expr::BooleanConstant::create(m_model);
     constant->setValue(id == symbolYes);
     return constant;
   }
   if (symbol.kind == SymbolKind::Constant && id != symbolMod) {
     return writeText(symbol.name);
   }
-  const expr::Ref reference = expr::Ref::create(m_model);
+  expr::Ref const reference = expr::Ref::create(m_model);
   reference->setSymbol(kconfig::toModel(symbol.name));
   return reference;
 }
 
 expr::ExprValue ExpressionWriter::writeText(std::string_view text) {
-  const expr::StringConstant constant = expr::StringConstant::create(m_model);
+  expr::StringConstant const constant = expr::StringConstant::create(m_model);
   constant->setValue(kconfig::toModel(text));
   return constant;
 }
@@ -99,7 +99,7 @@ expr::ExprValue ExpressionWriter::writeConditional(ExpressionId condition, std::
   if (condition == noExpression && values.size() == 1) {
     return values.front();
   }
-  const expr::UntypedOperation operation = expr::UntypedOperation::create(m_model);
+  expr::UntypedOperation const operation = expr::UntypedOperation::create(m_model);
   operation->setOperator(expr::Operator::IF_THEN);
   std::vector<expr::ExprValue> operands{condition != noExpression ? write(condition) : writeSymbol(symbolYes)};
   operands.insert(operands.end(), values.begin(), values.end());
@@ -123,10 +123,10 @@ ExpressionId ExpressionReader::read(expr::ExprValue const& value) {
 }
 
 ExpressionId ExpressionReader::readOperation(expr::Operation const& operation) {
-  const Operator op = fromModel(operation->getOperator());
+  Operator const op = fromModel(operation->getOperator());
   auto& operands = *operation->getOperandsMutable();
   if (isComparison(op)) {
-    const SymbolId left = readSymbol(operands.at(0));
+    SymbolId const left = readSymbol(operands.at(0));
     return m_tree.expressions.comparison(op, left, readSymbol(operands.at(1)));
   }
   if (op == Operator::Not) {
@@ -160,7 +160,7 @@ ConditionalElements ExpressionReader::readConditional(expr::ExprValue const& val
   for (std::size_t at = 1; at < operands.size(); ++at) {
     parts.values.push_back(operands.at(at));
   }
-  const ExpressionId condition = read(operands.at(0));
+  ExpressionId const condition = read(operands.at(0));
   // Several values need the operation to hold them, also without a condition: then y stands in its place.
   bool const none = parts.values.size() > 1 && m_tree.expressions.isSymbol(condition, symbolYes);
   parts.condition = none ? noExpression : condition;

@@ -94,7 +94,7 @@ schema::SchemaData SchemaWriter::write() {
     addEntry(id);
   }
   for (Property const& property : m_tree.predefined) {
-    const std::uint32_t ordinal = m_symbolOrdinals[property.symbol];
+    std::uint32_t const ordinal = m_symbolOrdinals[property.symbol];
     writeFollows(property, ordinal);
     m_nodes[ordinal].definition->getLogicMutable()->push_back(evalDef(logic::option, logic::predefined));
   }
@@ -129,7 +129,7 @@ void SchemaWriter::addParams() {
 }
 
 schema::ParamDef SchemaWriter::addParam(SymbolId symbol, std::u16string key) {
-  const schema::ParamDef param = schema::ParamDef::create(m_model);
+  schema::ParamDef const param = schema::ParamDef::create(m_model);
   param->setKey(key);
   param->setOrdinal(static_cast<std::uint32_t>(m_nodes.size()));
   Symbol const& row = m_tree.symbols[symbol];
@@ -142,10 +142,10 @@ schema::ParamDef SchemaWriter::addParam(SymbolId symbol, std::u16string key) {
 
 void SchemaWriter::addEntry(EntryId id) {
   Entry const& entry = m_tree.entries[id];
-  const std::uint32_t ordinal = definitionOf(id);
+  std::uint32_t const ordinal = definitionOf(id);
   m_entryOrdinals[id] = ordinal;
   addPosition(entry.position);
-  const PropertyId constant = constantPrompt(entry);
+  PropertyId const constant = constantPrompt(entry);
   for (Property const& property : propertiesOf(m_tree, entry)) {
     if (&property != m_tree.properties.data() + constant) {
       writeFollows(property, ordinal);
@@ -176,13 +176,13 @@ PropertyId SchemaWriter::constantPrompt(Entry const& entry) const {
 std::uint32_t SchemaWriter::definitionOf(EntryId id) {
   Entry const& entry = m_tree.entries[id];
   if (entry.kind == EntryKind::Config || entry.kind == EntryKind::MenuConfig) {
-    const std::uint32_t own = m_symbolOrdinals[entry.symbol];
+    std::uint32_t const own = m_symbolOrdinals[entry.symbol];
     if (!m_declared[own]) {
       m_declared[own] = true;
       addTag(entry);
       return own;
     }
-    const std::uint32_t ordinal = addCategory(keyOf(id));
+    std::uint32_t const ordinal = addCategory(keyOf(id));
     m_nodes[ordinal].contents.push_back(refTo(own));
     return ordinal;
   }
@@ -202,7 +202,7 @@ std::string SchemaWriter::keyOf(EntryId id) const {
     case EntryKind::If:
       return numbered(key::conditional);
     case EntryKind::Choice: {
-      const std::string_view name = m_tree.symbols[entry.symbol].name;
+      std::string_view const name = m_tree.symbols[entry.symbol].name;
       return name.empty() ? numbered(key::nameless) : std::string(key::choice).append(name);
     }
     case EntryKind::Config:
@@ -214,7 +214,7 @@ std::string SchemaWriter::keyOf(EntryId id) const {
 
 std::uint32_t SchemaWriter::addCategory(std::string key) {
   auto const ordinal = static_cast<std::uint32_t>(m_nodes.size());
-  const schema::CategoryDef category = schema::CategoryDef::create(m_model);
+  schema::CategoryDef const category = schema::CategoryDef::create(m_model);
   category->setKey(toModel(key));
   category->setOrdinal(ordinal);
   m_schema->getCategoriesMutable()->add(category);
@@ -263,7 +263,7 @@ void SchemaWriter::writeFollows(Property const& property, std::uint32_t ordinal)
 
 void SchemaWriter::addFollows(std::uint32_t ordinal, std::u16string_view attribute, expr::ExprValue const& expression,
                               Position position) {
-  const schema::FollowsDef row = schema::FollowsDef::create(m_model);
+  schema::FollowsDef const row = schema::FollowsDef::create(m_model);
   row->setAttribute(std::u16string(attribute));
   row->setExpr(expression);
   m_nodes[ordinal].definition->getFollowsMutable()->add(row);
@@ -315,9 +315,9 @@ void SchemaWriter::noteDependencies(Property const& property, std::uint32_t ordi
 
 void SchemaWriter::noteExpression(ExpressionId id, std::uint32_t ordinal) {
   ExpressionPool const& pool = m_tree.expressions;
-  const Operator op = pool.op(id);
+  Operator const op = pool.op(id);
   if (isList(op)) {
-    for (const ExpressionId operand : pool.operands(id)) {
+    for (ExpressionId const operand : pool.operands(id)) {
       noteExpression(operand, ordinal);
     }
   } else if (op == Operator::Not) {
@@ -331,7 +331,7 @@ void SchemaWriter::noteExpression(ExpressionId id, std::uint32_t ordinal) {
 }
 
 void SchemaWriter::noteDependency(SymbolId symbol, std::uint32_t ordinal) {
-  const std::uint32_t required = m_symbolOrdinals[symbol];
+  std::uint32_t const required = m_symbolOrdinals[symbol];
   if (required != noOrdinal && m_seen[symbol] != ordinal) {
     m_seen[symbol] = ordinal;
     m_requires[ordinal].push_back(refTo(required));
@@ -359,9 +359,9 @@ void SchemaWriter::writeDependencies() {
 
 // The folder at the top of the tree in which a symbol is declared first owns it.
 void SchemaWriter::addTag(Entry const& entry) {
-  const std::u16string folder = toModel(ownerOf(m_tree, entry));
+  std::u16string const folder = toModel(ownerOf(m_tree, entry));
   if (!folder.empty() && !m_schema->getTags()->find(folder)) {
-    const schema::TagDef tag = schema::TagDef::create(m_model);
+    schema::TagDef const tag = schema::TagDef::create(m_model);
     tag->setId(folder);
     m_schema->getTagsMutable()->insert(tag);
   }
@@ -369,8 +369,8 @@ void SchemaWriter::addTag(Entry const& entry) {
 
 void SchemaWriter::addProductions() {
   auto ordinal = static_cast<std::uint32_t>(m_nodes.size());
-  for (const std::u16string_view name : {key::configuration, key::header}) {
-    const schema::ProductionDef production = schema::ProductionDef::create(m_model);
+  for (std::u16string_view const name : {key::configuration, key::header}) {
+    schema::ProductionDef const production = schema::ProductionDef::create(m_model);
     production->setKey(std::u16string(name));
     production->setOrdinal(ordinal++);
     production->setProducerClass(u"tessel-kconfig");
@@ -382,14 +382,14 @@ void SchemaWriter::addProductions() {
 
 void SchemaWriter::writeMetadata() {
   std::vector<std::u16string> names;
-  const std::size_t count = m_tree.files.size();
-  const kestrel::OwnedArray sources = kestrel::createNumeric<std::uint32_t>({2, count});
+  std::size_t const count = m_tree.files.size();
+  kestrel::OwnedArray const sources = kestrel::createNumeric<std::uint32_t>({2, count});
   for (std::size_t file = 0; file < count; ++file) {
     names.push_back(toModel(m_tree.files[file].name));
     kestrel::mutableData<std::uint32_t>(*sources)[2 * file] = m_tree.files[file].sourcedFrom.file;
     kestrel::mutableData<std::uint32_t>(*sources)[2 * file + 1] = m_tree.files[file].sourcedFrom.line;
   }
-  const kestrel::OwnedArray positions = kestrel::createNumeric<std::uint32_t>({2, m_positions.size() / 2});
+  kestrel::OwnedArray const positions = kestrel::createNumeric<std::uint32_t>({2, m_positions.size() / 2});
   std::copy(m_positions.begin(), m_positions.end(), kestrel::mutableData<std::uint32_t>(*positions));
   addMetadata(metadata::title, kestrel::createChar(toModel(m_tree.title)));
   addMetadata(metadata::files, kestrel::createStringRow(names));
@@ -397,7 +397,7 @@ void SchemaWriter::writeMetadata() {
   addMetadata(metadata::positions, positions);
   for (Property const& property : m_tree.properties) {
     if (property.kind == PropertyKind::Environment && property.value != noExpression) {
-      const SymbolId value = m_tree.expressions.left(property.value);
+      SymbolId const value = m_tree.expressions.left(property.value);
       addMetadata(std::u16string(metadata::environment) + toModel(property.text),
                   kestrel::createChar(toModel(m_tree.symbols[value].name)));
     }
@@ -408,7 +408,7 @@ void SchemaWriter::addMetadata(std::u16string_view name, kestrel::OwnedArray con
   if (m_schema->getMetadata()->find(name)) {
     return;
   }
-  const runtime::Metadata row = runtime::Metadata::create(m_model);
+  runtime::Metadata const row = runtime::Metadata::create(m_model);
   row->setProperty(std::u16string(name));
   row->setValue(value.get());
   m_schema->getMetadataMutable()->insert(row);

@@ -8,7 +8,7 @@ namespace {
 
 // What to say about an assignment, nothing if it went well.
 std::string complaintAbout(Assignment result, ProfileLine const& line, Symbol const& symbol) {
-  const std::string name = "'" + std::string(line.name) + "'";
+  std::string const name = "'" + std::string(line.name) + "'";
   switch (result) {
     case Assignment::Override:
       return name + " has a value from an earlier line already, this one replaces it";
@@ -31,12 +31,12 @@ std::string complaintAbout(Assignment result, ProfileLine const& line, Symbol co
 void applyProfile(std::vector<ProfileLine> const& lines, std::string_view fileName, SymbolTable const& symbols,
                   UserValues& users, Diagnostics& diagnostics) {
   for (ProfileLine const& line : lines) {
-    const SymbolId symbol = symbols.find(line.name);
+    SymbolId const symbol = symbols.find(line.name);
     if (symbol == noSymbol || isTristateConstant(symbol) || !symbols[symbol].defined) {
       diagnostics.warning(fileName, line.line, "there is no symbol '" + std::string(line.name) + "'");
       continue;
     }
-    const Assignment result = line.set ? users.assign(symbol, line.value, line.line) : users.unset(symbol, line.line);
+    Assignment const result = line.set ? users.assign(symbol, line.value, line.line) : users.unset(symbol, line.line);
     std::string complaint = complaintAbout(result, line, symbols[symbol]);
     if (!complaint.empty()) {
       diagnostics.warning(fileName, line.line, std::move(complaint));

@@ -17,7 +17,7 @@ bool readUnset(std::string_view text, std::string_view prefix, ProfileLine& row)
     return false;
   }
   text.remove_prefix(prefix.size());
-  const std::size_t blank = text.find(' ');
+  std::size_t const blank = text.find(' ');
   if (blank == std::string_view::npos || !startsWith(text.substr(blank + 1), "is not set")) {
     return false;
   }
@@ -27,7 +27,7 @@ bool readUnset(std::string_view text, std::string_view prefix, ProfileLine& row)
 
 bool readSet(std::string_view text, std::string_view prefix, ProfileLine& row) {
   text.remove_prefix(prefix.size());
-  const std::size_t sign = text.find('=');
+  std::size_t const sign = text.find('=');
   if (sign == std::string_view::npos) {
     return false;
   }
@@ -44,7 +44,7 @@ std::vector<ProfileLine> readProfile(std::string_view text, std::string_view pre
   std::vector<ProfileLine> rows;
   std::uint32_t number = 0;
   while (!text.empty()) {
-    const std::size_t end = std::min(text.find('\n'), text.size());
+    std::size_t const end = std::min(text.find('\n'), text.size());
     bool const ended = end != text.size();
     std::string_view line = text.substr(0, end);
     text.remove_prefix(std::min(end + 1, text.size()));

@@ -58,7 +58,7 @@ void ProfileReading::take(SymbolId symbol, data::ParamData const& data) {
   } else if (auto const option = plinth::element_cast<data::EnumParamData>(data)) {
     takeOption(option, value);
   } else if (auto const number = plinth::element_cast<data::IntegerParamData>(data)) {
-    const std::string spelled =
+    std::string const spelled =
         data->getDescription() ? fromModel(*data->getDescription()) : std::to_string(number->getValue());
     value.text = m_tree.texts.intern(spelled);
   } else if (auto const string = plinth::element_cast<data::StringParamData>(data)) {
@@ -69,7 +69,7 @@ void ProfileReading::take(SymbolId symbol, data::ParamData const& data) {
 
 // n, m or y. Of a choice also the member that is y; a line for the choice itself may have given it another value since.
 void ProfileReading::takeOption(data::EnumParamData const& data, UserValue& value) const {
-  const std::string text = fromModel(data->getValue());
+  std::string const text = fromModel(data->getValue());
   auto const level = levelOf(text);
   if (level) {
     value.tristate = *level;
@@ -83,9 +83,9 @@ void ProfileReading::takeOption(data::EnumParamData const& data, UserValue& valu
 
 ext::ConfigProfile storeProfile(ext::ConfigStore const& store, std::string_view id, Definitions const& definitions,
                                 UserValues const& users) {
-  const plinth::Model model = store->getModel();
+  plinth::Model const model = store->getModel();
   plinth::Transaction transaction = model.beginTransaction();
-  const ext::ConfigProfile profile = ext::ConfigProfile::create(model);
+  ext::ConfigProfile const profile = ext::ConfigProfile::create(model);
   profile->setId(toModel(id));
   profile->setName(toModel(id));
   store->getProfilesMutable()->insert(profile);
@@ -95,8 +95,8 @@ ext::ConfigProfile storeProfile(ext::ConfigStore const& store, std::string_view 
       continue;
     }
     UserValue const& value = users[symbol];
-    const std::string_view text = textOf(value, symbols[symbol].type, symbols);
-    const data::ParamData data = createData(model, symbols[symbol]);
+    std::string_view const text = textOf(value, symbols[symbol].type, symbols);
+    data::ParamData const data = createData(model, symbols[symbol]);
     setValue(data, text, symbols[symbol].type);
     data->setEnabled(value.present);
     if (isNumeric(symbols[symbol].type)) {
@@ -108,7 +108,7 @@ ext::ConfigProfile storeProfile(ext::ConfigStore const& store, std::string_view 
     place.setDocument(toModel(id));
     place.setTopic(toModel(std::to_string(value.line)));
     data->setHelp(place);
-    const ext::ConfigEntry entry = ext::ConfigEntry::create(model);
+    ext::ConfigEntry const entry = ext::ConfigEntry::create(model);
     entry->setKey(definitions.params[symbol]->getKey());
     entry->setData(data);
     profile->getValuesMutable()->insert(entry);
@@ -122,7 +122,7 @@ UserValues readProfileValues(ext::ConfigProfile const& profile, Definitions& def
   ProfileReading reading(definitions, compiled);
   for (SymbolId symbol = 0; symbol < definitions.tree.symbols.size(); ++symbol) {
     if (definitions.params[symbol]) {
-      const ext::ConfigEntry entry = profile->getValues()->find(definitions.params[symbol]->getKey());
+      ext::ConfigEntry const entry = profile->getValues()->find(definitions.params[symbol]->getKey());
       if (entry && entry->hasData()) {
         reading.take(symbol, entry->getData());
       }

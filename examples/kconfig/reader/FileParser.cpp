@@ -57,7 +57,7 @@ void FileParser::parse() {
 
 // One line, from its first token to its end of line.
 void FileParser::parseLine() {
-  const Token first = m_token;
+  Token const first = m_token;
   if (first.kind == TokenKind::EndOfLine) {
     return;  // all of the line was passed over
   }
@@ -180,11 +180,11 @@ bool FileParser::hostTakes(Keyword keyword) const {
 void FileParser::parseConfig(EntryKind kind) {
   endHost();
   m_host = Host::Unknown;
-  const std::string_view name = parseWord("the name of a symbol");
+  std::string_view const name = parseWord("the name of a symbol");
   if (!finishLine()) {
     return;
   }
-  const SymbolId symbol = m_tree.symbols.plain(name);
+  SymbolId const symbol = m_tree.symbols.plain(name);
   if (isTristateConstant(symbol)) {
     m_builder.error(here(), quotedName(name) + " is a constant and can't be configured");
     return;
@@ -196,7 +196,7 @@ void FileParser::parseConfig(EntryKind kind) {
 void FileParser::parseChoice() {
   endHost();
   checkPlace(Keyword::Choice);
-  const std::string_view name = m_token.kind == TokenKind::Word ? parseWord("a name") : std::string_view();
+  std::string_view const name = m_token.kind == TokenKind::Word ? parseWord("a name") : std::string_view();
   finishLine();
   m_builder.openBlock(m_builder.addEntry(EntryKind::Choice, m_tree.symbols.choice(name), here()));
   m_host = Host::Choice;
@@ -205,7 +205,7 @@ void FileParser::parseChoice() {
 void FileParser::parseMenu() {
   endHost();
   checkPlace(Keyword::Menu);
-  const std::string_view title = parseText("a title");
+  std::string_view const title = parseText("a title");
   finishLine();
   m_builder.openBlock(m_builder.addEntry(EntryKind::Menu, noSymbol, here()));
   m_builder.addProperty(prompt(title));
@@ -214,7 +214,7 @@ void FileParser::parseMenu() {
 
 void FileParser::parseComment() {
   endHost();
-  const std::string_view text = parseText("a text");
+  std::string_view const text = parseText("a text");
   m_host = Host::Unknown;
   if (finishLine()) {
     m_builder.addEntry(EntryKind::Comment, noSymbol, here());
@@ -254,7 +254,7 @@ void FileParser::parseEnd(EntryKind kind) {
 
 void FileParser::parseSource() {
   endHost();
-  const std::string_view name = parseText("the name of a file");
+  std::string_view const name = parseText("the name of a file");
   if (finishLine()) {
     m_source(name, here());
   }
@@ -262,7 +262,7 @@ void FileParser::parseSource() {
 
 void FileParser::parseMainMenu() {
   endHost();
-  const std::string_view title = parseText("a title");
+  std::string_view const title = parseText("a title");
   if (!finishLine()) {
     return;
   }
@@ -291,8 +291,8 @@ void FileParser::parseType(SymbolType type) {
 }
 
 void FileParser::parsePrompt() {
-  const std::string_view text = parseText("a prompt");
-  const ExpressionId condition = parseCondition();
+  std::string_view const text = parseText("a prompt");
+  ExpressionId const condition = parseCondition();
   if (finishLine()) {
     if (m_promptSeen) {
       m_builder.warning(here(), "the prompt is given twice");
@@ -307,7 +307,7 @@ void FileParser::parsePrompt() {
 void FileParser::parseDefault(SymbolType type) {
   Property value = property(PropertyKind::Default);
   if (m_host == Host::Choice) {
-    const std::string_view name = parseWord("the name of a member");
+    std::string_view const name = parseWord("the name of a member");
     value.condition = parseCondition();
     value.value = m_failed ? noExpression : m_tree.expressions.symbol(m_tree.symbols.plain(name));
   } else {
@@ -324,7 +324,7 @@ void FileParser::parseDefault(SymbolType type) {
 
 void FileParser::parseSelect(PropertyKind kind) {
   Property selection = property(kind);
-  const std::string_view name = parseWord("the name of a symbol");
+  std::string_view const name = parseWord("the name of a symbol");
   selection.condition = parseCondition();
   if (finishLine()) {
     selection.symbol = m_tree.symbols.plain(name);
@@ -373,9 +373,9 @@ void FileParser::parseHelp() {
 
 void FileParser::parseOptions() {
   while (!m_failed && m_token.kind == TokenKind::Word) {
-    const std::string_view name = parseWord("an option");
+    std::string_view const name = parseWord("an option");
     bool const hasArgument = accept(TokenKind::Equal);
-    const std::string_view argument = hasArgument ? parseText("a value") : std::string_view();
+    std::string_view const argument = hasArgument ? parseText("a value") : std::string_view();
     if (!m_failed) {
       addOption(name, argument);
     }
@@ -438,7 +438,7 @@ ExpressionId FileParser::parseOperand() {
   ++m_depth;
   ExpressionId result = noExpression;
   if (accept(TokenKind::Not)) {
-    const ExpressionId operand = parseOperand();
+    ExpressionId const operand = parseOperand();
     result = m_failed ? noExpression : m_tree.expressions.negation(operand);
   } else {
     result = parseParenthesis();
@@ -449,7 +449,7 @@ ExpressionId FileParser::parseOperand() {
 
 ExpressionId FileParser::parseParenthesis() {
   advance();
-  const ExpressionId inner = parseExpression();
+  ExpressionId const inner = parseExpression();
   if (!m_failed && !accept(TokenKind::CloseParenthesis)) {
     fail("expected ')'");
   }
@@ -457,7 +457,7 @@ ExpressionId FileParser::parseParenthesis() {
 }
 
 ExpressionId FileParser::parseComparison() {
-  const SymbolId left = parseSymbol();
+  SymbolId const left = parseSymbol();
   if (m_failed) {
     return noExpression;
   }
@@ -467,7 +467,7 @@ ExpressionId FileParser::parseComparison() {
       {TokenKind::Greater, Operator::Greater}, {TokenKind::GreaterEqual, Operator::GreaterEqual}};
   for (auto const& [token, op] : comparisons) {
     if (accept(token)) {
-      const SymbolId right = parseSymbol();
+      SymbolId const right = parseSymbol();
       return m_failed ? noExpression : m_tree.expressions.comparison(op, left, right);
     }
   }
@@ -480,7 +480,7 @@ ExpressionId FileParser::parseCondition() {
 }
 
 SymbolId FileParser::parseSymbol() {
-  const Token token = m_token;
+  Token const token = m_token;
   if (token.kind == TokenKind::Word) {
     advance();
     return m_tree.symbols.plain(token.text);
@@ -496,7 +496,7 @@ SymbolId FileParser::parseSymbol() {
 // Words and lines
 
 std::string_view FileParser::parseWord(char const* what) {
-  const std::string_view text = m_token.text;
+  std::string_view const text = m_token.text;
   if (!accept(TokenKind::Word)) {
     fail(std::string("expected ") + what);
   }
@@ -504,7 +504,7 @@ std::string_view FileParser::parseWord(char const* what) {
 }
 
 std::string_view FileParser::parseText(char const* what) {
-  const std::string_view text = m_token.text;
+  std::string_view const text = m_token.text;
   if (!accept(TokenKind::Word) && !accept(TokenKind::QuotedWord)) {
     fail(std::string("expected ") + what);
   }
@@ -559,7 +559,7 @@ void FileParser::closeOwnBlocks(std::size_t depth) {
 
 // Blocks may not stand directly in a choice, and not infinitely deep.
 void FileParser::checkPlace(Keyword keyword) {
-  const std::size_t depth = m_builder.openBlocks();
+  std::size_t const depth = m_builder.openBlocks();
   if (keyword != Keyword::If && m_builder.openBlockAt(depth - 1).kind == EntryKind::Choice) {
     m_builder.error(here(), "a choice can't have a menu or another choice directly inside");
   }

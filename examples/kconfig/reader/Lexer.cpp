@@ -49,7 +49,7 @@ Token Lexer::next() {
 
 // The end of a line is reported on the line that it ends.
 Token Lexer::endLine() {
-  const Token token = make(TokenKind::EndOfLine);
+  Token const token = make(TokenKind::EndOfLine);
   if (!done()) {
     ++m_at;
     ++m_line;
@@ -82,7 +82,7 @@ Token Lexer::firstWord() {
   if (done()) {
     return endLine();
   }
-  const std::size_t start = m_at;
+  std::size_t const start = m_at;
   while (!done() && isNameCharacter(at())) {
     ++m_at;
   }
@@ -129,11 +129,11 @@ bool Lexer::skipBetweenOperands() {
 }
 
 Token Lexer::word() {
-  const std::size_t start = m_at;
+  std::size_t const start = m_at;
   while (!done() && isOperandCharacter(at())) {
     ++m_at;
   }
-  const std::string_view text = m_text.substr(start, m_at - start);
+  std::string_view const text = m_text.substr(start, m_at - start);
   if (text == "if") {
     return make(TokenKind::If, text);
   }
@@ -144,8 +144,8 @@ Token Lexer::word() {
 // all if nothing or a quote of the other kind comes last.
 Token Lexer::quoted() {
   char const quote = at();
-  const std::size_t start = ++m_at;
-  const std::size_t plainEnd = m_text.find_first_of(std::string_view("\"'\\\n"), m_at);
+  std::size_t const start = ++m_at;
+  std::size_t const plainEnd = m_text.find_first_of(std::string_view("\"'\\\n"), m_at);
   if (plainEnd != std::string_view::npos && m_text[plainEnd] == quote) {
     m_at = plainEnd + 1;
     return make(TokenKind::QuotedWord, m_text.substr(start, plainEnd - start));
@@ -192,7 +192,7 @@ Token Lexer::sign() {
 }
 
 Token Lexer::advance(std::size_t length, TokenKind kind) {
-  const Token token = make(kind, m_text.substr(m_at, length));
+  Token const token = make(kind, m_text.substr(m_at, length));
   m_at += length;
   return token;
 }
@@ -212,8 +212,8 @@ std::string_view Lexer::helpText() {
   std::string text;
   unsigned indentation = 0;
   while (!done()) {
-    const std::size_t lineEnd = std::min(m_text.find('\n', m_at), m_text.size());
-    const std::size_t textStart = std::min(m_text.find_first_not_of(" \t", m_at), lineEnd);
+    std::size_t const lineEnd = std::min(m_text.find('\n', m_at), m_text.size());
+    std::size_t const textStart = std::min(m_text.find_first_not_of(" \t", m_at), lineEnd);
     if (textStart != lineEnd) {
       unsigned const column = columnBehind(m_text.substr(m_at, textStart - m_at));
       if (indentation != 0 && textStart != m_at && column < indentation) {

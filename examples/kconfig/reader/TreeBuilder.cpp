@@ -32,7 +32,7 @@ void TreeBuilder::addPredefined() {
   if (uname(&system) != 0) {
     return;
   }
-  const SymbolId id = m_tree.symbols.plain("UNAME_RELEASE");
+  SymbolId const id = m_tree.symbols.plain("UNAME_RELEASE");
   Symbol& symbol = m_tree.symbols[id];
   symbol.type = SymbolType::String;
   symbol.automatic = true;
@@ -51,7 +51,7 @@ void TreeBuilder::error(Position position, std::string message) {
 }
 
 EntryId TreeBuilder::addEntry(EntryKind kind, SymbolId symbol, Position position) {
-  const EntryId id = static_cast<EntryId>(m_tree.entries.size());
+  EntryId const id = static_cast<EntryId>(m_tree.entries.size());
   Entry entry;
   entry.kind = kind;
   entry.position = position;
@@ -88,11 +88,11 @@ void TreeBuilder::setType(SymbolType type, Position position) {
 }
 
 void TreeBuilder::importVariable(std::string_view variable, Position position) {
-  const SymbolId symbol = m_tree.entries.back().symbol;
+  SymbolId const symbol = m_tree.entries.back().symbol;
   m_tree.symbols[symbol].automatic = true;
   Property import = property(PropertyKind::Environment, position);
   import.text = variable;
-  const std::optional<std::string> value = m_surroundings.variable(std::string(variable));
+  std::optional<std::string> const value = m_surroundings.variable(std::string(variable));
   if (value) {
     import.value = m_tree.expressions.symbol(m_tree.symbols.constant(m_tree.texts.intern(*value)));
   } else {
@@ -115,7 +115,7 @@ void TreeBuilder::declareDefconfigList(Position position) {
 
 // Makes the last entry's symbol the one that a role is for, unless another has it.
 bool TreeBuilder::claim(SymbolId& holder, char const* role, Position position) {
-  const SymbolId symbol = m_tree.entries.back().symbol;
+  SymbolId const symbol = m_tree.entries.back().symbol;
   if (holder != noSymbol && holder != symbol) {
     error(position, "'" + std::string(m_tree.symbols[holder].name) + "' is the " + role + " symbol already");
     return false;
@@ -136,11 +136,11 @@ std::string TreeBuilder::expand(std::string_view text) {
       expanded += text[at++];
       continue;
     }
-    const std::size_t start = ++at;
+    std::size_t const start = ++at;
     while (at < text.size() && isVariableCharacter(text[at])) {
       ++at;
     }
-    const SymbolId symbol = m_tree.symbols.find(text.substr(start, at - start));
+    SymbolId const symbol = m_tree.symbols.find(text.substr(start, at - start));
     expanded += symbol != noSymbol ? earlyText(symbol) : std::string_view();
   }
   return expanded;
@@ -152,8 +152,8 @@ std::string_view TreeBuilder::earlyText(SymbolId symbol) {
   if (known != m_earlyTexts.end()) {
     return known->second;
   }
-  const CompiledTree compiled = compileAsDeclared(m_tree);
-  const EvaluationOrder onlyWhatIsAskedFor;
+  CompiledTree const compiled = compileAsDeclared(m_tree);
+  EvaluationOrder const onlyWhatIsAskedFor;
   Evaluator evaluator(m_tree, compiled, onlyWhatIsAskedFor);
   evaluator.evaluate(UserValues(m_tree, compiled));
   evaluator.valueOf(m_tree.expressions.symbol(symbol));

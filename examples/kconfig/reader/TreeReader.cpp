@@ -63,7 +63,7 @@ class Reading {
 
 void Reading::readRoot(std::string const& path) {
   std::string problem;
-  const std::optional<std::string_view> text = textOf(path, problem);
+  std::optional<std::string_view> const text = textOf(path, problem);
   if (!text) {
     m_diagnostics.error(path, 0, "the file can't be read: " + problem);
   }
@@ -82,8 +82,8 @@ void Reading::parse(std::string_view name, std::string_view text, Position from)
 }
 
 void Reading::source(std::string_view name, Position from) {
-  const std::string expanded = m_builder.expand(name);
-  const std::string shown = "'" + expanded + "'" + (expanded == name ? "" : " ('" + std::string(name) + "')");
+  std::string const expanded = m_builder.expand(name);
+  std::string const shown = "'" + expanded + "'" + (expanded == name ? "" : " ('" + std::string(name) + "')");
   for (std::string const& open : m_open) {
     if (open == expanded) {
       m_builder.error(from, "the file " + shown + " sources itself, directly or through others");
@@ -95,7 +95,7 @@ void Reading::source(std::string_view name, Position from) {
     return;
   }
   std::string problem;
-  const std::optional<std::string_view> text = textOf(expanded, problem);
+  std::optional<std::string_view> const text = textOf(expanded, problem);
   if (!text) {
     m_builder.error(from, "the file " + shown + " can't be read: " + problem);
     return;
@@ -109,7 +109,7 @@ std::optional<std::string_view> Reading::textOf(std::string const& name, std::st
     return known->second;
   }
   std::optional<std::string> text = m_surroundings.file(name, problem);
-  const std::optional<std::string> sourceTree = m_surroundings.variable("srctree");
+  std::optional<std::string> const sourceTree = m_surroundings.variable("srctree");
   if (!text && sourceTree && !name.empty() && name.front() != '/') {
     std::string other;
     text = m_surroundings.file(*sourceTree + "/" + name, other);
@@ -124,14 +124,14 @@ std::optional<std::string_view> Reading::textOf(std::string const& name, std::st
 
 Surroundings processSurroundings() {
   auto const variable = [](std::string const& name) -> std::optional<std::string> {
-    const char* value = std::getenv(name.c_str());
+    char const* value = std::getenv(name.c_str());
     return value != nullptr ? std::optional<std::string>(value) : std::nullopt;
   };
   return {variable, readFile};
 }
 
 std::optional<std::string> readFile(std::string const& path, std::string& problem) {
-  const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+  Descriptor const file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   struct stat status {};
   if (file.get() < 0 || ::fstat(file.get(), &status) != 0) {
     problem = std::strerror(errno);
@@ -144,7 +144,7 @@ std::optional<std::string> readFile(std::string const& path, std::string& proble
   std::string text(static_cast<std::size_t>(status.st_size), '\0');
   std::size_t length = 0;
   while (length < text.size()) {
-    const ssize_t count = ::read(file.get(), &text[length], text.size() - length);
+    ssize_t const count = ::read(file.get(), &text[length], text.size() - length);
     if (count < 0 && errno != EINTR) {
       problem = std::strerror(errno);
       return std::nullopt;

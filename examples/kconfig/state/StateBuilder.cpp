@@ -48,7 +48,7 @@ class StateBuilder {
 
   MenuTree const& tree() const { return m_definitions.tree; }
   std::string_view promptOf(EntryId id) const {
-    const PropertyId prompt = m_compiled.nodes[id].prompt;
+    PropertyId const prompt = m_compiled.nodes[id].prompt;
     return prompt != noProperty ? tree().properties[prompt].text : std::string_view();
   }
 
@@ -82,7 +82,7 @@ States StateBuilder::build() {
 
 void StateBuilder::addTags() {
   for (schema::TagDef const& definition : *m_schema->getTags()) {
-    const runtime::TagState tag = runtime::TagState::create(m_model);
+    runtime::TagState const tag = runtime::TagState::create(m_model);
     tag->setId(definition->getId());
     tag->setName(definition->getId());
     tag->setType(runtime::TagType::OWNER);
@@ -108,12 +108,12 @@ void StateBuilder::addParams() {
 void StateBuilder::addParam(SymbolId symbol) {
   schema::ParamDef const& definition = m_definitions.params[symbol];
   Symbol const& row = tree().symbols[symbol];
-  const runtime::ParamState param = runtime::ParamState::create(m_model);
+  runtime::ParamState const param = runtime::ParamState::create(m_model);
   param->setKey(definition->getKey());
   param->setTypeName(toModel(typeNameOf(row)));
-  const data::ParamData data = createData(m_model, row);
+  data::ParamData const data = createData(m_model, row);
   bool prompted = false;
-  for (const EntryId entry : m_entries[symbol]) {
+  for (EntryId const entry : m_entries[symbol]) {
     describe(data, entry);
     prompted = prompted || m_compiled.nodes[entry].prompt != noProperty;
   }
@@ -122,7 +122,7 @@ void StateBuilder::addParam(SymbolId symbol) {
   m_states.root->getParamsMutable()->insert(param);
   if (!m_entries[symbol].empty()) {
     Entry const& first = tree().entries[m_entries[symbol].front()];
-    const runtime::TagState tag = m_states.root->getTags()->find(toModel(ownerOf(tree(), first)));
+    runtime::TagState const tag = m_states.root->getTags()->find(toModel(ownerOf(tree(), first)));
     if (tag) {
       param->getTagsMutable()->add(tag);
     }
@@ -161,7 +161,7 @@ void StateBuilder::addOptions(runtime::ParamState const& param, SymbolId symbol)
     options.back().setDisplayValue(shown);
   };
   if (tree().symbols[symbol].kind == SymbolKind::Choice) {
-    for (const SymbolId member : m_compiled.membersOf(symbol)) {
+    for (SymbolId const member : m_compiled.membersOf(symbol)) {
       add(m_definitions.params[member]->getKey(), m_states.params[member]->getData()->getName());
     }
   } else {
@@ -185,8 +185,8 @@ void StateBuilder::addMenu() {
 // A menu, a comment or a choice is a category; a symbol is one beside itself where others lie below it.
 void StateBuilder::place(EntryId id) {
   Entry const& entry = tree().entries[id];
-  const EntryId parent = m_compiled.nodes[id].parent;
-  const runtime::CategoryState category = categoryOf(id);
+  EntryId const parent = m_compiled.nodes[id].parent;
+  runtime::CategoryState const category = categoryOf(id);
   if (category) {
     m_states.root->getCategoriesMutable()->add(category);
     m_states.categories[id] = category;
@@ -194,7 +194,7 @@ void StateBuilder::place(EntryId id) {
   if (parent == noEntry) {
     return;
   }
-  const runtime::CategoryState around = m_states.categories[parent];
+  runtime::CategoryState const around = m_states.categories[parent];
   if (entry.symbol != noSymbol && !m_states.params[entry.symbol]->hasCategory()) {
     bool const choice = entry.kind == EntryKind::Choice;
     (choice ? category : around)->getContentsMutable()->add(m_states.params[entry.symbol]);
@@ -211,8 +211,8 @@ runtime::CategoryState StateBuilder::categoryOf(EntryId id) {
   if (entry.kind == EntryKind::If || (plain && m_compiled.nodes[id].firstChild == noEntry)) {
     return {};
   }
-  const runtime::CategoryState category = runtime::CategoryState::create(m_model);
-  const data::UserVisibleData data = data::UserVisibleData::create(m_model);
+  runtime::CategoryState const category = runtime::CategoryState::create(m_model);
+  data::UserVisibleData const data = data::UserVisibleData::create(m_model);
   describe(data, id);
   if (id == rootEntry) {
     data->setName(toModel(tree().title));
@@ -230,9 +230,9 @@ runtime::CategoryState StateBuilder::categoryOf(EntryId id) {
 // What a user can set
 
 void StateBuilder::addPerspective() {
-  const schema::PerspectiveDef definition = schema::PerspectiveDef::create(m_model);
-  const runtime::PerspectiveState perspective = runtime::PerspectiveState::create(m_model);
-  const std::u16string id(key::settable);
+  schema::PerspectiveDef const definition = schema::PerspectiveDef::create(m_model);
+  runtime::PerspectiveState const perspective = runtime::PerspectiveState::create(m_model);
+  std::u16string const id(key::settable);
   definition->setId(id);
   perspective->setId(id);
   perspective->setName(std::u16string(u"What a user can set"));
@@ -261,7 +261,7 @@ void StateBuilder::addPerspective() {
 
 void StateBuilder::addProductions() {
   for (schema::ProductionDef const& definition : *m_schema->getProductions()) {
-    const runtime::ProductionState production = runtime::ProductionState::create(m_model);
+    runtime::ProductionState const production = runtime::ProductionState::create(m_model);
     production->setKey(definition->getKey());
     production->setProductionClass(definition->getProducerClass());
     m_states.root->getProductionsMutable()->insert(production);

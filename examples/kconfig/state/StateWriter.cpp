@@ -31,7 +31,7 @@ void StateWriter::write(Evaluator& evaluator, UserValues const& users) {
     if (!m_states.params[symbol]) {
       continue;
     }
-    const ShownValue value = valueOf(symbol, evaluator, users);
+    ShownValue const value = valueOf(symbol, evaluator, users);
     if (m_defaults.empty() || !isSame(value, m_shown[symbol])) {
       writeParam(symbol, value);
     }
@@ -89,7 +89,7 @@ void StateWriter::writeDefault(SymbolId symbol, bool asked) {
   }
   if (asked && !m_defaults.empty()) {
     Symbol const& row = m_definitions.tree.symbols[symbol];
-    const data::ParamData data = createData(param->getModel(), row);
+    data::ParamData const data = createData(param->getModel(), row);
     setValue(data, m_defaults[symbol].text, row.type);
     param->setDefault(data);
   }
@@ -101,7 +101,7 @@ void StateWriter::writeMessage(SymbolId symbol, bool outOfRange) {
     param->getMessagesMutable()->at(0)->destroy();
   }
   if (outOfRange) {
-    const runtime::MetaMessage message = runtime::MetaMessage::create(param->getModel());
+    runtime::MetaMessage const message = runtime::MetaMessage::create(param->getModel());
     message->setCode(u"range");
     message->setSeverity(warningSeverity);
     message->setText(u"The value that the profile gives is out of range and does not count.");
@@ -113,11 +113,11 @@ void StateWriter::writeConstraints(SymbolId symbol, Evaluator& evaluator) {
   Symbol const& row = m_definitions.tree.symbols[symbol];
   if (isNumeric(row.type)) {
     using Number = std::numeric_limits<long long>;
-    const Limits limits = evaluator.limitsOf(symbol).value_or(Limits{Number::min(), Number::max()});
+    Limits const limits = evaluator.limitsOf(symbol).value_or(Limits{Number::min(), Number::max()});
     setLimits(m_states.params[symbol]->getData(), limits.lower, limits.upper);
   } else if (row.kind == SymbolKind::Choice) {
     std::vector<bool> enabled;
-    for (const SymbolId member : m_compiled.membersOf(symbol)) {
+    for (SymbolId const member : m_compiled.membersOf(symbol)) {
       enabled.push_back(evaluator[member].visible != Tristate::No);
     }
     writeOptions(symbol, enabled);
@@ -127,7 +127,7 @@ void StateWriter::writeConstraints(SymbolId symbol, Evaluator& evaluator) {
 }
 
 void StateWriter::writeOptions(SymbolId symbol, std::vector<bool> const& enabled) {
-  const data::ParamData data = m_states.params[symbol]->getData();
+  data::ParamData const data = m_states.params[symbol]->getData();
   auto const enumeration = plinth::element_cast<data::EnumParamData>(data);
   auto& options = *enumeration->getAllowedValuesMutable();
   auto const agrees = [](data::EnumOption const& option, bool wanted) { return option.getEnabled() == wanted; };

@@ -19,7 +19,7 @@ data::ParamData createData(plinth::Model const& model, Symbol const& symbol) {
     return data::BooleanParamData::create(model);
   }
   if (isNumeric(symbol.type)) {
-    const data::IntegerParamData number = data::IntegerParamData::create(model);
+    data::IntegerParamData const number = data::IntegerParamData::create(model);
     setLimits(number, std::numeric_limits<long long>::min(), std::numeric_limits<long long>::max());
     return number;
   }

@@ -13,13 +13,13 @@ namespace {
 void writeScript(runtime::ProductionState const& production, char16_t const* name, char16_t const* language,
                  std::string const& text) {
   if (!production->hasScript()) {
-    const script::AnnotatedScript made = script::AnnotatedScript::create(production->getModel());
+    script::AnnotatedScript const made = script::AnnotatedScript::create(production->getModel());
     made->setName(name);
     made->setLanguage(language);
     production->setScript(made);
   }
-  const script::AnnotatedScript script = production->getScript();
-  const std::u16string converted = toModel(text);
+  script::AnnotatedScript const script = production->getScript();
+  std::u16string const converted = toModel(text);
   if (script->getText() != converted) {
     script->setText(converted);
     script->setRevision(script->getRevision() + 1);
@@ -29,7 +29,7 @@ void writeScript(runtime::ProductionState const& production, char16_t const* nam
 }  // namespace
 
 void produce(runtime::ConfigurationState const& state, Output const& output) {
-  const plinth::Model model = state->getModel();
+  plinth::Model const model = state->getModel();
   plinth::Transaction transaction = model.beginTransaction();
   auto const& productions = *state->getProductions();
   writeScript(productions.find(key::configuration), u".config", u"configuration", formatConfiguration(output));
@@ -38,7 +38,7 @@ void produce(runtime::ConfigurationState const& state, Output const& output) {
 }
 
 std::string scriptOf(runtime::ConfigurationState const& state, std::u16string_view production) {
-  const runtime::ProductionState found = state->getProductions()->find(production);
+  runtime::ProductionState const found = state->getProductions()->find(production);
   return found && found->hasScript() ? fromModel(found->getScript()->getText()) : std::string();
 }
 
