@@ -74,7 +74,7 @@ struct Registration {
 /// The plain value as what the setter of a property of value type T takes.
 template <class T>
 T content(Value const& value) {
-  if constexpr ((!plinth::detail::isMany<T> && !plinth::detail::isOptional<T>)) {
+  if constexpr (!plinth::detail::isMany<T> && !plinth::detail::isOptional<T>) {
     return value.getValue<T>();
   } else {
     return value.getValue<typename T::value_type>();
