@@ -137,15 +137,16 @@ TEST(DatatypeSerializer, ReadsAndWritesFieldsOfACopy) {
   EXPECT_EQ(raised([&] { serializer.setPropertyValue(object, {}, single(1.0)); }), "NoSuchProperty");
   EXPECT_EQ(serializer.fromOptionalValue(serializer.toOptionalValue(changed)), changed);
   EXPECT_EQ(raised([&] { serializer.fromOptionalValue(serializer.createEmptyOptionalValue()); }), "InvalidValue");
-  Value const sequence =
-      serializer.combineAsUnmanagedSequenceValue(Type(plinth::MetaTypeOf<EnumOption>::type()), {shown, object, shown});
-  Value const set =
-      serializer.combineAsUnmanagedSetValue(Type(plinth::MetaTypeOf<EnumOption>::type()), {shown, object, shown});
+  Type const optionType(plinth::MetaTypeOf<EnumOption>::type());
+  Value sequence = serializer.combineAsUnmanagedSequenceValue(optionType, {shown, object, shown});
+  Value set = serializer.combineAsUnmanagedSetValue(optionType, {shown, object, shown});
   EXPECT_FALSE(sequence.meta().isManaged() || set.meta().isManaged());
   EXPECT_EQ(sequence.getValue<std::vector<EnumOption>>().size(), 3U);
   EXPECT_EQ(set.getValue<std::set<EnumOption>>().size(), 2U);
-  delete static_cast<std::vector<EnumOption> const*>(sequence.content());
-  delete static_cast<std::set<EnumOption> const*>(set.content());
+  sequence.release();
+  set.release();
+  EXPECT_EQ(raised([&] { (void)serializer.combineAsUnmanagedSetValue(Type(value->type()), {shown}); }),
+            "CannotCastIncompatibleTypes");
 }
 
 TEST(EnumSerializer, WritesAndReadsNamesValuesAndPublicIdentifiers) {
@@ -174,8 +175,15 @@ TEST(EnumSerializer, WritesAndReadsNamesValuesAndPublicIdentifiers) {
   auto const& tagValue = *registry.propertySerializer(tag, "ID");
   EXPECT_EQ(tagValue.parseValue(u"+2", tag).getValue<TagType>(), TagType::OWNER);
   EXPECT_EQ(tagValue.parseValue(u"0", tag).getValue<TagType>(), TagType::GENERIC);
-  for (auto const* text : {u"9", u"-1", u"++2", u" 2", u"2 ", u"2.0", u"0x2", u"", u"4294967298",
-                           u"99999999999999999999", u"OWNER", u"\u0662"}) {
+  Value twice = tagValue.combineAsUnmanagedSequenceValue(tag, {single(TagType::OWNER), single(TagType::OWNER)});
+  Value again = tagValue.combineAsUnmanagedSequenceValue(tag, {single(TagType::OWNER), single(TagType::OWNER)});
+  EXPECT_EQ(twice, again);
+  EXPECT_EQ(twice.hash(), again.hash());
+  tagValue.releaseValue(twice);
+  tagValue.releaseValue(again);
+  EXPECT_EQ(raised([&] { (void)tagValue.createEmptyOptionalValue(type); }), "CannotCastIncompatibleTypes");
+  for (auto const* text : {u"2\xD800", u"\xDC00\u0032", u"\uFF12", u"9", u"-1", u"++2", u" 2", u"2 ", u"2.0", u"0x2",
+                           u"", u"4294967298", u"99999999999999999999", u"OWNER", u"\u0662"}) {
     EXPECT_THROW(tagValue.parseValue(text, tag), boost::bad_lexical_cast) << plinth::quoted(text);
   }
   EXPECT_EQ(raised([&] { name.serializeValue(single(TagType::ROLE)); }), "CannotCastIncompatibleTypes");
