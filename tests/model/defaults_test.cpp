@@ -53,8 +53,11 @@ Default const defaults[] = {
     {"BooleanParamData", u"Value", "false", u"false"},
 };
 
-plinth::meta::Type dataType(std::string const& name) {
-  return plinth::meta::MetaRegistry::getInstance().findType("tessel.internal.config.data." + name);
+TypeImpl const& dataType(std::string const& name) {
+  MetaPackageTessel_config_datamodel::getInstance();
+  auto const found = plinth::meta::MetaRegistry::getInstance().findType("tessel.internal.config.data." + name);
+  if (!found) throw std::logic_error("no type " + name);
+  return *found.impl();
 }
 
 PropertyImpl& propertyOf(TypeImpl const& owner, std::u16string const& name) {
@@ -65,11 +68,10 @@ PropertyImpl& propertyOf(TypeImpl const& owner, std::u16string const& name) {
 }
 
 TEST(Defaults, OfDataObjectsAreTheSameHoweverTheyAreMade) {
-  MetaPackageTessel_config_datamodel::getInstance();
   auto const model = Model::create();
   for (Default const& row : defaults) {
     SCOPED_TRACE(row.owner + plinth::quoted(row.property));
-    TypeImpl const& owner = *dataType(row.owner).impl();
+    TypeImpl const& owner = dataType(row.owner);
     PropertyImpl& property = propertyOf(owner, row.property);
     auto const& text = property.defaultValue();
     EXPECT_TRUE(row.metaText == nullptr ? !text : text == std::u16string(row.metaText));
@@ -91,7 +93,7 @@ TEST(Defaults, OfAnEnumOptionAreNoTextsAndEnabled) {
   EXPECT_EQ(option.getValue(), u"");
   EXPECT_FALSE(option.getDisplayValue());
   EXPECT_TRUE(option.getEnabled());
-  TypeImpl const& type = *dataType("EnumOption").impl();
+  TypeImpl const& type = dataType("EnumOption");
   EXPECT_FALSE(propertyOf(type, u"Value").defaultValue());
   EXPECT_FALSE(propertyOf(type, u"DisplayValue").defaultValue());
   EXPECT_TRUE(propertyOf(type, u"Enabled").defaultValue() == std::u16string(u"true"));
