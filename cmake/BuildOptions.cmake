@@ -9,6 +9,7 @@ option(TESSEL_BUILD_EXAMPLES "Build the programs under examples/" ${PROJECT_IS_T
 option(TESSEL_FAILURE_POINTS "Compile in the named failure points that the rollback tests arm" OFF)
 option(TESSEL_WARNINGS_AS_ERRORS "Stop at a compiler warning" OFF)
 option(TESSEL_PRECOMPILED_HEADERS "Precompile the headers that nearly every source includes" ON)
+option(TESSEL_COMBINED_SOURCES "Compile generated sources several at a time" ON)
 option(TESSEL_COVERAGE "Instrument for coverage" OFF)
 set(TESSEL_SANITIZE "" CACHE STRING "Sanitizers to build with, comma separated: address,undefined or thread")
 
@@ -93,4 +94,10 @@ function(tessel_precompile_headers target)
     <boost/dynamic_bitset.hpp> <boost/optional.hpp> <boost/uuid/uuid.hpp>
     ${ARGN}
   )
+endfunction()
+
+# tessel_combine_generated_sources(TARGET): compiles the sources that tessel_generate_model() gave several at a time;
+# sources written by hand stay alone. What a generated source keeps to itself therefore carries its class in its name.
+function(tessel_combine_generated_sources target)
+  set_target_properties(${target} PROPERTIES UNITY_BUILD ${TESSEL_COMBINED_SOURCES} UNITY_BUILD_MODE GROUP)
 endfunction()

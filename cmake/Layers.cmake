@@ -10,6 +10,7 @@ function(tessel_add_layer name)
 
   if(sources)
     add_library(${name} OBJECT ${sources})
+    tessel_combine_generated_sources(${name})
     set(scope PUBLIC)
     target_include_directories(${name} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR}/src)
   else()

@@ -287,7 +287,7 @@ std::string rowKind(Property const& property) {
     case Scheme::elementCollection:
       return shapeName(property.shape) + "Kind<" + type + ">";
     case Scheme::elementMap:
-      return "mapKind<" + type + ", keyOf" + property.name + ">";
+      return "mapKind<" + type + ", keyOf" + property.owner->name + property.name + ">";
     case Scheme::derivedView:
       return "subsetKind<" + type + ", " + elementCollectionType(*property.source) + ", " +
              std::to_string(positionAmongSiblings(*property.source)) + ">";
