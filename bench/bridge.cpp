@@ -266,7 +266,9 @@ void describeConstruction() {
         for (auto _ : state) {
           auto const model = plinth::bridge::announceModel(plinth::Model::create());
           meter.measure([&] {
-            for (std::size_t i = 0; i < sizeOf(state); ++i) corvid::construct(hostClass, {model.get(), fields.get()});
+            for (std::size_t i = 0; i < sizeOf(state); ++i) {
+              benchmark::DoNotOptimize(corvid::construct(hostClass, {model.get(), fields.get()}));
+            }
           });
         }
       });

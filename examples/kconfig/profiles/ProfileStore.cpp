@@ -34,7 +34,7 @@ std::optional<Tristate> levelOf(std::string_view text) {
 class ProfileReading {
  public:
   ProfileReading(Definitions& definitions, CompiledTree const& compiled)
-      : m_tree(definitions.tree), m_definitions(definitions), m_users(definitions.tree, compiled) {}
+      : m_tree(definitions.tree), m_users(definitions.tree, compiled) {}
 
   void take(SymbolId symbol, data::ParamData const& data);
   UserValues finish() { return std::move(m_users); }
@@ -43,7 +43,6 @@ class ProfileReading {
   void takeOption(data::EnumParamData const& data, UserValue& value) const;
 
   MenuTree& m_tree;
-  Definitions const& m_definitions;
   UserValues m_users;
 };
 
