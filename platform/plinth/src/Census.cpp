@@ -8,13 +8,14 @@
 #include <unordered_set>
 
 #include "LiveObjects.hpp"
+#include "groundwork/counting.hpp"
 #include "plinth/meta/MetaRegistry.hpp"
 
 namespace plinth {
 namespace {
 
-std::atomic<std::size_t> elementObjects{0};
-std::atomic<std::size_t> metaElementObjects{0};
+std::atomic<std::ptrdiff_t> elementObjects{0};
+std::atomic<std::ptrdiff_t> metaElementObjects{0};
 
 struct ByName {
   bool operator()(meta::ClassImpl const* left, meta::ClassImpl const* right) const noexcept {
@@ -51,10 +52,10 @@ LiveModels& liveModels() {
 
 namespace detail {
 
-void LiveObjects::addElement() noexcept { elementObjects.fetch_add(1, std::memory_order_relaxed); }
-void LiveObjects::removeElement() noexcept { elementObjects.fetch_sub(1, std::memory_order_relaxed); }
-void LiveObjects::addMetaElement() noexcept { metaElementObjects.fetch_add(1, std::memory_order_relaxed); }
-void LiveObjects::removeMetaElement() noexcept { metaElementObjects.fetch_sub(1, std::memory_order_relaxed); }
+void LiveObjects::addElement() noexcept { groundwork::addTo(elementObjects, std::ptrdiff_t{1}); }
+void LiveObjects::removeElement() noexcept { groundwork::addTo(elementObjects, std::ptrdiff_t{-1}); }
+void LiveObjects::addMetaElement() noexcept { groundwork::addTo(metaElementObjects, std::ptrdiff_t{1}); }
+void LiveObjects::removeMetaElement() noexcept { groundwork::addTo(metaElementObjects, std::ptrdiff_t{-1}); }
 
 void LiveObjects::enter(ModelImpl& model) {
   std::lock_guard const lock(liveModels().mutex);
@@ -110,7 +111,7 @@ Census census() {
     }
   }
   result.classes = rowsOf(counts);
-  std::size_t const objects = elementObjects.load() - metaElementObjects.load();
+  auto const objects = static_cast<std::size_t>(elementObjects.load() - metaElementObjects.load());
   result.others = objects - std::min(objects, result.elements());
   return result;
 }

@@ -12,18 +12,24 @@ ElementImpl::~ElementImpl() = default;
 
 bool ElementImpl::tryAddRef() const noexcept {
   std::uint32_t count = m_refCount.load(std::memory_order_relaxed);
-  while (count != 0 && (count & REFCOUNT_DELETING) == 0) {
+  while ((count & REFCOUNT_DELETING) == 0) {
     if (m_refCount.compare_exchange_weak(count, count + 1, std::memory_order_relaxed)) return true;
   }
   return false;
 }
 
 void ElementImpl::removeRef() noexcept {
-  if (m_refCount.fetch_sub(1, std::memory_order_acq_rel) != 1) return;
-  // The destructors release fields that may reach this object again; from here on the count can't come back to zero.
-  m_refCount.store(REFCOUNT_DELETING, std::memory_order_relaxed);
-  std::atomic_thread_fence(std::memory_order_seq_cst);
-  delete this;
+  // The destructors release fields that may reach this object again. So the last reference becomes the mark in the same
+  // step, and from then on the count can't come back to zero.
+  std::uint32_t count = refCount();
+  auto const next = [&] { return count == 1 ? REFCOUNT_DELETING : count - 1; };
+  if (groundwork::isSingleThreaded()) {
+    m_refCount.store(next(), std::memory_order_relaxed);
+  } else {
+    while (!m_refCount.compare_exchange_weak(count, next(), std::memory_order_seq_cst, std::memory_order_relaxed)) {
+    }
+  }
+  if (count == 1) delete this;
 }
 
 namespace {

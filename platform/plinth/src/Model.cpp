@@ -92,7 +92,7 @@ void ModelImpl::announce(ModelElementImpl& element) {
   m_log.reserve();
   m_directory.reserve(element);
   if (!m_directory.add(element)) reportException(messages::UniquenessConstraint());
-  element.addRef();  // the model's own
+  element.addRefUnshared();  // the model's own
   element.m_live = 1;
   element.m_state |= ANNOUNCED;
   element.m_createdLevel = static_cast<std::uint16_t>(level());

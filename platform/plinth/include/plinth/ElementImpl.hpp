@@ -9,6 +9,7 @@
 #include <boost/uuid/uuid.hpp>
 #include <cstdint>
 
+#include "groundwork/counting.hpp"
 #include "groundwork/export.hpp"
 #include "plinth/ModelFwd.hpp"
 
@@ -31,7 +32,7 @@ class TESSEL_EXPORT ElementImpl {
   void const* modelIdentity() const noexcept { return m_model; }
   std::uint32_t refCount() const noexcept { return m_refCount.load(std::memory_order_relaxed); }
 
-  void addRef() const noexcept { m_refCount.fetch_add(1, std::memory_order_relaxed); }
+  void addRef() const noexcept { groundwork::addTo(m_refCount, std::uint32_t{1}); }
   /// Takes a reference unless the last one has gone. For whoever holds a pointer that is no reference.
   bool tryAddRef() const noexcept;
   /// Gives one reference back; deletes the object when it was the last.
@@ -45,6 +46,9 @@ class TESSEL_EXPORT ElementImpl {
 
  protected:
   ElementImpl(ModelImpl* model, boost::uuids::uuid const& uuid) noexcept : m_uuid(uuid), m_model(model) {}
+
+  /// Takes a reference of an object that no other thread knows.
+  void addRefUnshared() const noexcept { m_refCount.store(refCount() + 1, std::memory_order_relaxed); }
 
   /// Bits of `m_state`. The first two are what a setter refuses.
   enum State : std::uint8_t {
