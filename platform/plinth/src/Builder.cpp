@@ -8,6 +8,7 @@
 namespace plinth {
 
 struct Orchestrator::Frame {
+  Frame(ModelElementBuilder* maker, std::size_t steps) noexcept : builder(maker), first(steps), next(steps) {}
   ModelElementBuilder* builder;  ///< holds what it has made
   std::size_t first;             ///< its steps begin here; those of the innermost frame are the last
   std::size_t next;
@@ -38,13 +39,13 @@ ModelElement Orchestrator::getCreatedElement(ModelElementBuilder const* builder)
   return builder->m_orchestrator == this ? builder->m_created : ModelElement();
 }
 
-ModelElement Orchestrator::run(boost::uuids::uuid const& uuid) {
+ModelElement const& Orchestrator::run(boost::uuids::uuid const& uuid) {
   boost::container::small_vector<Frame, 8> frames;
   CascadeSteps steps;
   auto const enter = [&](ModelElementBuilder* builder, boost::uuids::uuid const& childUuid) {
     addBuilder(builder);
     ModelElement const& element = builder->make(childUuid);
-    frames.push_back({builder, steps.size(), steps.size()});
+    frames.emplace_back(builder, steps.size());
     builder->cascadeCreation(*element, steps);
   };
   enter(m_root, uuid);
@@ -64,7 +65,10 @@ ModelElement Orchestrator::run(boost::uuids::uuid const& uuid) {
   }
 }
 
-void Orchestrator::commit() { m_step.commit(); }
+ModelElement Orchestrator::commit() {
+  m_step.commit();
+  return std::move(m_root->m_created);
+}
 
 ModelElementBuilder::~ModelElementBuilder() = default;
 
@@ -72,9 +76,8 @@ ModelElement ModelElementBuilder::create(boost::uuids::uuid const& uuid) {
   if (m_orchestrator != nullptr) return make(uuid);
   if (m_model.isEmpty()) reportException(messages::CannotCreateWithoutModel());
   Orchestrator orchestrator(this);
-  ModelElement element = orchestrator.run(uuid);
-  orchestrator.commit();
-  return element;
+  orchestrator.run(uuid);
+  return orchestrator.commit();
 }
 
 ModelElement const& ModelElementBuilder::make(boost::uuids::uuid const& uuid) {

@@ -20,12 +20,12 @@ void UndoLog::touch(Undoable& journal) {
   if (journal.m_touchedLevel == level()) return;
   reserve();
   journal.m_firstOwnStep = static_cast<std::uint32_t>(journal.steps());
-  m_entries.push_back({&journal, Kind::JOURNAL, journal.m_firstOwnStep});
+  m_entries.emplace_back(&journal, Kind::JOURNAL, journal.m_firstOwnStep);
   journal.m_touchedLevel = level();
 }
 
 void UndoLog::begin() {
-  m_levels.push_back({m_entries.size(), m_lastSerial + 1});
+  m_levels.emplace_back(m_entries.size(), m_lastSerial + 1);
   ++m_lastSerial;
 }
 

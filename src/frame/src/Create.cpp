@@ -34,10 +34,8 @@ plinth::ModelElement createChild(Element& self, PropertyDescriptor const& row, p
   self.requireModifiable();
   if (builder.model().impl() != &self.model()) builder.setModel(self.getModel());
   plinth::Orchestrator orchestrator(&builder, plinth::Orchestrator::Builders::SPENT);
-  plinth::ModelElement child = orchestrator.run(uuid);
-  row.kind->attach(self, row, child);
-  orchestrator.commit();
-  return child;
+  row.kind->attach(self, row, orchestrator.run(uuid));
+  return orchestrator.commit();
 }
 
 }  // namespace tessel::frame

@@ -30,9 +30,10 @@ class TESSEL_EXPORT Orchestrator {
   void addBuilder(ModelElementBuilder* builder);
   /// What that builder has made, or an empty handle.
   ModelElement getCreatedElement(ModelElementBuilder const* builder) const;
-  /// Makes the root's element and everything below it.
-  ModelElement run(boost::uuids::uuid const& uuid);
-  void commit();
+  /// Makes the root's element and everything below it. The reference holds until the commit.
+  ModelElement const& run(boost::uuids::uuid const& uuid);
+  /// Gives the root's element.
+  ModelElement commit();
   bool spendsBuilders() const noexcept { return m_spendsBuilders; }
 
  private:

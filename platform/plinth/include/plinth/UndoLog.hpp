@@ -60,9 +60,9 @@ class UndoLog {
   void reserve() {
     if (m_entries.size() == m_entries.capacity()) grow();
   }
-  void recordMade(ModelElementImpl& element) noexcept { m_entries.push_back({&element, Kind::RECORD, 0}); }
-  void created(ModelElementImpl& element) noexcept { m_entries.push_back({&element, Kind::CREATED, 0}); }
-  void destroyed(ModelElementImpl& element) noexcept { m_entries.push_back({&element, Kind::DESTROYED, 0}); }
+  void recordMade(ModelElementImpl& element) noexcept { m_entries.emplace_back(&element, Kind::RECORD); }
+  void created(ModelElementImpl& element) noexcept { m_entries.emplace_back(&element, Kind::CREATED); }
+  void destroyed(ModelElementImpl& element) noexcept { m_entries.emplace_back(&element, Kind::DESTROYED); }
   /// Notes that `journal` changes at the present level; an entry is written the first time only. Raises std::bad_alloc.
   void touch(Undoable& journal);
   /// Whether it has been touched at the present level, so that another touch would do nothing.
@@ -94,13 +94,18 @@ class UndoLog {
 
  private:
   enum class Kind : std::uint32_t { NOTHING, RECORD, JOURNAL, CREATED, DESTROYED };
+  // With constructors, both are written where they are to stand; put together elsewhere and then copied, they cost a
+  // wait for what has just been stored.
   struct Entry {
+    explicit Entry(void* changed = nullptr, Kind how = Kind::NOTHING, std::uint32_t steps = 0) noexcept
+        : object(changed), kind(how), mark(steps) {}
     void* object;
     Kind kind;
     std::uint32_t mark;
   };
 
   struct Level {
+    Level(std::size_t entries, unsigned long number) noexcept : mark(entries), serial(number) {}
     std::size_t mark;  ///< the number of entries at its begin
     unsigned long serial;
   };

@@ -37,14 +37,14 @@ class NodeSteps {
     makeRoomFor(m_former, 1, 1);
   }
   /// `key` stands in the node that was inserted: its address stays good wherever the node goes.
-  void inserted(Key const& key) noexcept { m_steps.push_back(Step{Node(), &key, Mapped(), Kind::INSERTED}); }
-  void erased(Node node) noexcept { m_steps.push_back(Step{std::move(node), nullptr, Mapped(), Kind::ERASED}); }
+  void inserted(Key const& key) noexcept { m_steps.emplace_back(Node(), &key, Mapped(), Kind::INSERTED); }
+  void erased(Node node) noexcept { m_steps.emplace_back(std::move(node), nullptr, Mapped(), Kind::ERASED); }
   void replaced(Key const& key, Mapped former) noexcept {
-    m_steps.push_back(Step{Node(), &key, std::move(former), Kind::REPLACED});
+    m_steps.emplace_back(Node(), &key, std::move(former), Kind::REPLACED);
   }
   void reset(C former) noexcept {
     m_former.push_back(std::move(former));
-    m_steps.push_back(Step{Node(), nullptr, Mapped(), Kind::RESET});
+    m_steps.emplace_back(Node(), nullptr, Mapped(), Kind::RESET);
   }
 
   std::size_t size() const noexcept { return m_steps.size(); }
@@ -102,6 +102,8 @@ class NodeSteps {
  private:
   enum class Kind : std::uint8_t { INSERTED, ERASED, REPLACED, RESET };
   struct Step {
+    Step(Node&& taken, Key const* at, Mapped&& value, Kind how) noexcept
+        : node(std::move(taken)), key(at), former(std::move(value)), kind(how) {}
     Node node;
     Key const* key;
     Mapped former;

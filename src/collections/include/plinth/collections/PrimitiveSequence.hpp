@@ -126,7 +126,11 @@ auto PrimitiveSequence<T>::insert(Iterator position, T value) -> Iterator {
   Journal* const journal = this->recordingJournal();
   if (journal != nullptr) journal->reserve();
   failurePoint("primitive-insert");
-  this->container().insert(position, std::move(value));
+  if (position == this->end()) {
+    this->container().push_back(std::move(value));
+  } else {
+    this->container().insert(position, std::move(value));
+  }
   if (journal != nullptr) journal->inserted(index);
   operation.commit();
   return at(index);

@@ -26,24 +26,24 @@ class SequenceJournal : public CollectionJournal {
     if (Step* const run = ownInsertion(); run != nullptr && run->begin <= position && position <= run->end) {
       run->end += count;
     } else {
-      m_steps.push_back(Step{T(), position, position + count, Kind::INSERTED});
+      m_steps.emplace_back(T(), position, position + count, Kind::INSERTED);
     }
   }
   void erased(std::size_t position, T value) noexcept {
     if (Step* const run = ownInsertionAround(position)) {
       if (--run->end == run->begin) m_steps.pop_back();
     } else {
-      m_steps.push_back(Step{std::move(value), position, position + 1, Kind::ERASED});
+      m_steps.emplace_back(std::move(value), position, position + 1, Kind::ERASED);
     }
   }
   void replaced(std::size_t position, T value) noexcept {
     if (ownInsertionAround(position) != nullptr) return;
-    m_steps.push_back(Step{std::move(value), position, position + 1, Kind::REPLACED});
+    m_steps.emplace_back(std::move(value), position, position + 1, Kind::REPLACED);
   }
   /// The whole contents have been taken out.
   void reset(std::vector<T> former) noexcept {
     m_former.push_back(std::move(former));
-    m_steps.push_back(Step{T(), m_former.size() - 1, m_former.size(), Kind::RESET});
+    m_steps.emplace_back(T(), m_former.size() - 1, m_former.size(), Kind::RESET);
   }
 
   std::size_t steps() const noexcept override { return m_steps.size(); }
@@ -104,6 +104,8 @@ class SequenceJournal : public CollectionJournal {
  private:
   enum class Kind : std::uint8_t { INSERTED, ERASED, REPLACED, RESET };
   struct Step {
+    Step(T&& former, std::size_t first, std::size_t behindLast, Kind how) noexcept
+        : value(std::move(former)), begin(first), end(behindLast), kind(how) {}
     T value;
     std::size_t begin;  ///< the first slot; of a reset, the position among the former contents
     std::size_t end;    ///< the slot behind the last
