@@ -1,6 +1,7 @@
-// Threads that meet at the first use of the metamodel all find it whole.
+// What several threads may do at once: meet at the first use of the metamodel, and copy and release handles.
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <tessel_config_datamodel/ext/ConfigEntry.hpp>
 #include <tessel_config_datamodel/runtime/ParamState.hpp>
 #include <tessel_config_datamodel/schema/SchemaData.hpp>
@@ -44,6 +45,29 @@ TEST(FirstUse, FromSeveralThreadsAtOnceGivesOneWholeMetamodel) {
   EXPECT_EQ(counts[0], 2U);
   EXPECT_EQ(counts[1], 20U);
   EXPECT_EQ(counts[2], 17U);
+}
+
+TEST(Handles, OfOneElementAreCopiedAndReleasedByThreadsAtOnce) {
+  auto const model = plinth::Model::create();
+  auto entry = ConfigEntry::create(model);
+  auto const* const impl = entry.elementImpl();
+  auto const counted = impl->refCount();  // while there was one thread
+  auto const onThreads = [](auto const& work) {
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) threads.emplace_back(work);
+    for (auto& thread : threads) thread.join();
+  };
+  onThreads([&entry] {
+    for (int i = 0; i < 20000; ++i) ConfigEntry const copy(entry);
+  });
+  EXPECT_EQ(impl->refCount(), counted);
+
+  entry->destroy();
+  std::atomic<std::size_t> taken{0};
+  std::vector<ConfigEntry> last(4, entry);
+  entry = {};
+  EXPECT_EQ(impl->refCount(), last.size());
+  onThreads([&] { last[taken++] = {}; });  // one of them ends the object; a second time would be found
 }
 
 }  // namespace
