@@ -20,16 +20,19 @@ bool ElementImpl::tryAddRef() const noexcept {
 
 void ElementImpl::removeRef() noexcept {
   // The destructors release fields that may reach this object again. So the last reference becomes the mark in the same
-  // step, and from then on the count can't come back to zero.
+  // step, before any field goes, and from then on the count can't come back to zero.
   std::uint32_t count = refCount();
   auto const next = [&] { return count == 1 ? REFCOUNT_DELETING : count - 1; };
   if (groundwork::isSingleThreaded()) {
     m_refCount.store(next(), std::memory_order_relaxed);
+    if (count != 1) return;
   } else {
-    while (!m_refCount.compare_exchange_weak(count, next(), std::memory_order_seq_cst, std::memory_order_relaxed)) {
+    while (!m_refCount.compare_exchange_weak(count, next(), std::memory_order_acq_rel, std::memory_order_relaxed)) {
     }
+    if (count != 1) return;
+    std::atomic_thread_fence(std::memory_order_seq_cst);
   }
-  if (count == 1) delete this;
+  delete this;
 }
 
 namespace {
