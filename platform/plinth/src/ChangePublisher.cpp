@@ -69,6 +69,11 @@ void ChangePublisher::collect(UndoLog& log) {
   }
 }
 
+void ChangePublisher::discard() noexcept {
+  m_queue.pop_back();
+  m_gathered->clear();
+}
+
 void ChangePublisher::gather(UndoLog& log) {
   ChangeSet& changes = m_gathered->changes;
   std::size_t records = 0;

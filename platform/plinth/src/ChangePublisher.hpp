@@ -32,6 +32,8 @@ class ChangePublisher {
 
   /// Gathers what the log tells; raises std::bad_alloc, and then nothing has been taken.
   void collect(UndoLog& log);
+  /// What has been collected is not going to be taken over.
+  void discard() noexcept;
   /// Takes the records from their elements, so that listeners may open transactions of their own.
   void takeOver(UndoLog& log) noexcept;
   /// Tells what has been taken over, unless a listener further up the stack is being told: it goes on with this one.

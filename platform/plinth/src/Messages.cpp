@@ -10,7 +10,7 @@ struct Text {
   char const* pattern;
 };
 
-constexpr std::array<Text, 25> TEXTS{{
+constexpr std::array<Text, 27> TEXTS{{
     {"CannotModifyProxy",
      "the element is a proxy for one that is not in memory and can be neither modified nor asked for its collections; "
      "resolve it first"},
@@ -36,6 +36,11 @@ constexpr std::array<Text, 25> TEXTS{{
     {"CannotContainAncestor", "an element can't be contained by itself or by an element below it"},
     {"TransactionNotInnermost", "only the innermost open transaction can be committed; end the inner ones first"},
     {"TransactionEnded", "the transaction has ended already; begin another one"},
+    {"OtherModelInTransaction",
+     "the change reaches from the model \"{0}\" into the model \"{1}\", whose open transaction can end otherwise; end "
+     "that one first, or work in one transaction of either model"},
+    {"CannotUnloadForeignElement",
+     "the element lies in the model \"{1}\" and can't be unloaded from the model \"{0}\"; ask its own model"},
     {"TransactionsNestedTooDeeply", "at most {0} transactions can be open in one another; end some first"},
     {"NoModel", "the model's handle is empty; give a model"},
     {"NoListener", "an empty function can't be told of changes; give one that can be called"},

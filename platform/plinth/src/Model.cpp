@@ -31,7 +31,8 @@ ModelImpl::ModelImpl()
     : ElementImpl(this, generateNewUuid()),
       m_log(*this),
       m_publisher(std::make_unique<ChangePublisher>()),
-      m_listenerCount(&m_publisher->listenerCount()) {
+      m_listenerCount(&m_publisher->listenerCount()),
+      m_ties(*this) {
   detail::LiveObjects::enter(*this);
   m_live = 1;
 }
@@ -65,8 +66,13 @@ void ModelImpl::begin(bool thawed) {
 }
 
 void ModelImpl::commit() {
+  bool const leads = m_ties.hasFollowers();
+  if (leads) m_ties.requireFollowersInnermost();
   if (level() > 1) {
     m_log.commitInner();
+    if (leads) m_ties.handDown();
+  } else if (leads) {
+    commitGroup();
   } else {
     commitOutermost();
   }
@@ -84,7 +90,37 @@ void ModelImpl::commitOutermost() {
   m_publisher->publish();
 }
 
-void ModelImpl::rollBack() noexcept { m_log.rollBack(); }
+void ModelImpl::commitGroup() {
+  std::vector<Handle> const group = m_ties.group();
+  auto const modelAt = [&](std::size_t i) -> ModelImpl& { return static_cast<ModelImpl&>(*group[i].elementImpl()); };
+  std::vector<char> isWatched(group.size());
+  for (std::size_t i = 0; i < group.size(); ++i) isWatched[i] = modelAt(i).m_publisher->isWatched() ? 1 : 0;
+  std::size_t collected = 0;
+  try {
+    for (; collected < group.size(); ++collected) {
+      if (isWatched[collected] != 0) modelAt(collected).m_publisher->collect(modelAt(collected).m_log);
+    }
+  } catch (...) {
+    for (std::size_t i = 0; i < collected; ++i) {
+      if (isWatched[i] != 0) modelAt(i).m_publisher->discard();
+    }
+    throw;
+  }
+  for (std::size_t i = 0; i < group.size(); ++i) {
+    ModelImpl& model = modelAt(i);
+    if (isWatched[i] != 0) model.m_publisher->takeOver(model.m_log);
+    model.m_log.commitOutermost();
+    model.m_ties.dissolve();
+  }
+  for (std::size_t i = 0; i < group.size(); ++i) {
+    if (isWatched[i] != 0) modelAt(i).m_publisher->publish();
+  }
+}
+
+void ModelImpl::rollBack() noexcept {
+  if (m_ties.any() && m_ties.rollBackTied()) return;
+  m_log.rollBack();
+}
 
 void ModelImpl::announce(ModelElementImpl& element) {
   if (level() == 0) reportException(messages::CannotModifyOutsideTransaction());

@@ -1,5 +1,6 @@
 #include "plinth/ModelDirectory.hpp"
 
+#include <algorithm>
 #include <mutex>
 #include <unordered_map>
 
@@ -38,6 +39,19 @@ Model ModelDirectory::find(std::u16string const& name, bool load) const {
 void ModelDirectory::setLoader(Loader loader) {
   std::lock_guard const lock(state().mutex);
   state().loader = std::move(loader);
+}
+
+std::vector<Model> ModelDirectory::models() const {
+  std::vector<Model> models;
+  {
+    std::lock_guard const lock(state().mutex);
+    for (auto const& [name, model] : state().models) {
+      if (model->tryAddRef()) models.emplace_back(model, Adopt{});
+    }
+  }
+  std::sort(models.begin(), models.end(),
+            [](Model const& left, Model const& right) { return left->name() < right->name(); });
+  return models;
 }
 
 void ModelDirectory::enter(std::u16string const& name, ModelImpl& model) {

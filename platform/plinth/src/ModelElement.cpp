@@ -150,6 +150,7 @@ meta::Property ModelElementImpl::containmentFeature() const noexcept { return me
 
 void ModelElementImpl::basicSetContainer(ModelElementImpl* container, meta::PropertyImpl* property, unsigned long) {
   if (m_container == container && m_containmentProperty == property) return;
+  if (container != nullptr) container->requireReal();
   notifyModifying(0);
   m_container = container;
   m_containmentProperty = property;
@@ -214,11 +215,28 @@ void ModelElementImpl::checkCompatibleModel(ModelElementImpl* target, meta::Prop
 bool ModelElementImpl::mayReplaceProxy(ModelElementImpl const& found, meta::PropertyImpl const& property) const {
   auto const* const type = static_cast<meta::ClassImpl const*>(property.type());
   if (!found.isLive() || found.isProxy() || !found.getMetaClass()->conformsTo(*type)) return false;
-  if (found.m_model != m_model) return !property.isComposite() && !found.isProvisional();
+  if ((m_state & DESTROYED) != 0) return false;  // a loader has destroyed it
+  if (found.m_model != m_model) {
+    auto const* const opposite = property.opposite();
+    if (property.isComposite() || found.isProvisional()) return false;
+    return opposite == nullptr || !found.mayBeTakenBack(*opposite);
+  }
   if (!property.isComposite()) return true;
   if (m_model->isFrozen() || liesIn(found)) return false;
   bool const liesHere = found.m_container == this && found.m_containmentProperty == &property;
   return found.m_container == nullptr || liesHere || property.qualifiedBy() != nullptr;
+}
+
+void ModelElementImpl::leaveLater(ReferenceCollection& collection) {
+  m_model->m_leaving.push_back({&collection, this});
+}
+
+bool ModelElementImpl::mayBeTakenBack(meta::PropertyImpl const& property) const noexcept {
+  if (isProvisional()) return true;
+  for (Storage const* record = m_record; record != nullptr; record = record->m_outer) {
+    if (record->isChanged(static_cast<unsigned long>(property.index()))) return true;
+  }
+  return false;
 }
 
 bool ModelElementImpl::liesIn(ModelElementImpl const& candidate) const noexcept {
@@ -236,6 +254,7 @@ void ModelElementImpl::reportRefusal() const {
 }
 
 void ModelElementImpl::_setContainedByThis(ModelElementImpl* child, meta::PropertyImpl& property) {
+  if (child->isProxy()) return;
   ModelElementImpl* const old = child->m_container;
   if (old == this && child->m_containmentProperty == &property) return;
   if (old != nullptr) old->inverseRemove(*child, *child->m_containmentProperty);
@@ -247,19 +266,38 @@ void ModelElementImpl::_basicSetUncontained(ModelElementImpl* child) {
 }
 
 void ModelElementImpl::_inverseAddThis(ModelElementImpl* target, meta::PropertyImpl& property, bool) {
-  if (target != nullptr) target->inverseAdd(*this, property);
+  if (target == nullptr || target->isProxy()) return;
+  reach(*target);
+  target->inverseAdd(*this, property);
 }
 
 void ModelElementImpl::_inverseRemoveThis(ModelElementImpl* target, meta::PropertyImpl& property) {
-  if (target != nullptr) target->inverseRemove(*this, property);
+  if (target == nullptr) return;
+  ModelElement const far = _farEnd(ModelElement(target), property);
+  if (far.isEmpty()) return;
+  reach(*far);
+  far->inverseRemove(*this, property);
 }
 
 bool ModelElementImpl::_inverseContainsThis(ModelElementImpl* target, meta::PropertyImpl& property) const {
   return target != nullptr && target->inverseContainsProxyTo(*const_cast<ModelElementImpl*>(this), property);
 }
 
+ModelElement ModelElementImpl::_farEnd(ModelElement const& member, meta::PropertyImpl& opposite) const {
+  if (member.isEmpty() || !member->isProxy()) return member;
+  ModelElement const named = m_model->peekResolveProxy(this, member);
+  return !named->isProxy() && _inverseContainsThis(named.impl(), opposite) ? named : ModelElement();
+}
+
 void ModelElementImpl::_convertToProxy(ModelElementImpl* target, meta::PropertyImpl& property, ProxyId const& id) {
-  if (target != nullptr) target->convertToProxy(property, id, *this);
+  if (target == nullptr || target->isProxy()) return;
+  reach(*target);
+  target->convertToProxy(property, id, *this);
+}
+
+void ModelElementImpl::reach(ModelElementImpl const& far) const {
+  // A dead one may have outlived its model.
+  if (far.m_model != m_model && far.isLive()) m_model->m_ties.takeAlong(*far.m_model);
 }
 
 }  // namespace plinth

@@ -1,6 +1,8 @@
 #include <boost/uuid/string_generator.hpp>
 
+#include "Teardown.hpp"
 #include "plinth/Builder.hpp"
+#include "plinth/Messages.hpp"
 #include "plinth/Model.hpp"
 #include "plinth/ModelDirectory.hpp"
 #include "plinth/meta/Type.hpp"
@@ -54,17 +56,24 @@ ProxyId const* ModelImpl::proxyId(ModelElementImpl const& element) const noexcep
   return found == ids.end() ? nullptr : &found->second;
 }
 
+std::vector<ModelElementImpl const*> ModelImpl::proxies() const {
+  std::vector<ModelElementImpl const*> proxies;
+  for (auto const& [proxy, id] : m_proxyIds) proxies.push_back(proxy);
+  return proxies;
+}
+
 void ModelImpl::unload(ModelElement const& element) {
   if (!element) return;
-  element->requireReal();
-  Transaction transaction = beginTransaction(false);
-  std::vector<ModelElementImpl*> leaving{element.impl()};
-  for (std::size_t i = 0; i < leaving.size(); ++i) leaving[i]->collectContained(leaving);
-  for (ModelElementImpl* each : leaving) {
-    boost::optional<ProxyId> id;
-    each->convertReferencesToProxies(true, id);
+  ModelElement const held = element;  // the handle may be one of those that are cut
+  held->requireReal();
+  if (&held->model() != this) {
+    reportException(messages::CannotUnloadForeignElement(name(), held->model().name()));
   }
-  element->destroy();
+  Transaction transaction = beginTransaction(false);
+  std::vector<ModelElementImpl*> leaving{held.impl()};
+  for (std::size_t i = 0; i < leaving.size(); ++i) leaving[i]->collectContained(leaving);
+  Teardown::convertToProxies(*this, leaving);
+  held->destroy();
   transaction.commit();
 }
 

@@ -47,17 +47,26 @@ void ReferenceCollection::inverseAfterAdding(ModelElementImpl& element) {
 }
 
 void ReferenceCollection::inverseBeforeRemoving(ModelElementImpl& element) {
-  if (owner() == nullptr || !element.isLive() || element.isProxy()) return;
+  if (owner() == nullptr || !element.isLive()) return;
   if (opposite() != nullptr) {
-    element.inverseRemove(*owner(), *opposite());
-  } else if (isComposite()) {
+    owner()->_inverseRemoveThis(&element, *opposite());
+  } else if (isComposite() && !element.isProxy()) {
     element.basicSetContainer(nullptr, nullptr, ModelElementImpl::NO_INDEX);
   }
 }
 
+void ReferenceCollection::basicRemoveAll(std::vector<ModelElement> const& members) {
+  for (ModelElement const& member : members) basicRemove(member);
+}
+
+bool ReferenceCollection::mayTakePlace(ModelElement const& element) const {
+  return owner() != nullptr && !element.isEmpty() && owner()->mayReplaceProxy(*element, *property());
+}
+
 ModelElement ReferenceCollection::resolved(ModelElement const& proxy) const {
+  if (owner() == nullptr) return {};
   ModelElement const found = resolveProxy(proxy);
-  if (!owner()->mayReplaceProxy(*found, *property())) return {};
+  if (!mayTakePlace(found)) return {};
   if (opposite() != nullptr && !isComposite() && !listsOwner(*found)) return {};
   return found;
 }

@@ -1,10 +1,12 @@
 #include "Teardown.hpp"
 
 #include <algorithm>
+#include <functional>
 
 #include "Prefetch.hpp"
 #include "plinth/FailurePoint.hpp"
 #include "plinth/Messages.hpp"
+#include "plinth/ReferenceCollection.hpp"
 #include "plinth/meta/Property.hpp"
 
 namespace plinth {
@@ -36,6 +38,7 @@ void Teardown::drain(ModelImpl& model, bool flag1, bool flag2) {
       constexpr auto REST = static_cast<std::uint8_t>(~(ModelElementImpl::TEARING_DOWN | ModelElementImpl::ENDING));
       for (ModelElementImpl* waiting : m_model.m_teardown) waiting->m_state &= REST;
       m_model.m_teardown.clear();
+      m_model.m_leaving.clear();
       m_model.m_tearingDown = false;
     }
     ModelImpl& m_model;
@@ -52,9 +55,9 @@ void Teardown::drain(ModelImpl& model, bool flag1, bool flag2) {
       if (waiting.size() > size) continue;
     }
     waiting.pop_back();
-    next.m_state &= static_cast<std::uint8_t>(~ModelElementImpl::ENDING);
     end(next);
   }
+  sweep(model);
 }
 
 void Teardown::begin(ModelElementImpl& element, bool flag1, bool flag2) {
@@ -67,6 +70,10 @@ void Teardown::begin(ModelElementImpl& element, bool flag1, bool flag2) {
 }
 
 void Teardown::end(ModelElementImpl& element) {
+  struct Ending {
+    ~Ending() { m_element.m_state &= static_cast<std::uint8_t>(~ModelElementImpl::ENDING); }
+    ModelElementImpl& m_element;
+  } const ending{element};
   ModelImpl& model = element.model();
   element.disassociateIncoming();
   model.m_log.reserve();
@@ -74,6 +81,41 @@ void Teardown::end(ModelElementImpl& element) {
   element.m_live = 0;
   element.m_state |= ModelElementImpl::DESTROYED;
   model.m_log.destroyed(element);  // the model's reference goes to the log with it
+}
+
+void Teardown::convertToProxies(ModelImpl& model, std::vector<ModelElementImpl*> const& elements) {
+  struct Leaving {
+    explicit Leaving(ModelImpl& of, std::vector<ModelElementImpl*> const& those) : m_model(of), m_elements(those) {
+      for (ModelElementImpl* element : m_elements) element->m_state |= ModelElementImpl::ENDING;
+    }
+    ~Leaving() {
+      constexpr auto REST = static_cast<std::uint8_t>(~ModelElementImpl::ENDING);
+      for (ModelElementImpl* element : m_elements) element->m_state &= REST;
+      m_model.m_leaving.clear();
+    }
+    ModelImpl& m_model;
+    std::vector<ModelElementImpl*> const& m_elements;
+  } const leaving(model, elements);
+  for (ModelElementImpl* element : elements) {
+    boost::optional<ProxyId> id;
+    element->convertReferencesToProxies(true, id);
+  }
+  sweep(model);
+}
+
+void Teardown::sweep(ModelImpl& model) {
+  std::vector<ModelImpl::Leaving> leaving = std::exchange(model.m_leaving, {});
+  auto const byCollection = [](auto const& left, auto const& right) {
+    return std::less<>()(left.collection, right.collection);
+  };
+  std::stable_sort(leaving.begin(), leaving.end(), byCollection);
+  for (auto first = leaving.begin(); first != leaving.end();) {
+    auto const last = std::upper_bound(first, leaving.end(), *first, byCollection);
+    std::vector<ModelElement> members;
+    for (auto at = first; at != last; ++at) members.emplace_back(at->element);
+    first->collection->basicRemoveAll(members);
+    first = last;
+  }
 }
 
 void Teardown::detach(ModelElementImpl& element) {

@@ -1,6 +1,7 @@
 // Drives the teardown of an element and of all it contains: children in the order of their properties, each with all
 // below it, and then the element itself. What waits stands in a list of the model, so that the depth of a tree costs no
-// stack. Thread rule: the model's thread.
+// stack. So do the far ends of links that go meanwhile: each lets go of all that has left it at the end, so that
+// elements which share one cost no search each. Thread rule: the model's thread.
 #pragma once
 
 #include "plinth/Model.hpp"
@@ -12,11 +13,14 @@ class Teardown {
   static void destroy(ModelElementImpl& element);
   /// Raises CannotModifyOutsideTransaction.
   static void destroyContained(ModelElementImpl& element, bool flag1, bool detach, bool flag2);
+  /// Has them leave all their links, with proxies left in other models; call inside a transaction.
+  static void convertToProxies(ModelImpl& model, std::vector<ModelElementImpl*> const& elements);
 
  private:
   static void drain(ModelImpl& model, bool flag1, bool flag2);
   static void begin(ModelElementImpl& element, bool flag1, bool flag2);
   static void end(ModelElementImpl& element);
+  static void sweep(ModelImpl& model);
   static void detach(ModelElementImpl& element);
 };
 

@@ -9,6 +9,7 @@
 #include "ElementMembers.hpp"
 #include "groundwork/unicode.hpp"
 #include "plinth/ElementPath.hpp"
+#include "plinth/ModelDirectory.hpp"
 #include "plinth/ValueText.hpp"
 
 namespace plinth {
@@ -29,14 +30,18 @@ using detail::shortName;
 /// One run over a model. Elements are looked at only when the directory lists them: any other pointer may be stale.
 class Verification {
  public:
-  explicit Verification(Model const& model) : m_hold(model), m_model(*model.impl()) {}
+  explicit Verification(Model const& model) : m_hold(model), m_model(*model.impl()) {
+    for (ModelElementImpl const* proxy : m_model.proxies()) m_proxies.insert(proxy);
+  }
 
   std::vector<Finding> run() {
     checkDirectory();
     for (ModelElementImpl const* element : m_order) checkProperties(*element);
     for (ModelElementImpl const* element : m_order) checkContainer(*element, m_elements.at(element));
+    for (ModelElementImpl const* proxy : m_proxies) checkProxy(*proxy);
     checkCycles();
     checkOpposites();
+    checkFarOpposites();
     checkReferenceCounts();
     checkUndo();
     return std::move(m_findings);
@@ -77,8 +82,10 @@ class Verification {
                       ModelElementImpl const& child);
   void checkKeys(ModelElementImpl const& element, meta::PropertyImpl const& property);
   void checkContainer(ModelElementImpl const& element, Facts const& facts);
+  void checkProxy(ModelElementImpl const& proxy);
   void checkCycles();
   void checkOpposites();
+  void checkFarOpposites();
   void checkReferenceCounts();
   void checkUndo();
 
@@ -96,6 +103,8 @@ class Verification {
   std::unordered_map<meta::ClassImpl const*, std::vector<meta::PropertyImpl*>> m_properties;
   std::unordered_set<Link, LinkHash> m_links;
   std::vector<Link> m_directLinks;  ///< those whose other end has to agree
+  std::vector<Link> m_farLinks;     ///< the same, with the other end in another model
+  std::unordered_set<ModelElementImpl const*> m_proxies;
   std::vector<Finding> m_findings;
 };
 
@@ -120,6 +129,7 @@ std::vector<meta::PropertyImpl*> const& Verification::elementProperties(meta::Cl
 std::string Verification::containment(ModelElementImpl const* container, meta::PropertyImpl const* property) const {
   if (container == nullptr) return property == nullptr ? "no container" : "no container, yet a containment property";
   std::string const name = property == nullptr ? "no property" : groundwork::toUtf8(property->getName());
+  if (m_proxies.count(container) != 0) return name + " of a proxy";
   return name + " of " + (isKnown(container) ? shortName(*container) : "what is no live element of this model");
 }
 
@@ -255,7 +265,11 @@ void Verification::noteLink(ModelElementImpl const& element, meta::PropertyImpl 
   }
   Link const link{&element, &property, target.impl()};
   m_links.insert(link);
-  if (isKnown(target.impl())) m_directLinks.push_back(link);
+  if (isKnown(target.impl())) {
+    m_directLinks.push_back(link);
+  } else if (target && target->modelIdentity() != &m_model) {
+    m_farLinks.push_back(link);
+  }
 }
 
 void Verification::checkContainer(ModelElementImpl const& element, Facts const& facts) {
@@ -267,6 +281,17 @@ void Verification::checkContainer(ModelElementImpl const& element, Facts const& 
   if (isMetaPart && isKnown(container)) return;
   if (!facts.contained) {
     report("containment", element, property, "a container that holds it", containment(container, property));
+  }
+}
+
+void Verification::checkProxy(ModelElementImpl const& proxy) {
+  if (proxy.basicContainer() != nullptr) {
+    report("proxy", proxy, nullptr, "no container",
+           containment(proxy.basicContainer(), proxy.basicContainmentFeature()));
+  }
+  for (meta::PropertyImpl* property : elementProperties(*proxy.getMetaClass().impl())) {
+    auto const members = detail::membersOf(proxy, *property);
+    if (!members.empty()) report("proxy", proxy, property, "nothing", std::to_string(members.size()) + " elements");
   }
 }
 
@@ -297,6 +322,26 @@ void Verification::checkOpposites() {
   }
 }
 
+void Verification::checkFarOpposites() {
+  // What a property of a far element lists, proxies by what they stand for; gathered once for all links that end there.
+  using Place = std::pair<ModelElementImpl const*, meta::PropertyImpl const*>;
+  std::unordered_map<Place, std::unordered_set<ModelElementImpl const*>, boost::hash<Place>> listed;
+  for (Link const& link : m_farLinks) {
+    meta::PropertyImpl& far = *link.property->opposite();
+    auto const [at, isNew] = listed.try_emplace(Place(link.to, &far));
+    if (isNew) {
+      for (ModelElement const& member : detail::membersOf(*link.to, far)) {
+        bool const isProxy = member && member->isProxy();
+        at->second.insert((isProxy ? link.to->model().peekResolveProxy(link.to, member) : member).impl());
+      }
+    }
+    if (at->second.count(link.from) != 0) continue;
+    report("opposite", *link.from, link.property,
+           shortName(*link.to) + " of another model to list it in " + groundwork::toUtf8(far.getName()),
+           "no entry there");
+  }
+}
+
 void Verification::checkReferenceCounts() {
   for (ModelElementImpl const* element : m_order) {
     std::uint32_t const atLeast = m_elements.at(element).handles + 1;  // the model's own
@@ -316,6 +361,17 @@ void Verification::checkUndo() {
 
 std::vector<Finding> verify(Model const& model) {
   return model.isEmpty() ? std::vector<Finding>() : Verification(model).run();
+}
+
+std::vector<Finding> verifyNamedModels() {
+  std::vector<Finding> all;
+  for (Model const& model : ModelDirectory::getInstance().models()) {
+    for (Finding& finding : verify(model)) {
+      finding.path = groundwork::toUtf8(model->name()) + ":" + finding.path;
+      all.push_back(std::move(finding));
+    }
+  }
+  return all;
 }
 
 }  // namespace plinth

@@ -109,7 +109,7 @@ void ReferenceAssociative::takeIn(ModelElement const& proxy, ModelElement const&
 }
 
 void ReferenceAssociative::replaceProxy(ModelElement const& element) {
-  if (m_proxies == nullptr || m_proxies->empty()) return;
+  if (m_proxies == nullptr || m_proxies->empty() || !mayTakePlace(element)) return;
   for (bool const local : {true, false}) {
     auto const found = m_proxies->find(element->getPersistentProxyId(local));
     if (found == m_proxies->end()) continue;
@@ -120,15 +120,17 @@ void ReferenceAssociative::replaceProxy(ModelElement const& element) {
 }
 
 void ReferenceAssociative::resolve(bool localOnly) {
-  if (m_proxies == nullptr || m_proxies->empty()) return;
+  if (m_proxies == nullptr || m_proxies->empty() || owner() == nullptr) return;
+  ModelElement const held = heldOwner();
   std::vector<ModelElement> waiting;  // taking one in changes the table, and so may a model that is loaded for it
   waiting.reserve(m_proxies->size());
   for (auto const& [id, proxy] : *m_proxies) {
     if (!localOnly || id.isLocal()) waiting.push_back(proxy);
   }
   for (ModelElement const& proxy : waiting) {
+    if (owner()->model().isFrozen()) return;  // taking one in is a change
     ModelElement const real = resolved(proxy);
-    if (!real.isEmpty() && keeps(proxy)) takeIn(proxy, real);
+    if (!real.isEmpty() && keeps(proxy) && !owner()->model().isFrozen()) takeIn(proxy, real);
   }
 }
 
@@ -183,7 +185,11 @@ void ReferenceAssociative::genericRemove(ModelElement const& element) {
 void ReferenceAssociative::removeMember(ModelElement const& element) {
   if (element.isEmpty()) return;
   if (element->isProxy()) {
+    if (!keeps(element)) return;
+    Operation operation(*this, extent());
+    if (hasInverse()) inverseBeforeRemoving(*element);
     removeProxy(element);
+    operation.commit();
   } else {
     removeElement(element);
   }
@@ -196,9 +202,7 @@ void ReferenceAssociative::clear() {
   CollectionJournal* const journal = modifying();
   if (hasInverse()) {
     std::vector<ModelElement> const snapshot = getAllValuesAndProxies();
-    for (ModelElement const& element : snapshot) {
-      if (!element->isProxy()) inverseBeforeRemoving(*element);
-    }
+    for (ModelElement const& element : snapshot) inverseBeforeRemoving(*element);
   }
   resetElements(journal);
   copyProxies(nullptr, journal);

@@ -1,6 +1,8 @@
 #include "plinth/collections/ReferenceSequence.hpp"
 
 #include <algorithm>
+#include <iterator>
+#include <unordered_set>
 
 #include "CollectionView.hpp"
 #include "plinth/FailurePoint.hpp"
@@ -25,6 +27,7 @@ class ReferenceSequence::Journal final : public detail::SequenceJournal<ModelEle
       : SequenceJournal(sequence.m_elements), m_sequence(&sequence) {}
   void undoTo(std::size_t mark) noexcept override {
     SequenceJournal::undoTo(mark);
+    ++m_sequence->m_edits;
     m_sequence->refillFilter();
   }
 
@@ -40,6 +43,7 @@ void ReferenceSequence::insertRaw(std::size_t position, ModelElement const& elem
   if (journal != nullptr) journal->reserve();
   failurePoint("sequence-insert");
   m_elements.insert(m_elements.begin() + offset(position), element);
+  ++m_edits;
   if (journal != nullptr) journal->inserted(position);
   addToFilter(m_elements[position]);  // `element` may have been a slot of this very sequence
   noteRepetition(m_elements[position]);
@@ -50,6 +54,7 @@ void ReferenceSequence::eraseRaw(std::size_t position, Journal* journal) {
   ModelElement taken = std::move(m_elements[position]);
   removeFromFilter(taken);
   m_elements.erase(m_elements.begin() + offset(position));
+  ++m_edits;
   if (journal != nullptr) journal->erased(position, std::move(taken));
 }
 
@@ -117,6 +122,7 @@ std::size_t ReferenceSequence::positionOfProxyFor(ModelElement const& element) c
 
 /// The first position of the element, or size(); a proxy on the way that resolves to it counts as it.
 std::size_t ReferenceSequence::findResolving(ModelElement const& element) {
+  ModelElement const held = heldOwner();
   for (std::size_t i = 0; i < m_elements.size(); ++i) {
     if (resolveAt(i) == element) return i;
   }
@@ -129,6 +135,38 @@ void ReferenceSequence::removeElement(ModelElement const& element) {
 }
 
 void ReferenceSequence::basicRemove(ModelElement const& element) {
+  if (element && element->isEnding() && owner() != nullptr && opposite() != nullptr) {
+    element->leaveLater(*this);
+  } else {
+    removeNow(element);
+  }
+}
+
+void ReferenceSequence::basicRemoveAll(std::vector<ModelElement> const& members) {
+  constexpr std::size_t FEW = 4;
+  bool const anyProxies =
+      std::any_of(m_elements.begin(), m_elements.end(), [](auto const& slot) { return slot->isProxy(); });
+  if (members.size() <= FEW || anyProxies) {
+    for (ModelElement const& member : members) removeNow(member);
+    return;
+  }
+  std::vector<ModelElement> staying;
+  staying.reserve(m_elements.size());
+  for (ModelElement const& element : m_elements) {
+    if (element && !element->isEnding()) staying.push_back(element);
+  }
+  if (staying.size() == m_elements.size()) return;
+  Operation operation(*this);
+  Journal* const journal = recordingJournal();
+  if (journal != nullptr) journal->reserveReset();
+  staying.swap(m_elements);
+  ++m_edits;
+  refillFilter();
+  if (journal != nullptr) journal->reset(std::move(staying));
+  operation.commit();
+}
+
+void ReferenceSequence::removeNow(ModelElement const& element) {
   std::size_t position = positionOf(element);
   if (position == m_elements.size()) position = positionOfProxyFor(element);
   if (position == m_elements.size()) return;
@@ -144,7 +182,7 @@ void ReferenceSequence::basicRemove(ModelElement const& element) {
 
 void ReferenceSequence::inverseBeforeErasing(std::size_t position) {
   ModelElement const element = m_elements[position];
-  if (!isRealElement(element)) return;
+  if (element.isEmpty()) return;
   // An element stays contained until it leaves its last slot.
   if (m_repeats && std::count(m_elements.begin(), m_elements.end(), element) > 1) return;
   inverseBeforeRemoving(*element);
@@ -166,7 +204,7 @@ void ReferenceSequence::clear() {
   if (hasInverse() || m_filter != nullptr) {
     std::vector<ModelElement> const snapshot = m_elements;
     for (ModelElement const& element : snapshot) {
-      if (hasInverse() && isRealElement(element)) inverseBeforeRemoving(*element);
+      if (hasInverse() && !element.isEmpty()) inverseBeforeRemoving(*element);
       removeFromFilter(element);
     }
   }
@@ -181,6 +219,7 @@ void ReferenceSequence::basicClear() {
   if (journal != nullptr) journal->reserveReset();
   std::vector<ModelElement> former;
   former.swap(m_elements);
+  ++m_edits;
   if (journal != nullptr) journal->reset(std::move(former));
   operation.commit();
 }
@@ -193,6 +232,7 @@ void ReferenceSequence::basicCopyValues(ReferenceCollection const* other) {
   if (journal != nullptr) journal->reserveReset();
   m_repeats = m_repeats || (source != nullptr && source->m_repeats);
   copy.swap(m_elements);
+  ++m_edits;
   if (journal != nullptr) journal->reset(std::move(copy));
   operation.commit();
 }
@@ -207,6 +247,7 @@ void ReferenceSequence::replaceAt(std::size_t position, ModelElement const& elem
   if (journal != nullptr) journal->reserve();
   if (hasInverse()) inverseBeforeErasing(position);
   ModelElement former = std::exchange(m_elements[position], element);
+  ++m_edits;
   removeFromFilter(former);
   addToFilter(element);
   noteRepetition(element);
@@ -227,39 +268,84 @@ void ReferenceSequence::ensureAt(std::size_t position, ModelElement const& eleme
     journal->replaced(position, m_elements[position]);
   }
   std::swap(m_elements[at], m_elements[position]);
+  ++m_edits;
   operation.commit();
 }
 
-bool ReferenceSequence::resolveSlot(std::size_t position) {
+/// The members of a unique sequence while its proxies are resolved one after the other, so that none of them costs a
+/// search. A loader may change the sequence meanwhile.
+class ReferenceSequence::Members {
+ public:
+  bool has(ReferenceSequence const& sequence, ModelElement const& element) {
+    if (!m_known || m_edits != sequence.m_edits) {
+      m_elements.clear();
+      for (ModelElement const& each : sequence.m_elements) m_elements.insert(each.impl());
+      m_edits = sequence.m_edits;
+      m_known = true;
+    }
+    return m_elements.count(element.impl()) != 0;
+  }
+  void takenIn(ReferenceSequence const& sequence, ModelElement const& element) {
+    m_elements.insert(element.impl());
+    m_edits = sequence.m_edits;
+  }
+
+ private:
+  std::unordered_set<ModelElementImpl const*> m_elements;
+  std::uint32_t m_edits = 0;
+  bool m_known = false;
+};
+
+bool ReferenceSequence::resolveSlot(std::size_t position, Members* members) {
   ModelElement const proxy = m_elements[position];
   if (proxy.isEmpty() || !proxy->isProxy()) return false;
   ModelElement real = resolved(proxy);
   if (real.isEmpty()) return false;
   if (position >= m_elements.size() || m_elements[position] != proxy) return false;  // a loader has changed it
-  takePlaceOfProxy(position, std::move(real));
-  return true;
+  return takePlaceOfProxy(position, std::move(real), members);
 }
 
-/// Resolving is no modification, with no Operation and no notice, as long as the element can't go back to where it came
-/// from. In a containment it is one: the element becomes a child.
-void ReferenceSequence::takePlaceOfProxy(std::size_t position, ModelElement real) {
+/// Resolving is no modification, with no Operation and no notice, as long as the element, and its end of the link,
+/// can't go back to where they came from. In a containment it is one: the element becomes a child. So it is where a
+/// unique sequence holds the element already: the proxy goes. Whether the element stands in the sequence then.
+bool ReferenceSequence::takePlaceOfProxy(std::size_t position, ModelElement real, Members* members) {
+  bool const mayBeTakenBack = opposite() == nullptr ? real->isProvisional() : real->mayBeTakenBack(*opposite());
+  if (mayBeTakenBack && &real->model() != &owner()->model()) return false;
   if (isComposite()) {
     replaceProxyAt(real, position);
-    return;
+    return true;
   }
-  Journal* const journal = real->isProvisional() && owner()->model().level() > 0 ? recordingJournal() : nullptr;
+  bool const isIn =
+      m_unique && (members != nullptr ? members->has(*this, real) : positionOf(real) != m_elements.size());
+  if (isIn) {
+    if (owner()->model().isFrozen()) return false;
+    Operation operation(*this);
+    eraseRaw(position, recordingJournal());
+    operation.commit();
+    return true;
+  }
+  Journal* const journal = mayBeTakenBack && owner()->model().level() > 0 ? recordingJournal() : nullptr;
   if (journal != nullptr) {
     journal->reserve();
     journal->replaced(position, m_elements[position]);
   }
   m_elements[position] = std::move(real);
+  ++m_edits;
+  if (m_unique && members != nullptr) members->takenIn(*this, m_elements[position]);
   addToFilter(m_elements[position]);
+  return true;
 }
 
 ModelElement const& ReferenceSequence::resolveAt(std::size_t position) {
   static ModelElement const none;
-  resolveSlot(position);
-  return position < m_elements.size() ? m_elements[position] : none;
+  ModelElement const held = heldOwner();
+  for (std::size_t size = m_elements.size() + 1; position < m_elements.size() && m_elements.size() < size;) {
+    if (isRealElement(m_elements[position])) return m_elements[position];
+    size = m_elements.size();
+    resolveSlot(position);  // a proxy may go, and the next slot move up
+  }
+  bool const isThere = position < m_elements.size() && (held.isEmpty() || held);
+  return isThere ? m_elements[position] : none;
 }
 
 void ReferenceSequence::useFilter(std::unique_ptr<SaturatedBloomFilter> filter) {
@@ -268,12 +354,11 @@ void ReferenceSequence::useFilter(std::unique_ptr<SaturatedBloomFilter> filter) 
 }
 
 std::vector<ModelElement> ReferenceSequence::getAllValues() {
+  ModelElement const held = heldOwner();
+  resolveAll();
   std::vector<ModelElement> values;
   values.reserve(m_elements.size());
-  for (std::size_t i = 0; i < m_elements.size(); ++i) {
-    ModelElement const& element = resolveAt(i);
-    if (!element.isEmpty() && !element->isProxy()) values.push_back(element);
-  }
+  std::copy_if(m_elements.begin(), m_elements.end(), std::back_inserter(values), isRealElement);
   return values;
 }
 
@@ -300,6 +385,7 @@ bool ReferenceSequence::genericContains(ModelElement const& element) const {
 }
 
 void ReferenceSequence::replaceProxy(ModelElement const& element) {
+  if (!mayTakePlace(element)) return;
   for (std::size_t i = 0; i < m_elements.size(); ++i) {
     ModelElement const& slot = m_elements[i];
     if (!slot->isProxy()) continue;
@@ -315,6 +401,7 @@ void ReferenceSequence::replaceProxyAt(ModelElement const& element, std::size_t 
   Journal* const journal = recordingJournal();
   if (journal != nullptr) journal->reserve();
   ModelElement former = std::exchange(m_elements[position], element);
+  ++m_edits;
   addToFilter(element);
   noteRepetition(element);
   if (journal != nullptr) journal->replaced(position, std::move(former));
@@ -322,14 +409,17 @@ void ReferenceSequence::replaceProxyAt(ModelElement const& element, std::size_t 
   operation.commit();
 }
 
-void ReferenceSequence::resolveAll() {
-  for (std::size_t i = 0; i < m_elements.size(); ++i) resolveSlot(i);
-}
+void ReferenceSequence::resolveAll() { resolveSlots(false); }
+void ReferenceSequence::resolveLocal() { resolveSlots(true); }
 
-void ReferenceSequence::resolveLocal() {
-  for (std::size_t i = 0; i < m_elements.size(); ++i) {
-    auto const id = m_elements[i]->getProxyId();
-    if (id && id->isLocal()) resolveSlot(i);
+void ReferenceSequence::resolveSlots(bool localOnly) {
+  ModelElement const held = heldOwner();
+  Members members;
+  for (std::size_t i = 0; i < m_elements.size();) {
+    std::size_t const size = m_elements.size();
+    boost::optional<ProxyId> const id = m_elements[i]->getProxyId();
+    if (id && (id->isLocal() || !localOnly)) resolveSlot(i, &members);
+    if (m_elements.size() >= size) ++i;  // otherwise the next one stands here now
   }
 }
 
@@ -340,6 +430,7 @@ void ReferenceSequence::convertToProxy(ModelElementImpl& element, ModelElement c
     Journal* const journal = recordingJournal();
     if (journal != nullptr) journal->reserve();
     ModelElement former = std::exchange(m_elements[i], proxy);
+    ++m_edits;
     if (journal != nullptr) journal->replaced(i, std::move(former));
     operation.commit();
   }
@@ -353,7 +444,7 @@ bool ReferenceSequence::basicContainsProxyTo(ModelElementImpl& target) {
     if (!slot->isProxy()) continue;
     ModelElement const found = peekResolveProxy(slot);
     if (found.impl() != &target || found->isProxy() || !fits(found)) continue;
-    takePlaceOfProxy(i, found);
+    takePlaceOfProxy(i, found);  // also if it has to wait for an open transaction: it stands for the target
     return true;
   }
   return false;

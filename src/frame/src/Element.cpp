@@ -82,6 +82,7 @@ void Element::collectContained(std::vector<plinth::ModelElementImpl*>& children)
 }
 
 void Element::inverseAdd(plinth::ModelElementImpl& element, plinth::meta::PropertyImpl& property) {
+  requireReal();
   if (auto const* const row = findDescriptor(classTable(), property)) {
     row->kind->inverseAdd(*this, *row, element);
   } else {
@@ -90,6 +91,7 @@ void Element::inverseAdd(plinth::ModelElementImpl& element, plinth::meta::Proper
 }
 
 void Element::inverseRemove(plinth::ModelElementImpl& element, plinth::meta::PropertyImpl& property) {
+  requireReal();
   if (auto const* const row = findDescriptor(classTable(), property)) {
     row->kind->inverseRemove(*this, *row, element);
   } else {

@@ -1,6 +1,7 @@
 #include "tessel_config_datamodel/frame/ElementCollection.hpp"
 
 #include "plinth/Messages.hpp"
+#include "tessel_config_datamodel/frame/SingleElement.hpp"
 
 namespace tessel::frame {
 
@@ -40,6 +41,7 @@ PropertyDescriptor const& siblingRow(PropertyDescriptor const& row, std::size_t 
 }
 
 plinth::Value ElementCollectionKind::get(Element& element, Row const& row, Tag const& tag) const {
+  element.requireReal();
   ReferenceCollection& collection = require(element, row);
   if (tag.resolvesProxies()) collection.resolveAll();
   return plinth::Value(plinth::ValueMeta(*row.property), collection);
@@ -77,7 +79,7 @@ void ElementCollectionKind::disassociate(Element& element, Row const& row) const
   if (collection == nullptr || row.index == 0 || collection->isComposite()) return;
   if (auto* const opposite = collection->opposite()) {
     for (ModelElement const& far : collection->getAllValuesAndProxies()) {
-      if (far && !far->isProxy()) element._inverseRemoveThis(far.impl(), *opposite);
+      if (far) element._inverseRemoveThis(far.impl(), *opposite);
     }
   }
   collection->basicClear();
@@ -108,12 +110,9 @@ void ElementCollectionKind::convertToProxies(Element& element, Row const& row, b
                                              boost::optional<plinth::ProxyId>& id) const {
   auto* const collection = present(element, row);
   if (collection == nullptr || row.index == 0 || collection->isComposite()) return;
-  auto* const opposite = collection->opposite();
-  if (convert && opposite != nullptr) {
-    for (ModelElement const& far : collection->getAllValuesAndProxies()) {
-      if (!far || far->isProxy() || far->modelIdentity() == element.modelIdentity()) continue;
-      if (!id) id = element._getPersistentProxyId();
-      element._convertToProxy(far.impl(), *opposite, *id);
+  if (auto* const opposite = collection->opposite()) {
+    for (ModelElement const& member : collection->getAllValuesAndProxies()) {
+      leaveFarEnd(element, member, *opposite, convert, id);
     }
   }
   collection->basicClear();

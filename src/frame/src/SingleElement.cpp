@@ -7,19 +7,22 @@ using plinth::ModelElementImpl;
 
 namespace {
 
-/// Resolving is no modification and needs no notice, as long as the element can't go back to where it came from. In a
-/// containment it is one: the element becomes a child.
+/// Resolving is no modification and needs no notice, as long as the element, and its end of the link, can't go back to
+/// where they came from; in another model the proxy stays until they can't. In a containment it is one: the element
+/// becomes a child.
 void takePlaceOfProxy(Element& self, ElementField& field, PropertyDescriptor const& row, ModelElement real) {
   if (row.property->isComposite()) {
     plinth::Step step(self.model(), plinth::Step::WHOLE);
     self.notifyModifying(row.index);
-    if (field->basicContainer() == &self) self._basicSetUncontained(field.impl());
     self._setContainedByThis(real.impl(), *row.property);
     field = std::move(real);
     step.commit();
     return;
   }
-  if (real->isProvisional() && self.model().level() > 0) self.notifyModifying(row.index);
+  auto const* const opposite = row.property->opposite();
+  bool const mayBeTakenBack = opposite == nullptr ? real->isProvisional() : real->mayBeTakenBack(*opposite);
+  if (mayBeTakenBack && &real->model() != &self.model()) return;
+  if (mayBeTakenBack && self.model().level() > 0) self.notifyModifying(row.index);
   field = std::move(real);
 }
 
@@ -30,6 +33,7 @@ void refreshElement(Element& self, ElementField& field, PropertyDescriptor const
     if (field.impl()->modelIdentity() != self.modelIdentity()) field = ModelElement();
     return;
   }
+  ModelElement const held(&self);  // a loader may destroy it
   ModelElement const proxy = field;
   ModelElement resolved = self.model().resolveProxy(&self, proxy);
   if (field != proxy) return;  // a loader has set it
@@ -76,8 +80,8 @@ void setContainment(Element& self, ElementField& field, ModelElement const& targ
   // more.
   bool const isFirst = field.isEmpty() && target && target->basicContainer() == nullptr;
   setElement(self, field, target, row, isFirst ? plinth::Step::STORE : plinth::Step::WHOLE, [&] {
-    if (isFirst) target->notifyModifying(0);
-    if (field) self._basicSetUncontained(field.impl());
+    if (isFirst) target->notifyModifying(0);  // of a proxy, which has no container, nothing is kept
+    if (field && !field->isProxy()) self._basicSetUncontained(field.impl());
     basicSetElement(field, target);
     if (target) self._setContainedByThis(target.impl(), *row.property);
   });
@@ -107,7 +111,7 @@ void SingleElementKind::set(Element& element, Row const& row, plinth::Value cons
   element.checkCompatibleModel(target.impl(), *row.property);
   plinth::Step step(element.model(), plinth::Step::WHOLE);
   element.notifyModifying(row.index);
-  if (field->basicContainer() == &element) element._basicSetUncontained(field.impl());
+  if (auto* const opposite = row.property->opposite()) element._inverseRemoveThis(field.impl(), *opposite);
   field = ModelElement();
   store(element, row, target);
   step.commit();
@@ -184,6 +188,18 @@ void ReferenceKind::link(Element& element, ElementBuilder& builder, Row const& r
   store(element, row, builderFieldOf<ElementField>(builder, row));
 }
 
+void leaveFarEnd(Element& self, ModelElement const& member, plinth::meta::PropertyImpl& opposite, bool convert,
+                 boost::optional<plinth::ProxyId>& id) {
+  ModelElement const far = self._farEnd(member, opposite);
+  if (!far) return;
+  if (far->modelIdentity() == self.modelIdentity()) {
+    self._inverseRemoveThis(far.impl(), opposite);
+  } else if (convert) {
+    if (!id) id = self._getPersistentProxyId();
+    self._convertToProxy(far.impl(), opposite, *id);
+  }
+}
+
 void OneWayReferenceKind::store(Element& element, Row const& row, ModelElement const& target) const {
   setReference(element, fieldOf<ElementField>(element, row), target, row);
 }
@@ -213,10 +229,7 @@ void OppositeReferenceKind::convertToProxies(Element& element, Row const& row, b
   auto& field = fieldOf<ElementField>(element, row);
   if (field.isEmpty()) return;
   ModelElement const target = field;
-  if (convert && target && !target->isProxy() && target->modelIdentity() != element.modelIdentity()) {
-    if (!id) id = element._getPersistentProxyId();
-    element._convertToProxy(target.impl(), *row.property->opposite(), *id);
-  }
+  leaveFarEnd(element, target, *row.property->opposite(), convert, id);
   element.notifyModifying(row.index);
   basicSetElement(field, ModelElement());
 }

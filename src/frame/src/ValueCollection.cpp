@@ -8,6 +8,7 @@ plinth::AbstractPrimitiveCollection* readValues(Element const& self, PropertyDes
 }
 
 plinth::Value ValueCollectionKind::get(Element& element, Row const& row, Tag const&) const {
+  element.requireReal();
   return plinth::Value(plinth::ValueMeta(*row.property), requireAny(element, row));
 }
 

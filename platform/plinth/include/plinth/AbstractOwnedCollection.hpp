@@ -60,12 +60,23 @@ class TESSEL_EXPORT CollectionJournal : public Undoable {
  public:
   ~CollectionJournal() override;
   void forget() noexcept override;
+  /// Whether anything has been done that was not taken back, also where its steps have cancelled each other.
+  bool tellsChange() const noexcept { return m_cancelled || steps() > 0; }
+
+ protected:
   virtual void clear() noexcept = 0;
+  /// A step went because a later one undid it: the collection is as it was, and counts as changed all the same.
+  void noteCancelled() noexcept { m_cancelled = true; }
 
  private:
   friend class OldCollection;
   friend class AbstractOwnedCollection;
+  void reset() noexcept {
+    m_cancelled = false;
+    clear();
+  }
   OldCollection* m_sealed = nullptr;  ///< a published record that still needs the steps
+  bool m_cancelled = false;
 };
 
 class TESSEL_EXPORT AbstractOwnedCollection {
@@ -82,9 +93,9 @@ class TESSEL_EXPORT AbstractOwnedCollection {
   /// How many members there were when the present outermost transaction began.
   virtual std::size_t oldSize() const = 0;
   virtual std::size_t rawSize() const = 0;
-  /// Whether the present outermost transaction changed anything, as far as the journal tells; an announced change that
-  /// failed did not.
-  bool isChanged() const noexcept { return m_journal != nullptr && m_journal->steps() > 0; }
+  /// Whether the present outermost transaction has done anything to it, also where it is back at what it was; an
+  /// announced change that failed did nothing.
+  bool isChanged() const noexcept { return m_journal != nullptr && m_journal->tellsChange(); }
   /// A detached collection with the contents that this one had when the present outermost transaction began.
   virtual std::unique_ptr<AbstractOwnedCollection> oldContents() const = 0;
   /// A detached collection with the present contents.

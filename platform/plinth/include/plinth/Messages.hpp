@@ -90,6 +90,16 @@ struct TransactionNotInnermost : Record {
 struct TransactionEnded : Record {
   TransactionEnded() : Record("TransactionEnded") {}
 };
+/// Arguments: the names of the model that is being changed and of the one that the change reaches into.
+struct OtherModelInTransaction : Record {
+  OtherModelInTransaction(std::u16string near, std::u16string far)
+      : Record("OtherModelInTransaction", {std::move(near), std::move(far)}) {}
+};
+/// Arguments: the names of the model that was asked and of the element's own.
+struct CannotUnloadForeignElement : Record {
+  CannotUnloadForeignElement(std::u16string asked, std::u16string own)
+      : Record("CannotUnloadForeignElement", {std::move(asked), std::move(own)}) {}
+};
 /// Argument: how many can be open at once.
 struct TransactionsNestedTooDeeply : Record {
   explicit TransactionsNestedTooDeeply(std::size_t limit)

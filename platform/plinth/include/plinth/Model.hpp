@@ -10,6 +10,7 @@
 
 #include "plinth/ChangeSet.hpp"
 #include "plinth/ElementDirectory.hpp"
+#include "plinth/LevelTies.hpp"
 #include "plinth/RecordPool.hpp"
 #include "plinth/Transaction.hpp"
 #include "plinth/UndoLog.hpp"
@@ -82,9 +83,11 @@ class TESSEL_EXPORT ModelImpl : public ElementImpl {
   /// A proxy of class `metaClass` in this model. Raises CannotCreateAbstractClass.
   ModelElement createProxy(meta::Class const& metaClass, ProxyId const& id);
   ProxyId const* proxyId(ModelElementImpl const& element) const noexcept;
-  /// Takes `element` and all it contains out of memory: other models keep proxies to it, this one lets go of it. The
-  /// far models change in transactions of their own: when this one's is rolled back, the elements live again, and the
-  /// proxies resolve to them at the next look.
+  /// The proxies of this model that are in memory, in no order. Linear.
+  std::vector<ModelElementImpl const*> proxies() const;
+  /// Takes `element` and all it contains out of memory: other models keep proxies to it, this one lets go of it. What
+  /// other models change ends as this model's transaction does. Raises CannotUnloadForeignElement for another model's
+  /// element, CannotModifyProxy, and what a change that reaches into another model raises. Linear in what is unloaded.
   void unload(ModelElement const& element);
 
   /// While at 1 or above, getters of qualified maps leave proxies as they are.
@@ -111,14 +114,23 @@ class TESSEL_EXPORT ModelImpl : public ElementImpl {
   friend class UndoLog;
   friend class ModelElementImpl;
   friend class Teardown;
+  friend class LevelTies;
 
   ModelImpl();
+  /// A member that has said that it leaves a collection.
+  struct Leaving {
+    ReferenceCollection* collection;
+    ModelElementImpl* element;
+  };
+
   ModelElement lookUp(ProxyId const& id, bool load) const;
   void begin(bool thawed);
   /// Ends the innermost level for good; the outermost one tells the listeners.
   void commit();
+  /// Takes back the innermost level, and what is tied to it in other models.
   void rollBack() noexcept;
   void commitOutermost();
+  void commitGroup();
   void announce(ModelElementImpl& element);
 
   RecordPool m_pool;
@@ -127,7 +139,9 @@ class TESSEL_EXPORT ModelImpl : public ElementImpl {
   std::unique_ptr<ChangePublisher> m_publisher;
   std::size_t const* m_listenerCount;  ///< the publisher's
   std::unordered_map<ModelElementImpl const*, ProxyId> m_proxyIds;
+  LevelTies m_ties;
   std::vector<ModelElementImpl*> m_teardown;  ///< elements whose teardown waits; see Teardown
+  std::vector<Leaving> m_leaving;             ///< see Teardown
   std::u16string m_name;
   std::int32_t m_resolveSuppression = 0;
   std::int32_t m_freezes = 0;

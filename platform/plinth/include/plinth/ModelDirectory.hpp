@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "plinth/Model.hpp"
 
@@ -21,6 +22,8 @@ class TESSEL_EXPORT ModelDirectory {
   /// there.
   Model find(std::u16string const& name, bool load) const;
   void setLoader(Loader loader);
+  /// The models that have a name, in the order of their names.
+  std::vector<Model> models() const;
 
  private:
   friend class ModelImpl;

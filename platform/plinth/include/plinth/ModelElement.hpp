@@ -139,10 +139,10 @@ class TESSEL_EXPORT ModelElementImpl : public ElementImpl {
     if (isProxy()) reportRefusal();
   }
   /// The model in which a change of a collection of this element is a step; null while its links are cleared for good.
-  /// Raises CannotModifyDestroyedElement.
+  /// Raises CannotModifyProxy and CannotModifyDestroyedElement.
   ModelImpl* changingModel() const {
-    if ((m_state & DESTROYED) == 0) return m_model;
-    if ((m_state & TEARING_DOWN) == 0) reportRefusal();
+    if ((m_state & REFUSED) == 0) return m_model;
+    if (isProxy() || (m_state & TEARING_DOWN) == 0) reportRefusal();
     return nullptr;
   }
   /// Announces a change of the property with this index: the first time in a transaction level the old value is kept.
@@ -155,18 +155,30 @@ class TESSEL_EXPORT ModelElementImpl : public ElementImpl {
   /// and no other model's open transaction may take it back. In a containment it becomes a child: it has to be of this
   /// model, which must be open to change, and to lie nowhere else, unless a map is to take it from there.
   bool mayReplaceProxy(ModelElementImpl const& found, meta::PropertyImpl const& property) const;
+  /// Whether an open transaction may take back that `property` of this element holds what it holds.
+  bool mayBeTakenBack(meta::PropertyImpl const& property) const noexcept;
   bool isAnnounced() const noexcept { return (m_state & ANNOUNCED) != 0; }
+  /// True while its teardown is under way, or it is leaving memory: far ends let go of it together, when all have left.
+  bool isEnding() const noexcept { return (m_state & ENDING) != 0; }
+  /// Has `collection` let go of this element, which is ending, together with the others that leave it.
+  void leaveLater(ReferenceCollection& collection);
   /// True while the transaction that created this element is open and may take it back.
   bool isProvisional() const noexcept { return m_createdLevel != NO_LEVEL; }
   /// True when no old values are needed: the element is not announced yet, or new at the present transaction level.
   bool needsNoOldValues() const noexcept;
 
-  // A leading underscore: acts on another element on behalf of this one.
+  // A leading underscore: acts on another element on behalf of this one. A proxy knows nothing of the links to it: it
+  // is left as it is. In another model the change shares the fate of this model's innermost transaction; what can't be
+  // made so raises CannotModifyFrozenModel or OtherModelInTransaction.
   void _setContainedByThis(ModelElementImpl* child, meta::PropertyImpl& property);
   void _basicSetUncontained(ModelElementImpl* child);
   void _inverseAddThis(ModelElementImpl* target, meta::PropertyImpl& property, bool announce);
+  /// Of a proxy, what it names lets go of this element, if it is in memory and lists it.
   void _inverseRemoveThis(ModelElementImpl* target, meta::PropertyImpl& property);
   bool _inverseContainsThis(ModelElementImpl* target, meta::PropertyImpl& property) const;
+  /// The element at the far end of a link, as far as it is in memory: `member`, or what that proxy names, if its
+  /// `opposite` lists this element. Loads nothing.
+  ModelElement _farEnd(ModelElement const& member, meta::PropertyImpl& opposite) const;
   void _convertToProxy(ModelElementImpl* target, meta::PropertyImpl& property, ProxyId const& id);
   ProxyId _getPersistentProxyId() const { return getPersistentProxyId(false); }
 
@@ -198,6 +210,8 @@ class TESSEL_EXPORT ModelElementImpl : public ElementImpl {
   /// The end of an element that nothing brings back: lets go of all that it refers to, and of the model's reference.
   void bury() noexcept;
   bool liesIn(ModelElementImpl const& candidate) const noexcept;
+  /// Before `far` changes on behalf of this element: takes its model along where that is another one.
+  void reach(ModelElementImpl const& far) const;
 
   ModelElementImpl* m_container = nullptr;
   meta::PropertyImpl* m_containmentProperty = nullptr;

@@ -51,6 +51,8 @@ class TESSEL_EXPORT ReferenceCollection : public AbstractOwnedCollection {
   virtual void basicAdd(ModelElement const& element) = 0;
   virtual void basicAddWithProxy(ModelElement const& element) { basicAdd(element); }
   virtual void basicRemove(ModelElement const& element) = 0;
+  /// The same for several members, which are ending. Linear in members and contents together.
+  virtual void basicRemoveAll(std::vector<ModelElement> const& members);
   virtual void basicClear() = 0;
   /// Becomes a copy of `other`, which is of the same class; null empties it.
   virtual void basicCopyValues(ReferenceCollection const* other) = 0;
@@ -67,6 +69,7 @@ class TESSEL_EXPORT ReferenceCollection : public AbstractOwnedCollection {
   /// What follows the addition, or precedes the removal, of a member: the far end of an opposite, or the container
   /// link.
   void inverseAfterAdding(ModelElementImpl& element);
+  /// A proxy has no ends of its own; what it names lets go of the owner if it is in memory.
   void inverseBeforeRemoving(ModelElementImpl& element);
   bool hasInverse() const noexcept { return owner() != nullptr && (opposite() != nullptr || isComposite()); }
   Operation::Extent extent() const noexcept { return hasInverse() ? Operation::WHOLE : Operation::SINGLE; }
@@ -79,6 +82,10 @@ class TESSEL_EXPORT ReferenceCollection : public AbstractOwnedCollection {
   void announceAdding(ModelElementImpl& element) {
     if (owner() != nullptr && opposite() == nullptr && isComposite()) element.notifyModifying(0);
   }
+  /// The owner, to keep it while a loader runs, which may destroy it.
+  ModelElement heldOwner() const noexcept { return ModelElement(owner()); }
+  /// Whether the element may come in for a proxy that names it.
+  bool mayTakePlace(ModelElement const& element) const;
   /// The element that a proxy stands for, if it is there and, for an opposite, lists the owner; else an empty handle.
   ModelElement resolved(ModelElement const& proxy) const;
   /// Whether the far end of an opposite lists the owner, by a proxy if need be; false where there is no opposite.

@@ -30,7 +30,9 @@ TESSEL_EXPORT std::ostream& operator<<(std::ostream& stream, Finding const& find
 /// - "containment": what a containment property holds names this element and property as where it lies, and what
 ///   names them is held there;
 /// - "containment cycle": no element contains itself;
-/// - "opposite": both ends of an opposite link list each other; ends that are proxies or lie in other models excepted;
+/// - "opposite": both ends of an opposite link list each other, also across models; an end that is a proxy need not be
+///   listed by what it names, but counts as it where the other end lists an element;
+/// - "proxy": a proxy lies in no container and holds no elements;
 /// - "key": an element stands in a map under the key that it bears;
 /// - "uniqueness": a unique sequence holds an element once;
 /// - "class": a target is of the property's class;
@@ -40,5 +42,9 @@ TESSEL_EXPORT std::ostream& operator<<(std::ostream& stream, Finding const& find
 /// A dead target of a plain reference is sound: a getter deals with it. Resolves no proxy and changes nothing. Not to
 /// be called by a listener, whose transaction still has its undo. Linear in the model, without recursion.
 [[nodiscard]] TESSEL_EXPORT std::vector<Finding> verify(Model const& model);
+
+/// Checks all models that have a name, which are those that links may lead to; paths begin with the name and a colon.
+/// Thread rule: that of all these models.
+[[nodiscard]] TESSEL_EXPORT std::vector<Finding> verifyNamedModels();
 
 }  // namespace plinth

@@ -60,7 +60,9 @@ class TESSEL_EXPORT ReferenceSequence : public ReferenceCollection {
   void resolveLocal() override;
   void convertToProxy(ModelElementImpl& element, ModelElement const& proxy) override;
   void basicAdd(ModelElement const& element) override;
+  /// An element that is ending leaves together with the others that are; see basicRemoveAll.
   void basicRemove(ModelElement const& element) override;
+  void basicRemoveAll(std::vector<ModelElement> const& members) override;
   void basicClear() override;
   void basicCopyValues(ReferenceCollection const* other) override;
   bool basicContainsProxyTo(ModelElementImpl& target) override;
@@ -79,8 +81,11 @@ class TESSEL_EXPORT ReferenceSequence : public ReferenceCollection {
  private:
   class Journal;
   Journal* recordingJournal();
-  bool resolveSlot(std::size_t position);
-  void takePlaceOfProxy(std::size_t position, ModelElement real);
+  class Members;
+  bool resolveSlot(std::size_t position, Members* members = nullptr);
+  void resolveSlots(bool localOnly);
+  bool takePlaceOfProxy(std::size_t position, ModelElement real, Members* members = nullptr);
+  void removeNow(ModelElement const& element);
   std::size_t findResolving(ModelElement const& element);
   void inverseBeforeErasing(std::size_t position);
   void insertRaw(std::size_t position, ModelElement const& element, Journal* journal);
@@ -93,7 +98,8 @@ class TESSEL_EXPORT ReferenceSequence : public ReferenceCollection {
   std::vector<ModelElement> m_elements;
   std::unique_ptr<SaturatedBloomFilter> m_filter;
   bool m_unique;
-  bool m_repeats = false;  ///< a contained element may stand in more than one slot
+  bool m_repeats = false;     ///< a contained element may stand in more than one slot
+  std::uint32_t m_edits = 0;  ///< counts the changes of m_elements, for whoever keeps what it has seen there
 };
 
 }  // namespace plinth

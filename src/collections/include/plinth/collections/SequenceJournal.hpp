@@ -31,7 +31,9 @@ class SequenceJournal : public CollectionJournal {
   }
   void erased(std::size_t position, T value) noexcept {
     if (Step* const run = ownInsertionAround(position)) {
-      if (--run->end == run->begin) m_steps.pop_back();
+      if (--run->end != run->begin) return;
+      m_steps.pop_back();
+      noteCancelled();
     } else {
       m_steps.emplace_back(std::move(value), position, position + 1, Kind::ERASED);
     }

@@ -40,6 +40,11 @@ TESSEL_EXPORT void setOppositeReference(Element& self, ElementField& field, plin
 TESSEL_EXPORT void setContainment(Element& self, ElementField& field, plinth::ModelElement const& target,
                                   PropertyDescriptor const& row);
 
+/// Has the far end of a link let go of `self`, which leaves its model: within the model the link just goes; in another
+/// one `convert` leaves a proxy with `id`, which is computed when it is first needed.
+TESSEL_EXPORT void leaveFarEnd(Element& self, plinth::ModelElement const& member, plinth::meta::PropertyImpl& opposite,
+                               bool convert, boost::optional<plinth::ProxyId>& id);
+
 /// What all three kinds share.
 class TESSEL_EXPORT SingleElementKind : public PropertyKind {
  public:
