@@ -1,17 +1,11 @@
 // Random sequences of operations on the real collections and on a plain model, compared after every step.
-//
-// A sequence that fails is cut to a short one and printed as rows for the table of kept sequences below. The run is
-// bounded; for a long one set TESSEL_SEEDS to "first:count" and TESSEL_STEPS to the length of each. TESSEL_APART runs
-// each in a process of its own, to find and cut one that crashes; nothing is counted then.
+// One that fails is printed as rows for the table of kept sequences below.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <cstdlib>
 #include <random>
-#include <sstream>
 
 #include "collections_driver.hpp"
+#include "support/random_sequences.hpp"
 
 namespace collections_test {
 namespace {
@@ -43,45 +37,6 @@ Steps randomSteps(unsigned seed, std::size_t count) {
     steps.push_back({op, a, b, c, d, chance < 16 ? passage : 0});
   }
   return steps;
-}
-
-/// In a process of its own, so that a sequence that crashes can be cut too.
-bool failsApart(Steps const& steps, bool listens, bool tells = false) {
-  pid_t const child = fork();
-  if (child == 0) {
-    if (!tells && std::freopen("/dev/null", "w", stderr) == nullptr) _exit(2);
-    Coverage coverage;
-    std::size_t position = 0;
-    std::string const difference = run(steps, listens, coverage, position);
-    if (tells) std::cerr << difference << '\n';
-    _exit(difference.empty() ? 0 : 1);
-  }
-  int status = 0;
-  waitpid(child, &status, 0);
-  return status != 0;
-}
-
-/// Leaves out ever smaller stretches as long as what remains fails.
-Steps shrunk(Steps steps, bool listens) {
-  for (std::size_t stretch = steps.size() / 2; stretch > 0; stretch /= 2) {
-    for (std::size_t at = 0; at < steps.size();) {
-      Steps fewer(steps.begin(), steps.begin() + static_cast<std::ptrdiff_t>(at));
-      fewer.insert(fewer.end(), steps.begin() + static_cast<std::ptrdiff_t>(std::min(at + stretch, steps.size())),
-                   steps.end());
-      if (failsApart(fewer, listens)) {
-        steps = std::move(fewer);
-      } else {
-        at += stretch;
-      }
-    }
-  }
-  return steps;
-}
-
-std::string asRows(Steps const& steps) {
-  std::ostringstream rows;
-  for (Step const& step : steps) rows << "      " << step << ",\n";
-  return rows.str();
 }
 
 /// Sequences that failed once, or that lead where a random one seldom does.
@@ -132,40 +87,17 @@ TEST(CollectionsAgainstAPlainModel, AgreeOnKeptSequences) {
   }
 }
 
-struct Extent {
-  unsigned first = 1, count = 24;
-  std::size_t steps = 300;
-};
-
-Extent extentOfRun() {
-  Extent extent;
-  if (char const* const seeds = std::getenv("TESSEL_SEEDS")) {
-    std::string const text = seeds;
-    extent.first = static_cast<unsigned>(std::stoul(text));
-    extent.count = static_cast<unsigned>(std::stoul(text.substr(text.find(':') + 1)));
-  }
-  if (char const* const steps = std::getenv("TESSEL_STEPS")) extent.steps = std::stoul(steps);
-  return extent;
-}
-
 TEST(CollectionsAgainstAPlainModel, AgreeAfterEveryStep) {
-  Extent const extent = extentOfRun();
-  bool const apart = std::getenv("TESSEL_APART") != nullptr;
+  support::ExtentOfRun const extent = support::extentOfRun({1, 24, 300});
   Coverage coverage;
   for (unsigned seed = extent.first; seed < extent.first + extent.count; ++seed) {
-    Steps steps = randomSteps(seed, extent.steps);
     bool const listens = seed % 2 == 0;
-    std::size_t last = steps.size();
-    bool const fails = apart ? failsApart(steps, listens) : !run(steps, listens, coverage, last).empty();
-    if (!fails) continue;
-    steps.resize(std::min(steps.size(), last + 1));
-    steps = shrunk(std::move(steps), listens);
-    failsApart(steps, listens, true);
-    FAIL() << "seed " << seed << (listens ? ", with a listener" : "") << "; these " << steps.size()
-           << " steps suffice:\n"
-           << asRows(steps);
+    support::RandomSequences<Step> const sequences(
+        [&](Steps const& steps, std::size_t& position) { return run(steps, listens, coverage, position); });
+    ASSERT_TRUE(sequences.hold(randomSteps(seed, extent.steps), extent.apart))
+        << "seed " << seed << (listens ? ", with a listener" : "");
   }
-  if (apart) return;
+  if (extent.apart) return;
 
   for (std::size_t op = 0; op < Coverage::OPS; ++op) {
     EXPECT_GT(coverage.done[op], 10U) << "operation " << op << " was hardly done";

@@ -196,7 +196,8 @@ void Verification::checkMembers(ModelElementImpl const& element, meta::PropertyI
       report("target", element, &property, "an element", "an empty handle");
       continue;
     }
-    if (once && !seen.insert(member.impl()).second) {
+    bool const isProxy = member && member->isProxy();  // goes where it is resolved and its element is there
+    if (once && !isProxy && !seen.insert(member.impl()).second) {
       report("uniqueness", element, &property, shortName(*member) + " once", "it a second time");
     }
     checkTarget(element, property, member);

@@ -187,7 +187,11 @@ void ReferenceAssociative::removeMember(ModelElement const& element) {
   if (element->isProxy()) {
     if (!keeps(element)) return;
     Operation operation(*this, extent());
-    if (hasInverse()) inverseBeforeRemoving(*element);
+    if (hasInverse() && opposite() != nullptr) {
+      // What it names may be here itself, and stay linked.
+      ModelElement const far = owner()->_farEnd(element, *opposite());
+      if (!far.isEmpty() && !holds(far)) inverseBeforeRemoving(*element);
+    }
     removeProxy(element);
     operation.commit();
   } else {

@@ -101,7 +101,11 @@ void ReferenceSequence::basicAdd(ModelElement const& element) {
 bool ReferenceSequence::containsElement(ModelElement const& element) const {
   if (element.isEmpty() || element->isProxy()) return false;
   if (owner() != nullptr && opposite() != nullptr && opposite()->valueFlags() == meta::SINGLE) {
-    return element->inverseContainsProxyTo(*owner(), *opposite());
+    if (!element->inverseContainsProxyTo(*owner(), *opposite())) return false;
+    // It may hold a proxy for the owner still, which the owner has not confirmed.
+    meta::Property const far(opposite());
+    return element->getPropertyValue(far, ReflectionPrivateTag::NO_PROXY_RESOLVE).getValue<ModelElement>().impl() ==
+           owner();
   }
   if (m_filter != nullptr && !m_filter->contains(element->getUuid())) return false;
   return std::find(m_elements.begin(), m_elements.end(), element) != m_elements.end();
@@ -185,6 +189,11 @@ void ReferenceSequence::inverseBeforeErasing(std::size_t position) {
   if (element.isEmpty()) return;
   // An element stays contained until it leaves its last slot.
   if (m_repeats && std::count(m_elements.begin(), m_elements.end(), element) > 1) return;
+  if (element && element->isProxy() && opposite() != nullptr) {
+    // What it names may stand here itself, and stay linked.
+    ModelElement const far = owner()->_farEnd(element, *opposite());
+    if (far.isEmpty() || positionOf(far) != m_elements.size()) return;
+  }
   inverseBeforeRemoving(*element);
 }
 
@@ -238,7 +247,7 @@ void ReferenceSequence::basicCopyValues(ReferenceCollection const* other) {
 }
 
 void ReferenceSequence::replaceAt(std::size_t position, ModelElement const& element) {
-  if (resolveAt(position) == element) return;
+  if (resolveAt(position) == element || position >= m_elements.size()) return;  // a proxy there may have gone
   if (element.isEmpty()) reportException(messages::CannotAddNonExistentObject());
   if (m_unique && containsElement(element)) reportException(messages::CannotAddSecondObject());
   checkCompatibleModel(element.impl());
@@ -311,10 +320,6 @@ bool ReferenceSequence::resolveSlot(std::size_t position, Members* members) {
 bool ReferenceSequence::takePlaceOfProxy(std::size_t position, ModelElement real, Members* members) {
   bool const mayBeTakenBack = opposite() == nullptr ? real->isProvisional() : real->mayBeTakenBack(*opposite());
   if (mayBeTakenBack && &real->model() != &owner()->model()) return false;
-  if (isComposite()) {
-    replaceProxyAt(real, position);
-    return true;
-  }
   bool const isIn =
       m_unique && (members != nullptr ? members->has(*this, real) : positionOf(real) != m_elements.size());
   if (isIn) {
@@ -322,6 +327,10 @@ bool ReferenceSequence::takePlaceOfProxy(std::size_t position, ModelElement real
     Operation operation(*this);
     eraseRaw(position, recordingJournal());
     operation.commit();
+    return true;
+  }
+  if (isComposite()) {
+    replaceProxyAt(real, position);
     return true;
   }
   Journal* const journal = mayBeTakenBack && owner()->model().level() > 0 ? recordingJournal() : nullptr;
@@ -397,6 +406,10 @@ void ReferenceSequence::replaceProxy(ModelElement const& element) {
 }
 
 void ReferenceSequence::replaceProxyAt(ModelElement const& element, std::size_t position) {
+  if (m_unique && positionOf(element) != m_elements.size()) {
+    takePlaceOfProxy(position, element);
+    return;
+  }
   Operation operation(*this, Operation::WHOLE);
   Journal* const journal = recordingJournal();
   if (journal != nullptr) journal->reserve();

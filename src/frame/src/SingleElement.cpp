@@ -175,7 +175,9 @@ bool ReferenceKind::containsProxyTo(Element& element, Row const& row, ModelEleme
   if (!field || !field->isProxy()) return false;
   ModelElement const found = element.model().peekResolveProxy(&element, field);
   if (found.impl() != &far) return false;
-  takePlaceOfProxy(element, field, row, found);
+  auto* const opposite = row.property->opposite();
+  bool const isConfirmed = opposite == nullptr || !opposite->isMany() || element._inverseContainsThis(&far, *opposite);
+  if (isConfirmed) takePlaceOfProxy(element, field, row, found);
   return true;
 }
 
@@ -219,8 +221,9 @@ void OppositeReferenceKind::store(Element& element, Row const& row, ModelElement
 void OppositeReferenceKind::inverseAdd(Element& element, Row const& row, ModelElementImpl& far) const {
   auto& field = fieldOf<ElementField>(element, row);
   element.notifyModifying(row.index);
-  ModelElement const former = field;
-  if (former && former.impl() != &far) element._inverseRemoveThis(former.impl(), *row.property->opposite());
+  auto& opposite = *row.property->opposite();
+  ModelElement const former = element._farEnd(field, opposite);  // a proxy may stand for the far end itself
+  if (former && former.impl() != &far) element._inverseRemoveThis(former.impl(), opposite);
   basicSetElement(field, ModelElement(&far));
 }
 

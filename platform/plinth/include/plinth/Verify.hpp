@@ -34,7 +34,7 @@ TESSEL_EXPORT std::ostream& operator<<(std::ostream& stream, Finding const& find
 ///   listed by what it names, but counts as it where the other end lists an element;
 /// - "proxy": a proxy lies in no container and holds no elements;
 /// - "key": an element stands in a map under the key that it bears;
-/// - "uniqueness": a unique sequence holds an element once;
+/// - "uniqueness": a unique sequence holds an element once, proxies not counted;
 /// - "class": a target is of the property's class;
 /// - "target": a live target is in its model's directory, and a containment or an opposite holds no dead one;
 /// - "reference count": an element is counted at least as often as the model and its properties hold it;
