@@ -190,9 +190,11 @@ void ReferenceSequence::inverseBeforeErasing(std::size_t position) {
   // An element stays contained until it leaves its last slot.
   if (m_repeats && std::count(m_elements.begin(), m_elements.end(), element) > 1) return;
   if (element && element->isProxy() && opposite() != nullptr) {
-    // What it names may stand here itself, and stay linked.
+    // What it names may stand elsewhere itself, and stay linked; or in this very slot, since it has been looked at.
     ModelElement const far = owner()->_farEnd(element, *opposite());
-    if (far.isEmpty() || positionOf(far) != m_elements.size()) return;
+    std::size_t const at = positionOf(far);
+    if (!far.isEmpty() && (at == position || at == m_elements.size())) inverseBeforeRemoving(*far);
+    return;
   }
   inverseBeforeRemoving(*element);
 }
@@ -451,9 +453,9 @@ void ReferenceSequence::convertToProxy(ModelElementImpl& element, ModelElement c
 
 bool ReferenceSequence::basicContainsProxyTo(ModelElementImpl& target) {
   if (owner() == nullptr) return false;
+  if (positionOf(ModelElement(&target)) != m_elements.size()) return true;
   for (std::size_t i = 0; i < m_elements.size(); ++i) {
     ModelElement const& slot = m_elements[i];
-    if (slot.impl() == &target) return true;
     if (!slot->isProxy()) continue;
     ModelElement const found = peekResolveProxy(slot);
     if (found.impl() != &target || found->isProxy() || !fits(found)) continue;
