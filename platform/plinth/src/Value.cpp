@@ -157,11 +157,7 @@ void Value::reportIncompatible(ValueMeta const& expected) const {
 
 namespace {
 
-meta::TypeImpl* standardType(char const* name) {
-  meta::PrimitiveType const type = meta::MetaRegistry::getInstance().getPrimitiveType(name);
-  if (type.isEmpty()) reportException(messages::NoSuchType(groundwork::toUtf16(name)));
-  return type.impl();
-}
+meta::TypeImpl* standardType(char const* name) { return internal::getPrimitiveTypeFromMetaRegistry(name).impl(); }
 
 }  // namespace
 
