@@ -201,10 +201,10 @@ TEST(Proxy, MayBeReplacedByTheLoaderThatIsAskedForIt) {
     return loaded;
   });
   auto& contents = *s.category->getContents();
-  contents.basicAdd(proxyOf<sample::runtime::ParamState>(s.model, u"another", "param"));
+  s.category->_basicAdd(&contents, proxyOf<sample::runtime::ParamState>(s.model, u"another", "param"));
   EXPECT_THAT(contents.getAllValues(), testing::Not(testing::IsEmpty())) << "those that came before it";
   EXPECT_TRUE(contents.empty());
-  contents.basicAdd(proxyOf<sample::runtime::ParamState>(s.model, u"a third", "param"));
+  s.category->_basicAdd(&contents, proxyOf<sample::runtime::ParamState>(s.model, u"a third", "param"));
   EXPECT_TRUE(contents.at(0).isEmpty());
   ModelDirectory::getInstance().setLoader({});
 }
@@ -332,7 +332,7 @@ TEST(Proxy, InAMapIsNoEntryUntilItResolvesAndStaysOutWhenItsKeyIsTaken) {
   auto const entry = sample::ext::ConfigEntry::create(s.model);
   entry->setKey(u"k");
   auto* const values = s.night->getValues();
-  values->basicAddWithProxy(proxyOf(s.model, entry, true));
+  values->addProxy(proxyOf(s.model, entry, true));
   {
     plinth::ModelImpl::ResolveSuppression const suppression(s.model.require());
     EXPECT_EQ(s.night->getValues()->size(), 0U);
@@ -344,7 +344,7 @@ TEST(Proxy, InAMapIsNoEntryUntilItResolvesAndStaysOutWhenItsKeyIsTaken) {
   values->remove(entry);
 
   auto const usurper = sample::ext::ConfigEntry::create(s.model);
-  values->basicAddWithProxy(proxyOf(s.model, entry, true));
+  values->addProxy(proxyOf(s.model, entry, true));
   usurper->setKey(u"k");
   values->insert(usurper);
   EXPECT_EQ(s.night->getValues()->find(u"k"), usurper);

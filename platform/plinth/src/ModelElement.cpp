@@ -8,6 +8,7 @@
 #include "plinth/FailurePoint.hpp"
 #include "plinth/Messages.hpp"
 #include "plinth/Model.hpp"
+#include "plinth/ReferenceCollection.hpp"
 #include "plinth/Value.hpp"
 #include "plinth/meta/MetaRegistry.hpp"
 
@@ -260,6 +261,24 @@ bool ModelElementImpl::_inverseContainsThis(ModelElementImpl* target, meta::Prop
 
 void ModelElementImpl::_convertToProxy(ModelElementImpl* target, meta::PropertyImpl& property, ProxyId const& id) {
   if (target != nullptr) target->convertToProxy(property, id, *this);
+}
+
+void ModelElementImpl::_basicAdd(ReferenceCollection* collection, ModelElement const& element) {
+  collection->basicAdd(element);
+}
+
+void ModelElementImpl::_basicRemove(ReferenceCollection* collection, ModelElement const& element) {
+  collection->basicRemove(element);
+}
+
+void ModelElementImpl::_basicClear(ReferenceCollection* collection) { collection->basicClear(); }
+
+void ModelElementImpl::_basicCopyValues(ReferenceCollection* to, ReferenceCollection const* from) {
+  to->basicCopyValues(from);
+}
+
+bool ModelElementImpl::_basicContainsProxyTo(ReferenceCollection* collection, ModelElementImpl& element) {
+  return collection->basicContainsProxyTo(element);
 }
 
 }  // namespace plinth

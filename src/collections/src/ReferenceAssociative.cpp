@@ -39,9 +39,9 @@ ProxyTable& ReferenceAssociative::requireProxyTable() {
   return *m_proxies;
 }
 
-void ReferenceAssociative::addProxy(ModelElement const& proxy) {
+bool ReferenceAssociative::addProxy(ModelElement const& proxy) {
   boost::optional<ProxyId> const id = proxy->getProxyId();
-  if (!id) return;
+  if (!id) return false;
   if (isComposite() && !id->isLocal()) reportException(messages::CannotCreateCrossModelAssociation());
   ProxyTable& table = requireProxyTable();
   Operation operation(*this);
@@ -53,6 +53,7 @@ void ReferenceAssociative::addProxy(ModelElement const& proxy) {
     static_cast<detail::AssociativeJournal*>(journal)->note(true);
   }
   operation.commit();
+  return inserted;
 }
 
 bool ReferenceAssociative::keeps(ModelElement const& proxy) const {
@@ -62,9 +63,9 @@ bool ReferenceAssociative::keeps(ModelElement const& proxy) const {
   return found != m_proxies->end() && found->second == proxy;
 }
 
-void ReferenceAssociative::removeProxy(ModelElement const& proxy) {
+bool ReferenceAssociative::removeProxy(ModelElement const& proxy) {
   boost::optional<ProxyId> const id = proxy->getProxyId();
-  if (m_proxies == nullptr || !id || m_proxies->count(*id) == 0) return;
+  if (m_proxies == nullptr || !id || m_proxies->count(*id) == 0) return false;
   Operation operation(*this);
   CollectionJournal* const journal = modifying();
   auto* const steps = proxySteps(journal);
@@ -74,6 +75,7 @@ void ReferenceAssociative::removeProxy(ModelElement const& proxy) {
     static_cast<detail::AssociativeJournal*>(journal)->note(true);
   }
   operation.commit();
+  return true;
 }
 
 void ReferenceAssociative::removeProxyFor(ModelElement const& element) {
@@ -180,13 +182,9 @@ void ReferenceAssociative::genericRemove(ModelElement const& element) {
   removeMember(element);
 }
 
-void ReferenceAssociative::removeMember(ModelElement const& element) {
-  if (element.isEmpty()) return;
-  if (element->isProxy()) {
-    removeProxy(element);
-  } else {
-    removeElement(element);
-  }
+bool ReferenceAssociative::removeMember(ModelElement const& element) {
+  if (element.isEmpty()) return false;
+  return element->isProxy() ? removeProxy(element) : removeElement(element);
 }
 
 void ReferenceAssociative::clear() {
@@ -206,7 +204,7 @@ void ReferenceAssociative::clear() {
 }
 
 std::unique_ptr<GenericCollectionInterface> ReferenceAssociative::makeGenericInterface() {
-  return std::make_unique<CollectionView<GenericCollectionInterface, ReferenceCollection>>(*this);
+  return std::make_unique<WrapperInterface<ReferenceCollection>>(*this);
 }
 
 }  // namespace plinth

@@ -1,6 +1,8 @@
 #include "plinth/collections/ReferenceSequence.hpp"
 
 #include <algorithm>
+#include <iterator>
+#include <unordered_set>
 
 #include "CollectionView.hpp"
 #include "plinth/FailurePoint.hpp"
@@ -37,7 +39,7 @@ std::unique_ptr<CollectionJournal> ReferenceSequence::makeJournal() { return std
 ReferenceSequence::Journal* ReferenceSequence::recordingJournal() { return static_cast<Journal*>(modifying()); }
 
 void ReferenceSequence::insertRaw(std::size_t position, ModelElement const& element, Journal* journal) {
-  if (journal != nullptr) journal->reserve();
+  if (journal != nullptr) journal->reserveInsertion();
   failurePoint("sequence-insert");
   m_elements.insert(m_elements.begin() + offset(position), element);
   if (journal != nullptr) journal->inserted(position);
@@ -45,12 +47,21 @@ void ReferenceSequence::insertRaw(std::size_t position, ModelElement const& elem
   noteRepetition(m_elements[position]);
 }
 
-void ReferenceSequence::eraseRaw(std::size_t position, Journal* journal) {
-  if (journal != nullptr) journal->reserve();
-  ModelElement taken = std::move(m_elements[position]);
-  removeFromFilter(taken);
-  m_elements.erase(m_elements.begin() + offset(position));
-  if (journal != nullptr) journal->erased(position, std::move(taken));
+void ReferenceSequence::eraseRaw(std::size_t first, std::size_t last, Journal* journal) {
+  if (journal != nullptr) journal->reserve(last - first);
+  if (last - first == 1) {
+    ModelElement taken = std::move(m_elements[first]);
+    removeFromFilter(taken);
+    m_elements.erase(m_elements.begin() + offset(first));
+    if (journal != nullptr) journal->erased(first, std::move(taken));
+    return;
+  }
+  auto const begin = m_elements.begin() + offset(first);
+  auto const end = m_elements.begin() + offset(last);
+  std::vector<ModelElement> taken(std::make_move_iterator(begin), std::make_move_iterator(end));
+  for (ModelElement const& element : taken) removeFromFilter(element);
+  m_elements.erase(begin, end);
+  if (journal != nullptr) journal->erased(first, std::move(taken));
 }
 
 void ReferenceSequence::noteRepetition(ModelElement const& element) noexcept {
@@ -72,18 +83,30 @@ void ReferenceSequence::refillFilter() noexcept {
   for (ModelElement const& element : m_elements) addToFilter(element);
 }
 
-void ReferenceSequence::addElement(ModelElement const& element) { insertElement(m_elements.size(), element); }
-
-std::size_t ReferenceSequence::insertElement(std::size_t position, ModelElement const& element) {
-  if (element.isEmpty()) return position;
+bool ReferenceSequence::takes(ModelElement const& element) const {
+  if (element.isEmpty()) return false;
   checkCompatibleModel(element.impl());
-  if (m_unique && containsElement(element)) return findResolving(element);
+  return !m_unique || !containsElement(element);
+}
+
+void ReferenceSequence::insertNew(std::size_t position, ModelElement const& element) {
   ModelElementImpl& added = *element;
   Operation operation(*this, extentOfAdding(added));
   announceAdding(added);
   insertRaw(position, element, recordingJournal());
   if (hasInverse() && !added.isProxy()) inverseAfterAdding(added);
   operation.commit();
+}
+
+bool ReferenceSequence::addElement(ModelElement const& element) {
+  if (!takes(element)) return false;
+  insertNew(m_elements.size(), element);
+  return true;
+}
+
+std::size_t ReferenceSequence::insertElement(std::size_t position, ModelElement const& element) {
+  if (!takes(element)) return element.isEmpty() ? position : findResolving(element);
+  insertNew(position, element);
   return position;
 }
 
@@ -123,9 +146,11 @@ std::size_t ReferenceSequence::findResolving(ModelElement const& element) {
   return m_elements.size();
 }
 
-void ReferenceSequence::removeElement(ModelElement const& element) {
+bool ReferenceSequence::removeElement(ModelElement const& element) {
   std::size_t const position = findResolving(element);
-  if (position != m_elements.size()) eraseAt(position);
+  if (position == m_elements.size()) return false;
+  eraseAt(position);
+  return true;
 }
 
 void ReferenceSequence::basicRemove(ModelElement const& element) {
@@ -136,27 +161,32 @@ void ReferenceSequence::basicRemove(ModelElement const& element) {
   Journal* const journal = recordingJournal();
   // An element that another container takes, or that ends, leaves every slot that it stands in.
   do {
-    eraseRaw(position, journal);
+    eraseRaw(position, position + 1, journal);
     if (m_repeats) position = positionOf(element);
   } while (m_repeats && position != m_elements.size());
   operation.commit();
 }
 
-void ReferenceSequence::inverseBeforeErasing(std::size_t position) {
-  ModelElement const element = m_elements[position];
-  if (!isRealElement(element)) return;
+void ReferenceSequence::inverseBeforeErasing(std::size_t first, std::size_t last) {
   // An element stays contained until it leaves its last slot.
-  if (m_repeats && std::count(m_elements.begin(), m_elements.end(), element) > 1) return;
-  inverseBeforeRemoving(*element);
+  std::unordered_set<ModelElementImpl const*> staying;
+  for (std::size_t i = 0; m_repeats && i < m_elements.size(); ++i) {
+    if (i < first || i >= last) staying.insert(m_elements[i].impl());
+  }
+  for (std::size_t i = first; i < last; ++i) {
+    ModelElement const element = m_elements[i];
+    if (isRealElement(element) && staying.count(element.impl()) == 0) inverseBeforeRemoving(*element);
+  }
 }
 
-std::size_t ReferenceSequence::eraseAt(std::size_t position) {
+std::size_t ReferenceSequence::eraseRange(std::size_t first, std::size_t last) {
+  if (first == last) return first;
   Operation operation(*this, extent());
   Journal* const journal = recordingJournal();
-  if (hasInverse()) inverseBeforeErasing(position);
-  eraseRaw(position, journal);
+  if (hasInverse()) inverseBeforeErasing(first, last);
+  eraseRaw(first, last, journal);
   operation.commit();
-  return position;
+  return first;
 }
 
 void ReferenceSequence::clear() {
@@ -205,7 +235,7 @@ void ReferenceSequence::replaceAt(std::size_t position, ModelElement const& elem
   Operation operation(*this, extent());
   Journal* const journal = recordingJournal();
   if (journal != nullptr) journal->reserve();
-  if (hasInverse()) inverseBeforeErasing(position);
+  if (hasInverse()) inverseBeforeErasing(position, position + 1);
   ModelElement former = std::exchange(m_elements[position], element);
   removeFromFilter(former);
   addToFilter(element);
@@ -371,7 +401,7 @@ std::unique_ptr<AbstractOwnedCollection> ReferenceSequence::oldContents() const 
   return copy;
 }
 
-std::unique_ptr<AbstractOwnedCollection> ReferenceSequence::detachedCopy() const {
+std::unique_ptr<AbstractOwnedCollection> ReferenceSequence::copyContents() const {
   auto copy = makeDetached();
   copy->m_elements = m_elements;
   return copy;

@@ -47,15 +47,6 @@ class TESSEL_EXPORT ReferenceCollection : public AbstractOwnedCollection {
   /// Puts `proxy` where the collection holds `element`.
   virtual void convertToProxy(ModelElementImpl& element, ModelElement const& proxy) = 0;
 
-  // Bare changes: the container and its record, no inverse.
-  virtual void basicAdd(ModelElement const& element) = 0;
-  virtual void basicAddWithProxy(ModelElement const& element) { basicAdd(element); }
-  virtual void basicRemove(ModelElement const& element) = 0;
-  virtual void basicClear() = 0;
-  /// Becomes a copy of `other`, which is of the same class; null empties it.
-  virtual void basicCopyValues(ReferenceCollection const* other) = 0;
-  virtual bool basicContainsProxyTo(ModelElementImpl& target) = 0;
-
   bool fits(ModelElement const& element) const;
   /// Raises CannotAddIncompatibleTypes for an element of a class that doesn't fit.
   void requireFitting(ModelElement const& element) const;
@@ -64,6 +55,16 @@ class TESSEL_EXPORT ReferenceCollection : public AbstractOwnedCollection {
   using AbstractOwnedCollection::AbstractOwnedCollection;
 
   virtual std::unique_ptr<GenericCollectionInterface> makeGenericInterface() = 0;
+
+  // Bare changes: the container and its record, no inverse. Reached from outside by the services of ModelElementImpl.
+  virtual void basicAdd(ModelElement const& element) = 0;
+  virtual void basicAddWithProxy(ModelElement const& element) { basicAdd(element); }
+  virtual void basicRemove(ModelElement const& element) = 0;
+  virtual void basicClear() = 0;
+  /// Becomes a copy of `other`, which is of the same class; null empties it.
+  virtual void basicCopyValues(ReferenceCollection const* other) = 0;
+  virtual bool basicContainsProxyTo(ModelElementImpl& target) = 0;
+
   /// What follows the addition, or precedes the removal, of a member: the far end of an opposite, or the container
   /// link.
   void inverseAfterAdding(ModelElementImpl& element);
@@ -85,6 +86,7 @@ class TESSEL_EXPORT ReferenceCollection : public AbstractOwnedCollection {
   bool listsOwner(ModelElementImpl& element) const;
 
  private:
+  friend class ModelElementImpl;
   std::unique_ptr<GenericCollectionInterface> m_generic;
 };
 
