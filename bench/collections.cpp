@@ -278,7 +278,7 @@ void describeGrowth() {
       .library(onNew<Sequences>([](Sequences& world) {
         for (runtime::ParamState const& parameter : world.parameters) world.contents().add(parameter);
       }));
-  compare("sequence: erase the front half, tell it, take it back, a member")
+  compare("sequence: erase the front half and take it back")
       .sizes(sizes)
       .iterations(ITERATIONS)
       .baseline(onNew<PlainSequences>([=](PlainSequences& world) {
@@ -287,12 +287,12 @@ void describeGrowth() {
         for (std::size_t i = 0; i < world.parameters.size() / 2; ++i) world.parameters[i].category = &world.category;
       }))
       .library(onNew<Sequences>([=](Sequences& world) { eraseFrontAndRollBack(world, world.contents()); }));
-  compare("sequence of values: the same, a value")
+  compare("values: erase the front half and take it back")
       .sizes(sizes)
       .iterations(ITERATIONS)
       .baseline(onNew<PlainSequences>([=](PlainSequences& world) { eraseFrontAndPutBack(world.allowed); }))
       .library(onNew<Sequences>([=](Sequences& world) { eraseFrontAndRollBack(world, world.allowed()); }));
-  compare("sequence of values: tell 1 000 single erases at the front, take them back, a value")
+  compare("values: take back 1 000 single erases at the front")
       .sizes(sizes)
       .iterations(ITERATIONS)
       .baseline(onNew<PlainSequences>([](PlainSequences& world) {

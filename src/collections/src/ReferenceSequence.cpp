@@ -169,13 +169,15 @@ void ReferenceSequence::basicRemove(ModelElement const& element) {
 
 void ReferenceSequence::inverseBeforeErasing(std::size_t first, std::size_t last) {
   // An element stays contained until it leaves its last slot.
-  std::unordered_set<ModelElementImpl const*> staying;
+  std::unordered_set<ModelElementImpl const*> leaving;
+  for (std::size_t i = first; m_repeats && i < last; ++i) leaving.insert(m_elements[i].impl());
   for (std::size_t i = 0; m_repeats && i < m_elements.size(); ++i) {
-    if (i < first || i >= last) staying.insert(m_elements[i].impl());
+    if (i < first || i >= last) leaving.erase(m_elements[i].impl());
   }
   for (std::size_t i = first; i < last; ++i) {
     ModelElement const element = m_elements[i];
-    if (isRealElement(element) && staying.count(element.impl()) == 0) inverseBeforeRemoving(*element);
+    bool const leaves = !m_repeats || leaving.count(element.impl()) != 0;
+    if (leaves && isRealElement(element)) inverseBeforeRemoving(*element);
   }
 }
 

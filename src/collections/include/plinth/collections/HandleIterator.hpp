@@ -3,6 +3,7 @@
 // Thread rule: the model's thread; valid as long as the container's own iterators.
 #pragma once
 
+#include <cstddef>
 #include <iterator>
 #include <utility>
 

@@ -2,6 +2,9 @@
 // Ownership and thread rule: see AbstractOwnedCollection.hpp.
 #pragma once
 
+#include <cstddef>
+#include <type_traits>
+
 #include "plinth/collections/HandleIterator.hpp"
 #include "plinth/collections/ReferenceAssociative.hpp"
 
