@@ -223,6 +223,89 @@ void describeSequencesAndSets() {
       }));
 }
 
+/// A category with all parameters, and a parameter with as many allowed values.
+struct Sequences : Parameters {
+  explicit Sequences(std::vector<std::u16string> const& keys) : Parameters(keys) {
+    plinth::Transaction transaction = model.beginTransaction();
+    for (runtime::ParamState const& parameter : parameters) contents().add(parameter);
+    allowed().assign(std::vector<double>(keys.size(), 1));
+    transaction.commit();
+  }
+  plinth::ElementSequence<runtime::ControllableState>& contents() { return *category->getContentsMutable(); }
+  plinth::PrimitiveSequence<double>& allowed() { return *number->getAllowedValuesMutable(); }
+  bench::data::DoubleParamData number = bench::data::DoubleParamData::create(model);
+};
+/// Some values have left one by one at the front.
+struct ErasedSequences : Sequences {
+  explicit ErasedSequences(std::vector<std::u16string> const& keys)
+      : Sequences(keys), transaction(model.beginTransaction()) {
+    for (int i = 0; i < 1000; ++i) allowed().erase(allowed().begin());
+  }
+  boost::optional<plinth::Transaction> transaction;
+};
+struct PlainSequences : PlainParameters {
+  explicit PlainSequences(std::vector<std::u16string> const& keys) : PlainParameters(keys), allowed(keys.size(), 1) {
+    for (plain::Parameter& parameter : parameters) {
+      parameter.category = &category;
+      category.contents.push_back(&parameter);
+    }
+  }
+  std::vector<double> allowed;
+};
+
+/// What is to be linear in the whole, whatever lies in front of or behind it.
+void describeGrowth() {
+  std::vector<std::int64_t> const sizes{10000, 100000, 1000000};
+  auto const eraseFrontAndPutBack = [](auto& values) {
+    auto const old = values;
+    values.erase(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2));
+    benchmark::DoNotOptimize(std::vector(old));
+    values = old;
+  };
+  auto const eraseFrontAndRollBack = [](Sequences& world, auto& values) {
+    plinth::Transaction const transaction = world.model.beginTransaction();
+    values.erase(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2));
+    benchmark::DoNotOptimize(values.oldContents());
+  };
+  compare("unique sequence: add a member that is there")
+      .sizes(sizes)
+      .iterations(ITERATIONS)
+      .baseline(onNew<PlainSequences>([](PlainSequences& world) {
+        for (plain::Parameter& parameter : world.parameters) {
+          if (parameter.category != &world.category) world.category.contents.push_back(&parameter);
+        }
+      }))
+      .library(onNew<Sequences>([](Sequences& world) {
+        for (runtime::ParamState const& parameter : world.parameters) world.contents().add(parameter);
+      }));
+  compare("sequence: erase the front half and take it back")
+      .sizes(sizes)
+      .iterations(ITERATIONS)
+      .baseline(onNew<PlainSequences>([=](PlainSequences& world) {
+        for (std::size_t i = 0; i < world.parameters.size() / 2; ++i) world.parameters[i].category = nullptr;
+        eraseFrontAndPutBack(world.category.contents);
+        for (std::size_t i = 0; i < world.parameters.size() / 2; ++i) world.parameters[i].category = &world.category;
+      }))
+      .library(onNew<Sequences>([=](Sequences& world) { eraseFrontAndRollBack(world, world.contents()); }));
+  compare("values: erase the front half and take it back")
+      .sizes(sizes)
+      .iterations(ITERATIONS)
+      .baseline(onNew<PlainSequences>([=](PlainSequences& world) { eraseFrontAndPutBack(world.allowed); }))
+      .library(onNew<Sequences>([=](Sequences& world) { eraseFrontAndRollBack(world, world.allowed()); }));
+  compare("values: take back 1 000 single erases at the front")
+      .sizes(sizes)
+      .iterations(ITERATIONS)
+      .baseline(onNew<PlainSequences>([](PlainSequences& world) {
+        auto const old = world.allowed;
+        benchmark::DoNotOptimize(std::vector(old));
+        world.allowed = old;
+      }))
+      .library(onNew<ErasedSequences>([](ErasedSequences& world) {
+        benchmark::DoNotOptimize(world.allowed().oldContents());
+        world.transaction.reset();
+      }));
+}
+
 /// The store with its profiles, each with an entry for each key.
 struct Store {
   void build(std::vector<std::u16string> const& keys) {
@@ -335,6 +418,7 @@ void describeStore() {
 int main(int argc, char** argv) {
   describeMaps();
   describeSequencesAndSets();
+  describeGrowth();
   describeStore();
   return bench::run(argc, argv);
 }

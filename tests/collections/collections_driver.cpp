@@ -13,9 +13,9 @@
 namespace collections_test {
 
 using plinth::element_cast;
+using plinth::ElementMapBase;
 using plinth::ModelElement;
 using plinth::ReferenceCollection;
-using plinth::ReferenceMap;
 using plinth::ReferenceSequence;
 using namespace tessel::internal;
 using namespace tessel::internal::config::runtime;
@@ -238,7 +238,7 @@ void Driver::put(Step const& step) {
     if (step.op == Op::INSERT_KEEPING) collision = Collision::KEEP;
     if (step.op == Op::INSERT_REPLACING) collision = Collision::REPLACE;
     real = [&] {
-      static_cast<ReferenceMap&>(collection)
+      static_cast<ElementMapBase&>(collection)
           .insertElement(element, static_cast<plinth::CollisionResolution>(collision));
     };
   } else {
@@ -268,9 +268,12 @@ void Driver::takeOut(Step const& step) {
   } else if (step.op == Op::ERASE) {
     if (!isSequence(feature) || members.empty()) return;
     std::size_t const index = step.c % members.size();
+    std::size_t const count = step.d % 2 == 0 ? 1 : step.d / 2 % (members.size() - index + 1);
     perform(
-        step, [&] { static_cast<ReferenceSequence&>(collection).eraseAt(index); },
-        quietly([&](PlainModel& plain) { plain.eraseAt(place, index); }));
+        step, [&] { static_cast<ReferenceSequence&>(collection).eraseRange(index, index + count); },
+        quietly([&](PlainModel& plain) {
+          for (std::size_t i = 0; i < count; ++i) plain.eraseAt(place, index);
+        }));
   } else {
     for (int const proxy : m_plain.proxiesIn(place)) members.push_back(~proxy);
     int const stranger = pick([&](Kind kind) { return accepts(feature, kind); }, step.d);

@@ -10,9 +10,9 @@
 namespace collections_test {
 
 using plinth::element_cast;
+using plinth::ElementMapBase;
 using plinth::ModelElement;
 using plinth::ReferenceCollection;
-using plinth::ReferenceMap;
 using namespace tessel::internal;
 using tessel::internal::config::runtime::ControllableState;
 
@@ -119,7 +119,7 @@ void Driver::comparePlace(Place const& place) {
   if (isMap(place.second) && collection != nullptr) {
     std::vector<std::u16string> keys;
     for (int const id : expected) keys.push_back(m_plain.items.at(id).key);
-    expectEqual(static_cast<ReferenceMap const*>(collection)->keys(), keys, "keys of " + where);
+    expectEqual(static_cast<ElementMapBase const*>(collection)->keys(), keys, "keys of " + where);
   }
   ModelElement const& owner = m_handles.at(place.first);
   for (View const& view : views) {

@@ -44,20 +44,27 @@ TEST_F(ElementMap, OrdersByCodeUnitsAndTakesTheEmptyKeyFirst) {
     keys.push_back(key);
   }
   EXPECT_EQ(keys, values.keys());
+  EXPECT_EQ((*values.rbegin())->getKey(), u"\xFFFD");
+  for (auto const& key : keys) {
+    EXPECT_TRUE(values.contains(key));
+    auto const member = values.find(key);
+    EXPECT_TRUE(values.erase(key));
+    EXPECT_FALSE(values.erase(key) || values.contains(key) || values.contains(member) || member->container());
+  }
 }
 
 TEST_F(ElementMap, ATakenKeyIsRefusedKeptOrReplaced) {
-  values.insert(s.volume);  // itself
-  values.insert({});
+  EXPECT_FALSE(values.insert(s.volume)) << "itself";
+  EXPECT_FALSE(values.insert({}));
   auto const rival = entry(u"volume");
   s.night->getValues()->insert(rival);
   EXPECT_EQ(raised([&] { values.insert(rival); }), "UniquenessConstraint");
-  values.insert(rival, CollisionResolution::KEEP);
+  EXPECT_FALSE(values.insert(rival, CollisionResolution::KEEP));
   EXPECT_THAT(values, ElementsAre(s.balance, s.volume));
   EXPECT_EQ(rival->container(), s.night);
 
   auto transaction = s.model.beginTransaction();
-  values.insert(rival, CollisionResolution::REPLACE);
+  EXPECT_TRUE(values.insert(rival, CollisionResolution::REPLACE));
   EXPECT_THAT(values, ElementsAre(s.balance, rival));
   EXPECT_FALSE(s.volume->container());
   EXPECT_EQ(rival->container(), s.day);

@@ -1,6 +1,7 @@
 // Sequences of values under random changes in nested transactions, beside plain vectors.
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <random>
 #include <tessel_config_datamodel/data/StringParamData.hpp>
 
@@ -34,6 +35,7 @@ class Driver {
   }
 
  private:
+  std::ptrdiff_t size() const { return static_cast<std::ptrdiff_t>(m_expected.size()); }
   std::size_t below(std::size_t bound) { return m_random() % bound; }
 
   /// Gives whether the transaction was committed.
@@ -60,7 +62,10 @@ class Driver {
     auto const from = static_cast<std::ptrdiff_t>(below(m_expected.size() + 1));
     auto const to = from + static_cast<std::ptrdiff_t>(below(m_expected.size() - static_cast<std::size_t>(from) + 1));
     std::u16string const value(1, static_cast<char16_t>(u'a' + below(26)));
-    switch (below(7)) {
+    auto const known = std::find(m_expected.begin(), m_expected.end(), value) - m_expected.begin();
+    ASSERT_EQ(m_sequence.indexOf(value),
+              known == size() ? plinth::PrimitiveSequence<std::u16string>::ABSENT : static_cast<std::size_t>(known));
+    switch (below(8)) {
       case 0:
       case 1:
         m_sequence.push_back(value);
@@ -85,10 +90,32 @@ class Driver {
         m_sequence.replaceAt(static_cast<std::size_t>(from), value);
         m_expected[static_cast<std::size_t>(from)] = value;
         break;
+      case 6:
+        changeOneByOne(from, below(2) == 0, value);
+        break;
       default:
         if (below(4) != 0) break;
         m_sequence.assign({value, value});
         m_expected = {value, value};
+    }
+  }
+
+  /// A run of single erases around a place, or of single inserts there.
+  void changeOneByOne(std::ptrdiff_t at, bool erases, std::u16string const& value) {
+    for (std::size_t count = below(6); count > 0; --count) {
+      if (!erases) {
+        m_sequence.insert(m_sequence.begin() + at, value);
+        m_expected.insert(m_expected.begin() + at, value);
+      } else if (at != 0 && (at == size() || below(2) == 0)) {
+        --at;
+        m_sequence.erase(m_sequence.begin() + at);
+        m_expected.erase(m_expected.begin() + at);
+      } else if (!m_expected.empty()) {
+        EXPECT_EQ(m_sequence.remove(value), std::count(m_expected.begin(), m_expected.end(), value) > 0);
+        auto const found = std::find(m_expected.begin(), m_expected.end(), value);
+        if (found != m_expected.end()) m_expected.erase(found);
+        at = std::min(at, size());
+      }
     }
   }
 

@@ -46,6 +46,7 @@ TEST_F(PrimitiveCollection, SequencesKeepDuplicatesAndRemoveTheFirst) {
   auto& allowed = *text->getAllowedValues();
   for (auto const* value : {u"a", u"b", u"a"}) allowed.push_back(value);
   EXPECT_THAT(allowed, ElementsAre(u"a", u"b", u"a"));
+  EXPECT_TRUE(std::equal(allowed.rbegin(), allowed.rend(), allowed.begin()));
   allowed.genericRemove(valueOf<std::u16string>(u"a"));
   EXPECT_THAT(allowed, ElementsAre(u"b", u"a"));
   EXPECT_EQ(viewOf(allowed).genericIndexOf(valueOf<std::u16string>(u"a")), 1U);
@@ -149,19 +150,20 @@ TEST_F(PrimitiveCollection, AMapIsUniqueByKeyAndInKeyOrder) {
     made.setClass(name);
     return made;
   };
-  controllers.insert(controller(u"b", u"B"));
-  controllers.insert(controller(u"a", u"A"));
-  controllers.insert(controller(u"a", u"A"));
+  EXPECT_TRUE(controllers.insert(controller(u"b", u"B")));
+  EXPECT_TRUE(controllers.insert(controller(u"a", u"A")));
+  EXPECT_FALSE(controllers.insert(controller(u"a", u"A")));
   EXPECT_EQ(raised([&] { controllers.genericAdd(valueOf(controller(u"a", u"X"))); }), "UniquenessConstraint");
-  controllers.insert(controller(u"a", u"X"), CollisionResolution::KEEP);
+  EXPECT_FALSE(controllers.insert(controller(u"a", u"X"), CollisionResolution::KEEP));
   EXPECT_EQ(controllers.find(u"a")->getClass(), u"A");
   {
     auto transaction = model.beginTransaction();
-    controllers.insert(controller(u"a", u"X"), CollisionResolution::REPLACE);
+    EXPECT_TRUE(controllers.insert(controller(u"a", u"X"), CollisionResolution::REPLACE));
     EXPECT_EQ(controllers.find(u"a")->getClass(), u"X");
     controllers.genericRemove(valueOf(controller(u"b", u"other")));
     controllers.genericRemove(valueOf(controller(u"b", u"B")));
-    controllers.clear();
+    EXPECT_FALSE(controllers.erase(u"b"));
+    EXPECT_TRUE(controllers.erase(u"a"));
   }
   EXPECT_THAT(controllers.getAllValues(),
               ElementsAre(valueOf(controller(u"a", u"A")), valueOf(controller(u"b", u"B"))));
@@ -184,7 +186,9 @@ TEST_F(PrimitiveCollection, ASetIsOrderedAndDropsWhatIsEqual) {
   data::EnumOption low, high;
   low.setValue(u"low");
   high.setValue(u"high");
-  for (auto const& option : {low, high, low}) options.insert(option);
+  EXPECT_TRUE(options.insert(low));
+  EXPECT_TRUE(options.insert(high));
+  EXPECT_FALSE(options.insert(low));
   EXPECT_THAT(options, ElementsAre(high, low));
   options.genericRemove(valueOf(high));
   options.genericRemove(valueOf(high));

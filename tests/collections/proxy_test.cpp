@@ -102,7 +102,7 @@ TEST_F(CollectionProxy, InASequenceOfChildrenMakesItsElementAChildAndNeverAnAnce
 
 TEST_F(CollectionProxy, ReplacedInASequenceComesBackWithBothEnds) {
   auto& contents = *s.category->getContents();
-  contents.basicAdd(proxy<ParamState>("late"));
+  s.category->_basicAdd(&contents, proxy<ParamState>("late"));
   auto const before = contents.raw();
   {
     auto const transaction = s.model.beginTransaction();

@@ -1,6 +1,8 @@
 // Sequences of elements: what is ignored, what is refused, and how containment follows the slots.
 #include <gmock/gmock.h>
 
+#include <algorithm>
+
 #include "plinth/Verify.hpp"
 #include "plinth/sample_model.hpp"
 #include "refusal.hpp"
@@ -80,6 +82,35 @@ TEST_F(ElementSequence, AssignmentToASlotMovesBothEndsOfTheLink) {
   operands[1] = operands[0];
   EXPECT_THAT(operands, ElementsAre(s.left, s.left));
   EXPECT_FALSE(s.right->container());
+}
+
+TEST_F(ElementSequence, ReadsAsARandomAccessRangeThatNoAlgorithmCanChange) {
+  using Iterator = plinth::ElementSequence<runtime::ControllableState>::Iterator;
+  static_assert(std::is_same_v<std::iterator_traits<Iterator>::iterator_category, std::random_access_iterator_tag>);
+  static_assert(!std::is_assignable_v<std::iterator_traits<Iterator>::reference, runtime::ControllableState>);
+  auto const third = ParamState::create(s.model);
+  third->setKey(u"third");
+  EXPECT_TRUE(contents.add(third));
+  EXPECT_FALSE(contents.add(third));
+  std::vector<runtime::ControllableState> const copy(contents.begin(), contents.end());
+  EXPECT_TRUE(std::equal(contents.rbegin(), contents.rend(), copy.rbegin()));
+  for (std::size_t i = 0; i < copy.size(); ++i) {
+    auto const offset = static_cast<std::ptrdiff_t>(i);
+    EXPECT_EQ(contents.indexOf(copy[i]), i);
+    EXPECT_EQ(std::distance(contents.begin(), std::find(contents.begin(), contents.end(), copy[i])), offset);
+    EXPECT_EQ(contents.end()[offset - 3], copy[i]);
+    auto const key = plinth::element_cast<ParamState>(contents[i])->getKey();
+    auto const at = std::lower_bound(contents.begin(), contents.end(), key, [](auto const& member, auto const& wanted) {
+      return plinth::element_cast<ParamState>(member)->getKey() < wanted;
+    });
+    EXPECT_TRUE(at == contents.begin() + offset && at < contents.end() && *at == std::as_const(contents)[i]);
+  }
+  EXPECT_TRUE(contents[0] && contents[0] == s.first && contents[0] != contents[1]);
+  EXPECT_EQ(contents[1]->getCategory(), s.category);
+  EXPECT_EQ(contents.indexOf(ParamState::create(s.model)), plinth::ReferenceSequence::ABSENT);
+  EXPECT_EQ(contents.insert(contents.begin(), third) - contents.begin(), 2) << "the place that it has already";
+  EXPECT_EQ(*contents.erase(contents.begin(), contents.begin() + 2), third);
+  EXPECT_FALSE(s.first->getCategory() || s.second->getCategory());
 }
 
 TEST_F(ElementSequence, TakesASlotOfItsOwnAsArgument) {

@@ -48,7 +48,7 @@ TEST(Builder, MakesAWholeTreeWithoutANoticeOfModification) {
   profile->setId(u"day").addValues(std::move(entry)).addValues(entryBuilder(u"balance"));
   ConfigStore::Builder builder(model);
   builder.setVersion(7).addProfiles(std::move(profile));
-  store = plinth::element_cast<ConfigStore>(builder.create(sample::nameUuid("built")));
+  store = builder.create(sample::nameUuid("built"));
   EXPECT_EQ(told, 1);
   EXPECT_EQ(store->getUuid(), sample::nameUuid("built"));
   EXPECT_EQ(store->getVersion(), 7U);
@@ -69,7 +69,7 @@ TEST(Builder, FillsByReflectionAsByItsOwnSetters) {
   builder.setOrAdd(property<ConfigStore>(u"Profiles"), std::make_unique<ConfigProfile::Builder>());
   EXPECT_EQ(builder.setMask().count(), 3U);
   EXPECT_EQ(builder.setMask().size(), 4U);
-  auto const store = plinth::element_cast<ConfigStore>(builder.create());
+  auto const store = builder.create();
   EXPECT_EQ(store->getVersion(), 3U);
   EXPECT_EQ(store->getActiveProfile(), s.night);
   EXPECT_EQ(store->getProfiles()->size(), 1U);

@@ -239,15 +239,23 @@ TEST(Listener, MayThrowAndTheCommitStands) {
   SampleModel s;
   int told = 0;
   auto const before = s.model.addListener([&](ChangeSet const&) { ++told; });
-  auto const throwing = s.model.addListener([&](ChangeSet const&) { throw std::runtime_error("no thanks"); });
+  auto const throwing = s.model.addListener(
+      [&](ChangeSet const&) { throw std::runtime_error("version " + std::to_string(s.store->getVersion())); });
   auto const after = s.model.addListener([&](ChangeSet const&) { ++told; });
   s.store->setVersion(1);
   EXPECT_EQ(told, 2);
   EXPECT_EQ(s.store->getVersion(), 1U);
   auto const errors = s.model->takeListenerErrors();
   ASSERT_EQ(errors.size(), 1U);
-  EXPECT_EQ(raised([&] { std::rethrow_exception(errors.front()); }), "no thanks");
+  EXPECT_EQ(raised([&] { std::rethrow_exception(errors.front()); }), "version 1");
   EXPECT_THAT(s.model->takeListenerErrors(), IsEmpty());
+  EXPECT_EQ(s.model->listenerErrorCount(), 0U);
+  for (unsigned version = 2; version < 50; ++version) s.store->setVersion(version);
+  EXPECT_EQ(s.model->listenerErrorCount(), 48U);
+  auto const last = s.model->takeListenerErrors();
+  ASSERT_EQ(last.size(), plinth::ModelImpl::KEPT_LISTENER_ERRORS);
+  EXPECT_EQ(raised([&] { std::rethrow_exception(last.front()); }), "version 34");
+  EXPECT_EQ(raised([&] { std::rethrow_exception(last.back()); }), "version 49");
 }
 
 TEST(Listener, MayOpenTransactionsThatAreToldAfterwardsInOrder) {

@@ -201,9 +201,9 @@ TEST(Proxy, MayBeReplacedByTheLoaderThatIsAskedForIt) {
     return loaded;
   });
   auto& contents = *s.category->getContents();
-  contents.basicAdd(proxyOf<sample::runtime::ParamState>(s.model, u"another", "param"));
+  s.category->_basicAdd(&contents, proxyOf<sample::runtime::ParamState>(s.model, u"another", "param"));
   EXPECT_THAT(contents.getAllValues(), testing::IsEmpty()) << "the loader has cleared it";
-  contents.basicAdd(proxyOf<sample::runtime::ParamState>(s.model, u"a third", "param"));
+  s.category->_basicAdd(&contents, proxyOf<sample::runtime::ParamState>(s.model, u"a third", "param"));
   EXPECT_TRUE(contents.at(0).isEmpty());
   ModelDirectory::getInstance().setLoader({});
 }
@@ -331,7 +331,7 @@ TEST(Proxy, InAMapIsNoEntryUntilItResolvesAndStaysOutWhenItsKeyIsTaken) {
   auto const entry = sample::ext::ConfigEntry::create(s.model);
   entry->setKey(u"k");
   auto* const values = s.night->getValues();
-  values->basicAddWithProxy(proxyOf(s.model, entry, true));
+  values->addProxy(proxyOf(s.model, entry, true));
   {
     plinth::ModelImpl::ResolveSuppression const suppression(s.model.require());
     EXPECT_EQ(s.night->getValues()->size(), 0U);
@@ -343,7 +343,7 @@ TEST(Proxy, InAMapIsNoEntryUntilItResolvesAndStaysOutWhenItsKeyIsTaken) {
   values->remove(entry);
 
   auto const usurper = sample::ext::ConfigEntry::create(s.model);
-  values->basicAddWithProxy(proxyOf(s.model, entry, true));
+  values->addProxy(proxyOf(s.model, entry, true));
   usurper->setKey(u"k");
   values->insert(usurper);
   EXPECT_EQ(s.night->getValues()->find(u"k"), usurper);

@@ -249,7 +249,7 @@ TEST(QualifierSetter, IsNotBlockedByADeadEntry) {
   SampleModel s;
   auto const stray = sample::ext::ConfigEntry::create(s.model);
   stray->setKey(u"stray");
-  s.night->getValues()->basicAdd(stray);  // held, but not contained: it dies without leaving the map
+  s.night->_basicAdd(s.night->getValues(), stray);  // held, but not contained: it dies without leaving the map
   stray->destroy();
   auto const entry = sample::ext::ConfigEntry::create(s.model);
   entry->setKey(u"entry");

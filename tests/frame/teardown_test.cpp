@@ -98,7 +98,7 @@ TEST(Teardown, SkipsProxiesAmongTheChildrenAndClearsThem) {
   auto const id = lost->getPersistentProxyId(true);
   lost->destroy();
   auto const proxy = s.model->createProxy(sample::ext::ConfigEntry::metaClass(), id);
-  s.day->getValues()->basicAddWithProxy(static_cast<sample::ext::ConfigEntry const&>(proxy));
+  s.day->getValues()->addProxy(static_cast<sample::ext::ConfigEntry const&>(proxy));
   EXPECT_EQ(s.day->getValues()->getAllValuesAndProxies().size(), 3U);
   Snapshot const before(s.model);
   {

@@ -37,6 +37,9 @@ TEST(Fingerprint, IsTheSameForModelsInTheSameState) {
   other.perspective->getMembersMutable()->add(other.first);
   EXPECT_TRUE(other.night->getValues()->empty());
   EXPECT_TRUE(Fingerprint::of(other.model) == first);
+
+  one.volume->setKey(u"two\nlines\\");
+  EXPECT_THAT(Fingerprint::of(one.model).text(), testing::HasSubstr("/Values[two\\u000alines\\\\]\n"));
 }
 
 struct Change {

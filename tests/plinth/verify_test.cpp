@@ -95,23 +95,23 @@ std::vector<Breach> breaches() {
        [](SampleModel& s) {
          auto const inner = sample::expr::NumericOperation::create(s.model);
          s.sum->getOperandsMutable()->add(inner);
-         inner->getOperandsMutable()->basicAdd(s.sum);
+         inner->_basicAdd(inner->getOperandsMutable(), s.sum);
          s.sum->basicSetContainer(inner.impl(), &property(inner, u"Operands"), 0);
        },
        {"containment cycle", ".../Operands[2]/Operands[0]", "", "no element to contain itself",
         "NumericOperation{} inside itself"}},
       {"OneSidedReference",
-       [](SampleModel& s) { s.category->getContentsMutable()->basicRemove(s.first); },
+       [](SampleModel& s) { s.category->_basicRemove(s.category->getContentsMutable(), s.first); },
        {"opposite", "ConfigurationState{}/Params[first]", "Category", "CategoryState{} to list it in Contents",
         "no entry there"}},
       {"OneSidedCollection",
-       [](SampleModel& s) { s.tag->getTaggedMutable()->basicRemove(s.first); },
+       [](SampleModel& s) { s.tag->_basicRemove(s.tag->getTaggedMutable(), s.first); },
        {"opposite", "ConfigurationState{}/Params[first]", "Tags", "TagState{} to list it in Tagged", "no entry there"}},
       {"ForeignKey",
        [](SampleModel& s) {
          auto const stray = sample::ext::ConfigEntry::create(s.model, {});
          stray->setKey(u"old");
-         s.day->getValuesMutable()->basicAdd(stray);
+         s.day->_basicAdd(s.day->getValuesMutable(), stray);
          stray->setKey(u"new");
          stray->basicSetContainer(s.day.impl(), &property(s.day, u"Values"), 0);
        },
@@ -120,7 +120,7 @@ std::vector<Breach> breaches() {
        [](SampleModel& s) {
          auto const stray = sample::ext::ConfigEntry::create(s.model, {});
          stray->setKey(u"stray");
-         s.day->getValuesMutable()->basicAdd(stray);
+         s.day->_basicAdd(s.day->getValuesMutable(), stray);
          stray->destroy();
        },
        {"target", "ConfigStore{}/Profiles[day]", "Values", "a live element", "the dead ConfigEntry{}"}},

@@ -133,17 +133,26 @@ void ChangePublisher::tell(Pending const& pending) noexcept {
     try {
       listener.function(pending.changes);
     } catch (...) {
-      try {
-        m_errors.push_back(std::current_exception());
-      } catch (std::bad_alloc const&) {
-        // The error list is full for want of memory: the listener's error is lost, the commit stands.
-      }
+      noteError(std::current_exception());
     }
   }
   listeners->isTelling = false;
   if (listeners->live < listeners->all.size()) listeners->prune();
 }
 
-std::vector<std::exception_ptr> ChangePublisher::takeErrors() { return std::exchange(m_errors, {}); }
+void ChangePublisher::noteError(std::exception_ptr error) noexcept {
+  ++m_errorCount;
+  if (m_errors.size() == ModelImpl::KEPT_LISTENER_ERRORS) m_errors.erase(m_errors.begin());
+  try {
+    m_errors.push_back(std::move(error));
+  } catch (std::bad_alloc const&) {
+    // There is no memory for the list: the listener's error is only counted, the commit stands.
+  }
+}
+
+std::vector<std::exception_ptr> ChangePublisher::takeErrors() {
+  m_errorCount = 0;
+  return std::exchange(m_errors, {});
+}
 
 }  // namespace plinth

@@ -40,6 +40,7 @@ class ChangePublisher {
   void publish() noexcept;
 
   std::vector<std::exception_ptr> takeErrors();
+  std::size_t errorCount() const noexcept { return m_errorCount; }
 
  private:
   struct Listener {
@@ -65,14 +66,16 @@ class ChangePublisher {
 
   /// Fills m_gathered, which is empty, with what the log tells. Raises std::bad_alloc.
   void gather(UndoLog& log);
+  void noteError(std::exception_ptr error) noexcept;
   void tell(Pending const& pending) noexcept;
   std::unique_ptr<Pending> freshPending();
 
   std::shared_ptr<Listeners> m_listeners = std::make_shared<Listeners>();
   std::deque<std::unique_ptr<Pending>> m_queue;
   std::unique_ptr<Pending> m_gathered;
-  std::unique_ptr<Pending> m_spare;  ///< kept for its vectors
-  std::vector<std::exception_ptr> m_errors;
+  std::unique_ptr<Pending> m_spare;          ///< kept for its vectors
+  std::vector<std::exception_ptr> m_errors;  ///< the last ones
+  std::size_t m_errorCount = 0;
   std::uint64_t m_serial = 0;  ///< of the last commit that was taken over
   bool m_publishing = false;
 };

@@ -6,6 +6,7 @@
 
 #include "ElementMembers.hpp"
 #include "groundwork/unicode.hpp"
+#include "plinth/ValueText.hpp"
 
 namespace plinth {
 namespace detail {
@@ -39,7 +40,7 @@ std::string pathStep(meta::PropertyImpl const& property, ModelElementImpl const&
   if (!property.isMany()) return name;
   if (meta::PropertyImpl* const qualifier = property.qualifiedBy();
       qualifier != nullptr && !element.isProxy() && element.getMetaClass()->conformsTo(*qualifier->owningType())) {
-    return name + bracketed(groundwork::toUtf8(keyBorneBy(element, *qualifier)));
+    return name + bracketed(escaped(keyBorneBy(element, *qualifier)));
   }
   return name + (position == NO_POSITION ? shortUuid(element) : bracketed(std::to_string(position)));
 }

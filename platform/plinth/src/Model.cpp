@@ -148,4 +148,6 @@ void ModelImpl::setName(std::u16string name) {
 
 std::vector<std::exception_ptr> ModelImpl::takeListenerErrors() { return m_publisher->takeErrors(); }
 
+std::size_t ModelImpl::listenerErrorCount() const noexcept { return m_publisher->errorCount(); }
+
 }  // namespace plinth

@@ -8,6 +8,7 @@
 #include "plinth/FailurePoint.hpp"
 #include "plinth/Messages.hpp"
 #include "plinth/Model.hpp"
+#include "plinth/ReferenceCollection.hpp"
 #include "plinth/Value.hpp"
 #include "plinth/meta/MetaRegistry.hpp"
 
@@ -298,6 +299,28 @@ void ModelElementImpl::_convertToProxy(ModelElementImpl* target, meta::PropertyI
 void ModelElementImpl::reach(ModelElementImpl const& far) const {
   // A dead one may have outlived its model.
   if (far.m_model != m_model && far.isLive()) m_model->m_ties.takeAlong(*far.m_model);
+}
+
+void ModelElementImpl::_basicAdd(ReferenceCollection* collection, ModelElement const& element) {
+  collection->basicAdd(element);
+}
+
+void ModelElementImpl::_basicRemove(ReferenceCollection* collection, ModelElement const& element) {
+  collection->basicRemove(element);
+}
+
+void ModelElementImpl::_basicRemoveAll(ReferenceCollection* collection, std::vector<ModelElement> const& members) {
+  collection->basicRemoveAll(members);
+}
+
+void ModelElementImpl::_basicClear(ReferenceCollection* collection) { collection->basicClear(); }
+
+void ModelElementImpl::_basicCopyValues(ReferenceCollection* to, ReferenceCollection const* from) {
+  to->basicCopyValues(from);
+}
+
+bool ModelElementImpl::_basicContainsProxyTo(ReferenceCollection* collection, ModelElementImpl& element) {
+  return collection->basicContainsProxyTo(element);
 }
 
 }  // namespace plinth

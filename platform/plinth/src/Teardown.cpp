@@ -113,7 +113,7 @@ void Teardown::sweep(ModelImpl& model) {
     auto const last = std::upper_bound(first, leaving.end(), *first, byCollection);
     std::vector<ModelElement> members;
     for (auto at = first; at != last; ++at) members.emplace_back(at->element);
-    first->collection->basicRemoveAll(members);
+    first->element->_basicRemoveAll(first->collection, members);
     first = last;
   }
 }

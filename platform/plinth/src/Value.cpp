@@ -1,7 +1,6 @@
 #include "plinth/Value.hpp"
 
 #include <cstring>
-#include <typeinfo>
 
 #include "groundwork/unicode.hpp"
 #include "plinth/AbstractPrimitiveCollection.hpp"
@@ -103,7 +102,11 @@ ReferenceCollection& Value::referenceCollection() const {
   return static_cast<ReferenceCollection&>(requireCollection(true));
 }
 
-std::vector<Value> Value::collectionValues() const { return primitiveCollection().getAllValues(); }
+void const* Value::collectionValues(std::type_info const& container) const {
+  void const* const values = primitiveCollection().valuesAs(container);
+  if (values == nullptr) reportIncompatible(m_meta);
+  return values;
+}
 
 namespace {
 
@@ -157,11 +160,7 @@ void Value::reportIncompatible(ValueMeta const& expected) const {
 
 namespace {
 
-meta::TypeImpl* standardType(char const* name) {
-  meta::PrimitiveType const type = meta::MetaRegistry::getInstance().getPrimitiveType(name);
-  if (type.isEmpty()) reportException(messages::NoSuchType(groundwork::toUtf16(name)));
-  return type.impl();
-}
+meta::TypeImpl* standardType(char const* name) { return internal::getPrimitiveTypeFromMetaRegistry(name).impl(); }
 
 }  // namespace
 

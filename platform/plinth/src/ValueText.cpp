@@ -98,10 +98,8 @@ std::string fieldsText(meta::DatatypeSerializer const& serializer, meta::TypeImp
 constexpr bool isHighSurrogate(char16_t unit) noexcept { return unit >= 0xD800 && unit <= 0xDBFF; }
 constexpr bool isLowSurrogate(char16_t unit) noexcept { return unit >= 0xDC00 && unit <= 0xDFFF; }
 
-}  // namespace
-
-std::string quoted(std::u16string_view text) {
-  std::string result = "\"";
+/// `result` becomes longer by the text.
+void appendEscaped(std::string& result, std::u16string_view text, bool escapesQuotes) {
   std::size_t plainFrom = 0;
   auto const flush = [&](std::size_t end) { result += groundwork::toUtf8(text.substr(plainFrom, end - plainFrom)); };
   for (std::size_t at = 0; at < text.size(); ++at) {
@@ -112,11 +110,12 @@ std::string quoted(std::u16string_view text) {
     }
     bool const isControl = unit < u' ' || unit == 0x7F;
     bool const isHalf = isHighSurrogate(unit) || isLowSurrogate(unit);
-    if (!isControl && !isHalf && unit != u'"' && unit != u'\\') continue;
+    bool const isSpecial = unit == u'\\' || (unit == u'"' && escapesQuotes);
+    if (!isControl && !isHalf && !isSpecial) continue;
     flush(at);
     plainFrom = at + 1;
     result += '\\';
-    if (unit == u'"' || unit == u'\\') {
+    if (isSpecial) {
       result += static_cast<char>(unit);
     } else {
       result += 'u';
@@ -124,7 +123,20 @@ std::string quoted(std::u16string_view text) {
     }
   }
   flush(text.size());
+}
+
+}  // namespace
+
+std::string quoted(std::u16string_view text) {
+  std::string result = "\"";
+  appendEscaped(result, text, true);
   return result + "\"";
+}
+
+std::string escaped(std::u16string_view text) {
+  std::string result;
+  appendEscaped(result, text, false);
+  return result;
 }
 
 void setOpaqueText(std::string (*text)(Value const& value)) noexcept { opaqueText().store(text); }

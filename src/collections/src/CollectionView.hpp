@@ -16,7 +16,7 @@ class CollectionView : public Interface {
   void genericAdd(ModelElement const& element) override { m_collection->genericAdd(element); }
   void genericRemove(ModelElement const& element) override { m_collection->genericRemove(element); }
   void genericClear() override { m_collection->clear(); }
-  void genericBasicClear() override { m_collection->basicClear(); }
+  void genericBasicClear() override { ModelElementImpl::_basicClear(m_collection); }
   bool genericContains(ModelElement const& element) const override { return m_collection->genericContains(element); }
 
  protected:
@@ -25,5 +25,9 @@ class CollectionView : public Interface {
  private:
   Collection* m_collection;
 };
+
+/// The view of a set or a subset.
+template <class Collection>
+using WrapperInterface = CollectionView<GenericCollectionInterface, Collection>;
 
 }  // namespace plinth

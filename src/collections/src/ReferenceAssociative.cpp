@@ -39,9 +39,9 @@ ProxyTable& ReferenceAssociative::requireProxyTable() {
   return *m_proxies;
 }
 
-void ReferenceAssociative::addProxy(ModelElement const& proxy) {
+bool ReferenceAssociative::addProxy(ModelElement const& proxy) {
   boost::optional<ProxyId> const id = proxy->getProxyId();
-  if (!id) return;
+  if (!id) return false;
   if (isComposite() && !id->isLocal()) reportException(messages::CannotCreateCrossModelAssociation());
   ProxyTable& table = requireProxyTable();
   Operation operation(*this);
@@ -53,6 +53,7 @@ void ReferenceAssociative::addProxy(ModelElement const& proxy) {
     static_cast<detail::AssociativeJournal*>(journal)->note(true);
   }
   operation.commit();
+  return inserted;
 }
 
 bool ReferenceAssociative::keeps(ModelElement const& proxy) const {
@@ -62,9 +63,9 @@ bool ReferenceAssociative::keeps(ModelElement const& proxy) const {
   return found != m_proxies->end() && found->second == proxy;
 }
 
-void ReferenceAssociative::removeProxy(ModelElement const& proxy) {
+bool ReferenceAssociative::removeProxy(ModelElement const& proxy) {
   boost::optional<ProxyId> const id = proxy->getProxyId();
-  if (m_proxies == nullptr || !id || m_proxies->count(*id) == 0) return;
+  if (m_proxies == nullptr || !id || m_proxies->count(*id) == 0) return false;
   Operation operation(*this);
   CollectionJournal* const journal = modifying();
   auto* const steps = proxySteps(journal);
@@ -74,15 +75,21 @@ void ReferenceAssociative::removeProxy(ModelElement const& proxy) {
     static_cast<detail::AssociativeJournal*>(journal)->note(true);
   }
   operation.commit();
+  return true;
 }
 
 void ReferenceAssociative::removeProxyFor(ModelElement const& element) {
   if (m_proxies == nullptr || m_proxies->empty() || !element || element->isProxy()) return;
   if (owner() == nullptr || element->modelIdentity() == owner()->modelIdentity()) return;
-  auto const found = m_proxies->find(element->getPersistentProxyId(false));
-  if (found == m_proxies->end()) return;
-  ModelElement const proxy = found->second;
-  removeProxy(proxy);
+  ModelElement const proxy = proxyFor(element, false);
+  if (!proxy.isEmpty()) removeProxy(proxy);
+}
+
+ModelElement ReferenceAssociative::proxyFor(ModelElement const& element, bool local) const {
+  if (m_proxies == nullptr || m_proxies->empty()) return {};
+  if (local && owner() != nullptr && element->modelIdentity() != owner()->modelIdentity()) return {};
+  auto const found = m_proxies->find(element->getPersistentProxyId(local));
+  return found == m_proxies->end() ? ModelElement() : found->second;
 }
 
 void ReferenceAssociative::copyProxies(ReferenceAssociative const* other, CollectionJournal* journal) {
@@ -109,14 +116,17 @@ void ReferenceAssociative::takeIn(ModelElement const& proxy, ModelElement const&
 }
 
 void ReferenceAssociative::replaceProxy(ModelElement const& element) {
-  if (m_proxies == nullptr || m_proxies->empty() || !mayTakePlace(element)) return;
+  if (mayTakePlace(element)) takesPlaceOfProxy(element);
+}
+
+bool ReferenceAssociative::takesPlaceOfProxy(ModelElement const& element) {
   for (bool const local : {true, false}) {
-    auto const found = m_proxies->find(element->getPersistentProxyId(local));
-    if (found == m_proxies->end()) continue;
-    ModelElement const proxy = found->second;
+    ModelElement const proxy = proxyFor(element, local);
+    if (proxy.isEmpty()) continue;
     takeIn(proxy, element);
-    return;
+    return true;
   }
+  return false;
 }
 
 void ReferenceAssociative::resolve(bool localOnly) {
@@ -182,21 +192,19 @@ void ReferenceAssociative::genericRemove(ModelElement const& element) {
   removeMember(element);
 }
 
-void ReferenceAssociative::removeMember(ModelElement const& element) {
-  if (element.isEmpty()) return;
-  if (element->isProxy()) {
-    if (!keeps(element)) return;
-    Operation operation(*this, extent());
-    if (hasInverse() && opposite() != nullptr) {
-      // What it names may be here itself, and stay linked.
-      ModelElement const far = owner()->_farEnd(element, *opposite());
-      if (!far.isEmpty() && !holds(far)) inverseBeforeRemoving(*element);
-    }
-    removeProxy(element);
-    operation.commit();
-  } else {
-    removeElement(element);
+bool ReferenceAssociative::removeMember(ModelElement const& element) {
+  if (element.isEmpty()) return false;
+  if (!element->isProxy()) return removeElement(element);
+  if (!keeps(element)) return false;
+  Operation operation(*this, extent());
+  if (hasInverse() && opposite() != nullptr) {
+    // What it names may be here itself, and stay linked.
+    ModelElement const far = owner()->_farEnd(element, *opposite());
+    if (!far.isEmpty() && !holds(far)) inverseBeforeRemoving(*far);
   }
+  removeProxy(element);
+  operation.commit();
+  return true;
 }
 
 void ReferenceAssociative::clear() {
@@ -214,7 +222,7 @@ void ReferenceAssociative::clear() {
 }
 
 std::unique_ptr<GenericCollectionInterface> ReferenceAssociative::makeGenericInterface() {
-  return std::make_unique<CollectionView<GenericCollectionInterface, ReferenceCollection>>(*this);
+  return std::make_unique<WrapperInterface<ReferenceCollection>>(*this);
 }
 
 }  // namespace plinth

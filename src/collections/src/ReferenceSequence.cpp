@@ -40,7 +40,7 @@ std::unique_ptr<CollectionJournal> ReferenceSequence::makeJournal() { return std
 ReferenceSequence::Journal* ReferenceSequence::recordingJournal() { return static_cast<Journal*>(modifying()); }
 
 void ReferenceSequence::insertRaw(std::size_t position, ModelElement const& element, Journal* journal) {
-  if (journal != nullptr) journal->reserve();
+  if (journal != nullptr) journal->reserveInsertion();
   failurePoint("sequence-insert");
   m_elements.insert(m_elements.begin() + offset(position), element);
   ++m_edits;
@@ -49,13 +49,23 @@ void ReferenceSequence::insertRaw(std::size_t position, ModelElement const& elem
   noteRepetition(m_elements[position]);
 }
 
-void ReferenceSequence::eraseRaw(std::size_t position, Journal* journal) {
-  if (journal != nullptr) journal->reserve();
-  ModelElement taken = std::move(m_elements[position]);
-  removeFromFilter(taken);
-  m_elements.erase(m_elements.begin() + offset(position));
+void ReferenceSequence::eraseRaw(std::size_t first, std::size_t last, Journal* journal) {
+  if (journal != nullptr) journal->reserve(last - first);
+  if (last - first == 1) {
+    ModelElement taken = std::move(m_elements[first]);
+    removeFromFilter(taken);
+    m_elements.erase(m_elements.begin() + offset(first));
+    ++m_edits;
+    if (journal != nullptr) journal->erased(first, std::move(taken));
+    return;
+  }
+  auto const begin = m_elements.begin() + offset(first);
+  auto const end = m_elements.begin() + offset(last);
+  std::vector<ModelElement> taken(std::make_move_iterator(begin), std::make_move_iterator(end));
+  for (ModelElement const& element : taken) removeFromFilter(element);
+  m_elements.erase(begin, end);
   ++m_edits;
-  if (journal != nullptr) journal->erased(position, std::move(taken));
+  if (journal != nullptr) journal->erased(first, std::move(taken));
 }
 
 void ReferenceSequence::noteRepetition(ModelElement const& element) noexcept {
@@ -77,18 +87,30 @@ void ReferenceSequence::refillFilter() noexcept {
   for (ModelElement const& element : m_elements) addToFilter(element);
 }
 
-void ReferenceSequence::addElement(ModelElement const& element) { insertElement(m_elements.size(), element); }
-
-std::size_t ReferenceSequence::insertElement(std::size_t position, ModelElement const& element) {
-  if (element.isEmpty()) return position;
+bool ReferenceSequence::takes(ModelElement const& element) const {
+  if (element.isEmpty()) return false;
   checkCompatibleModel(element.impl());
-  if (m_unique && containsElement(element)) return findResolving(element);
+  return !m_unique || !containsElement(element);
+}
+
+void ReferenceSequence::insertNew(std::size_t position, ModelElement const& element) {
   ModelElementImpl& added = *element;
   Operation operation(*this, extentOfAdding(added));
   announceAdding(added);
   insertRaw(position, element, recordingJournal());
   if (hasInverse() && !added.isProxy()) inverseAfterAdding(added);
   operation.commit();
+}
+
+bool ReferenceSequence::addElement(ModelElement const& element) {
+  if (!takes(element)) return false;
+  insertNew(m_elements.size(), element);
+  return true;
+}
+
+std::size_t ReferenceSequence::insertElement(std::size_t position, ModelElement const& element) {
+  if (!takes(element)) return element.isEmpty() ? position : findResolving(element);
+  insertNew(position, element);
   return position;
 }
 
@@ -133,9 +155,11 @@ std::size_t ReferenceSequence::findResolving(ModelElement const& element) {
   return m_elements.size();
 }
 
-void ReferenceSequence::removeElement(ModelElement const& element) {
+bool ReferenceSequence::removeElement(ModelElement const& element) {
   std::size_t const position = findResolving(element);
-  if (position != m_elements.size()) eraseAt(position);
+  if (position == m_elements.size()) return false;
+  eraseAt(position);
+  return true;
 }
 
 void ReferenceSequence::basicRemove(ModelElement const& element) {
@@ -178,34 +202,42 @@ void ReferenceSequence::removeNow(ModelElement const& element) {
   Journal* const journal = recordingJournal();
   // An element that another container takes, or that ends, leaves every slot that it stands in.
   do {
-    eraseRaw(position, journal);
+    eraseRaw(position, position + 1, journal);
     if (m_repeats) position = positionOf(element);
   } while (m_repeats && position != m_elements.size());
   operation.commit();
 }
 
-void ReferenceSequence::inverseBeforeErasing(std::size_t position) {
-  ModelElement const element = m_elements[position];
-  if (element.isEmpty()) return;
+void ReferenceSequence::inverseBeforeErasing(std::size_t first, std::size_t last) {
   // An element stays contained until it leaves its last slot.
-  if (m_repeats && std::count(m_elements.begin(), m_elements.end(), element) > 1) return;
-  if (element && element->isProxy() && opposite() != nullptr) {
-    // What it names may stand elsewhere itself, and stay linked; or in this very slot, since it has been looked at.
+  std::unordered_set<ModelElementImpl const*> leaving;
+  for (std::size_t i = first; m_repeats && i < last; ++i) leaving.insert(m_elements[i].impl());
+  for (std::size_t i = 0; m_repeats && i < m_elements.size(); ++i) {
+    if (i < first || i >= last) leaving.erase(m_elements[i].impl());
+  }
+  for (std::size_t i = first; i < last; ++i) {
+    ModelElement const element = m_elements[i];
+    if (element.isEmpty() || (m_repeats && leaving.count(element.impl()) == 0)) continue;
+    if (!element || !element->isProxy() || opposite() == nullptr) {
+      inverseBeforeRemoving(*element);
+      continue;
+    }
+    // What a proxy names may stand elsewhere itself, and stay linked; or here, since it has been looked at.
     ModelElement const far = owner()->_farEnd(element, *opposite());
     std::size_t const at = positionOf(far);
-    if (!far.isEmpty() && (at == position || at == m_elements.size())) inverseBeforeRemoving(*far);
-    return;
+    bool const leaves = at == m_elements.size() || (first <= at && at < last);
+    if (!far.isEmpty() && leaves) inverseBeforeRemoving(*far);
   }
-  inverseBeforeRemoving(*element);
 }
 
-std::size_t ReferenceSequence::eraseAt(std::size_t position) {
+std::size_t ReferenceSequence::eraseRange(std::size_t first, std::size_t last) {
+  if (first == last) return first;
   Operation operation(*this, extent());
   Journal* const journal = recordingJournal();
-  if (hasInverse()) inverseBeforeErasing(position);
-  eraseRaw(position, journal);
+  if (hasInverse()) inverseBeforeErasing(first, last);
+  eraseRaw(first, last, journal);
   operation.commit();
-  return position;
+  return first;
 }
 
 void ReferenceSequence::clear() {
@@ -256,7 +288,7 @@ void ReferenceSequence::replaceAt(std::size_t position, ModelElement const& elem
   Operation operation(*this, extent());
   Journal* const journal = recordingJournal();
   if (journal != nullptr) journal->reserve();
-  if (hasInverse()) inverseBeforeErasing(position);
+  if (hasInverse()) inverseBeforeErasing(position, position + 1);
   ModelElement former = std::exchange(m_elements[position], element);
   ++m_edits;
   removeFromFilter(former);
@@ -477,7 +509,7 @@ std::unique_ptr<AbstractOwnedCollection> ReferenceSequence::oldContents() const 
   return copy;
 }
 
-std::unique_ptr<AbstractOwnedCollection> ReferenceSequence::detachedCopy() const {
+std::unique_ptr<AbstractOwnedCollection> ReferenceSequence::copyContents() const {
   auto copy = makeDetached();
   copy->m_elements = m_elements;
   return copy;

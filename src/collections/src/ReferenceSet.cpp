@@ -11,19 +11,18 @@ bool ReferenceSet::insertRaw(ModelElement const& element, CollectionJournal* jou
   });
 }
 
-void ReferenceSet::addElement(ModelElement const& element) {
-  if (element.isEmpty()) return;
+bool ReferenceSet::addElement(ModelElement const& element) {
+  if (element.isEmpty()) return false;
   checkCompatibleModel(element.impl());
-  if (element->isProxy()) {
-    addProxy(element);
-    return;
-  }
-  if (holds(element)) return;
+  if (element->isProxy()) return addProxy(element);
+  if (holds(element)) return false;
+  if (takesPlaceOfProxy(element)) return true;  // the far end may list the owner already
   Operation operation(*this, extentOfAdding(*element));
   announceAdding(*element);
   insertRaw(element, modifying());
   if (hasInverse()) inverseAfterAdding(*element);
   operation.commit();
+  return true;
 }
 
 void ReferenceSet::genericAdd(ModelElement const& element) {

@@ -63,7 +63,7 @@ void SubsetView::clear() {
 }
 
 std::unique_ptr<GenericCollectionInterface> SubsetView::makeGenericInterface() {
-  return std::make_unique<CollectionView<GenericCollectionInterface, ReferenceCollection>>(*this);
+  return std::make_unique<WrapperInterface<ReferenceCollection>>(*this);
 }
 
 }  // namespace plinth

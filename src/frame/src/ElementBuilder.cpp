@@ -27,33 +27,46 @@ void ElementBuilder::giveStamps() {
   }
 }
 
-void ElementBuilder::setOrAdd(plinth::meta::Property const& property, plinth::Value const& value) {
+PropertyDescriptor const* ElementBuilder::rowOf(plinth::meta::Property const& property) const {
   m_table->metaClass();
-  auto const* const row = property.isEmpty() ? nullptr : findDescriptor(*m_table, *property.impl());
-  if (row == nullptr || !row->kind->build(*this, *row, value)) {
-    ModelElementBuilder::setOrAdd(property, value);
-  } else {
-    mark(row->index);
-  }
+  return property.isEmpty() ? nullptr : findDescriptor(*m_table, *property.impl());
+}
+
+long ElementBuilder::doSetOrAdd(plinth::meta::Property const& property, plinth::Value const& value) {
+  auto const* const row = rowOf(property);
+  return row == nullptr || !row->kind->build(*this, *row, value) ? -1 : static_cast<long>(row->index);
+}
+
+long ElementBuilder::doSetOrAdd(plinth::meta::Property const& property,
+                                std::unique_ptr<plinth::ModelElementBuilder>& child) {
+  auto const* const row = rowOf(property);
+  return row == nullptr ? -1 : doSetOrAdd(*row, child);
+}
+
+long ElementBuilder::doSetOrAdd(PropertyDescriptor const& row, std::unique_ptr<plinth::ModelElementBuilder>& child) {
+  bool const fits = child != nullptr && child->getMetaClass()->conformsTo(*row.property->type());
+  return fits && row.kind->build(*this, row, child) ? static_cast<long>(row.index) : -1;
+}
+
+void ElementBuilder::setOrAdd(plinth::meta::Property const& property, plinth::Value const& value) {
+  long const index = doSetOrAdd(property, value);
+  if (index < 0) return ModelElementBuilder::setOrAdd(property, value);
+  mark(static_cast<unsigned long>(index));
 }
 
 void ElementBuilder::setOrAdd(plinth::meta::Property const& property,
                               std::unique_ptr<plinth::ModelElementBuilder> child) {
-  m_table->metaClass();
-  auto const* const row = property.isEmpty() ? nullptr : findDescriptor(*m_table, *property.impl());
-  if (row == nullptr || !take(*row, child)) ModelElementBuilder::setOrAdd(property, std::move(child));
+  long const index = doSetOrAdd(property, child);
+  if (index < 0) return ModelElementBuilder::setOrAdd(property, std::move(child));
+  mark(static_cast<unsigned long>(index));
 }
 
 void ElementBuilder::takeChild(PropertyDescriptor const& row, std::unique_ptr<plinth::ModelElementBuilder> child) {
   m_table->metaClass();
-  if (!take(row, child)) ModelElementBuilder::setOrAdd(plinth::meta::Property(row.property), std::move(child));
-}
-
-bool ElementBuilder::take(PropertyDescriptor const& row, std::unique_ptr<plinth::ModelElementBuilder>& child) {
-  bool const fits = child != nullptr && child->getMetaClass()->conformsTo(*row.property->type());
-  if (!fits || !row.kind->build(*this, row, child)) return false;
+  if (doSetOrAdd(row, child) < 0) {
+    return ModelElementBuilder::setOrAdd(plinth::meta::Property(row.property), std::move(child));
+  }
   mark(row.index);
-  return true;
 }
 
 plinth::ModelElement ElementBuilder::made(ChildBuilder const& child) const {

@@ -71,7 +71,7 @@ void ElementCollectionKind::destroyContained(Element& element, Row const& row, b
   children.reserve(collection->rawSize());
   collection->forEachReal([&](ModelElementImpl& child) { children.push_back(&child); });
   for (ModelElementImpl* child : children) child->destroyRecursively(flag1, false, flag2);
-  collection->basicClear();
+  element._basicClear(collection);
 }
 
 void ElementCollectionKind::disassociate(Element& element, Row const& row) const {
@@ -82,28 +82,28 @@ void ElementCollectionKind::disassociate(Element& element, Row const& row) const
       if (far) element._inverseRemoveThis(far.impl(), *opposite);
     }
   }
-  collection->basicClear();
+  element._basicClear(collection);
 }
 
 void ElementCollectionKind::basicDisassociate(Element& element, Row const& row) const {
   if (row.index == 0) return;
-  if (auto* const collection = present(element, row)) collection->basicClear();
+  if (auto* const collection = present(element, row)) element._basicClear(collection);
 }
 
 void ElementCollectionKind::inverseAdd(Element& element, Row const& row, ModelElementImpl& far) const {
   ReferenceCollection& collection = require(element, row);
   element.notifyJournaling(row.index);
-  collection.basicAdd(ModelElement(&far));
+  element._basicAdd(&collection, ModelElement(&far));
 }
 
 void ElementCollectionKind::inverseRemove(Element& element, Row const& row, ModelElementImpl& far) const {
   // No notice here: the collection gives its own when it removes.
-  if (auto* const collection = present(element, row)) collection->basicRemove(ModelElement(&far));
+  if (auto* const collection = present(element, row)) element._basicRemove(collection, ModelElement(&far));
 }
 
 bool ElementCollectionKind::containsProxyTo(Element& element, Row const& row, ModelElementImpl& far) const {
   auto* const collection = present(element, row);
-  return collection != nullptr && collection->opposite() != nullptr && collection->basicContainsProxyTo(far);
+  return collection != nullptr && collection->opposite() != nullptr && element._basicContainsProxyTo(collection, far);
 }
 
 void ElementCollectionKind::convertToProxies(Element& element, Row const& row, bool convert,
@@ -115,7 +115,7 @@ void ElementCollectionKind::convertToProxies(Element& element, Row const& row, b
       leaveFarEnd(element, member, *opposite, convert, id);
     }
   }
-  collection->basicClear();
+  element._basicClear(collection);
 }
 
 void ElementCollectionKind::replaceByProxy(Element& element, Row const& row, ModelElementImpl& far,

@@ -1,7 +1,7 @@
 #include "tessel_config_datamodel/frame/Qualifier.hpp"
 
 #include "plinth/Messages.hpp"
-#include "plinth/collections/ReferenceMap.hpp"
+#include "plinth/collections/ElementMapBase.hpp"
 #include "tessel_config_datamodel/frame/ElementCollection.hpp"
 
 namespace tessel::frame {
@@ -17,7 +17,7 @@ void refuseTakenKey(Element& self, std::u16string const& value, PropertyDescript
   if (!liesInMap(self, row)) return;
   auto& owner = static_cast<Element&>(*self.basicContainer());
   auto const* const mapRow = findDescriptor(owner.classTable(), *self.basicContainmentFeature());
-  auto const* const map = static_cast<plinth::ReferenceMap*>(readCollection(owner, *mapRow));
+  auto const* const map = static_cast<plinth::ElementMapBase*>(readCollection(owner, *mapRow));
   if (map->findElement(value)) plinth::reportException(plinth::messages::UniquenessConstraint());
 }
 

@@ -50,7 +50,7 @@ void ModelMetaPackage::initialize(RootRow const& root) {
   *root.handle = plinth::meta::Package::create(open.model, uuid);
   (*root.handle)->setName(u"");
   (*root.handle)->setUri(root.uri);
-  (*root.handle)->addImportedPackageURIs(root.importedUris);
+  (*root.handle)->getImportedPackageURIsMutable().insert(root.importedUris);
   instantiateAll(registry);
   weaveAll(registry, serializers);
   transaction.commit();
@@ -148,7 +148,8 @@ void ModelMetaPackage::instantiate(PackageRows const& rows, MetaRegistry& regist
   OpenRegistry const open(registry);
   *rows.handle = createPackage(rows.name, rows.uri);
   for (StructuredTypeRow const& row : rows.types) Maker::make(row);
-  for (PrimitiveRow const& row : rows.primitives) *row.handle = requirePrimitiveType(row.name);
+  for (PrimitiveRow const& row : rows.primitives)
+    *row.handle = plinth::internal::getPrimitiveTypeFromMetaRegistry(row.name);
   for (EnumRow const& row : rows.enums) Maker::make(row);
 }
 
@@ -157,7 +158,7 @@ void ModelMetaPackage::weave(PackageRows const& rows, MetaRegistry& registry, Pr
   package->setParentPackage(*rows.parent);
   for (StructuredTypeRow const& row : rows.types) weaveType(row, package, registry, serializers);
   if (rows.enums.empty()) return;
-  Type const underlying = requirePrimitiveType("Integer");
+  Type const underlying = plinth::internal::getPrimitiveTypeFromMetaRegistry("Integer");
   for (EnumRow const& row : rows.enums) {
     plinth::meta::Enum const& type = *row.handle;
     type->setOwningPackage(package);

@@ -99,7 +99,7 @@ class TESSEL_EXPORT AbstractOwnedCollection {
   /// A detached collection with the contents that this one had when the present outermost transaction began.
   virtual std::unique_ptr<AbstractOwnedCollection> oldContents() const = 0;
   /// A detached collection with the present contents.
-  virtual std::unique_ptr<AbstractOwnedCollection> detachedCopy() const = 0;
+  virtual std::unique_ptr<AbstractOwnedCollection> copyContents() const = 0;
 
   /// One change of a collection: all or nothing.
   class Operation;

@@ -2,6 +2,7 @@
 // Ownership and thread rule: see AbstractOwnedCollection.hpp.
 #pragma once
 
+#include <typeinfo>
 #include <vector>
 
 #include "plinth/AbstractOwnedCollection.hpp"
@@ -19,6 +20,8 @@ class TESSEL_EXPORT AbstractPrimitiveCollection : public AbstractOwnedCollection
   virtual PrimitiveKind getKind() const noexcept = 0;
   /// The values in order, each as a managed value of the property's type. Linear.
   virtual std::vector<Value> getAllValues() const = 0;
+  /// The container that holds the values, or null where it is of another type.
+  virtual void const* valuesAs(std::type_info const& container) const noexcept = 0;
   /// Adds the content of the value. Raises CannotCastIncompatibleTypes for a value of another type.
   virtual void genericAdd(Value const& value) = 0;
   /// Removes the first value that equals it. Raises CannotCastIncompatibleTypes.

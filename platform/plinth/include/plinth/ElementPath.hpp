@@ -12,9 +12,9 @@
 namespace plinth {
 
 /// The path of `element`. The root is told by class and UUID; each step names the containment property and, in a map,
-/// the key that the element bears, in a sequence its position, in a set its UUID. UUIDs are cut to eight digits. Where
-/// a chain of containers runs into itself the path begins with "...". Linear in the depth, and in each sequence on the
-/// way.
+/// the key that the element bears, escaped to one line, in a sequence its position, in a set its UUID. UUIDs are cut to
+/// eight digits. Where a chain of containers runs into itself the path begins with "...". Linear in the depth, and in
+/// each sequence on the way.
 TESSEL_EXPORT std::string elementPath(ModelElementImpl const& element);
 
 namespace detail {

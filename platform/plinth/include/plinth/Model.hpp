@@ -101,8 +101,11 @@ class TESSEL_EXPORT ModelImpl : public ElementImpl {
   /// Enters the model in the process-wide directory; no transaction takes it back. Raises ModelNameTaken.
   void setName(std::u16string name);
 
-  /// What listeners raised since the last call, oldest first.
+  /// The last errors, KEPT_LISTENER_ERRORS at most, that listeners have raised since the last call, oldest first.
   [[nodiscard]] std::vector<std::exception_ptr> takeListenerErrors();
+  /// How many errors listeners have raised since the last call of takeListenerErrors, those included that are not kept.
+  std::size_t listenerErrorCount() const noexcept;
+  static constexpr std::size_t KEPT_LISTENER_ERRORS = 16;
 
  private:
   friend class Model;

@@ -181,6 +181,15 @@ class TESSEL_EXPORT ModelElementImpl : public ElementImpl {
   ModelElement _farEnd(ModelElement const& member, meta::PropertyImpl& opposite) const;
   void _convertToProxy(ModelElementImpl* target, meta::PropertyImpl& property, ProxyId const& id);
   ProxyId _getPersistentProxyId() const { return getPersistentProxyId(false); }
+  // Bare changes of a collection, past the far ends and the container links of its members.
+  static void _basicAdd(ReferenceCollection* collection, ModelElement const& element);
+  static void _basicRemove(ReferenceCollection* collection, ModelElement const& element);
+  static void _basicRemoveAll(ReferenceCollection* collection, std::vector<ModelElement> const& members);
+  static void _basicClear(ReferenceCollection* collection);
+  /// `to` becomes a copy of `from`, which is of the same class; null empties it.
+  static void _basicCopyValues(ReferenceCollection* to, ReferenceCollection const* from);
+  /// Whether the collection holds `element`, or a proxy that stands for it; a sequence puts it into the proxy's slot.
+  static bool _basicContainsProxyTo(ReferenceCollection* collection, ModelElementImpl& element);
 
   // Change storage.
   virtual Changes* createChanges() const = 0;

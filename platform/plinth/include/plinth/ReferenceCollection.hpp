@@ -47,7 +47,16 @@ class TESSEL_EXPORT ReferenceCollection : public AbstractOwnedCollection {
   /// Puts `proxy` where the collection holds `element`.
   virtual void convertToProxy(ModelElementImpl& element, ModelElement const& proxy) = 0;
 
-  // Bare changes: the container and its record, no inverse.
+  bool fits(ModelElement const& element) const;
+  /// Raises CannotAddIncompatibleTypes for an element of a class that doesn't fit.
+  void requireFitting(ModelElement const& element) const;
+
+ protected:
+  using AbstractOwnedCollection::AbstractOwnedCollection;
+
+  virtual std::unique_ptr<GenericCollectionInterface> makeGenericInterface() = 0;
+
+  // Bare changes: the container and its record, no inverse. Reached from outside by the services of ModelElementImpl.
   virtual void basicAdd(ModelElement const& element) = 0;
   virtual void basicAddWithProxy(ModelElement const& element) { basicAdd(element); }
   virtual void basicRemove(ModelElement const& element) = 0;
@@ -58,14 +67,6 @@ class TESSEL_EXPORT ReferenceCollection : public AbstractOwnedCollection {
   virtual void basicCopyValues(ReferenceCollection const* other) = 0;
   virtual bool basicContainsProxyTo(ModelElementImpl& target) = 0;
 
-  bool fits(ModelElement const& element) const;
-  /// Raises CannotAddIncompatibleTypes for an element of a class that doesn't fit.
-  void requireFitting(ModelElement const& element) const;
-
- protected:
-  using AbstractOwnedCollection::AbstractOwnedCollection;
-
-  virtual std::unique_ptr<GenericCollectionInterface> makeGenericInterface() = 0;
   /// What follows the addition, or precedes the removal, of a member: the far end of an opposite, or the container
   /// link.
   void inverseAfterAdding(ModelElementImpl& element);
@@ -92,6 +93,7 @@ class TESSEL_EXPORT ReferenceCollection : public AbstractOwnedCollection {
   bool listsOwner(ModelElementImpl& element) const;
 
  private:
+  friend class ModelElementImpl;
   std::unique_ptr<GenericCollectionInterface> m_generic;
 };
 

@@ -11,6 +11,7 @@
 #include <new>
 #include <string>
 #include <type_traits>
+#include <typeinfo>
 #include <utility>
 #include <vector>
 
@@ -167,7 +168,8 @@ class TESSEL_EXPORT Value {
   static ValueMeta metaOf(meta::Property const& property);
   void reset() noexcept;
   AbstractOwnedCollection& requireCollection(bool ofElements) const;
-  std::vector<Value> collectionValues() const;
+  /// The container of a collection of values. Raises CannotCastIncompatibleTypes unless it is of that type.
+  void const* collectionValues(std::type_info const& container) const;
 
   ValueMeta m_meta;
   void* m_content = nullptr;
@@ -285,11 +287,7 @@ template <class T>
 T Value::getValue() const {
   checkCompatible<T>();
   if constexpr (detail::isMany<T>) {
-    if (m_meta.isCollection()) {
-      T values;
-      for (Value const& each : collectionValues()) values.insert(values.end(), each.getValue<typename T::value_type>());
-      return values;
-    }
+    if (m_meta.isCollection()) return *static_cast<T const*>(collectionValues(typeid(T)));
   }
   return m_content == nullptr || m_meta.isOptionalEmpty() ? T() : *static_cast<T const*>(m_content);
 }

@@ -18,6 +18,9 @@ TESSEL_EXPORT std::string valueText(Value const& value);
 /// The string as UTF-8 in quotes; control characters, quotes, backslashes and halves of surrogate pairs are escaped.
 TESSEL_EXPORT std::string quoted(std::u16string_view text);
 
+/// The same without the quotes around it, and with quotes in it as they stand: a text of one line.
+TESSEL_EXPORT std::string escaped(std::u16string_view text);
+
 /// Tells how values of types that the foundation has no text for, such as host arrays, are written. Null brings back
 /// the hash. May be called at any time before the first text is asked for.
 TESSEL_EXPORT void setOpaqueText(std::string (*text)(Value const& value)) noexcept;

@@ -2,9 +2,7 @@
 
 #include <boost/uuid/string_generator.hpp>
 
-#include "groundwork/unicode.hpp"
 #include "plinth/FailurePoint.hpp"
-#include "plinth/Messages.hpp"
 
 namespace plinth::meta {
 namespace {
@@ -74,11 +72,5 @@ Operation AbstractMetaPackage::createOperation(std::u16string const& name, boost
 }
 
 void AbstractMetaPackage::setPropertyIndex(Property const& property, int index) { property->setIndex(index); }
-
-PrimitiveType AbstractMetaPackage::requirePrimitiveType(std::string const& name) {
-  PrimitiveType type = MetaRegistry::getInstance().getPrimitiveType(name);
-  if (type.isEmpty()) reportException(messages::NoSuchType(groundwork::toUtf16(name)));
-  return type;
-}
 
 }  // namespace plinth::meta

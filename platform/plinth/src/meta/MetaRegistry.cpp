@@ -96,3 +96,9 @@ std::vector<Package> MetaRegistry::rootPackages() const {
 }
 
 }  // namespace plinth::meta
+
+plinth::meta::PrimitiveType plinth::internal::getPrimitiveTypeFromMetaRegistry(std::string_view name) {
+  meta::PrimitiveType type = meta::MetaRegistry::getInstance().getPrimitiveType(name);
+  if (type.isEmpty()) reportException(messages::NoSuchType(groundwork::toUtf16(std::string(name))));
+  return type;
+}

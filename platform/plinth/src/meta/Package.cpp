@@ -23,10 +23,14 @@ void PackageImpl::setParentPackage(Package const& parent) {
   becomePartOf(*m_parent);
 }
 
-void PackageImpl::addImportedPackageURIs(std::vector<std::u16string> const& uris) {
+ImportedURIs& PackageImpl::getImportedPackageURIsMutable() {
   requireNew();
+  return m_imported;
+}
+
+void ImportedURIs::insert(std::vector<std::u16string> const& uris) {
   for (std::u16string const& uri : uris) {
-    if (std::find(m_imported.begin(), m_imported.end(), uri) == m_imported.end()) m_imported.push_back(uri);
+    if (std::find(m_uris.begin(), m_uris.end(), uri) == m_uris.end()) m_uris.push_back(uri);
   }
 }
 

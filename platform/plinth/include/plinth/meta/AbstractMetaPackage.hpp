@@ -31,8 +31,6 @@ class TESSEL_EXPORT AbstractMetaPackage {
   static Property createProperty(std::u16string const& name, ValueFlags flags, bool isComposite, char const* uuid);
   static Operation createOperation(std::u16string const& name, boost::uuids::uuid const& uuid);
   static void setPropertyIndex(Property const& property, int index);
-  /// The primitive type of that name. Raises NoSuchType.
-  static PrimitiveType requirePrimitiveType(std::string const& name);
 };
 
 /// The UUID of a text in the usual 8-4-4-4-12 form. The text is known good.

@@ -65,3 +65,8 @@ class TESSEL_EXPORT MetaRegistry {
 };
 
 }  // namespace plinth::meta
+
+namespace plinth::internal {
+/// The primitive type of that name. Raises NoSuchType.
+TESSEL_EXPORT meta::PrimitiveType getPrimitiveTypeFromMetaRegistry(std::string_view name);
+}  // namespace plinth::internal

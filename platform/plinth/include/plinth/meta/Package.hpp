@@ -20,6 +20,17 @@ class TESSEL_EXPORT Package : public ModelElement {
   PackageImpl* operator->() const noexcept { return impl(); }
 };
 
+/// The URIs of imported packages, each once, in the order in which they came.
+class TESSEL_EXPORT ImportedURIs {
+ public:
+  /// Appends those that are not there yet.
+  void insert(std::vector<std::u16string> const& uris);
+  std::vector<std::u16string> const& values() const noexcept { return m_uris; }
+
+ private:
+  std::vector<std::u16string> m_uris;
+};
+
 class TESSEL_EXPORT PackageImpl : public MetaElementImpl {
  public:
   PackageImpl(Model const& model, boost::uuids::uuid const& uuid) : MetaElementImpl(model, uuid, CoreClass::PACKAGE) {}
@@ -31,10 +42,9 @@ class TESSEL_EXPORT PackageImpl : public MetaElementImpl {
   std::vector<PackageImpl*> const& subPackages() const noexcept { return m_packages; }
   /// In the order of weaving, which is that of creation.
   std::vector<TypeImpl*> const& types() const noexcept { return m_types; }
-  /// The URIs of imported packages, each once, in order.
-  std::vector<std::u16string> const& getImportedPackageURIs() const noexcept { return m_imported; }
-  /// Appends URIs that are not there yet.
-  void addImportedPackageURIs(std::vector<std::u16string> const& uris);
+  std::vector<std::u16string> const& getImportedPackageURIs() const noexcept { return m_imported.values(); }
+  /// For the transaction that makes the package. Raises as the setters do.
+  ImportedURIs& getImportedPackageURIsMutable();
 
   void basicDisassociateAll() override;
   void doDestroy(bool flag1, bool flag2) override;
@@ -45,7 +55,7 @@ class TESSEL_EXPORT PackageImpl : public MetaElementImpl {
   PackageImpl* m_parent = nullptr;
   std::vector<PackageImpl*> m_packages;
   std::vector<TypeImpl*> m_types;
-  std::vector<std::u16string> m_imported;
+  ImportedURIs m_imported;
 };
 
 inline Package::Package(PackageImpl* impl) noexcept : ModelElement(impl) {}

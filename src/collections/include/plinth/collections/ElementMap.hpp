@@ -1,29 +1,27 @@
-// Elements of class T by a key of type K that they bear; see ReferenceMap. K is the UTF-16 string throughout.
+// Elements of class T by a key of type K that they bear; see ElementMapBase. K is the UTF-16 string throughout.
 // Ownership and thread rule: see AbstractOwnedCollection.hpp.
 #pragma once
 
+#include <iterator>
 #include <type_traits>
 #include <utility>
 
-#include "plinth/collections/HandleIterator.hpp"
-#include "plinth/collections/ReferenceMap.hpp"
+#include "plinth/collections/ElementMapBase.hpp"
+#include "plinth/collections/TypedReferenceCollection.hpp"
 
 namespace plinth {
 
+/// Iteration is over the elements, in key order.
 template <class K, class T>
-class ElementMap final : public ReferenceMap {
+class ElementMap final : public TypedReferenceCollectionWithProxies<T, ElementMapBase> {
   static_assert(std::is_same_v<K, std::u16string>, "elements are keyed by UTF-16 strings");
-
-  struct Second {
-    static ModelElement const& handle(Container::value_type const& entry) noexcept { return entry.second; }
-  };
+  using Base = TypedReferenceCollectionWithProxies<T, ElementMapBase>;
 
  public:
-  using Element = T;
-  /// Iterates over the elements in key order.
-  using Iterator = detail::HandleIterator<T, Container::const_iterator, Second>;
-  using value_type = T;
-  using const_iterator = Iterator;
+  using typename Base::Container;
+  using typename Base::Iterator;
+  using reverse_iterator = std::reverse_iterator<Iterator>;
+  using const_reverse_iterator = reverse_iterator;
 
   /// Walks over pairs of a key and its element, in key order.
   class EntryIterator {
@@ -35,7 +33,7 @@ class ElementMap final : public ReferenceMap {
     using reference = value_type;
 
     EntryIterator() = default;
-    explicit EntryIterator(Container::const_iterator at) noexcept : m_at(at) {}
+    explicit EntryIterator(typename Container::const_iterator at) noexcept : m_at(at) {}
     value_type operator*() const { return {m_at->first, static_cast<T const&>(m_at->second)}; }
     EntryIterator& operator++() {
       ++m_at;
@@ -50,7 +48,7 @@ class ElementMap final : public ReferenceMap {
     friend bool operator!=(EntryIterator const& left, EntryIterator const& right) { return left.m_at != right.m_at; }
 
    private:
-    Container::const_iterator m_at;
+    typename Container::const_iterator m_at;
   };
   class Entries {
    public:
@@ -64,28 +62,31 @@ class ElementMap final : public ReferenceMap {
 
   ElementMap(CollectionPrivateTag, KeyExtractor extractor, ModelElementImpl* owner = nullptr,
              meta::PropertyImpl* property = nullptr, meta::PropertyImpl* opposite = nullptr) noexcept
-      : ReferenceMap(extractor, owner, property, opposite) {}
+      : Base(extractor, owner, property, opposite) {}
 
-  meta::Class const& getCollectionType() const override { return T::metaClass(); }
-
-  void insert(T const& element, CollisionResolution resolution = CollisionResolution::RAISE) {
-    insertElement(element, resolution);
+  /// Whether the element, or the proxy, was put in; false also where another one of that key was kept.
+  bool insert(T const& element, CollisionResolution resolution = CollisionResolution::RAISE) {
+    return this->insertElement(element, resolution);
   }
-  void remove(T const& element) { removeMember(element); }
-  bool contains(T const& element) const { return !element.isEmpty() && holds(element); }
+  /// Takes out the element of that key; whether there was one. Logarithmic.
+  bool erase(std::u16string_view key) { return this->eraseKey(key); }
+  using Base::contains;
+  /// Whether there is an element of that key. Logarithmic.
+  bool contains(std::u16string_view key) const { return this->raw().find(key) != this->raw().end(); }
   /// The element of that key, or an empty handle.
   T find(std::u16string_view key) const {
-    auto const at = raw().find(key);
-    return at == raw().end() ? T() : static_cast<T const&>(at->second);
+    auto const at = this->raw().find(key);
+    return at == this->raw().end() ? T() : static_cast<T const&>(at->second);
   }
-  Iterator begin() const { return Iterator(raw().begin()); }
-  Iterator end() const { return Iterator(raw().end()); }
+  reverse_iterator rbegin() const { return reverse_iterator(this->end()); }
+  reverse_iterator rend() const { return reverse_iterator(this->begin()); }
   /// The pairs of key and element: `for (auto const& [key, entry] : map.entries())`.
-  Entries entries() const noexcept { return Entries(raw()); }
+  Entries entries() const noexcept { return Entries(this->raw()); }
 
  protected:
-  Detached makeDetached() const override {
-    return std::make_unique<ElementMap>(CollectionPrivateTag(), keyExtractor(), nullptr, property(), opposite());
+  typename Base::Detached makeDetached() const override {
+    return std::make_unique<ElementMap>(CollectionPrivateTag(), this->keyExtractor(), nullptr, this->property(),
+                                        this->opposite());
   }
 };
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <type_traits>
+#include <typeinfo>
 #include <vector>
 
 #include "plinth/AbstractPrimitiveCollection.hpp"
@@ -31,18 +32,24 @@ class PrimitiveCollection : public AbstractPrimitiveCollection {
   using Element = T;
   using value_type = typename C::value_type;
   using const_iterator = typename C::const_iterator;
+  using const_reverse_iterator = typename C::const_reverse_iterator;
 
   std::size_t size() const noexcept { return m_values.size(); }
   bool empty() const noexcept override { return m_values.empty(); }
   C const& values() const noexcept { return m_values; }
   const_iterator begin() const noexcept { return m_values.begin(); }
   const_iterator end() const noexcept { return m_values.end(); }
+  const_reverse_iterator rbegin() const noexcept { return m_values.rbegin(); }
+  const_reverse_iterator rend() const noexcept { return m_values.rend(); }
 
   void clear() override { become(C()); }
   void copyValues(AbstractPrimitiveCollection const* other) override {
     become(other == nullptr ? C() : static_cast<PrimitiveCollection const*>(other)->m_values);
   }
   std::vector<Value> getAllValues() const override;
+  void const* valuesAs(std::type_info const& container) const noexcept final {
+    return container == typeid(C) ? &m_values : nullptr;
+  }
   bool equals(AbstractPrimitiveCollection const& other) const override {
     return m_values == static_cast<PrimitiveCollection const&>(other).m_values;
   }
@@ -56,7 +63,7 @@ class PrimitiveCollection : public AbstractPrimitiveCollection {
     auto const* const kept = static_cast<Journal const*>(journal());
     return detachedWith(kept == nullptr ? m_values : kept->oldContents());
   }
-  std::unique_ptr<AbstractOwnedCollection> detachedCopy() const override { return detachedWith(m_values); }
+  std::unique_ptr<AbstractOwnedCollection> copyContents() const override { return detachedWith(m_values); }
 
  protected:
   using Journal = typename detail::JournalOf<C>::type;

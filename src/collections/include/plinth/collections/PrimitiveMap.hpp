@@ -7,22 +7,17 @@
 
 #include "plinth/Messages.hpp"
 #include "plinth/collections/CollisionResolution.hpp"
-#include "plinth/collections/PrimitiveNodes.hpp"
+#include "plinth/collections/PrimitiveAssociativeContainer.hpp"
 
 namespace plinth {
 
-template <class K, class T>
-class PrimitiveMap final : public detail::PrimitiveNodes<T, std::map<K, T>> {
-  using Base = PrimitiveCollection<T, std::map<K, T>>;
-
+/// C is a map of K to T.
+template <class K, class T, class C>
+class PrimitiveMapBase : public PrimitiveAssociativeContainer<T, C> {
  public:
   using KeyExtractor = std::function<K(T const&)>;
   /// The untyped view.
   class Associative;
-
-  PrimitiveMap(CollectionPrivateTag, KeyExtractor keyExtractor, ModelElementImpl* owner = nullptr,
-               meta::PropertyImpl* property = nullptr)
-      : detail::PrimitiveNodes<T, std::map<K, T>>(owner, property), m_keyExtractor(std::move(keyExtractor)) {}
 
   /// The value of that key, or null; valid until the map changes. Logarithmic, here and below.
   T const* find(K const& key) const {
@@ -30,10 +25,12 @@ class PrimitiveMap final : public detail::PrimitiveNodes<T, std::map<K, T>> {
     return at == this->end() ? nullptr : &at->second;
   }
   bool contains(K const& key) const { return find(key) != nullptr; }
-  /// Puts the value in under its key; an equal value that is there is left. Raises UniquenessConstraint when another
-  /// value bears the key, or does as `resolution` says, and std::bad_function_call for a map without key extractor.
-  void insert(T const& value, CollisionResolution resolution = CollisionResolution::RAISE);
-  void erase(K const& key) { this->take(this->values().find(key)); }
+  /// Puts the value in under its key; an equal value that is there is left. Whether it was put in. Raises
+  /// UniquenessConstraint when another value bears the key, or does as `resolution` says, and std::bad_function_call
+  /// for a map without key extractor.
+  bool insert(T const& value, CollisionResolution resolution = CollisionResolution::RAISE);
+  /// Whether there was a value of that key.
+  bool erase(K const& key) { return this->take(this->values().find(key)); }
 
   PrimitiveKind getKind() const noexcept override { return PrimitiveKind::MAP; }
   void genericAdd(Value const& value) override { insert(value.getValue<T>()); }
@@ -44,9 +41,9 @@ class PrimitiveMap final : public detail::PrimitiveNodes<T, std::map<K, T>> {
   }
 
  protected:
-  std::unique_ptr<Base> makeDetached() const override {
-    return std::make_unique<PrimitiveMap>(CollectionPrivateTag(), m_keyExtractor, nullptr, this->property());
-  }
+  PrimitiveMapBase(KeyExtractor keyExtractor, ModelElementImpl* owner, meta::PropertyImpl* property)
+      : PrimitiveAssociativeContainer<T, C>(owner, property), m_keyExtractor(std::move(keyExtractor)) {}
+  KeyExtractor const& keyExtractor() const noexcept { return m_keyExtractor; }
   std::unique_ptr<GenericPrimitiveCollectionInterface> makeGenericInterface() override {
     return std::make_unique<Associative>(*this);
   }
@@ -56,9 +53,25 @@ class PrimitiveMap final : public detail::PrimitiveNodes<T, std::map<K, T>> {
 };
 
 template <class K, class T>
-class PrimitiveMap<K, T>::Associative final : public detail::PrimitiveView<GenericPrimitiveAssociativeInterface> {
+class PrimitiveMap final : public PrimitiveMapBase<K, T, std::map<K, T>> {
+  using Base = PrimitiveMapBase<K, T, std::map<K, T>>;
+
  public:
-  explicit Associative(PrimitiveMap& map) noexcept : PrimitiveView(map), m_map(&map) {}
+  PrimitiveMap(CollectionPrivateTag, typename Base::KeyExtractor keyExtractor, ModelElementImpl* owner = nullptr,
+               meta::PropertyImpl* property = nullptr)
+      : Base(std::move(keyExtractor), owner, property) {}
+
+ protected:
+  std::unique_ptr<PrimitiveCollection<T, std::map<K, T>>> makeDetached() const override {
+    return std::make_unique<PrimitiveMap>(CollectionPrivateTag(), this->keyExtractor(), nullptr, this->property());
+  }
+};
+
+template <class K, class T, class C>
+class PrimitiveMapBase<K, T, C>::Associative final
+    : public detail::PrimitiveView<GenericPrimitiveAssociativeInterface> {
+ public:
+  explicit Associative(PrimitiveMapBase& map) noexcept : PrimitiveView(map), m_map(&map) {}
   Value genericGet(Value const& key) const override {
     T const* const found = m_map->find(key.getValue<K>());
     ValueMeta const meta = m_map->template elementMeta<T>();
@@ -74,18 +87,15 @@ class PrimitiveMap<K, T>::Associative final : public detail::PrimitiveView<Gener
   meta::Type getQualifierType() const override { return meta::Type(MetaTypeOf<K>::type()); }
 
  private:
-  PrimitiveMap* m_map;
+  PrimitiveMapBase* m_map;
 };
 
-template <class K, class T>
-void PrimitiveMap<K, T>::insert(T const& value, CollisionResolution resolution) {
+template <class K, class T, class C>
+bool PrimitiveMapBase<K, T, C>::insert(T const& value, CollisionResolution resolution) {
   K const key = m_keyExtractor(value);
   auto const at = this->container().find(key);
-  if (at == this->container().end()) {
-    this->put({key, value});
-    return;
-  }
-  if (at->second == value || resolution == CollisionResolution::KEEP) return;
+  if (at == this->container().end()) return this->put({key, value});
+  if (at->second == value || resolution == CollisionResolution::KEEP) return false;
   if (resolution == CollisionResolution::RAISE) reportException(messages::UniquenessConstraint());
   T replacement = value;
   AbstractOwnedCollection::Operation operation(*this);
@@ -94,6 +104,7 @@ void PrimitiveMap<K, T>::insert(T const& value, CollisionResolution resolution) 
   std::swap(at->second, replacement);
   if (journal != nullptr) journal->nodes().replaced(at->first, std::move(replacement));
   operation.commit();
+  return true;
 }
 
 }  // namespace plinth

@@ -26,6 +26,8 @@ class PrimitiveSequence final : public PrimitiveCollection<T, std::vector<T>> {
 
  public:
   using Iterator = internal::SequenceIteratorPrimitive<T, false>;
+  /// The position that stands for none.
+  static constexpr std::size_t ABSENT = ~std::size_t{0};
   /// The untyped view.
   class SequenceInterface;
 
@@ -34,8 +36,20 @@ class PrimitiveSequence final : public PrimitiveCollection<T, std::vector<T>> {
       : Base(owner, property) {}
 
   typename std::vector<T>::const_reference operator[](std::size_t index) const { return this->values()[index]; }
-  /// Linear.
+  /// Linear, here and below.
   bool contains(T const& value) const { return find(value) != this->end(); }
+  /// The first position of the value, or ABSENT.
+  std::size_t indexOf(T const& value) const {
+    Iterator const found = find(value);
+    return found == this->end() ? ABSENT : offsetOf(found);
+  }
+  /// Removes the first value that equals it; whether there was one.
+  bool remove(T const& value) {
+    Iterator const found = find(value);
+    if (found == this->end()) return false;
+    erase(found);
+    return true;
+  }
   void reserve(std::size_t count) { this->container().reserve(count); }
   /// From now on a value that is there already is not added again. Doesn't look at what is there.
   void makeUnique() noexcept { m_unique = true; }
@@ -67,10 +81,7 @@ class PrimitiveSequence final : public PrimitiveCollection<T, std::vector<T>> {
 
   PrimitiveKind getKind() const noexcept override { return PrimitiveKind::SEQUENCE; }
   void genericAdd(Value const& value) override { push_back(value.getValue<T>()); }
-  void genericRemove(Value const& value) override {
-    Iterator const found = find(value.getValue<T>());
-    if (found != this->end()) erase(found);
-  }
+  void genericRemove(Value const& value) override { remove(value.getValue<T>()); }
 
  protected:
   std::unique_ptr<Base> makeDetached() const override {
@@ -84,7 +95,7 @@ class PrimitiveSequence final : public PrimitiveCollection<T, std::vector<T>> {
   using typename Base::Journal;
   using Operation = AbstractOwnedCollection::Operation;
   Iterator at(std::size_t index) const { return this->begin() + static_cast<std::ptrdiff_t>(index); }
-  std::size_t indexOf(Iterator position) const { return static_cast<std::size_t>(position - this->begin()); }
+  std::size_t offsetOf(Iterator position) const { return static_cast<std::size_t>(position - this->begin()); }
   Iterator find(T const& value) const { return std::find(this->begin(), this->end(), value); }
   Iterator insertAll(Iterator position, std::vector<T> values);
   static std::vector<T> withoutRepetitions(std::vector<T> values, std::vector<T> const& present);
@@ -100,8 +111,7 @@ class PrimitiveSequence<T>::SequenceInterface final : public detail::PrimitiveVi
     return Value::makeUnchecked<T>(m_sequence->template elementMeta<T>(), (*m_sequence)[index]);
   }
   std::uint32_t genericIndexOf(Value const& value) const override {
-    Iterator const found = m_sequence->find(value.getValue<T>());
-    return found == m_sequence->end() ? ABSENT : static_cast<std::uint32_t>(m_sequence->indexOf(found));
+    return static_cast<std::uint32_t>(m_sequence->indexOf(value.getValue<T>()));  // ABSENT is all ones in both widths
   }
   void genericReplace(Value const& value, std::uint32_t index) override {
     m_sequence->replaceAt(index, value.getValue<T>());
@@ -121,10 +131,10 @@ auto PrimitiveSequence<T>::insert(Iterator position, T value) -> Iterator {
     Iterator const found = find(value);
     if (found != this->end()) return found;
   }
-  std::size_t const index = indexOf(position);
+  std::size_t const index = offsetOf(position);
   Operation operation(*this);
   Journal* const journal = this->recordingJournal();
-  if (journal != nullptr) journal->reserve();
+  if (journal != nullptr) journal->reserveInsertion();
   failurePoint("primitive-insert");
   if (position == this->end()) {
     this->container().push_back(std::move(value));
@@ -140,10 +150,10 @@ template <class T>
 auto PrimitiveSequence<T>::insertAll(Iterator position, std::vector<T> values) -> Iterator {
   if (m_unique) values = withoutRepetitions(std::move(values), this->values());
   if (values.empty()) return position;
-  std::size_t const index = indexOf(position);
+  std::size_t const index = offsetOf(position);
   Operation operation(*this);
   Journal* const journal = this->recordingJournal();
-  if (journal != nullptr) journal->reserve();
+  if (journal != nullptr) journal->reserveInsertion();
   failurePoint("primitive-insert");
   this->container().reserve(this->size() + values.size());  // so that what follows can't fail half-way
   this->container().insert(at(index), std::make_move_iterator(values.begin()), std::make_move_iterator(values.end()));
@@ -163,16 +173,20 @@ std::vector<T> PrimitiveSequence<T>::withoutRepetitions(std::vector<T> values, s
 template <class T>
 auto PrimitiveSequence<T>::erase(Iterator first, Iterator last) -> Iterator {
   if (first == last) return first;
-  std::size_t const index = indexOf(first);
-  std::size_t const end = indexOf(last);
+  std::size_t const index = offsetOf(first);
+  std::size_t const end = offsetOf(last);
   Operation operation(*this);
   Journal* const journal = this->recordingJournal();
-  if (journal != nullptr) {
+  if (journal == nullptr) {
+    this->container().erase(first, last);
+  } else {
     journal->reserve(end - index);
-    // One behind the other leaves the same slot.
-    for (std::size_t i = index; i < end; ++i) journal->erased(index, std::move(this->container()[i]));
+    auto const begin = this->container().begin();
+    auto const from = begin + static_cast<std::ptrdiff_t>(index), to = begin + static_cast<std::ptrdiff_t>(end);
+    std::vector<T> taken(std::make_move_iterator(from), std::make_move_iterator(to));
+    this->container().erase(first, last);
+    journal->erased(index, std::move(taken));
   }
-  this->container().erase(first, last);
   operation.commit();
   return at(index);
 }

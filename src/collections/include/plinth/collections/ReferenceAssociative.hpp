@@ -16,14 +16,15 @@ class TESSEL_EXPORT ReferenceAssociative : public ReferenceCollection {
  public:
   /// The proxies that have not been resolved; null while there has been none.
   ProxyTable const* proxies() const noexcept { return m_proxies.get(); }
-  /// Keeps the proxy under its id. Raises CannotCreateCrossModelAssociation where a containment would reach into
-  /// another model.
-  void addProxy(ModelElement const& proxy);
-  void removeProxy(ModelElement const& proxy);
+  /// Keeps the proxy under its id; whether it is the first of that id. Raises CannotCreateCrossModelAssociation where a
+  /// containment would reach into another model.
+  bool addProxy(ModelElement const& proxy);
+  /// Whether there was one of that id.
+  bool removeProxy(ModelElement const& proxy);
   /// Removes the proxy that stands for an element of another model, if there is one.
   void removeProxyFor(ModelElement const& element);
-  /// Removes a member, which may be dead, or a proxy; one that is not there is ignored.
-  void removeMember(ModelElement const& element);
+  /// Removes a member, which may be dead, or a proxy; whether it was there.
+  bool removeMember(ModelElement const& element);
 
   std::vector<ModelElement> getAllValues() override;
   std::vector<ModelElement> getAllValuesAndProxies() const override;
@@ -33,8 +34,6 @@ class TESSEL_EXPORT ReferenceAssociative : public ReferenceCollection {
   void resolveAll() override { resolve(false); }
   void resolveLocal() override { resolve(true); }
   void convertToProxy(ModelElementImpl& element, ModelElement const& proxy) override;
-  void basicAddWithProxy(ModelElement const& element) override;
-  bool basicContainsProxyTo(ModelElementImpl& target) override;
   void clear() override;
 
  protected:
@@ -43,20 +42,26 @@ class TESSEL_EXPORT ReferenceAssociative : public ReferenceCollection {
   virtual bool holds(ModelElement const& element) const = 0;
   /// The insertion when a proxy resolves; whether it inserted.
   virtual bool resolveAdd(ModelElement const& element) = 0;
-  /// Removes a real element, with its inverse step.
-  virtual void removeElement(ModelElement const& element) = 0;
+  /// Removes a real element, with its inverse step; whether it was there.
+  virtual bool removeElement(ModelElement const& element) = 0;
   /// Gives up the real elements; the caller has announced it.
   virtual void resetElements(CollectionJournal* journal) = 0;
+  /// Whether the element has taken the place of a proxy that stood for it.
+  bool takesPlaceOfProxy(ModelElement const& element);
   detail::NodeSteps<ProxyTable>* proxySteps(CollectionJournal* journal);
   /// Becomes a deep copy of the other's proxies, or has none.
   void copyProxies(ReferenceAssociative const* other, CollectionJournal* journal);
   std::unique_ptr<ProxyTable>& proxyTable() noexcept { return m_proxies; }
   ProxyTable& requireProxyTable();
   std::unique_ptr<GenericCollectionInterface> makeGenericInterface() override;
+  void basicAddWithProxy(ModelElement const& element) override;
+  bool basicContainsProxyTo(ModelElementImpl& target) override;
 
  private:
   void resolve(bool localOnly);
   bool keeps(ModelElement const& proxy) const;
+  /// The proxy that bears the id of the element in its model or, `local`, within one; an empty handle where none does.
+  ModelElement proxyFor(ModelElement const& element, bool local) const;
   void takeIn(ModelElement const& proxy, ModelElement const& real);
   std::unique_ptr<ProxyTable> m_proxies;
 };

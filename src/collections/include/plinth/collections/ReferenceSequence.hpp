@@ -12,6 +12,10 @@ namespace plinth {
 
 class TESSEL_EXPORT ReferenceSequence : public ReferenceCollection {
  public:
+  using Container = std::vector<ModelElement>;
+  /// The position that stands for none.
+  static constexpr std::size_t ABSENT = ~std::size_t{0};
+
   bool isUnique() const noexcept { return m_unique; }
   /// The number of slots, proxies included.
   std::size_t size() const noexcept { return m_elements.size(); }
@@ -20,15 +24,17 @@ class TESSEL_EXPORT ReferenceSequence : public ReferenceCollection {
   /// The slots as they stand.
   std::vector<ModelElement> const& raw() const noexcept { return m_elements; }
 
-  /// Appends; an empty handle, or an element that a unique sequence has, is ignored. Raises what checkCompatibleModel
-  /// raises. O(1), and where the sequence is unique what contains() costs.
-  void addElement(ModelElement const& element);
-  /// Inserts before the position and gives the element's position: in a unique sequence the one that it has already.
+  /// Appends; an empty handle, or an element that a unique sequence has, is ignored. Whether it was added. Raises what
+  /// checkCompatibleModel raises. O(1), and where the sequence is unique what contains() costs.
+  bool addElement(ModelElement const& element);
+  /// Inserts before the position and gives the element's position: in a unique sequence the one that it has already,
+  /// for which the search is linear.
   std::size_t insertElement(std::size_t position, ModelElement const& element);
-  /// Removes the first occurrence. Linear.
-  void removeElement(ModelElement const& element);
-  /// Removes the slot and gives the position behind it. Linear.
-  std::size_t eraseAt(std::size_t position);
+  /// Removes the first occurrence; whether there was one. Linear.
+  bool removeElement(ModelElement const& element);
+  /// Removes the slots from `first` to before `last` in one step, and gives the position behind them. Linear.
+  std::size_t eraseRange(std::size_t first, std::size_t last);
+  std::size_t eraseAt(std::size_t position) { return eraseRange(position, position + 1); }
   /// Puts the element into a slot. Raises CannotAddNonExistentObject for an empty handle, CannotAddSecondObject when a
   /// unique sequence holds the element in another slot.
   void replaceAt(std::size_t position, ModelElement const& element);
@@ -59,6 +65,17 @@ class TESSEL_EXPORT ReferenceSequence : public ReferenceCollection {
   void resolveAll() override;
   void resolveLocal() override;
   void convertToProxy(ModelElementImpl& element, ModelElement const& proxy) override;
+
+  std::size_t oldSize() const override;
+  std::size_t rawSize() const override { return m_elements.size(); }
+  std::unique_ptr<AbstractOwnedCollection> oldContents() const override;
+  std::unique_ptr<AbstractOwnedCollection> copyContents() const override;
+
+ protected:
+  ReferenceSequence(ModelElementImpl* owner, meta::PropertyImpl* property, meta::PropertyImpl* opposite) noexcept;
+  virtual std::unique_ptr<ReferenceSequence> makeDetached() const = 0;
+  std::unique_ptr<GenericCollectionInterface> makeGenericInterface() override;
+  std::unique_ptr<CollectionJournal> makeJournal() override;
   void basicAdd(ModelElement const& element) override;
   /// An element that is ending leaves together with the others that are; see basicRemoveAll.
   void basicRemove(ModelElement const& element) override;
@@ -66,17 +83,6 @@ class TESSEL_EXPORT ReferenceSequence : public ReferenceCollection {
   void basicClear() override;
   void basicCopyValues(ReferenceCollection const* other) override;
   bool basicContainsProxyTo(ModelElementImpl& target) override;
-
-  std::size_t oldSize() const override;
-  std::size_t rawSize() const override { return m_elements.size(); }
-  std::unique_ptr<AbstractOwnedCollection> oldContents() const override;
-  std::unique_ptr<AbstractOwnedCollection> detachedCopy() const override;
-
- protected:
-  ReferenceSequence(ModelElementImpl* owner, meta::PropertyImpl* property, meta::PropertyImpl* opposite) noexcept;
-  virtual std::unique_ptr<ReferenceSequence> makeDetached() const = 0;
-  std::unique_ptr<GenericCollectionInterface> makeGenericInterface() override;
-  std::unique_ptr<CollectionJournal> makeJournal() override;
 
  private:
   class Journal;
@@ -87,9 +93,12 @@ class TESSEL_EXPORT ReferenceSequence : public ReferenceCollection {
   bool takePlaceOfProxy(std::size_t position, ModelElement real, Members* members = nullptr);
   void removeNow(ModelElement const& element);
   std::size_t findResolving(ModelElement const& element);
-  void inverseBeforeErasing(std::size_t position);
+  /// Whether the element may be added and is not there already. Raises what checkCompatibleModel raises.
+  bool takes(ModelElement const& element) const;
+  void insertNew(std::size_t position, ModelElement const& element);
+  void inverseBeforeErasing(std::size_t first, std::size_t last);
   void insertRaw(std::size_t position, ModelElement const& element, Journal* journal);
-  void eraseRaw(std::size_t position, Journal* journal);
+  void eraseRaw(std::size_t first, std::size_t last, Journal* journal);
   void noteRepetition(ModelElement const& element) noexcept;
   void addToFilter(ModelElement const& element) noexcept;
   void removeFromFilter(ModelElement const& element) noexcept;

@@ -7,25 +7,25 @@
 #include <unordered_set>
 
 #include "plinth/Hashing.hpp"
-#include "plinth/collections/AssociativeStore.hpp"
+#include "plinth/collections/ReferenceAssociativeContainer.hpp"
 
 namespace plinth {
 
 using SetContainer = std::unordered_set<ModelElement>;
-extern template class TESSEL_EXPORT AssociativeStore<SetContainer>;
+extern template class TESSEL_EXPORT ReferenceAssociativeContainer<SetContainer>;
 
-class TESSEL_EXPORT ReferenceSet : public AssociativeStore<SetContainer> {
+class TESSEL_EXPORT ReferenceSet : public ReferenceAssociativeContainer<SetContainer> {
  public:
   void reserve(std::size_t count) { elements().reserve(count); }
 
-  /// Adds; an empty handle or a member is ignored, a proxy goes to the proxies. Raises what checkCompatibleModel
-  /// raises.
-  void addElement(ModelElement const& element);
+  /// Adds; an empty handle or a member is ignored, a proxy goes to the proxies. Whether either was added. Raises what
+  /// checkCompatibleModel raises.
+  bool addElement(ModelElement const& element);
   bool containsElement(ModelElement const& element) const { return holds(element); }
   void genericAdd(ModelElement const& element) override;
 
  protected:
-  using AssociativeStore::AssociativeStore;
+  using ReferenceAssociativeContainer::ReferenceAssociativeContainer;
   Position locate(ModelElement const& element) const override { return raw().find(element); }
   bool insertRaw(ModelElement const& element, CollectionJournal* journal) override;
 };

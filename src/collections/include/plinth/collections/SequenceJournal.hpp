@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "plinth/AbstractOwnedCollection.hpp"
+#include "plinth/collections/GapBuffer.hpp"
 
 namespace plinth::detail {
 
@@ -16,119 +17,159 @@ class SequenceJournal : public CollectionJournal {
  public:
   explicit SequenceJournal(std::vector<T>& container) noexcept : m_container(&container) {}
 
-  /// Makes room for that many steps; call before the change.
-  void reserve(std::size_t count = 1) { makeRoomFor(m_steps, count); }
+  /// Makes room for one step that keeps `count` values; call before the change, here and below.
+  void reserve(std::size_t count = 1) {
+    makeRoomFor(m_steps, 1);
+    makeRoomFor(m_taken, count);
+  }
+  void reserveInsertion() { makeRoomFor(m_steps, 1); }
   void reserveReset() {
-    reserve();
+    makeRoomFor(m_steps, 1);
     makeRoomFor(m_former, 1, 1);
   }
   void inserted(std::size_t position, std::size_t count = 1) noexcept {
-    if (Step* const run = ownInsertion(); run != nullptr && run->begin <= position && position <= run->end) {
+    if (Step* const run = ownInsertionAround(position, position)) {
       run->end += count;
     } else {
-      m_steps.emplace_back(T(), position, position + count, Kind::INSERTED);
+      m_steps.push_back({position, position + count, Kind::INSERTED});
     }
   }
   void erased(std::size_t position, T value) noexcept {
-    if (Step* const run = ownInsertionAround(position)) {
-      if (--run->end != run->begin) return;
-      m_steps.pop_back();
-      noteCancelled();
-    } else {
-      m_steps.emplace_back(std::move(value), position, position + 1, Kind::ERASED);
-    }
+    if (tookBack(position, position + 1)) return;
+    m_taken.push_back(std::move(value));
+    m_steps.push_back({position, position + 1, Kind::ERASED});
+  }
+  /// `values` stood from `position` on.
+  void erased(std::size_t position, std::vector<T>&& values) noexcept {
+    if (tookBack(position, position + values.size())) return;
+    for (auto&& value : values) m_taken.push_back(std::move(value));
+    m_steps.push_back({position, position + values.size(), Kind::ERASED});
   }
   void replaced(std::size_t position, T value) noexcept {
-    if (ownInsertionAround(position) != nullptr) return;
-    m_steps.emplace_back(std::move(value), position, position + 1, Kind::REPLACED);
+    if (ownInsertionAround(position, position + 1) != nullptr) return;
+    m_taken.push_back(std::move(value));
+    m_steps.push_back({position, position + 1, Kind::REPLACED});
   }
   /// The whole contents have been taken out.
   void reset(std::vector<T> former) noexcept {
+    m_steps.push_back({0, former.size(), Kind::RESET});
     m_former.push_back(std::move(former));
-    m_steps.emplace_back(T(), m_former.size() - 1, m_former.size(), Kind::RESET);
   }
 
   std::size_t steps() const noexcept override { return m_steps.size(); }
   void clear() noexcept override {
     forgetSteps(m_steps);
+    forgetSteps(m_taken);
     m_former.clear();
   }
 
+  /// Linear in what the steps keep, in the contents, and in the distances between steps that follow one another.
   void undoTo(std::size_t mark) noexcept override {
-    while (m_steps.size() > mark) {
-      Step& step = m_steps.back();
-      switch (step.kind) {
-        case Kind::INSERTED:
-          m_container->erase(at(*m_container, step.begin), at(*m_container, step.end));
-          break;
-        case Kind::ERASED:  // the capacity is there: the vector held this value before
-          m_container->insert(at(*m_container, step.begin), std::move(step.value));
-          break;
-        case Kind::REPLACED:
-          *at(*m_container, step.begin) = std::move(step.value);
-          break;
-        case Kind::RESET:
-          *m_container = std::move(m_former.back());
-          m_former.pop_back();
-          break;
-      }
-      m_steps.pop_back();
-    }
+    // The capacity is there: the vector has been as large as it becomes.
+    Kept const left = takeBack(
+        *m_container, mark, [this](std::size_t i) -> T { return std::move(m_taken[i]); },
+        [this](std::size_t i) { return std::move(m_former[i]); });
+    m_steps.resize(mark);
+    m_taken.resize(left.taken);
+    m_former.resize(left.former);
   }
 
-  /// The contents before the first step. Linear in the contents for each step in the midst of them.
+  /// The contents before the first step. Costs what taking back all of them costs.
   std::vector<T> oldContents() const {
     std::vector<T> contents = *m_container;
-    for (auto step = m_steps.rbegin(); step != m_steps.rend(); ++step) {
-      if (step->kind == Kind::INSERTED) {
-        contents.erase(at(contents, step->begin), at(contents, step->end));
-      } else if (step->kind == Kind::ERASED) {
-        contents.insert(at(contents, step->begin), step->value);
-      } else if (step->kind == Kind::REPLACED) {
-        contents[step->begin] = step->value;
-      } else {
-        contents = m_former[step->begin];
-      }
-    }
+    takeBack(
+        contents, 0, [this](std::size_t i) -> T { return m_taken[i]; }, [this](std::size_t i) { return m_former[i]; });
     return contents;
   }
   /// How many there were before the first step. Linear in the steps.
   std::size_t oldSize() const noexcept {
     std::size_t size = m_container->size();
-    for (auto step = m_steps.rbegin(); step != m_steps.rend(); ++step) {
-      if (step->kind == Kind::INSERTED) size -= step->end - step->begin;
-      if (step->kind == Kind::ERASED) ++size;
-      if (step->kind == Kind::RESET) size = m_former[step->begin].size();
-    }
+    for (std::size_t i = m_steps.size(); i > 0; --i) size = sizeBefore(m_steps[i - 1], size);
     return size;
   }
 
  private:
   enum class Kind : std::uint8_t { INSERTED, ERASED, REPLACED, RESET };
+  /// The values that erased and replaced steps have taken out stand in one list, as those of resets do in another.
   struct Step {
-    Step(T&& former, std::size_t first, std::size_t behindLast, Kind how) noexcept
-        : value(std::move(former)), begin(first), end(behindLast), kind(how) {}
-    T value;
-    std::size_t begin;  ///< the first slot; of a reset, the position among the former contents
+    std::size_t begin;  ///< the first slot
     std::size_t end;    ///< the slot behind the last
     Kind kind;
   };
+  struct Kept {
+    std::size_t taken;
+    std::size_t former;
+  };
 
-  static auto at(std::vector<T>& values, std::size_t position) {
-    return values.begin() + static_cast<std::ptrdiff_t>(position);
+  static std::size_t sizeBefore(Step const& step, std::size_t size) noexcept {
+    if (step.kind == Kind::INSERTED) return size - (step.end - step.begin);
+    if (step.kind == Kind::ERASED) return size + (step.end - step.begin);
+    return step.kind == Kind::RESET ? step.end : size;
   }
-  /// The last step, if it is an insertion of the present transaction level.
-  Step* ownInsertion() noexcept {
-    bool const isOwn = m_steps.size() > firstOwnStep() && m_steps.back().kind == Kind::INSERTED;
-    return isOwn ? &m_steps.back() : nullptr;
+  /// Where the steps from the last one down to `mark` stop: behind the last reset among them.
+  std::size_t lastReset(std::size_t from, std::size_t mark) const noexcept {
+    while (from > mark && m_steps[from - 1].kind != Kind::RESET) --from;
+    return from;
   }
-  Step* ownInsertionAround(std::size_t position) noexcept {
-    Step* const run = ownInsertion();
-    return run != nullptr && run->begin <= position && position < run->end ? run : nullptr;
+  /// How large contents of that size become on the way back from step `from` to step `to`.
+  std::size_t largestBetween(std::size_t size, std::size_t from, std::size_t to) const noexcept {
+    std::size_t largest = size;
+    for (; from > to; --from) {
+      size = sizeBefore(m_steps[from - 1], size);
+      largest = std::max(largest, size);
+    }
+    return largest;
+  }
+
+  /// Takes the steps beyond `mark` back in `contents`; the functions give the value, or the contents, kept there. Gives
+  /// how many the steps before keep.
+  template <class TakenAt, class FormerAt>
+  Kept takeBack(std::vector<T>& contents, std::size_t mark, TakenAt const& takenAt, FormerAt const& formerAt) const {
+    Kept left{m_taken.size(), m_former.size()};
+    for (std::size_t next = m_steps.size(); next > mark;) {
+      std::size_t const stop = lastReset(next, mark);
+      GapBuffer<T> buffer(contents, largestBetween(contents.size(), next, stop));
+      for (; next > stop; --next) {
+        Step const& step = m_steps[next - 1];
+        if (step.kind == Kind::INSERTED) {
+          buffer.erase(step.begin, step.end);
+          continue;
+        }
+        left.taken -= step.end - step.begin;
+        if (step.kind == Kind::REPLACED) {
+          buffer.replace(step.begin, takenAt(left.taken));
+        } else {
+          buffer.insert(step.begin, step.end - step.begin, [&](std::size_t i) { return takenAt(left.taken + i); });
+        }
+      }
+      buffer.finish();
+      if (next == mark) break;
+      contents = formerAt(--left.former);
+      --next;
+    }
+    return left;
+  }
+
+  /// The last step, if it is an insertion of the present transaction level that covers those slots.
+  Step* ownInsertionAround(std::size_t begin, std::size_t end) noexcept {
+    if (m_steps.size() <= firstOwnStep() || m_steps.back().kind != Kind::INSERTED) return nullptr;
+    Step& run = m_steps.back();
+    return run.begin <= begin && end <= run.end ? &run : nullptr;
+  }
+  /// Whether what was erased is what the last step has inserted: then there is nothing to keep.
+  bool tookBack(std::size_t begin, std::size_t end) noexcept {
+    Step* const run = ownInsertionAround(begin, end);
+    if (run == nullptr) return false;
+    run->end -= end - begin;
+    if (run->end != run->begin) return true;
+    m_steps.pop_back();
+    noteCancelled();
+    return true;
   }
 
   std::vector<T>* m_container;
   std::vector<Step> m_steps;
+  std::vector<T> m_taken;
   std::vector<std::vector<T>> m_former;
 };
 

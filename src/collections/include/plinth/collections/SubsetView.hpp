@@ -32,20 +32,20 @@ class TESSEL_EXPORT SubsetView : public ReferenceCollection {
   void resolveAll() override { m_parent->resolveAll(); }
   void resolveLocal() override { m_parent->resolveLocal(); }
   void convertToProxy(ModelElementImpl&, ModelElement const&) override {}
-  void basicAdd(ModelElement const&) override {}
-  void basicRemove(ModelElement const&) override {}
-  void basicClear() override {}
-  void basicCopyValues(ReferenceCollection const*) override {}
-  bool basicContainsProxyTo(ModelElementImpl&) override { return false; }
 
   std::size_t oldSize() const override { return rawSize(); }
   std::unique_ptr<AbstractOwnedCollection> oldContents() const override { return nullptr; }
-  std::unique_ptr<AbstractOwnedCollection> detachedCopy() const override { return nullptr; }
+  std::unique_ptr<AbstractOwnedCollection> copyContents() const override { return nullptr; }
 
  protected:
   SubsetView(ReferenceCollection& parent, Filter filter, ModelElementImpl* owner, meta::PropertyImpl* property);
   std::unique_ptr<GenericCollectionInterface> makeGenericInterface() override;
   std::unique_ptr<CollectionJournal> makeJournal() override { return nullptr; }
+  void basicAdd(ModelElement const&) override {}
+  void basicRemove(ModelElement const&) override {}
+  void basicClear() override {}
+  void basicCopyValues(ReferenceCollection const*) override {}
+  bool basicContainsProxyTo(ModelElementImpl&) override { return false; }
   /// What a walk over the view meets.
   virtual std::vector<ModelElement> shown() const = 0;
   bool shows(ModelElement const& element) const { return fits(element) && (!m_filter || m_filter(element)); }

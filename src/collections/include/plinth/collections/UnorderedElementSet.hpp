@@ -2,34 +2,26 @@
 // Ownership and thread rule: see AbstractOwnedCollection.hpp.
 #pragma once
 
-#include "plinth/collections/HandleIterator.hpp"
 #include "plinth/collections/ReferenceSet.hpp"
+#include "plinth/collections/TypedReferenceCollection.hpp"
 
 namespace plinth {
 
 template <class T>
-class UnorderedElementSet final : public ReferenceSet {
- public:
-  using Element = T;
-  using Iterator = detail::HandleIterator<T, Container::const_iterator, detail::Itself>;
-  using value_type = T;
-  using const_iterator = Iterator;
+class UnorderedElementSet final : public TypedReferenceCollectionWithProxies<T, ReferenceSet> {
+  using Base = TypedReferenceCollectionWithProxies<T, ReferenceSet>;
 
+ public:
   explicit UnorderedElementSet(CollectionPrivateTag, ModelElementImpl* owner = nullptr,
                                meta::PropertyImpl* property = nullptr, meta::PropertyImpl* opposite = nullptr) noexcept
-      : ReferenceSet(owner, property, opposite) {}
+      : Base(owner, property, opposite) {}
 
-  meta::Class const& getCollectionType() const override { return T::metaClass(); }
-
-  void add(T const& element) { addElement(element); }
-  void remove(T const& element) { removeMember(element); }
-  bool contains(T const& element) const { return containsElement(element); }
-  Iterator begin() const { return Iterator(raw().begin()); }
-  Iterator end() const { return Iterator(raw().end()); }
+  /// Whether the element, or the proxy, was added.
+  bool add(T const& element) { return this->addElement(element); }
 
  protected:
-  Detached makeDetached() const override {
-    return std::make_unique<UnorderedElementSet>(CollectionPrivateTag(), nullptr, property(), opposite());
+  typename Base::Detached makeDetached() const override {
+    return std::make_unique<UnorderedElementSet>(CollectionPrivateTag(), nullptr, this->property(), this->opposite());
   }
 };
 

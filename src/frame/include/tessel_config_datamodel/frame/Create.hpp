@@ -18,15 +18,22 @@ X create(plinth::Model const& model, boost::uuids::uuid const& uuid) {
   return static_cast<X&&>(made);
 }
 
+/// What `builder`, which is one of X, makes.
+template <class X>
+X build(plinth::ModelElementBuilder& builder, boost::uuids::uuid const& uuid) {
+  plinth::ModelElement made = builder.create(uuid);
+  return static_cast<X&&>(made);
+}
+
 /// Builds a child and puts it into the containment property of the row, in one transaction. A nil UUID asks for a new
 /// one.
 TESSEL_EXPORT plinth::ModelElement createChild(Element& self, PropertyDescriptor const& row,
                                                plinth::ModelElementBuilder& builder, boost::uuids::uuid const& uuid);
 
 template <class X>
-X createInto(Element& self, PropertyDescriptor const& row, plinth::BuilderWrapper<X> const& builder,
+X createInto(Element& self, PropertyDescriptor const& row, plinth::BuilderWrapper<X> const& builderWrapper,
              boost::uuids::uuid const& uuid) {
-  plinth::ModelElement made = createChild(self, row, builder.builder(), uuid);
+  plinth::ModelElement made = createChild(self, row, builderWrapper.builder(), uuid);
   return static_cast<X&&>(made);
 }
 

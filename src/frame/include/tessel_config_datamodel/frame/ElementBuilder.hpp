@@ -64,6 +64,10 @@ class TESSEL_EXPORT ElementBuilder : public plinth::ModelElementBuilder {
   ElementBuilder(ClassTable const& table, plinth::Model const& model);
   explicit ElementBuilder(ClassTable const& table);
 
+  /// Takes the value, or the child builder, for the property and gives its index; -1, with the child left to the
+  /// caller, for a property that takes none such.
+  long doSetOrAdd(plinth::meta::Property const& property, plinth::Value const& value);
+  long doSetOrAdd(plinth::meta::Property const& property, std::unique_ptr<plinth::ModelElementBuilder>& child);
   plinth::ModelElement doCreate(bool deferred, boost::uuids::uuid const& uuid) final;
   void cascadeCreation(plinth::ModelElementImpl& parent, plinth::CascadeSteps& steps) final;
   void attach(plinth::ModelElementImpl& parent, plinth::meta::PropertyImpl& property,
@@ -92,8 +96,8 @@ class TESSEL_EXPORT ElementBuilder : public plinth::ModelElementBuilder {
   void giveStamps();
 
  private:
-  /// False, with the child left to the caller, where the row takes no builders or none of its class.
-  bool take(PropertyDescriptor const& row, std::unique_ptr<plinth::ModelElementBuilder>& child);
+  PropertyDescriptor const* rowOf(plinth::meta::Property const& property) const;
+  long doSetOrAdd(PropertyDescriptor const& row, std::unique_ptr<plinth::ModelElementBuilder>& child);
 
   ClassTable const* m_table;
 };

@@ -9,8 +9,8 @@
 #include <string>
 #include <string_view>
 
-#include "plinth/collections/AssociativeStore.hpp"
 #include "plinth/collections/CollisionResolution.hpp"
+#include "plinth/collections/ReferenceAssociativeContainer.hpp"
 
 namespace plinth {
 
@@ -34,13 +34,18 @@ struct CodeUnitOrder {
 };
 
 using MapContainer = std::map<std::u16string, ModelElement, CodeUnitOrder>;
-extern template class TESSEL_EXPORT AssociativeStore<MapContainer>;
+extern template class TESSEL_EXPORT ReferenceAssociativeContainer<MapContainer>;
 
-class TESSEL_EXPORT ReferenceMap : public AssociativeStore<MapContainer> {
+class TESSEL_EXPORT ElementMapBase : public ReferenceAssociativeContainer<MapContainer> {
  public:
+  /// The untyped view.
+  class MyGenericInterface;
+
   /// Puts the element in under its key. An empty handle, or an element that is in, is ignored; a proxy goes to the
-  /// proxies. Raises what checkCompatibleModel raises, and UniquenessConstraint. Logarithmic.
-  void insertElement(ModelElement const& element, CollisionResolution resolution = CollisionResolution::RAISE);
+  /// proxies. Whether it was put in. Raises what checkCompatibleModel raises, and UniquenessConstraint. Logarithmic.
+  bool insertElement(ModelElement const& element, CollisionResolution resolution = CollisionResolution::RAISE);
+  /// Takes out the element of that key; whether there was one. Logarithmic.
+  bool eraseKey(std::u16string_view key);
   /// The element of that key, or an empty handle. Logarithmic.
   ModelElement findElement(std::u16string_view key) const;
   std::vector<std::u16string> keys() const;
@@ -53,9 +58,9 @@ class TESSEL_EXPORT ReferenceMap : public AssociativeStore<MapContainer> {
   void genericAdd(ModelElement const& element) override;
 
  protected:
-  ReferenceMap(KeyExtractor extractor, ModelElementImpl* owner, meta::PropertyImpl* property,
-               meta::PropertyImpl* opposite) noexcept
-      : AssociativeStore(owner, property, opposite), m_keyExtractor(extractor) {}
+  ElementMapBase(KeyExtractor extractor, ModelElementImpl* owner, meta::PropertyImpl* property,
+                 meta::PropertyImpl* opposite) noexcept
+      : ReferenceAssociativeContainer(owner, property, opposite), m_keyExtractor(extractor) {}
   KeyExtractor keyExtractor() const noexcept { return m_keyExtractor; }
   std::unique_ptr<GenericCollectionInterface> makeGenericInterface() override;
   Position locate(ModelElement const& element) const override;

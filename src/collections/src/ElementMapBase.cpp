@@ -1,4 +1,4 @@
-#include "plinth/collections/ReferenceMap.hpp"
+#include "plinth/collections/ElementMapBase.hpp"
 
 #include <functional>
 
@@ -7,18 +7,18 @@
 
 namespace plinth {
 
-std::u16string const& ReferenceMap::keyOf(ModelElementImpl const& element) const {
+std::u16string const& ElementMapBase::keyOf(ModelElementImpl const& element) const {
   if (m_keyExtractor == nullptr) throw std::bad_function_call();
   return m_keyExtractor(element);
 }
 
-ReferenceMap::Position ReferenceMap::locate(ModelElement const& element) const {
+ElementMapBase::Position ElementMapBase::locate(ModelElement const& element) const {
   if (element->isProxy()) return raw().end();  // its key is not to be trusted
   auto const at = raw().find(keyOf(*element));
   return at != raw().end() && at->second == element ? at : raw().end();
 }
 
-bool ReferenceMap::insertAt(Position hint, ModelElement const& element, CollectionJournal* journal) {
+bool ElementMapBase::insertAt(Position hint, ModelElement const& element, CollectionJournal* journal) {
   return insertNode(journal, [&](Container& elements) {
     failurePoint("map-insert");
     std::size_t const before = elements.size();
@@ -27,33 +27,37 @@ bool ReferenceMap::insertAt(Position hint, ModelElement const& element, Collecti
   });
 }
 
-bool ReferenceMap::insertRaw(ModelElement const& element, CollectionJournal* journal) {
+bool ElementMapBase::insertRaw(ModelElement const& element, CollectionJournal* journal) {
   return insertAt(raw().lower_bound(keyOf(*element)), element, journal);
 }
 
-void ReferenceMap::insertElement(ModelElement const& element, CollisionResolution resolution) {
-  if (element.isEmpty()) return;
+bool ElementMapBase::insertElement(ModelElement const& element, CollisionResolution resolution) {
+  if (element.isEmpty()) return false;
   checkCompatibleModel(element.impl());
-  if (element->isProxy()) {
-    addProxy(element);
-    return;
-  }
+  if (element->isProxy()) return addProxy(element);
   std::u16string const& key = keyOf(*element);
   auto const at = raw().lower_bound(key);
   if (at != raw().end() && at->first == key) {
-    if (at->second == element || resolution == CollisionResolution::KEEP) return;
+    if (at->second == element || resolution == CollisionResolution::KEEP) return false;
     if (resolution == CollisionResolution::RAISE) reportException(messages::UniquenessConstraint());
-    if (resolution == CollisionResolution::REPLACE) replaceEntry(at, element);
-    return;
+    if (resolution != CollisionResolution::REPLACE) return false;
+    replaceEntry(at, element);
+    return true;
   }
   Operation operation(*this, extentOfAdding(*element));
   announceAdding(*element);
   insertAt(at, element, modifying());
   if (hasInverse()) inverseAfterAdding(*element);
   operation.commit();
+  return true;
 }
 
-void ReferenceMap::replaceEntry(Position at, ModelElement const& element) {
+bool ElementMapBase::eraseKey(std::u16string_view key) {
+  ModelElement const element = findElement(key);
+  return !element.isEmpty() && removeElement(element);
+}
+
+void ElementMapBase::replaceEntry(Position at, ModelElement const& element) {
   std::u16string const& key = at->first;
   Operation operation(*this, extent());
   auto* const steps = roomForOne(modifying());
@@ -68,19 +72,19 @@ void ReferenceMap::replaceEntry(Position at, ModelElement const& element) {
   operation.commit();
 }
 
-ModelElement ReferenceMap::findElement(std::u16string_view key) const {
+ModelElement ElementMapBase::findElement(std::u16string_view key) const {
   auto const at = raw().find(key);
   return at == raw().end() ? ModelElement() : at->second;
 }
 
-std::vector<std::u16string> ReferenceMap::keys() const {
+std::vector<std::u16string> ElementMapBase::keys() const {
   std::vector<std::u16string> keys;
   keys.reserve(raw().size());
   for (auto const& entry : raw()) keys.push_back(entry.first);
   return keys;
 }
 
-std::vector<Value> ReferenceMap::getAllKeys() const {
+std::vector<Value> ElementMapBase::getAllKeys() const {
   std::vector<Value> keys;
   keys.reserve(raw().size());
   ValueMeta const meta(StandardTypes::stringMeta(), meta::SINGLE);
@@ -88,21 +92,18 @@ std::vector<Value> ReferenceMap::getAllKeys() const {
   return keys;
 }
 
-meta::Type ReferenceMap::getQualifierType() const {
+meta::Type ElementMapBase::getQualifierType() const {
   if (property() == nullptr || property()->qualifiedBy() == nullptr) return meta::Type(StandardTypes::stringMeta());
   return property()->qualifiedBy()->getType();
 }
 
-void ReferenceMap::genericAdd(ModelElement const& element) {
+void ElementMapBase::genericAdd(ModelElement const& element) {
   if (!element) return;
   requireFitting(element);
   insertElement(element, CollisionResolution::RAISE);
 }
 
-namespace {
-
-/// The untyped view of a map.
-class MapInterface final : public CollectionView<GenericMapInterface, ReferenceMap> {
+class ElementMapBase::MyGenericInterface final : public CollectionView<GenericMapInterface, ElementMapBase> {
  public:
   using CollectionView::CollectionView;
   ModelElement genericGet(Value const& key) const override {
@@ -112,10 +113,8 @@ class MapInterface final : public CollectionView<GenericMapInterface, ReferenceM
   meta::Type getQualifierType() const override { return collection().getQualifierType(); }
 };
 
-}  // namespace
-
-std::unique_ptr<GenericCollectionInterface> ReferenceMap::makeGenericInterface() {
-  return std::make_unique<MapInterface>(*this);
+std::unique_ptr<GenericCollectionInterface> ElementMapBase::makeGenericInterface() {
+  return std::make_unique<MyGenericInterface>(*this);
 }
 
 }  // namespace plinth

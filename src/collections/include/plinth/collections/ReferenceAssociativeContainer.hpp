@@ -2,13 +2,14 @@
 // back, and old contents. Ownership and thread rule: see AbstractOwnedCollection.hpp.
 #pragma once
 
+#include "plinth/collections/HandleIterator.hpp"
 #include "plinth/collections/ReferenceAssociative.hpp"
 
 namespace plinth {
 
 /// C is a node container of element handles, or of pairs of a key and an element handle.
 template <class C>
-class AssociativeStore : public ReferenceAssociative {
+class ReferenceAssociativeContainer : public ReferenceAssociative {
  public:
   using Container = C;
 
@@ -19,20 +20,16 @@ class AssociativeStore : public ReferenceAssociative {
 
   bool hasSameMembers(ReferenceCollection const& other) const override;
   void forEachReal(std::function<void(ModelElementImpl&)> const& visit) const override;
-  void basicAdd(ModelElement const& element) override;
-  void basicRemove(ModelElement const& element) override;
-  void basicClear() override;
-  void basicCopyValues(ReferenceCollection const* other) override;
 
   std::size_t oldSize() const override;
   std::size_t rawSize() const override { return m_elements.size(); }
   std::unique_ptr<AbstractOwnedCollection> oldContents() const override;
-  std::unique_ptr<AbstractOwnedCollection> detachedCopy() const override;
+  std::unique_ptr<AbstractOwnedCollection> copyContents() const override;
 
  protected:
   using Position = typename C::const_iterator;
   using Journal = detail::AssociativeJournalOf<C>;
-  using Detached = std::unique_ptr<AssociativeStore>;
+  using Detached = std::unique_ptr<ReferenceAssociativeContainer>;
   using ReferenceAssociative::ReferenceAssociative;
 
   /// An empty collection of the same class that no element owns.
@@ -57,22 +54,21 @@ class AssociativeStore : public ReferenceAssociative {
   static Journal* roomForOne(CollectionJournal* journal);
 
   std::unique_ptr<CollectionJournal> makeJournal() override;
+  void basicAdd(ModelElement const& element) override;
+  void basicRemove(ModelElement const& element) override;
+  void basicClear() override;
+  void basicCopyValues(ReferenceCollection const* other) override;
   bool holds(ModelElement const& element) const override { return locate(element) != m_elements.end(); }
   bool resolveAdd(ModelElement const& element) override { return insertRaw(element, modifying()); }
-  void removeElement(ModelElement const& element) override;
+  bool removeElement(ModelElement const& element) override;
   void resetElements(CollectionJournal* journal) override;
   Container& elements() noexcept { return m_elements; }
 
  private:
   static ModelElement const& keyOfNode(ModelElement const& node) noexcept { return node; }
-  static ModelElement const& elementOf(ModelElement const& node) noexcept { return node; }
   template <class K>
   static K const& keyOfNode(std::pair<K const, ModelElement> const& node) noexcept {
     return node.first;
-  }
-  template <class K>
-  static ModelElement const& elementOf(std::pair<K const, ModelElement> const& node) noexcept {
-    return node.second;
   }
   Journal const* kept() const noexcept { return static_cast<Journal const*>(journal()); }
   void eraseRaw(Position at, CollectionJournal* journal);

@@ -5,19 +5,19 @@
 #include "plinth/FailurePoint.hpp"
 #include "plinth/collections/PrimitiveCollection.hpp"
 
-namespace plinth::detail {
+namespace plinth {
 
 /// What changes it is one step: a transaction of its own where none is open. It raises CannotModifyDestroyedElement,
 /// CannotModifyFrozenModel, std::bad_alloc, and then has changed nothing.
 template <class T, class C>
-class PrimitiveNodes : public PrimitiveCollection<T, C> {
+class PrimitiveAssociativeContainer : public PrimitiveCollection<T, C> {
  protected:
   using PrimitiveCollection<T, C>::PrimitiveCollection;
   using typename PrimitiveCollection<T, C>::Journal;
   using Operation = AbstractOwnedCollection::Operation;
 
-  /// Puts an entry in; it is known not to be there.
-  void put(typename C::value_type entry) {
+  /// Puts an entry in; it is known not to be there. Gives true.
+  bool put(typename C::value_type entry) {
     Operation operation(*this);
     Journal* const journal = this->recordingJournal();
     if (journal != nullptr) journal->nodes().reserve();
@@ -25,21 +25,23 @@ class PrimitiveNodes : public PrimitiveCollection<T, C> {
     auto const at = this->container().insert(std::move(entry)).first;
     if (journal != nullptr) journal->nodes().inserted(keyAt(at));
     operation.commit();
+    return true;
   }
-  /// Takes the entry out; none at the end.
-  void take(typename C::const_iterator at) {
-    if (at == this->end()) return;
+  /// Takes the entry out, none at the end; whether there was one.
+  bool take(typename C::const_iterator at) {
+    if (at == this->end()) return false;
     Operation operation(*this);
     Journal* const journal = this->recordingJournal();
     if (journal != nullptr) journal->nodes().reserve();
     auto node = this->container().extract(at);
     if (journal != nullptr) journal->nodes().erased(std::move(node));
     operation.commit();
+    return true;
   }
 
  private:
   static typename C::key_type const& keyAt(typename C::const_iterator at) {
-    if constexpr (NodeSteps<C>::IS_MAP) {
+    if constexpr (detail::NodeSteps<C>::IS_MAP) {
       return at->first;
     } else {
       return *at;
@@ -47,4 +49,4 @@ class PrimitiveNodes : public PrimitiveCollection<T, C> {
   }
 };
 
-}  // namespace plinth::detail
+}  // namespace plinth
