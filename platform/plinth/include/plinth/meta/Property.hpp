@@ -9,6 +9,19 @@
 
 namespace plinth::meta {
 
+class TypedElementImpl;
+
+/// A property or an operation.
+class TESSEL_EXPORT TypedElement : public ModelElement {
+ public:
+  using Impl = TypedElementImpl;
+  TypedElement() noexcept = default;
+  explicit TypedElement(TypedElementImpl* impl) noexcept;
+  static Class const& metaClass();
+  TypedElementImpl* impl() const noexcept;
+  TypedElementImpl* operator->() const noexcept { return impl(); }
+};
+
 class TESSEL_EXPORT TypedElementImpl : public MetaElementImpl {
  public:
   Type getType() const noexcept { return Type(m_type); }
@@ -29,11 +42,12 @@ class TESSEL_EXPORT TypedElementImpl : public MetaElementImpl {
   bool m_ordered = true;
 };
 
-class TESSEL_EXPORT Property : public ModelElement {
+class TESSEL_EXPORT Property : public TypedElement {
  public:
   using Impl = PropertyImpl;
   Property() noexcept = default;
   explicit Property(PropertyImpl* impl) noexcept;
+  static Class const& metaClass();
   PropertyImpl* impl() const noexcept;
   PropertyImpl* operator->() const noexcept { return impl(); }
 };
@@ -85,11 +99,12 @@ class TESSEL_EXPORT PropertyImpl : public TypedElementImpl {
   boost::optional<std::u16string> m_default;
 };
 
-class TESSEL_EXPORT Operation : public ModelElement {
+class TESSEL_EXPORT Operation : public TypedElement {
  public:
   using Impl = OperationImpl;
   Operation() noexcept = default;
   explicit Operation(OperationImpl* impl) noexcept;
+  static Class const& metaClass();
   OperationImpl* impl() const noexcept;
   OperationImpl* operator->() const noexcept { return impl(); }
 };
@@ -120,9 +135,11 @@ class TESSEL_EXPORT OperationImpl : public TypedElementImpl {
   Traits m_traits;
 };
 
-inline Property::Property(PropertyImpl* impl) noexcept : ModelElement(impl) {}
+inline TypedElement::TypedElement(TypedElementImpl* impl) noexcept : ModelElement(impl) {}
+inline TypedElementImpl* TypedElement::impl() const noexcept { return static_cast<TypedElementImpl*>(elementImpl()); }
+inline Property::Property(PropertyImpl* impl) noexcept : TypedElement(impl) {}
 inline PropertyImpl* Property::impl() const noexcept { return static_cast<PropertyImpl*>(elementImpl()); }
-inline Operation::Operation(OperationImpl* impl) noexcept : ModelElement(impl) {}
+inline Operation::Operation(OperationImpl* impl) noexcept : TypedElement(impl) {}
 inline OperationImpl* Operation::impl() const noexcept { return static_cast<OperationImpl*>(elementImpl()); }
 
 }  // namespace plinth::meta
