@@ -131,6 +131,81 @@ TEST(Builder, ThatFailsWhileCreatingLeavesNothingBehind) {
   EXPECT_TRUE(crossing.create());
 }
 
+TEST(Orchestrator, MakesEachElementOnceWithAllItContainsWhicheverBuilderIsAskedFirst) {
+  using sample::expr::NumericConstant;
+  using sample::expr::NumericOperation;
+  for (int first : {0, 1, 2}) {  // the root, a leaf, what lies between
+    for (bool const keep : {true, false}) {
+      auto const model = plinth::Model::create();
+      auto sum = std::make_unique<NumericOperation::Builder>();
+      auto leaf = std::make_unique<NumericConstant::Builder>();
+      plinth::ModelElementBuilder* const asked[] = {nullptr, leaf.get(), sum.get()};
+      sum->addOperands(std::move(leaf)).addOperands(std::make_unique<NumericConstant::Builder>());
+      NumericOperation::Builder builder(model);
+      builder.addOperands(std::move(sum)).addOperands(std::make_unique<NumericConstant::Builder>());
+      plinth::ModelElement made;
+      {
+        plinth::Orchestrator orchestrator(&builder);
+        if (first != 0) {
+          orchestrator.addBuilder(asked[first]);
+          asked[first]->create();
+        }
+        made = builder.create();
+        EXPECT_EQ(builder.create(), made);
+        EXPECT_EQ(orchestrator.getCreatedElement(asked[2])->container(), made);
+        EXPECT_EQ(orchestrator.getCreatedElement(asked[1])->container(), orchestrator.getCreatedElement(asked[2]));
+        auto const& operands = *plinth::element_cast<NumericOperation>(made)->getOperands();
+        EXPECT_EQ(operands.size(), 2U);
+        EXPECT_EQ(operands.getAllValuesAndProxies()[0], orchestrator.getCreatedElement(asked[2]));
+        EXPECT_EQ(model->elementCount(), 5U);
+        EXPECT_EQ(keep ? orchestrator.commit() : made, made);
+        EXPECT_EQ(builder.create(), made);
+      }
+      EXPECT_EQ(static_cast<bool>(made), keep);
+      EXPECT_EQ(model->elementCount(), keep ? 5U : 0U);
+      EXPECT_TRUE(isSound(model));
+      EXPECT_NE(builder.create(), made) << "of the next run";
+    }
+  }
+}
+
+TEST(Orchestrator, LeavesNothingOfWhatFailsAndLetsGoOfBuildersThatEnd) {
+  EXPECT_EQ(raised([] {
+              ConfigEntry::Builder bare;
+              plinth::Orchestrator const orchestrator(&bare);
+            }),
+            "CannotCreateWithoutModel");
+  SampleModel s;
+  Snapshot const before(s.model);
+  ConfigProfile::Builder twice(s.model);
+  twice.addValues(entryBuilder(u"k")).addValues(entryBuilder(u"k"));
+  {
+    plinth::Orchestrator orchestrator(&twice);
+    EXPECT_EQ(raised([&] { twice.create(); }), "UniquenessConstraint");
+    EXPECT_FALSE(orchestrator.commit()) << "what was caught has left nothing to keep";
+  }
+  EXPECT_TRUE(before.isBack());
+
+  ConfigEntry::Builder entry(s.model);
+  entry.setData(std::make_unique<DoubleParamData::Builder>());
+  auto other = entryBuilder(u"other");
+  {
+    plinth::Orchestrator orchestrator(&entry);
+    orchestrator.addBuilder(other.get());
+    ConfigEntry const made = plinth::element_cast<ConfigEntry>(entry.create());
+    EXPECT_TRUE(other->create());
+    entry.setData(std::make_unique<DoubleParamData::Builder>());  // ends the first child's builder
+    {
+      plinth::Orchestrator inner(&entry);
+      EXPECT_TRUE(orchestrator.getCreatedElement(&entry).isEmpty());
+      EXPECT_NE(entry.create(), made);
+    }
+    other.reset();
+    EXPECT_TRUE(made && made->hasData());
+  }
+  EXPECT_TRUE(before.isBack());
+}
+
 TEST(Builder, ReplacesAndForgetsChildrenBeforeItIsRun) {
   auto const model = plinth::Model::create();
   ConfigEntry::Builder entry(model);
