@@ -56,6 +56,9 @@ class TESSEL_EXPORT ReferenceCollection : public AbstractOwnedCollection {
   virtual void basicCopyValues(ReferenceCollection const* other) = 0;
   virtual bool basicContainsProxyTo(ModelElementImpl& target) = 0;
 
+  /// What the typed operations have before the generic ones, which ignore what is not there: raises
+  /// CannotAddNonExistentObject for a destroyed element. An empty handle passes.
+  static void requireExisting(ModelElement const& element);
   bool fits(ModelElement const& element) const;
   /// Raises CannotAddIncompatibleTypes for an element of a class that doesn't fit.
   void requireFitting(ModelElement const& element) const;
