@@ -38,7 +38,8 @@ class CommandLine {
     m_app.require_subcommand(0, 1);
     m_app.set_version_flag("--version", KCONFIG_VERSION);
     add("check", "look for faults in the tree, the profile and the model", kconfig::runCheck);
-    CLI::App& generate = add("generate", "complete the profile and write files from it", kconfig::runGenerate);
+    CLI::App& generate =
+        add("generate", "complete the profile and write files from it, one at least", kconfig::runGenerate);
     generate.add_option("-o,--output", m_options.configuration, "write the completed configuration here");
     generate.add_option("-H,--header", m_options.header, "write a C header here");
     generate.final_callback([this] {
@@ -94,7 +95,7 @@ class CommandLine {
   }
 
   void addSet() {
-    CLI::App& set = add("set", "change values and print what follows", kconfig::runSet);
+    CLI::App& set = add("set", "change values and print what follows, to write it or to take it back", kconfig::runSet);
     set.add_option("SETTINGS", m_options.settings, "SYMBOL=VALUE, any number of them")->required();
     CLI::Option* dry = set.add_flag("-d,--dry-run", m_options.dryRun, "take all of it back");
     set.add_option("-o,--output", m_options.configuration, "write the completed configuration here")->excludes(dry);

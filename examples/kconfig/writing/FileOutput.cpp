@@ -102,6 +102,9 @@ void Output::replace(Path const& path, struct stat const* former) const {
   }
   std::string temporary = (path.parent_path() / ".tessel-kconfig-XXXXXX").native();
   int const file = mkostemp(temporary.data(), O_CLOEXEC);
+  if (file < 0 && former != nullptr) {
+    throw OutputError(m_name, std::string("the new one can't be made beside it: ") + std::strerror(errno));
+  }
   if (file < 0) {
     fail(errno);
   }
