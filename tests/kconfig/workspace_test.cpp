@@ -141,34 +141,14 @@ class Commands : public testing::Test {
       kconfig::Run made(options);
       code = command(made);
     });
-    errors = testing::internal::GetCapturedStderr();
+    testing::internal::GetCapturedStderr();
     return code;
   }
 
   std::filesystem::path m_folder = std::filesystem::path(testing::TempDir()) / ("kconfig" + std::to_string(getpid()));
   CommandOptions options;
   std::string output;
-  std::string errors;
 };
-
-TEST_F(Commands, EndWithTheCodeThatIsDocumented) {
-  EXPECT_EQ(run(runCheck), exitDone) << errors;
-  EXPECT_THAT(output, HasSubstr("the model is sound"));
-  options.configuration = (m_folder / "none" / "config").string();
-  EXPECT_EQ(run(runGenerate), exitOutputFailed);
-  EXPECT_THAT(errors, HasSubstr("can't write"));
-  options.settings = {"A"};
-  EXPECT_EQ(run(runSet), exitUsage);
-  EXPECT_EQ(errors, "tessel-kconfig: 'A' is not of the form SYMBOL=VALUE\n");
-  options.symbol = "NONE";
-  EXPECT_EQ(run(runShow), exitInputErrors);
-  options.profile = (m_folder / "gone").string();
-  EXPECT_EQ(run(runSummary), exitInputErrors);
-  EXPECT_THAT(errors, HasSubstr("gone: error: the profile can't be read"));
-  options.root = file("Broken", "config A\n\tbool\n\tdepends A\n");
-  EXPECT_EQ(run(runTree), exitInputErrors);
-  EXPECT_THAT(errors, HasSubstr("Broken:3: error: expected 'on' behind 'depends'"));
-}
 
 TEST_F(Commands, TellWhatTheyAreAskedFor) {
   options.settings = {"A=y"};

@@ -86,7 +86,6 @@ static_assert(!std::is_default_constructible_v<MetaPackage>, "nobody but getInst
 struct OlderIncarnation : plinth::meta::AbstractMetaPackage {
   plinth::meta::Package root;
   plinth::meta::Class type;
-  plinth::meta::Property key;
 
   OlderIncarnation() {
     auto& registry = MetaRegistry::getInstance();
@@ -99,9 +98,6 @@ struct OlderIncarnation : plinth::meta::AbstractMetaPackage {
     type = createClass(u"ConfigEntry", "tessel.internal.ext.ConfigEntry", false, uuid.c_str());
     type->setOwningPackage(root);
     registry.registerTypeNames(type, "tessel::internal::ext::ConfigEntry", "tessel.internal.ext.ConfigEntry", "");
-    auto const keyUuid = boost::uuids::to_string(plinth::meta::nameUuid("tessel.internal.ext.ConfigEntry.Key"));
-    key = createProperty(u"Key", plinth::meta::SINGLE, false, keyUuid.c_str());
-    key->setOwningType(type);
     transaction.commit();
     registerRootPackage(root);
   }
@@ -109,10 +105,10 @@ struct OlderIncarnation : plinth::meta::AbstractMetaPackage {
 
 TEST(MetaPackage, ReplacesAnOlderIncarnation) {
   OlderIncarnation const older;
-  EXPECT_TRUE(older.root && older.type && older.key);
+  EXPECT_TRUE(older.root && older.type);
   EXPECT_EQ(rootPackages(), 1);
   EXPECT_NE(ConfigEntry::metaClass(), older.type);
-  EXPECT_FALSE(older.root || older.type || older.key);
+  EXPECT_FALSE(older.root || older.type);
   EXPECT_EQ(older.type->narrowName(), "tessel.internal.ext.ConfigEntry") << "what still refers to it can read it";
   expectWholeMetamodel();
 }
