@@ -164,6 +164,7 @@ TEST(Orchestrator, MakesEachElementOnceWithAllItContainsWhicheverBuilderIsAskedF
 TEST(Orchestrator, LeavesNothingOfWhatFailsAndLetsGoOfBuildersThatEnd) {
   ConfigEntry::Builder bare;
   EXPECT_EQ(raised([&] { plinth::Orchestrator const orchestrator(&bare); }), "CannotCreateWithoutModel");
+  EXPECT_EQ(raised([&] { plinth::Orchestrator const orchestrator(nullptr); }), "CannotAddNonExistentObject");
   SampleModel s;
   Snapshot const before(s.model);
   ConfigProfile::Builder twice(s.model);
@@ -171,6 +172,9 @@ TEST(Orchestrator, LeavesNothingOfWhatFailsAndLetsGoOfBuildersThatEnd) {
   {
     plinth::Orchestrator orchestrator(&twice);
     EXPECT_EQ(raised([&] { twice.create(); }), "UniquenessConstraint");
+    auto inner = s.model.beginTransaction();
+    EXPECT_EQ(raised([&] { orchestrator.commit(); }), "TransactionNotInnermost");
+    inner.commit();
     EXPECT_FALSE(orchestrator.commit()) << "what was caught has left nothing to keep";
   }
   EXPECT_TRUE(before.isBack());

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "plinth/FailurePoint.hpp"
+#include "plinth/Step.hpp"
 #include "plinth/Value.hpp"
 
 namespace plinth {
@@ -16,15 +17,20 @@ struct Orchestrator::Frame {
 
 namespace {
 
-ModelImpl& modelOf(ModelElementBuilder const& builder) {
-  if (builder.model().isEmpty()) reportException(messages::CannotCreateWithoutModel());
-  return *builder.model().impl();
+void requireBuilder(ModelElementBuilder const* builder) {
+  if (builder == nullptr) reportException(messages::CannotAddNonExistentObject());
+}
+
+Transaction beginFor(ModelElementBuilder const* root) {
+  requireBuilder(root);
+  if (root->model().isEmpty()) reportException(messages::CannotCreateWithoutModel());
+  return root->model().impl()->beginTransaction(false);
 }
 
 }  // namespace
 
 Orchestrator::Orchestrator(ModelElementBuilder* root, Builders builders)
-    : m_root(root), m_step(modelOf(*root), Step::WHOLE), m_spendsBuilders(builders == Builders::SPENT) {
+    : m_root(root), m_transaction(beginFor(root)), m_spendsBuilders(builders == Builders::SPENT) {
   addBuilder(root);
 }
 
@@ -33,6 +39,7 @@ Orchestrator::~Orchestrator() {
 }
 
 void Orchestrator::addBuilder(ModelElementBuilder* builder) {
+  requireBuilder(builder);
   if (builder->m_orchestrator == this) return;
   builder->leaveOrchestrator();
   if (m_builders != nullptr) m_builders->m_previous = builder;
@@ -51,7 +58,7 @@ void Orchestrator::remove(ModelElementBuilder& builder) noexcept {
 }
 
 ModelElement Orchestrator::getCreatedElement(ModelElementBuilder const* builder) const {
-  return builder->m_orchestrator == this ? builder->m_created : ModelElement();
+  return builder != nullptr && builder->m_orchestrator == this ? builder->m_created : ModelElement();
 }
 
 ModelElement const& Orchestrator::run(ModelElementBuilder& top, boost::uuids::uuid const& uuid) {
@@ -82,7 +89,7 @@ ModelElement const& Orchestrator::run(ModelElementBuilder& top, boost::uuids::uu
 }
 
 ModelElement Orchestrator::commit() {
-  m_step.commit();
+  m_transaction.commit();
   return m_root->m_created;
 }
 

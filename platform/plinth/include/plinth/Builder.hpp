@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "plinth/Messages.hpp"
-#include "plinth/Step.hpp"
+#include "plinth/Model.hpp"
 #include "plinth/meta/Type.hpp"
 
 namespace plinth {
@@ -21,21 +21,24 @@ class TESSEL_EXPORT Orchestrator {
   /// Whether the builders are read after the run, or end with it: then elements take over what builders hold.
   enum class Builders { KEPT, SPENT };
 
-  /// Raises CannotCreateWithoutModel for a builder that has no model.
+  /// Opens a transaction, which ends with the orchestrator. Raises CannotCreateWithoutModel for a builder that has no
+  /// model, and CannotAddNonExistentObject for none.
   explicit Orchestrator(ModelElementBuilder* root, Builders builders = Builders::KEPT);
   Orchestrator(Orchestrator const&) = delete;
   Orchestrator& operator=(Orchestrator const&) = delete;
   /// Without a commit, what was built is taken back.
   ~Orchestrator();
 
-  /// Takes another builder in, in the root's model; one that another orchestrator has leaves it.
+  /// Takes another builder in, in the root's model; one that another orchestrator has leaves it. Raises
+  /// CannotAddNonExistentObject for none.
   void addBuilder(ModelElementBuilder* builder);
   /// What that builder has made, or an empty handle.
   ModelElement getCreatedElement(ModelElementBuilder const* builder) const;
   /// Makes the root's element and everything below it, unless that has been done. The reference holds as long as the
   /// orchestrator. Raises what the builder's create raises.
   ModelElement const& run(boost::uuids::uuid const& uuid) { return run(*m_root, uuid); }
-  /// Keeps what was built. Gives the root's element; an empty handle where none has been made.
+  /// Keeps what was built. Gives the root's element; an empty handle where none has been made. Raises
+  /// TransactionNotInnermost while an inner transaction is open, TransactionEnded after the first time.
   ModelElement commit();
   bool spendsBuilders() const noexcept { return m_spendsBuilders; }
 
@@ -47,7 +50,7 @@ class TESSEL_EXPORT Orchestrator {
 
   ModelElementBuilder* m_root;
   ModelElementBuilder* m_builders = nullptr;  ///< the one added last; each knows the one before it
-  Step m_step;
+  Transaction m_transaction;
   bool m_spendsBuilders;
 };
 
