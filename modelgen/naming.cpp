@@ -110,6 +110,7 @@ std::string hidingComponent(std::string const& package) {
   return "";
 }
 
+// Also of the standards after C++17, which a user of the generated headers may follow, and the two words of modules.
 bool isReservedWord(std::string const& word) {
   static std::set<std::string> const words{
       "alignas",       "alignof",     "and",         "and_eq",    "asm",       "auto",         "bitand",

@@ -1,18 +1,23 @@
 // tessel-kconfig: reads a Kconfig tree into a model, completes a saved configuration by its rules, shows it and
 // generates files from it.
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <exception>
 #include <iostream>
 
 #include "commands/Commands.hpp"
+#include "language/Nearest.hpp"
 
 namespace {
 
 constexpr char const* exitCodes =
     "Without a command it shows what it does on a small tree of its own.\n"
-    "Exit codes: 0 done; 1 the input has errors, what could be done was done; 2 wrong usage; 3 a file could not be "
-    "written.";
+    "Exit codes: 0 done; 1 the input has errors or a setting has no effect, what could be done was done; 2 wrong "
+    "usage; "
+    "3 a file or standard output could not be written.";
 
 using Command = int (*)(kconfig::Run&);
 
@@ -31,10 +36,17 @@ class CommandLine {
   CommandLine() {
     m_app.footer(exitCodes);
     m_app.require_subcommand(0, 1);
+    m_app.set_version_flag("--version", KCONFIG_VERSION);
     add("check", "look for faults in the tree, the profile and the model", kconfig::runCheck);
-    CLI::App& generate = add("generate", "complete the profile and write files from it", kconfig::runGenerate);
+    CLI::App& generate =
+        add("generate", "complete the profile and write files from it, one at least", kconfig::runGenerate);
     generate.add_option("-o,--output", m_options.configuration, "write the completed configuration here");
     generate.add_option("-H,--header", m_options.header, "write a C header here");
+    generate.final_callback([this] {
+      if (m_options.configuration.empty() && m_options.header.empty()) {
+        throw CLI::RequiredError("--output or --header");
+      }
+    });
     add("summary", "count what is in the tree and tell time and memory", kconfig::runSummary);
     CLI::App& tree = add("tree", "print the menu with its values", kconfig::runTree);
     tree.add_flag("-a,--all", m_options.all, "also what is hidden");
@@ -45,6 +57,9 @@ class CommandLine {
   }
 
   int run(int argc, char** argv) {
+    if (argc > 1 && argv[1][0] != '-' && !isCommand(argv[1])) {
+      return refuse(argv[1]);
+    }
     try {
       m_app.parse(argc, argv);
     } catch (CLI::ParseError const& error) {
@@ -80,7 +95,7 @@ class CommandLine {
   }
 
   void addSet() {
-    CLI::App& set = add("set", "change values and print what follows", kconfig::runSet);
+    CLI::App& set = add("set", "change values and print what follows, to write it or to take it back", kconfig::runSet);
     set.add_option("SETTINGS", m_options.settings, "SYMBOL=VALUE, any number of them")->required();
     CLI::Option* dry = set.add_flag("-d,--dry-run", m_options.dryRun, "take all of it back");
     set.add_option("-o,--output", m_options.configuration, "write the completed configuration here")->excludes(dry);
@@ -91,6 +106,24 @@ class CommandLine {
     });
   }
 
+  bool isCommand(std::string_view name) const {
+    return std::any_of(m_commands.begin(), m_commands.end(),
+                       [name](auto const& each) { return each.first->get_name() == name; });
+  }
+
+  int refuse(std::string const& name) const {
+    kconfig::Nearest nearest(name);
+    std::string all;
+    for (auto const& [app, command] : m_commands) {
+      nearest.consider(app->get_name());
+      all += (all.empty() ? "" : ", ") + app->get_name();
+    }
+    std::string const question = nearest.question();
+    std::cerr << "tessel-kconfig: there is no command '" << name << "'"
+              << (question.empty() ? "; the commands are " + all : question) << '\n';
+    return kconfig::exitUsage;
+  }
+
   CLI::App m_app{"Completes configurations by the rules of a Kconfig tree.", "tessel-kconfig"};
   std::vector<std::pair<CLI::App*, Command>> m_commands;
   kconfig::CommandOptions m_options;
@@ -99,8 +132,14 @@ class CommandLine {
 }  // namespace
 
 int main(int argc, char** argv) {
+  std::cout.exceptions(std::ios::badbit);
   try {
     return CommandLine().run(argc, argv);
+  } catch (std::ios_base::failure const&) {
+    int const reason = errno;
+    std::cout.exceptions(std::ios::goodbit);  // the end of the program flushes once more
+    std::cerr << "tessel-kconfig: can't write to standard output: " << std::strerror(reason) << '\n';
+    return kconfig::exitOutputFailed;
   } catch (std::exception const& error) {
     std::cerr << "tessel-kconfig: " << error.what() << '\n';
     return kconfig::exitInputErrors;

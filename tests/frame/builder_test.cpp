@@ -131,6 +131,69 @@ TEST(Builder, ThatFailsWhileCreatingLeavesNothingBehind) {
   EXPECT_TRUE(crossing.create());
 }
 
+TEST(Orchestrator, MakesEachElementOnceWithAllItContainsWhicheverBuilderIsAskedFirst) {
+  using sample::expr::NumericOperation;
+  for (int way = 0; way < 6; ++way) {
+    auto const model = plinth::Model::create();
+    auto leaf = std::make_unique<NumericOperation::Builder>();
+    auto middle = std::make_unique<NumericOperation::Builder>();
+    NumericOperation::Builder root(model);
+    plinth::ModelElementBuilder* const builders[] = {&root, middle.get(), leaf.get()};
+    middle->addOperands(std::move(leaf));
+    root.addOperands(std::move(middle));
+    plinth::ModelElement made;
+    bool const keep = way >= 3;
+    {
+      plinth::Orchestrator orchestrator(&root);
+      orchestrator.addBuilder(builders[way % 3]);
+      builders[way % 3]->create();
+      made = root.create();
+      auto const of = [&](int i) { return orchestrator.getCreatedElement(builders[i]); };
+      EXPECT_TRUE(of(0) == made && of(1)->container() == made && of(2)->container() == of(1));
+      EXPECT_EQ(plinth::element_cast<NumericOperation>(made)->getOperands()->size(), 1U);
+      EXPECT_EQ(model->elementCount(), 3U);
+      EXPECT_EQ(keep ? orchestrator.commit() : made, root.create());
+    }
+    EXPECT_EQ(static_cast<bool>(made), keep);
+    EXPECT_EQ(model->elementCount(), keep ? 3U : 0U);
+    EXPECT_TRUE(isSound(model));
+    EXPECT_NE(root.create(), made) << "of the next run";
+  }
+}
+
+TEST(Orchestrator, LeavesNothingOfWhatFailsAndLetsGoOfBuildersThatEnd) {
+  ConfigEntry::Builder bare;
+  EXPECT_EQ(raised([&] { plinth::Orchestrator const orchestrator(&bare); }), "CannotCreateWithoutModel");
+  EXPECT_EQ(raised([&] { plinth::Orchestrator const orchestrator(nullptr); }), "CannotAddNonExistentObject");
+  SampleModel s;
+  Snapshot const before(s.model);
+  ConfigProfile::Builder twice(s.model);
+  twice.addValues(entryBuilder(u"k")).addValues(entryBuilder(u"k"));
+  {
+    plinth::Orchestrator orchestrator(&twice);
+    EXPECT_EQ(raised([&] { twice.create(); }), "UniquenessConstraint");
+    auto inner = s.model.beginTransaction();
+    EXPECT_EQ(raised([&] { orchestrator.commit(); }), "TransactionNotInnermost");
+    inner.commit();
+    EXPECT_FALSE(orchestrator.commit()) << "what was caught has left nothing to keep";
+  }
+  EXPECT_TRUE(before.isBack());
+  ConfigEntry::Builder entry(s.model);
+  entry.setData(std::make_unique<DoubleParamData::Builder>());
+  auto other = entryBuilder(u"other");
+  {
+    plinth::Orchestrator orchestrator(&entry);
+    orchestrator.addBuilder(other.get());
+    auto const made = entry.create();
+    entry.setData(std::make_unique<DoubleParamData::Builder>());  // ends the first child's builder
+    plinth::Orchestrator inner(&entry);
+    EXPECT_TRUE(orchestrator.getCreatedElement(&entry).isEmpty());
+    EXPECT_NE(entry.create(), made);
+    other.reset();
+  }
+  EXPECT_TRUE(before.isBack());
+}
+
 TEST(Builder, ReplacesAndForgetsChildrenBeforeItIsRun) {
   auto const model = plinth::Model::create();
   ConfigEntry::Builder entry(model);

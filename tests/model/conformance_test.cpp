@@ -3,6 +3,10 @@
 
 #include "model/specimen.hpp"
 #include "plinth/Census.hpp"
+#include "plinth/collections/ReferenceMap.hpp"
+#include "plinth/collections/ReferenceSequence.hpp"
+#include "plinth/collections/ReferenceSet.hpp"
+#include "plinth/collections/SubsetView.hpp"
 
 using namespace support;  // NOLINT: the vocabulary of these checks
 
@@ -201,6 +205,53 @@ TEST(EveryProperty, RefusesOtherTypesShapesAndOwnersWithNothingChanged) {
     for (PropertyImpl* property : s.properties) {
       if (!property->isDerived()) continue;
       EXPECT_EQ(raised([&] { s.element->setPropertyValue(Property(property), Value()); }), "CannotSetReadOnlyProperty");
+    }
+  });
+}
+
+/// Adds as the typed operations of the collection do.
+void addTyped(plinth::ReferenceCollection& members, ModelElement const& element) {
+  if (auto* const sequence = dynamic_cast<plinth::ReferenceSequence*>(&members)) {
+    sequence->insertElement(0, element);
+  } else if (auto* const set = dynamic_cast<plinth::ReferenceSet*>(&members)) {
+    set->addElement(element);
+  } else if (auto* const map = dynamic_cast<plinth::ReferenceMap*>(&members)) {
+    map->insertElement(element, plinth::CollisionResolution::KEEP);
+  } else {
+    dynamic_cast<plinth::SubsetView&>(members).addElement(element);
+  }
+}
+
+TEST(EveryClass, RefusesDestroyedTargetsAndOnlyItsGenericInterfaceIgnoresThem) {
+  forEveryClass([](Specimen& s) {
+    for (PropertyImpl* property : s.properties) {
+      if (!isElementTyped(*property)) continue;
+      SCOPED_TRACE(plinth::quoted(property->getName()));
+      for (bool const isElsewhere : {false, true}) {
+        Model const home = isElsewhere ? Model::create() : s.model;
+        ModelElement const dead = Specimens(home).builder(*property->type())->create();
+        dead->destroy();
+        Value const value = Value::createElementValue(Property(property), dead);
+        Snapshot const before(s.model);
+        if (property->isMany()) {
+          auto& members = Specimens::membersOf(s.element, *property);
+          members.genericAdd(dead);
+          members.getGenericInterface()->genericEnsureAt(dead, 0);
+          addTyped(members, {});
+          EXPECT_EQ(raised([&] { addTyped(members, dead); }), "CannotAddNonExistentObject");
+        } else {
+          for (auto const* tag : {&ReflectionPrivateTag::PUBLIC_ACCESS, &ReflectionPrivateTag::IN_MEMORY_ONLY}) {
+            EXPECT_EQ(raised([&] { s.element->setPropertyValue(Property(property), value, *tag); }),
+                      "CannotAddNonExistentObject");
+          }
+        }
+        if (!property->isComposite() && !property->isDerived()) {
+          auto const builder = s.metaClass.instantiateBuilder(s.model);
+          builder->setOrAdd(Property(property), value);
+          EXPECT_EQ(raised([&] { builder->create(); }), "CannotAddNonExistentObject");
+        }
+        EXPECT_TRUE(before.isBack());
+      }
     }
   });
 }

@@ -97,6 +97,16 @@ X target(Value const& value) {
   return plinth::element_cast<X>(value.getValue<ModelElement>());
 }
 
+/// Whether X can be created, and has a builder, under its own name; it may inherit neither.
+template <class X, class = void>
+inline constexpr bool isCreatable = false;
+template <class X>
+inline constexpr bool isCreatable<X, std::void_t<decltype(X::create(std::declval<Model const&>()))>> = true;
+template <class X, class = void>
+inline constexpr bool hasBuilder = false;
+template <class X>
+inline constexpr bool hasBuilder<X, std::void_t<typename X::Builder>> = true;
+
 /// The chaining form of the builder operations of X and its bases, also where X is abstract.
 template <class X>
 class Chain final : public X::Impl::template BuilderBase<Chain<X>, typename X::Impl::BuilderImpl> {

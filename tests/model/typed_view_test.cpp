@@ -206,6 +206,21 @@ TEST(TypedBuilder, HandsWhatItIsGivenToTheElement) {
   });
 }
 
+TEST(TypedBuilder, RefusesADestroyedTargetWhicheverWayItIsGiven) {
+  forEveryProperty([](Specimen& s, PropertyImpl& property) {
+    if (!isElementTyped(property) || property.isComposite()) return;
+    for (std::size_t dead = 0; dead < (property.isMany() ? 4 : 1); ++dead) {
+      auto const values = valuesFor(s, property);
+      values[dead].getValue<ModelElement>()->destroy();
+      auto const builder = s.metaClass.instantiateBuilder(s.model);
+      viewOf(property).give(implOf(builder), values);
+      Snapshot const before(s.model);
+      EXPECT_EQ(raised([&] { builder->create(); }), "CannotAddNonExistentObject");
+      EXPECT_TRUE(before.isBack());
+    }
+  });
+}
+
 TEST(TypedBuilder, ChainsTheSameOperations) {
   forEveryProperty([](Specimen& s, PropertyImpl& property) {
     auto const chained = viewOf(property).chain(s.model, valuesFor(s, property), childFor(s, property));

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <tessel_config_datamodel/data/DoubleArrayParamData.hpp>
 #include <tessel_config_datamodel/data/StringParamData.hpp>
 
@@ -42,7 +43,34 @@ TEST(ValueFactory, MakesWhatThePropertyTakes) {
 
   auto const active = property<sample::ext::ConfigStore>(u"ActiveProfile");
   EXPECT_EQ(Value::createElementValue(active, s.night).getValue<plinth::ModelElement>(), s.night);
-  EXPECT_EQ(Value::createElementValue(active, plinth::ModelElement()).meta().type(), active->type());
+  auto const data = property<sample::ext::ConfigEntry>(u"Data");
+  for (Value const& none : {Value::createElementValue(data, sample::data::DoubleParamData()),
+                            Value::createElementValue(data, plinth::ModelElement())}) {
+    EXPECT_EQ(none.meta().type(), data->type());
+    s.volume->setPropertyValue(data, Value::createElementValue(data, DoubleArrayParamData::create(s.model)));
+    s.volume->setPropertyValue(data, none);
+    EXPECT_FALSE(s.volume->hasData()) << "as empty as a handle of the property's own class";
+  }
+}
+
+TEST(Value, ThatWasMovedFromReleasedOrMadeOfAShapeHoldsNoCollection) {
+  SampleModel s;
+  auto const entries = property<sample::ext::ConfigProfile>(u"Values");
+  Value live = s.night->getPropertyValue(entries);
+  Value const moved = std::move(live);
+  EXPECT_EQ(moved, s.night->getPropertyValue(entries));
+  Value released = moved;
+  released.release();
+  Value const shape(moved.meta());
+  for (Value const* const none : std::initializer_list<Value const*>{
+           &live, &released, &shape}) {  // NOLINT: what is left of a moved value is told
+    EXPECT_TRUE(none->isEmpty() && none->meta().isManaged() && !none->meta().isCollection());
+    EXPECT_EQ(none->hash(), 0U);
+    EXPECT_EQ(*none, Value(none->meta()));
+    EXPECT_NE(*none, moved);
+    EXPECT_EQ(raised([&] { none->referenceCollection(); }), "CannotCastIncompatibleTypes");
+  }
+  EXPECT_EQ(live, Value());
 }
 
 TEST(ManyValues, AreReachedAsACollectionAndReadAsAVector) {
@@ -102,15 +130,35 @@ TEST(UnmanagedValue, ComparesAndHashesAsAManagedOneAndIsReleasedByHand) {
             "CannotCastIncompatibleTypes");
 }
 
-TEST(Value, TellsTheShapeWhereTheTypesAgree) {
+TEST(Value, TellsWhatWasGivenAndWhatIsNeeded) {
   auto const length = property<sample::data::DoubleArrayParamData>(u"MaxLength");
-  try {
-    Value::createPrimitiveValue(length, 7U).getValue<unsigned>();
-    ADD_FAILURE() << "was not refused";
-  } catch (std::exception const& refusal) {
-    EXPECT_NE(std::string(refusal.what()).find("(optional) was given where one of type \"UnlimitedNatural\" (single)"),
-              std::string::npos)
-        << refusal.what();
+  auto const real = property<sample::data::DoubleParamData>(u"Value");
+  auto const active = property<sample::ext::ConfigStore>(u"ActiveProfile");
+  Value const optional = Value::createPrimitiveValue(length, 7U);
+  struct Row {
+    std::function<void()> action;
+    char const* given;
+    char const* needed;
+  };
+  for (Row const& row : std::vector<Row>{
+           {[&] { optional.getValue<unsigned>(); }, "UnlimitedNatural\" (optional)", "UnlimitedNatural\" (single)"},
+           {[&] { optional.getValue<boost::optional<double>>(); }, "UnlimitedNatural\" (opt", "Real\" (optional)"},
+           {[&] { Value::createPrimitiveValue(real, 7); }, "Integer\" (single)", "Real\" (single)"},
+           {[&] { Value::make<Text>(ValueMeta(real), u""); }, "String\" (single)", "Real\" (single)"},
+           {[&] { Value::makeUnmanaged(ValueMeta(real), std::make_unique<bool>()); }, "Boolean\" (", "Real\" ("},
+           {[&] { Value::createElementValue(active, sample::ext::ConfigEntry()); }, ".ConfigEntry\"",
+            ".ConfigProfile\""},
+       }) {
+    std::string told;
+    try {
+      row.action();
+    } catch (std::exception const& refusal) {
+      told = refusal.what();
+    }
+    std::size_t const middle = told.find(" was given where one of type ");
+    ASSERT_NE(middle, std::string::npos) << told;
+    EXPECT_LT(told.find(row.given), middle) << told;
+    EXPECT_NE(told.find(row.needed, middle), std::string::npos) << told;
   }
   EXPECT_EQ(ValueMeta(plinth::meta::Property()).type(), nullptr);
 }

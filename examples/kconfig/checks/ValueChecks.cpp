@@ -22,7 +22,7 @@ void checkSelections(MenuTree const& tree, CompiledTree const& compiled, Evaluat
 void checkRanges(MenuTree const& tree, Evaluator const& evaluator, UserValues const& users,
                  std::string_view profileName, Diagnostics& diagnostics) {
   for (SymbolId symbol = 0; symbol < tree.symbols.size(); ++symbol) {
-    if (evaluator[symbol].outOfRange) {
+    if (evaluator[symbol].outOfRange && users[symbol].line != 0) {
       diagnostics.warning(profileName, users[symbol].line,
                           "the value " + std::string(users[symbol].text) + " of '" +
                               std::string(tree.symbols[symbol].name) + "' is out of its range and does not count");

@@ -12,7 +12,7 @@ namespace kconfig {
 void checkSelections(MenuTree const& tree, CompiledTree const& compiled, Evaluator& evaluator,
                      Diagnostics& diagnostics);
 
-// A warning for each value of the profile that lies outside the range of its symbol.
+// A warning for each value that a line of the profile gives and that lies outside the range of its symbol.
 void checkRanges(MenuTree const& tree, Evaluator const& evaluator, UserValues const& users,
                  std::string_view profileName, Diagnostics& diagnostics);
 

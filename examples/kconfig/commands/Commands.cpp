@@ -1,39 +1,38 @@
 #include "commands/Commands.hpp"
 
 #include <chrono>
-#include <cstdio>
-#include <fstream>
 #include <iostream>
 #include <stdexcept>
 
+#include "checks/SettingChecks.hpp"
 #include "loading/Vocabulary.hpp"
+#include "writing/FileOutput.hpp"
 #include "writing/Productions.hpp"
 
 namespace kconfig {
 
 namespace {
 
-// The old file stays as it is until the new one is complete.
-bool writeFile(std::string const& name, std::string const& text) {
-  std::string const temporary = name + ".new";
-  std::ofstream file(temporary, std::ios::binary | std::ios::trunc);
-  file << text;
-  file.close();
-  if (!file || std::rename(temporary.c_str(), name.c_str()) != 0) {
-    std::perror(("can't write " + name).c_str());
-    std::remove(temporary.c_str());
+// Writes a production that has a file to go to; tells what went wrong.
+bool writeProduction(runtime::ConfigurationState const& state, std::u16string_view production,
+                     std::string const& file) {
+  try {
+    if (!file.empty()) {
+      writeFile(file, scriptOf(state, production));
+    }
+    return true;
+  } catch (OutputError const& error) {
+    std::cerr << "tessel-kconfig: " << error.what() << '\n';
     return false;
   }
-  return true;
 }
 
 // Makes the productions and writes those that have a file to go to.
 bool writeProductions(Workspace& workspace, CommandOptions const& options) {
   workspace.produce();
   runtime::ConfigurationState const& state = workspace.states().root;
-  bool const written =
-      options.configuration.empty() || writeFile(options.configuration, scriptOf(state, key::configuration));
-  return (options.header.empty() || writeFile(options.header, scriptOf(state, key::header))) && written;
+  bool const written = writeProduction(state, key::configuration, options.configuration);
+  return writeProduction(state, key::header, options.header) && written;
 }
 
 }  // namespace
@@ -88,7 +87,7 @@ int runShow(Run& run) {
   }
   SymbolId const symbol = workspace.tree().symbols.find(name);
   if (symbol == noSymbol || !workspace.definitions().params[symbol]) {
-    workspace.diagnostics().error(run.options().root, 0, "there is no symbol '" + name + "'");
+    workspace.diagnostics().error(run.options().root, 0, unknownSymbol(workspace.tree().symbols, name));
     return run.report();
   }
   printSymbol(workspace, symbol);
@@ -105,7 +104,7 @@ int runDiff(Run& run) {
 
 int runSet(Run& run) {
   Workspace& workspace = run.workspace();
-  std::vector<Workspace::Setting> settings;
+  std::vector<Setting> settings;
   try {
     for (std::string const& text : run.options().settings) {
       settings.push_back(settingFrom(workspace, text));
@@ -118,8 +117,8 @@ int runSet(Run& run) {
   bool written = true;
   auto const start = std::chrono::steady_clock::now();
   workspace.tryOut(run.profile(), settings, !run.options().dryRun, [&] {
-    printDifferences(workspace, before, workspace.writer().shown());
     written = run.options().dryRun || writeProductions(workspace, run.options());
+    printDifferences(workspace, before, workspace.writer().shown());
   });
   std::chrono::duration<double, std::milli> const took = std::chrono::steady_clock::now() - start;
   int result = run.report();
@@ -133,12 +132,12 @@ int runSet(Run& run) {
   return written ? result : exitOutputFailed;
 }
 
-Workspace::Setting settingFrom(Workspace const& workspace, std::string const& text) {
+Setting settingFrom(Workspace const& workspace, std::string const& text) {
   std::size_t const sign = text.find('=');
   if (sign == std::string::npos || sign == 0) {
     throw std::invalid_argument("'" + text + "' is not of the form SYMBOL=VALUE");
   }
-  Workspace::Setting setting{text.substr(0, sign), text.substr(sign + 1)};
+  Setting setting{text.substr(0, sign), text.substr(sign + 1)};
   if (setting.symbol.compare(0, workspace.prefix().size(), workspace.prefix()) == 0) {
     setting.symbol.erase(0, workspace.prefix().size());
   }

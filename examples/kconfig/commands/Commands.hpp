@@ -11,9 +11,9 @@ namespace kconfig {
 
 enum ExitCode : int {
   exitDone = 0,
-  exitInputErrors = 1,  // something was wrong with the input; the rest was done
+  exitInputErrors = 1,  // something was wrong with the input, or a setting has no effect; the rest was done
   exitUsage = 2,        // the command line makes no sense
-  exitOutputFailed = 3  // a file could not be written
+  exitOutputFailed = 3  // a file or standard output could not be written
 };
 
 struct CommandOptions {
@@ -70,6 +70,6 @@ void printDifferences(Workspace const& workspace, ShownValues const& before, Sho
 // What verify finds, a line each; true if that is nothing.
 bool printFindings(Workspace const& workspace);
 // Puts NAME=VALUE into the form of a profile, strings into quotes. Raises std::invalid_argument without a "=".
-Workspace::Setting settingFrom(Workspace const& workspace, std::string const& text);
+Setting settingFrom(Workspace const& workspace, std::string const& text);
 
 }  // namespace kconfig

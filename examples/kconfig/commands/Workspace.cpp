@@ -148,18 +148,10 @@ void Workspace::tryOut(ext::ConfigProfile const& base, std::vector<Setting> cons
   ShownValues before = m_writer.shown();
   plinth::Transaction transaction = m_model.beginTransaction();
   UserValues users = readProfileValues(base, m_definitions, m_compiled);
-  for (Setting const& setting : settings) {
-    // Each setting by itself: that it replaces a value is what it is for.
-    UserValues own(m_definitions.tree, m_compiled);
-    ProfileLine line;
-    line.name = setting.symbol;
-    line.value = setting.value;
-    line.set = true;
-    applyProfile({line}, name, m_definitions.tree.symbols, own, m_diagnostics);
-    users.takeOver(own);
-  }
+  takeSettings(settings, name, m_definitions.tree, m_compiled, users, m_diagnostics);
   ext::ConfigProfile const trial = storeProfile(m_store, name, m_definitions, users);
   apply(trial);
+  checkSettings(settings, name, m_definitions.tree, m_compiled, m_evaluator, m_diagnostics);
   look();
   if (keep) {
     transaction.commit();

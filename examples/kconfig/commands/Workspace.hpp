@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "checks/SettingChecks.hpp"
 #include "commands/Progress.hpp"
 #include "evaluation/Evaluator.hpp"
 #include "language/Diagnostics.hpp"
@@ -20,12 +21,6 @@ namespace kconfig {
 
 class Workspace {
  public:
-  // A symbol and the value to give it, as a profile would write it.
-  struct Setting {
-    std::string symbol;
-    std::string value;
-  };
-
   // Reads the tree whose first file is root, writes it to a new model and works out all values without a profile. What
   // is wrong with the tree goes to diagnostics().
   Workspace(std::string const& root, Surroundings const& surroundings, Progress& progress);
@@ -39,7 +34,7 @@ class Workspace {
   // Makes the profile the active one, works out all values and writes them to the state, in one transaction.
   void apply(ext::ConfigProfile const& profile);
   // Adds settings to what a profile asks for and applies that as a new profile, calls look, and, unless keep, takes all
-  // of it back. Settings that make no sense go to diagnostics().
+  // of it back. An error in diagnostics() tells of each setting that doesn't come to what it asks for, and why.
   void tryOut(ext::ConfigProfile const& base, std::vector<Setting> const& settings, bool keep,
               std::function<void()> const& look);
   // Writes the productions, whose scripts are the files.

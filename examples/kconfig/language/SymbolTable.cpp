@@ -28,6 +28,11 @@ SymbolId SymbolTable::find(std::string_view name) const {
   return noSymbol;
 }
 
+SymbolId SymbolTable::findDefined(std::string_view name) const {
+  SymbolId const found = find(name);
+  return found != noSymbol && m_symbols[found].defined ? found : noSymbol;
+}
+
 SymbolId SymbolTable::lookUp(Index& index, std::string_view name, SymbolKind kind) {
   auto const found = index.find(name);
   if (found != index.end()) {

@@ -43,6 +43,8 @@ class SymbolTable {
 
   // The plain symbol, else the choice, of that name, else noSymbol. O(1).
   SymbolId find(std::string_view name) const;
+  // The same where some entry declares it, else noSymbol. O(1).
+  SymbolId findDefined(std::string_view name) const;
 
   Symbol& operator[](SymbolId id) { return m_symbols[id]; }
   Symbol const& operator[](SymbolId id) const { return m_symbols[id]; }

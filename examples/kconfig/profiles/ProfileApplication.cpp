@@ -28,16 +28,19 @@ std::string complaintAbout(Assignment result, ProfileLine const& line, Symbol co
 
 }  // namespace
 
+std::string assignLine(ProfileLine const& line, SymbolTable const& symbols, UserValues& users) {
+  SymbolId const symbol = symbols.findDefined(line.name);
+  if (symbol == noSymbol) {
+    return "there is no symbol '" + std::string(line.name) + "'";
+  }
+  Assignment const result = line.set ? users.assign(symbol, line.value, line.line) : users.unset(symbol, line.line);
+  return complaintAbout(result, line, symbols[symbol]);
+}
+
 void applyProfile(std::vector<ProfileLine> const& lines, std::string_view fileName, SymbolTable const& symbols,
                   UserValues& users, Diagnostics& diagnostics) {
   for (ProfileLine const& line : lines) {
-    SymbolId const symbol = symbols.find(line.name);
-    if (symbol == noSymbol || isTristateConstant(symbol) || !symbols[symbol].defined) {
-      diagnostics.warning(fileName, line.line, "there is no symbol '" + std::string(line.name) + "'");
-      continue;
-    }
-    Assignment const result = line.set ? users.assign(symbol, line.value, line.line) : users.unset(symbol, line.line);
-    std::string complaint = complaintAbout(result, line, symbols[symbol]);
+    std::string complaint = assignLine(line, symbols, users);
     if (!complaint.empty()) {
       diagnostics.warning(fileName, line.line, std::move(complaint));
     }

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "plinth/FailurePoint.hpp"
+#include "plinth/Step.hpp"
 #include "plinth/Value.hpp"
 
 namespace plinth {
@@ -14,41 +15,63 @@ struct Orchestrator::Frame {
   std::size_t next;
 };
 
+namespace {
+
+void requireBuilder(ModelElementBuilder const* builder) {
+  if (builder == nullptr) reportException(messages::CannotAddNonExistentObject());
+}
+
+Transaction beginFor(ModelElementBuilder const* root) {
+  requireBuilder(root);
+  if (root->model().isEmpty()) reportException(messages::CannotCreateWithoutModel());
+  return root->model().impl()->beginTransaction(false);
+}
+
+}  // namespace
+
 Orchestrator::Orchestrator(ModelElementBuilder* root, Builders builders)
-    : m_root(root), m_step(*root->model().impl(), Step::WHOLE), m_spendsBuilders(builders == Builders::SPENT) {
+    : m_root(root), m_transaction(beginFor(root)), m_spendsBuilders(builders == Builders::SPENT) {
   addBuilder(root);
 }
 
 Orchestrator::~Orchestrator() {
-  while (m_builders != nullptr) {
-    ModelElementBuilder* const builder = std::exchange(m_builders, m_builders->m_next);
-    builder->m_next = nullptr;
-    builder->m_orchestrator = nullptr;
-    builder->m_created = ModelElement();
-  }
+  while (m_builders != nullptr) remove(*m_builders);
 }
 
 void Orchestrator::addBuilder(ModelElementBuilder* builder) {
+  requireBuilder(builder);
   if (builder->m_orchestrator == this) return;
+  builder->leaveOrchestrator();
+  if (m_builders != nullptr) m_builders->m_previous = builder;
   builder->m_next = std::exchange(m_builders, builder);
   builder->m_orchestrator = this;
   if (builder->m_model != m_root->m_model) builder->m_model = m_root->m_model;
 }
 
-ModelElement Orchestrator::getCreatedElement(ModelElementBuilder const* builder) const {
-  return builder->m_orchestrator == this ? builder->m_created : ModelElement();
+void Orchestrator::remove(ModelElementBuilder& builder) noexcept {
+  ModelElementBuilder* const next = std::exchange(builder.m_next, nullptr);
+  ModelElementBuilder* const previous = std::exchange(builder.m_previous, nullptr);
+  if (next != nullptr) next->m_previous = previous;
+  (previous != nullptr ? previous->m_next : m_builders) = next;
+  builder.m_orchestrator = nullptr;
+  builder.m_created = ModelElement();
 }
 
-ModelElement const& Orchestrator::run(boost::uuids::uuid const& uuid) {
+ModelElement Orchestrator::getCreatedElement(ModelElementBuilder const* builder) const {
+  return builder != nullptr && builder->m_orchestrator == this ? builder->m_created : ModelElement();
+}
+
+ModelElement const& Orchestrator::run(ModelElementBuilder& top, boost::uuids::uuid const& uuid) {
   boost::container::small_vector<Frame, 8> frames;
   CascadeSteps steps;
   auto const enter = [&](ModelElementBuilder* builder, boost::uuids::uuid const& childUuid) {
     addBuilder(builder);
+    bool const isMade = static_cast<bool>(builder->m_created);  // with its children, or they are being made
     ModelElement const& element = builder->make(childUuid);
     frames.emplace_back(builder, steps.size());
-    builder->cascadeCreation(*element, steps);
+    if (!isMade) builder->cascadeCreation(*element, steps);
   };
-  enter(m_root, uuid);
+  enter(&top, uuid);
   while (true) {
     Frame const& frame = frames.back();
     if (frame.next < steps.size()) {
@@ -66,18 +89,24 @@ ModelElement const& Orchestrator::run(boost::uuids::uuid const& uuid) {
 }
 
 ModelElement Orchestrator::commit() {
-  m_step.commit();
-  return std::move(m_root->m_created);
+  m_transaction.commit();
+  return m_root->m_created;
 }
 
-ModelElementBuilder::~ModelElementBuilder() = default;
+ModelElementBuilder::~ModelElementBuilder() { leaveOrchestrator(); }
 
 ModelElement ModelElementBuilder::create(boost::uuids::uuid const& uuid) {
-  if (m_orchestrator != nullptr) return make(uuid);
-  if (m_model.isEmpty()) reportException(messages::CannotCreateWithoutModel());
-  Orchestrator orchestrator(this);
-  orchestrator.run(uuid);
-  return orchestrator.commit();
+  if (m_orchestrator == nullptr) {
+    Orchestrator orchestrator(this);
+    orchestrator.run(uuid);
+    return orchestrator.commit();
+  }
+  if (m_created) return m_created;
+  // What fails half-way leaves nothing behind, whatever becomes of the rest.
+  Step step(*m_model.impl(), Step::WHOLE);
+  ModelElement const& made = m_orchestrator->run(*this, uuid);
+  step.commit();
+  return made;
 }
 
 ModelElement const& ModelElementBuilder::make(boost::uuids::uuid const& uuid) {
@@ -120,6 +149,7 @@ namespace {
 
 void takeDown(std::unique_ptr<ModelElementBuilder> builder) noexcept {
   if (builder == nullptr) return;
+  builder->leaveOrchestrator();
   // The destructor of a builder hands its children in here again: they wait in the list of the outermost call.
   builder->m_next = waiting;
   waiting = builder.release();

@@ -205,11 +205,11 @@ void ModelElementImpl::copyStateFromStorage(Storage* storage) {
 
 void ModelElementImpl::checkCompatibleModel(ModelElementImpl* target, meta::PropertyImpl const& property) const {
   if (target == nullptr) return;
+  if ((target->m_state & DESTROYED) != 0) reportException(messages::CannotAddNonExistentObject());
   if (target->m_model != m_model) reportException(messages::CannotCreateCrossModelAssociation());
   if (target->isProxy() && property.isComposite() && !m_model->proxyId(*target)->isLocal()) {
     reportException(messages::CannotCreateCrossModelAssociation());
   }
-  if ((target->m_state & DESTROYED) != 0) reportException(messages::CannotAddNonExistentObject());
   if (property.isComposite() && liesIn(*target)) reportException(messages::CannotContainAncestor());
 }
 

@@ -31,6 +31,10 @@ bool ReferenceCollection::fits(ModelElement const& element) const {
   return element && element->getMetaClass()->conformsTo(*getCollectionType().impl());
 }
 
+void ReferenceCollection::requireExisting(ModelElement const& element) {
+  if (!element.isEmpty() && !element) reportException(messages::CannotAddNonExistentObject());
+}
+
 void ReferenceCollection::requireFitting(ModelElement const& element) const {
   if (fits(element)) return;
   reportException(messages::CannotAddIncompatibleTypes(getCollectionType()->getQualifiedName(),

@@ -54,6 +54,7 @@ Value::Value(Value&& other) noexcept
     m_content = m_inPlace;
   }
   other.m_content = nullptr;
+  other.m_meta = ValueMeta();
 }
 
 Value& Value::operator=(Value other) noexcept {
@@ -75,6 +76,7 @@ void Value::release() noexcept {
   if (!m_meta.isManaged() && m_functions != nullptr && m_content != nullptr) m_functions->deleter(m_content);
   reset();
   m_content = nullptr;
+  m_meta.forgetCollection();
 }
 
 Value::Value(ValueMeta const& meta, AbstractOwnedCollection& collection) noexcept

@@ -16,6 +16,7 @@ void SubsetView::forEachReal(std::function<void(ModelElementImpl&)> const& visit
 }
 
 void SubsetView::addElement(ModelElement const& element) {
+  requireExisting(element);
   if (m_filter && !element.isEmpty() && !m_filter(element)) {
     reportException(messages::CannotAddIncompatibleObjectSubset());
   }

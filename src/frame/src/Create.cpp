@@ -1,6 +1,7 @@
 #include "tessel_config_datamodel/frame/Create.hpp"
 
 #include "plinth/Messages.hpp"
+#include "plinth/Step.hpp"
 
 namespace tessel::frame {
 namespace {

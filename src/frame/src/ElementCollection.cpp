@@ -143,7 +143,10 @@ void ElementCollectionKind::link(Element& element, ElementBuilder& builder, Row 
   if (targets.empty()) return;
   ReferenceCollection& collection = require(element, row);
   reserve(collection, targets.size());
-  for (ModelElement const& target : targets) collection.genericAdd(target);
+  for (ModelElement const& target : targets) {
+    ReferenceCollection::requireExisting(target);
+    collection.genericAdd(target);
+  }
 }
 
 void ElementCollectionKind::cascade(Element& element, ElementBuilder& builder, Row const& row,

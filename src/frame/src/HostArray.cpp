@@ -1,6 +1,7 @@
 #include "tessel_config_datamodel/frame/HostArray.hpp"
 
 #include "plinth/FailurePoint.hpp"
+#include "plinth/Step.hpp"
 
 namespace tessel::frame {
 

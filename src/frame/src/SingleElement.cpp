@@ -1,5 +1,7 @@
 #include "tessel_config_datamodel/frame/SingleElement.hpp"
 
+#include "plinth/Step.hpp"
+
 namespace tessel::frame {
 
 using plinth::ModelElement;

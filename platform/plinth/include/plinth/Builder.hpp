@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "plinth/Messages.hpp"
-#include "plinth/Step.hpp"
+#include "plinth/Model.hpp"
 #include "plinth/meta/Type.hpp"
 
 namespace plinth {
@@ -21,26 +21,36 @@ class TESSEL_EXPORT Orchestrator {
   /// Whether the builders are read after the run, or end with it: then elements take over what builders hold.
   enum class Builders { KEPT, SPENT };
 
+  /// Opens a transaction, which ends with the orchestrator. Raises CannotCreateWithoutModel for a builder that has no
+  /// model, and CannotAddNonExistentObject for none.
   explicit Orchestrator(ModelElementBuilder* root, Builders builders = Builders::KEPT);
   Orchestrator(Orchestrator const&) = delete;
   Orchestrator& operator=(Orchestrator const&) = delete;
   /// Without a commit, what was built is taken back.
   ~Orchestrator();
 
+  /// Takes another builder in, in the root's model; one that another orchestrator has leaves it. Raises
+  /// CannotAddNonExistentObject for none.
   void addBuilder(ModelElementBuilder* builder);
   /// What that builder has made, or an empty handle.
   ModelElement getCreatedElement(ModelElementBuilder const* builder) const;
-  /// Makes the root's element and everything below it. The reference holds until the commit.
-  ModelElement const& run(boost::uuids::uuid const& uuid);
-  /// Gives the root's element.
+  /// Makes the root's element and everything below it, unless that has been done. The reference holds as long as the
+  /// orchestrator. Raises what the builder's create raises.
+  ModelElement const& run(boost::uuids::uuid const& uuid) { return run(*m_root, uuid); }
+  /// Keeps what was built. Gives the root's element; an empty handle where none has been made. Raises
+  /// TransactionNotInnermost while an inner transaction is open, TransactionEnded after the first time.
   ModelElement commit();
   bool spendsBuilders() const noexcept { return m_spendsBuilders; }
 
  private:
+  friend class ModelElementBuilder;
   struct Frame;
+  ModelElement const& run(ModelElementBuilder& top, boost::uuids::uuid const& uuid);
+  void remove(ModelElementBuilder& builder) noexcept;
+
   ModelElementBuilder* m_root;
   ModelElementBuilder* m_builders = nullptr;  ///< the one added last; each knows the one before it
-  Step m_step;
+  Transaction m_transaction;
   bool m_spendsBuilders;
 };
 
@@ -63,7 +73,8 @@ class TESSEL_EXPORT ModelElementBuilder {
 
   /// Makes the element and, from child builders, all it contains, in one transaction. A nil UUID asks for a new one.
   /// Raises CannotCreateWithoutModel, and whatever the setters and collections raise; then nothing was made. Linear in
-  /// the tree.
+  /// the tree. Under an orchestrator the tree is part of what that one builds, and a second call gives the same
+  /// element.
   ModelElement create(boost::uuids::uuid const& uuid = {});
   void setModel(Model const& model) { m_model = model; }
   Model const& model() const noexcept { return m_model; }
@@ -99,13 +110,17 @@ class TESSEL_EXPORT ModelElementBuilder {
   friend class ModelImpl;
   friend TESSEL_EXPORT void takeDown(std::unique_ptr<ModelElementBuilder> builder) noexcept;
 
-  /// What it has made, or makes now.
+  /// What it has made, or makes now, without its children.
   ModelElement const& make(boost::uuids::uuid const& uuid);
+  void leaveOrchestrator() noexcept {
+    if (m_orchestrator != nullptr) m_orchestrator->remove(*this);
+  }
 
   Model m_model;
   Orchestrator* m_orchestrator = nullptr;
-  ModelElementBuilder* m_next = nullptr;  ///< in the list of m_orchestrator, or of those that wait for their end
-  ModelElement m_created;                 ///< what it made under m_orchestrator
+  ModelElementBuilder* m_next = nullptr;      ///< in the list of m_orchestrator, or of those that wait for their end
+  ModelElementBuilder* m_previous = nullptr;  ///< in the list of m_orchestrator
+  ModelElement m_created;                     ///< what it made under m_orchestrator
   std::uint64_t m_setMask = 0;
   unsigned long m_bits;
 };

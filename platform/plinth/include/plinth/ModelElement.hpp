@@ -5,6 +5,7 @@
 
 #include <boost/intrusive/unordered_set_hook.hpp>
 #include <boost/optional.hpp>
+#include <type_traits>
 #include <vector>
 
 #include "plinth/Handle.hpp"
@@ -236,8 +237,9 @@ inline ModelElement ModelElementImpl::This() const noexcept {
   return ModelElement(const_cast<ModelElementImpl*>(this));
 }
 
-/// `element` as a handle of class T when it is of that class or below it, otherwise an empty handle.
-template <class T>
+/// `element` as a handle of class T when it is of that class or below it, otherwise an empty handle. T is an element's
+/// handle, of the metamodel too; a model's is none.
+template <class T, class = std::enable_if_t<std::is_base_of_v<ModelElement, T>>>
 T element_cast(ModelElement const& element);
 
 }  // namespace plinth

@@ -47,6 +47,9 @@ class TESSEL_EXPORT ReferenceCollection : public AbstractOwnedCollection {
   /// Puts `proxy` where the collection holds `element`.
   virtual void convertToProxy(ModelElementImpl& element, ModelElement const& proxy) = 0;
 
+  /// What the typed operations have before the generic ones, which ignore what is not there: raises
+  /// CannotAddNonExistentObject for a destroyed element. An empty handle passes.
+  static void requireExisting(ModelElement const& element);
   bool fits(ModelElement const& element) const;
   /// Raises CannotAddIncompatibleTypes for an element of a class that doesn't fit.
   void requireFitting(ModelElement const& element) const;

@@ -55,6 +55,11 @@ class ValueMeta {
 
  private:
   friend class Value;
+  void forgetCollection() noexcept {
+    if (!m_collection) return;
+    m_collection = false;
+    m_managed = true;
+  }
   meta::TypeImpl* m_type = nullptr;
   meta::ValueFlags m_flags = meta::SINGLE;
   bool m_optionalEmpty = false;
@@ -70,12 +75,13 @@ class TESSEL_EXPORT Value {
  public:
   /// A value of no type.
   Value() noexcept = default;
-  /// A value of that type and shape with no content.
-  explicit Value(ValueMeta const& meta) noexcept : m_meta(meta) {}
+  /// A value of that type and shape with no content, and so no collection either.
+  explicit Value(ValueMeta const& meta) noexcept : m_meta(meta) { m_meta.forgetCollection(); }
   /// A value that points at a collection.
   Value(ValueMeta const& meta, AbstractOwnedCollection& collection) noexcept;
 
   Value(Value const& other);
+  /// Leaves `other` a value of no type.
   Value(Value&& other) noexcept;
   Value& operator=(Value other) noexcept;
   ~Value() { reset(); }
@@ -95,12 +101,9 @@ class TESSEL_EXPORT Value {
   template <class T>
   static Value createPrimitiveValue(meta::Property const& property, T const& content);
   /// A value for that property with a counted handle; its type is the element's class, or the property's for an empty
-  /// handle. Raises CannotCastIncompatibleTypes and NoSuchProperty.
+  /// or dead handle, which may be of a subclass. Raises CannotCastIncompatibleTypes and NoSuchProperty.
   template <class T>
-  static Value createElementValue(meta::Property const& property, T const& element) {
-    ValueMeta const meta = metaOf(property);
-    return make<T>(ValueMeta(element ? element->getMetaClass().impl() : meta.type(), meta::SINGLE), element);
-  }
+  static Value createElementValue(meta::Property const& property, T const& element);
 
   ValueMeta const& meta() const noexcept { return m_meta; }
   bool isEmpty() const noexcept { return m_content == nullptr; }
@@ -166,6 +169,9 @@ class TESSEL_EXPORT Value {
   static Functions const& functionsOf() noexcept;
   /// Raises NoSuchProperty for an empty handle.
   static ValueMeta metaOf(meta::Property const& property);
+  /// Raises CannotCastIncompatibleTypes unless a content T can be given where `meta` is needed.
+  template <class T>
+  static void requireFitting(ValueMeta const& meta);
   void reset() noexcept;
   AbstractOwnedCollection& requireCollection(bool ofElements) const;
   /// The container of a collection of values. Raises CannotCastIncompatibleTypes unless it is of that type.
@@ -236,19 +242,32 @@ Value::Functions const& Value::functionsOf() noexcept {
 }
 
 template <class T>
+void Value::requireFitting(ValueMeta const& meta) {
+  if (!ValueTraits<T>::accepts(meta)) Value(ValueTraits<T>::expected()).reportIncompatible(meta);
+}
+
+template <class T>
 Value Value::make(ValueMeta const& meta, T content) {
-  if (!ValueTraits<T>::accepts(meta)) Value(meta).reportIncompatible(ValueTraits<T>::expected());
+  requireFitting<T>(meta);
   return makeUnchecked<T>(meta, std::move(content));
 }
 
 template <class T>
 Value Value::makeUnmanaged(ValueMeta const& meta, std::unique_ptr<T> content) {
+  requireFitting<T>(meta);
   Value value(meta);
-  value.checkCompatible<T>();
   value.m_meta.setUnmanaged();
   value.m_content = content.release();
   value.m_functions = &functionsOf<T>();
   return value;
+}
+
+template <class T>
+Value Value::createElementValue(meta::Property const& property, T const& element) {
+  ValueMeta const meta = metaOf(property);
+  if (element) return make<T>(ValueMeta(element->getMetaClass().impl(), meta::SINGLE), element);
+  ValueMeta const absent(meta.type(), meta::SINGLE);
+  return T::metaClass()->conformsTo(*meta.type()) ? makeUnchecked<T>(absent, element) : make<T>(absent, element);
 }
 
 template <class T>

@@ -14,9 +14,7 @@ MetaElementImpl::MetaElementImpl(Model const& model, boost::uuids::uuid const& u
 
 MetaElementImpl::~MetaElementImpl() { detail::LiveObjects::removeMetaElement(); }
 
-Class const& MetaElementImpl::getMetaClass() const {
-  return MetaRegistry::coreClass(static_cast<std::size_t>(m_coreClass));
-}
+Class const& MetaElementImpl::getMetaClass() const { return MetaRegistry::coreClass(m_coreClass); }
 
 Changes* MetaElementImpl::createChanges() const {
   return new (recordPool()) Storage(getUuid(), model(), *getMetaClass().impl(), 0);

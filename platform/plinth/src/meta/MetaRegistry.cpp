@@ -9,11 +9,31 @@
 namespace plinth::meta {
 namespace {
 
-// In the order of MetaElementImpl::CoreClass, behind the two of the foundation's elements.
-constexpr std::array<char const*, 10> CORE_CLASSES{
-    "plinth.ModelElement",  "plinth.Model",         "plinth.meta.Package",     "plinth.meta.Class",
-    "plinth.meta.DataType", "plinth.meta.Enum",     "plinth.meta.EnumLiteral", "plinth.meta.PrimitiveType",
-    "plinth.meta.Property", "plinth.meta.Operation"};
+struct CoreRow {
+  char const* name;
+  std::size_t superclass;  // its place in the table; the root names itself
+  bool isAbstract;
+};
+
+constexpr std::size_t placeOf(CoreClass which) { return 2 + static_cast<std::size_t>(which); }
+constexpr std::size_t ROOT = 0;
+
+// In the order of CoreClass, behind the two of the foundation's elements.
+constexpr std::array<CoreRow, 13> CORE_CLASSES{{
+    {"plinth.ModelElement", ROOT, true},
+    {"plinth.Model", ROOT, false},
+    {"plinth.meta.Type", ROOT, true},
+    {"plinth.meta.StructuredType", placeOf(CoreClass::TYPE), true},
+    {"plinth.meta.TypedElement", ROOT, true},
+    {"plinth.meta.Package", ROOT, false},
+    {"plinth.meta.Class", placeOf(CoreClass::STRUCTURED_TYPE), false},
+    {"plinth.meta.DataType", placeOf(CoreClass::STRUCTURED_TYPE), false},
+    {"plinth.meta.Enum", placeOf(CoreClass::TYPE), false},
+    {"plinth.meta.EnumLiteral", ROOT, false},
+    {"plinth.meta.PrimitiveType", placeOf(CoreClass::TYPE), false},
+    {"plinth.meta.Property", placeOf(CoreClass::TYPED_ELEMENT), false},
+    {"plinth.meta.Operation", placeOf(CoreClass::TYPED_ELEMENT), false},
+}};
 
 constexpr std::array<char const*, 8> PRIMITIVES{"Boolean",    "String",           "Real",        "Integer", "Integer64",
                                                 "UInteger64", "UnlimitedNatural", "KestrelArray"};
@@ -39,14 +59,14 @@ MetaRegistry::MetaRegistry() : m_model(Model::create()), m_freezer(m_model) {
 void MetaRegistry::buildCore() {
   auto const thawer = m_freezer.thaw();
   Transaction transaction = m_model->beginTransaction(true);
-  for (char const* name : CORE_CLASSES) {
-    bool const isElement = m_coreClasses.empty();
+  for (CoreRow const& row : CORE_CLASSES) {
     Class core;
-    static_cast<ModelElement&>(core) = ModelElement(new ClassImpl(m_model, nameUuid(name), name, isElement), Adopt{});
-    core->setName(simpleName(name));
-    if (!isElement) core->setSuperclass(m_coreClasses.front());
+    static_cast<ModelElement&>(core) =
+        ModelElement(new ClassImpl(m_model, nameUuid(row.name), row.name, row.isAbstract), Adopt{});
+    core->setName(simpleName(row.name));
+    if (!m_coreClasses.empty()) core->setSuperclass(m_coreClasses[row.superclass]);
     m_coreClasses.push_back(core);
-    m_types.emplace(name, core);
+    m_types.emplace(row.name, core);
   }
   for (char const* name : PRIMITIVES) {
     PrimitiveType primitive;
@@ -94,6 +114,22 @@ std::vector<Package> MetaRegistry::rootPackages() const {
   for (auto const& [uri, package] : m_rootPackages) packages.push_back(package);
   return packages;
 }
+
+namespace {
+Class const& builtClass(CoreClass which) { return MetaRegistry::getInstance().coreClass(which); }
+}  // namespace
+
+Class const& Type::metaClass() { return builtClass(CoreClass::TYPE); }
+Class const& StructuredType::metaClass() { return builtClass(CoreClass::STRUCTURED_TYPE); }
+Class const& TypedElement::metaClass() { return builtClass(CoreClass::TYPED_ELEMENT); }
+Class const& Package::metaClass() { return builtClass(CoreClass::PACKAGE); }
+Class const& Class::metaClass() { return builtClass(CoreClass::CLASS); }
+Class const& DataType::metaClass() { return builtClass(CoreClass::DATATYPE); }
+Class const& Enum::metaClass() { return builtClass(CoreClass::ENUM); }
+Class const& EnumLiteral::metaClass() { return builtClass(CoreClass::ENUM_LITERAL); }
+Class const& PrimitiveType::metaClass() { return builtClass(CoreClass::PRIMITIVE); }
+Class const& Property::metaClass() { return builtClass(CoreClass::PROPERTY); }
+Class const& Operation::metaClass() { return builtClass(CoreClass::OPERATION); }
 
 }  // namespace plinth::meta
 

@@ -14,6 +14,21 @@ namespace plinth::meta {
 /// Value flags: the shape of a property's value.
 enum ValueFlags : int { OPTIONAL = 0, SINGLE = 1, SEQUENCE = 2, SET = 4, MAP = 6 };
 
+/// The classes of the metamodel's own elements, in the order of the registry's table; the first three are abstract.
+enum class CoreClass {
+  TYPE,
+  STRUCTURED_TYPE,
+  TYPED_ELEMENT,
+  PACKAGE,
+  CLASS,
+  DATATYPE,
+  ENUM,
+  ENUM_LITERAL,
+  PRIMITIVE,
+  PROPERTY,
+  OPERATION
+};
+
 class TESSEL_EXPORT MetaElementImpl : public ModelElementImpl {
  public:
   std::u16string const& getName() const noexcept { return m_name; }
@@ -24,9 +39,6 @@ class TESSEL_EXPORT MetaElementImpl : public ModelElementImpl {
   Storage* createStorage() const override;
 
  protected:
-  /// The core classes of the metamodel's own elements, in the order of the registry's table.
-  enum class CoreClass { PACKAGE, CLASS, DATATYPE, ENUM, ENUM_LITERAL, PRIMITIVE, PROPERTY, OPERATION };
-
   MetaElementImpl(Model const& model, boost::uuids::uuid const& uuid, CoreClass coreClass);
   ~MetaElementImpl() override;
   CoreClass coreClass() const noexcept { return m_coreClass; }

@@ -16,6 +16,7 @@ class TESSEL_EXPORT EnumLiteral : public ModelElement {
   using Impl = EnumLiteralImpl;
   EnumLiteral() noexcept = default;
   explicit EnumLiteral(EnumLiteralImpl* impl) noexcept;
+  static Class const& metaClass();
   EnumLiteralImpl* impl() const noexcept;
   EnumLiteralImpl* operator->() const noexcept { return impl(); }
 };
@@ -25,6 +26,7 @@ class TESSEL_EXPORT Enum : public Type {
   using Impl = EnumImpl;
   Enum() noexcept = default;
   explicit Enum(EnumImpl* impl) noexcept;
+  static Class const& metaClass();
   EnumImpl* impl() const noexcept;
   EnumImpl* operator->() const noexcept { return impl(); }
 };

@@ -45,7 +45,10 @@ class TESSEL_EXPORT MetaRegistry {
   /// The foundation's own classes: plinth.ModelElement, plinth.Model and those of the metamodel's objects.
   Class const& modelElementClass() const noexcept { return m_coreClasses.front(); }
   Class const& modelClass() const noexcept { return m_coreClasses[1]; }
-  static Class const& coreClass(std::size_t which) noexcept { return s_current->m_coreClasses[2 + which]; }
+  /// Of a metamodel's object, which can't be there without the registry.
+  static Class const& coreClass(CoreClass which) noexcept {
+    return s_current->m_coreClasses[2 + static_cast<std::size_t>(which)];
+  }
 
  private:
   friend class AbstractMetaPackage;

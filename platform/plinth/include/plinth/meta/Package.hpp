@@ -14,6 +14,7 @@ class TESSEL_EXPORT Package : public ModelElement {
   using Impl = PackageImpl;
   Package() noexcept = default;
   explicit Package(PackageImpl* impl) noexcept;
+  static Class const& metaClass();
   /// A new package, inside the open transaction of `model`.
   static Package create(Model const& model, boost::uuids::uuid const& uuid);
   PackageImpl* impl() const noexcept;

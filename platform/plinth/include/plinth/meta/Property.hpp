@@ -9,11 +9,15 @@
 
 namespace plinth::meta {
 
+class TypedElementImpl;
+
+/// A property or an operation.
 class TESSEL_EXPORT TypedElement : public ModelElement {
  public:
-  using Impl = class TypedElementImpl;
+  using Impl = TypedElementImpl;
   TypedElement() noexcept = default;
   explicit TypedElement(TypedElementImpl* impl) noexcept;
+  static Class const& metaClass();
   TypedElementImpl* impl() const noexcept;
   TypedElementImpl* operator->() const noexcept { return impl(); }
 };
@@ -43,6 +47,7 @@ class TESSEL_EXPORT Property : public TypedElement {
   using Impl = PropertyImpl;
   Property() noexcept = default;
   explicit Property(PropertyImpl* impl) noexcept;
+  static Class const& metaClass();
   PropertyImpl* impl() const noexcept;
   PropertyImpl* operator->() const noexcept { return impl(); }
 };
@@ -99,6 +104,7 @@ class TESSEL_EXPORT Operation : public TypedElement {
   using Impl = OperationImpl;
   Operation() noexcept = default;
   explicit Operation(OperationImpl* impl) noexcept;
+  static Class const& metaClass();
   OperationImpl* impl() const noexcept;
   OperationImpl* operator->() const noexcept { return impl(); }
 };

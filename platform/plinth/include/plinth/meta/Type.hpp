@@ -23,6 +23,7 @@ class TESSEL_EXPORT Type : public ModelElement {
   using Impl = TypeImpl;
   Type() noexcept = default;
   explicit Type(TypeImpl* impl) noexcept;
+  static Class const& metaClass();
   TypeImpl* impl() const noexcept;
   TypeImpl* operator->() const noexcept { return impl(); }
 };
@@ -69,6 +70,7 @@ class TESSEL_EXPORT PrimitiveType : public Type {
   using Impl = class PrimitiveTypeImpl;
   PrimitiveType() noexcept = default;
   explicit PrimitiveType(PrimitiveTypeImpl* impl) noexcept;
+  static Class const& metaClass();
 };
 
 class TESSEL_EXPORT PrimitiveTypeImpl : public TypeImpl {
@@ -81,6 +83,7 @@ class TESSEL_EXPORT PrimitiveTypeImpl : public TypeImpl {
 class TESSEL_EXPORT StructuredType : public Type {
  public:
   using Type::Type;
+  static Class const& metaClass();
 };
 
 class TESSEL_EXPORT DataType : public StructuredType {
@@ -88,6 +91,7 @@ class TESSEL_EXPORT DataType : public StructuredType {
   using Impl = class DataTypeImpl;
   DataType() noexcept = default;
   explicit DataType(DataTypeImpl* impl) noexcept;
+  static Class const& metaClass();
 };
 
 class TESSEL_EXPORT DataTypeImpl : public TypeImpl {
@@ -101,6 +105,7 @@ class TESSEL_EXPORT Class : public StructuredType {
   using Impl = ClassImpl;
   Class() noexcept = default;
   explicit Class(ClassImpl* impl) noexcept;
+  static Class const& metaClass();
   ClassImpl* impl() const noexcept;
   ClassImpl* operator->() const noexcept { return impl(); }
 };
@@ -146,7 +151,7 @@ inline ClassImpl* Class::impl() const noexcept { return static_cast<ClassImpl*>(
 }  // namespace plinth::meta
 
 namespace plinth {
-template <class T>
+template <class T, class>
 T element_cast(ModelElement const& element) {
   if (element.isEmpty() || !element->getMetaClass()->conformsTo(*T::metaClass().impl())) return T();
   return T(static_cast<typename T::Impl*>(element.impl()));

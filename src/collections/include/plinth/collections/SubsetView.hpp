@@ -17,7 +17,8 @@ class TESSEL_EXPORT SubsetView : public ReferenceCollection {
   /// By walking the parent.
   std::size_t size() const { return rawSize(); }
 
-  /// Adds to the parent. Raises CannotAddIncompatibleObjectSubset for an element that the filter rejects.
+  /// Adds to the parent; an empty handle is ignored. Raises CannotAddIncompatibleObjectSubset for an element that the
+  /// filter rejects, CannotAddNonExistentObject for a destroyed one, and what the parent raises.
   void addElement(ModelElement const& element);
   bool containsElement(ModelElement const& element) const;
 

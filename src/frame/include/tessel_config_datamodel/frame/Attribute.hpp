@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "plinth/Messages.hpp"
+#include "plinth/Step.hpp"
 #include "tessel_config_datamodel/frame/Element.hpp"
 #include "tessel_config_datamodel/frame/ElementBuilder.hpp"
 #include "tessel_config_datamodel/frame/OptionalText.hpp"

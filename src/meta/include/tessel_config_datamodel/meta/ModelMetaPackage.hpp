@@ -25,7 +25,7 @@ class TESSEL_EXPORT ModelMetaPackage : public plinth::meta::AbstractMetaPackage 
     static std::atomic<P*> built{nullptr};
     if (P* const present = built.load(std::memory_order_acquire)) return *present;
     std::lock_guard const lock(MetaRegistry::getInstance().mutex());
-    if (built.load(std::memory_order_relaxed) == nullptr) built.store(P::build(), std::memory_order_release);
+    if (built.load(std::memory_order_relaxed) == nullptr) built.store(new P(), std::memory_order_release);
     return *built.load(std::memory_order_relaxed);
   }
   /// Replaces an older incarnation of the model, makes and weaves all packages, commits, and registers the root.
