@@ -4,6 +4,7 @@
 
 #include "CollectionView.hpp"
 #include "plinth/FailurePoint.hpp"
+#include "plinth/TakenKey.hpp"
 
 namespace plinth {
 
@@ -42,7 +43,7 @@ void ReferenceMap::insertElement(ModelElement const& element, CollisionResolutio
   auto const at = raw().lower_bound(key);
   if (at != raw().end() && at->first == key) {
     if (at->second == element || resolution == CollisionResolution::KEEP) return;
-    if (resolution == CollisionResolution::RAISE) reportException(messages::UniquenessConstraint());
+    if (resolution == CollisionResolution::RAISE) reportTakenKey(key, owner(), property());
     if (resolution == CollisionResolution::REPLACE) replaceEntry(at, element);
     return;
   }
