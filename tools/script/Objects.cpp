@@ -301,7 +301,8 @@ void pushObject(lua_State* state, kestrel::ObjectRef const& object) {
   if (!object) return lua_pushnil(state);
   lua_rawgetp(state, LUA_REGISTRYINDEX, &OBJECTS_KEY);
   // While the interpreter closes, what has been finalized is still in the table, perhaps for an object that is gone.
-  if (lua_rawgetp(state, -1, object.get()) == LUA_TUSERDATA && toObject(state, -1) != nullptr)
+  if (lua_rawgetp(state, -1, object.get()) == LUA_TUSERDATA &&
+      static_cast<ObjectBox*>(lua_touserdata(state, -1))->self.get() != nullptr)
     return lua_remove(state, -2);
   lua_pop(state, 1);
   if (pushScriptValue(state, *object)) return lua_remove(state, -2);

@@ -422,6 +422,14 @@ void pushRecord(lua_State* state, int object, corvid::CorvidPropInfo const& prop
   memory.collectIfDue(state);
 }
 
+bool pushRecordNames(lua_State* state, int index) {
+  if (pushNodeOf(state, index) == nullptr) return false;
+  Node const& node = refreshed(state, lua_gettop(state));
+  node.hasNames() ? pushNames(state, node) : lua_newtable(state);
+  lua_remove(state, -2);
+  return true;
+}
+
 OwnedArray recordToHost(lua_State* state, int index) {
   luaL_checkstack(state, 8, "a table is nested too deeply");
   if (pushNodeOf(state, index) == nullptr) return nullptr;

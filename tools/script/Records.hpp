@@ -23,6 +23,10 @@ bool isRecord(kestrel_array const& array) noexcept;
 /// Pushes what the property of the object at the index holds.
 void pushRecord(lua_State* state, int object, corvid::CorvidPropInfo const& property, kestrel::OwnedArray array);
 
+/// Pushes a list of the names that the record at the index has, none for a list; false, and nothing pushed, for any
+/// other value.
+bool pushRecordNames(lua_State* state, int index);
+
 /// A copy of what the record at the index shows; null for any other value. Raises HostError when it has been changed
 /// since in such a way that it has nothing to show.
 kestrel::OwnedArray recordToHost(lua_State* state, int index);
