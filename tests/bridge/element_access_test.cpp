@@ -67,6 +67,57 @@ TEST_F(ElementAccess, anEmptyArrayIsNeitherStructNorUuid) {
   EXPECT_EQ(m_model->elementCount(), 1u);
 }
 
+TEST_F(ElementAccess, initialValuesAreReadAtWhateverDepth) {
+  for (std::size_t const depth : {100, 15000, 200000}) {
+    for (bool const isWrong : {false, true}) {
+      kestrel::OwnedArray values = kestrel::createStruct({});
+      if (isWrong) kestrel::setField(*values, 0, "Key\xff", kestrel::createChar(u"x"));
+      for (std::size_t i = 0; i < depth; ++i) {
+        kestrel::OwnedArray outer = kestrel::createStruct({"class", "Operands"});
+        kestrel::setField(*outer, 0, "class", kestrel::createChar(u"NumericOperation"));
+        if (i == 0) kestrel::setField(*values, 0, "class", kestrel::createChar(u"NumericConstant"));
+        kestrel::OwnedArray list = kestrel::createCell(kestrel::row(1));
+        kestrel::setCell(*list, 0, std::move(values));
+        kestrel::setField(*outer, 0, "Operands", std::move(list));
+        values = std::move(outer);
+      }
+      Model const model = Model::create();
+      auto const modelObject = announceModel(model);
+      auto& operation = classNamed("tessel.internal.config.expr.NumericOperation");
+      auto const identifier = errorOf([&] { return corvid::construct(operation, {modelObject.get(), values.get()}); });
+      EXPECT_EQ(identifier, isWrong ? "plinth:messages:NoSuchProperty" : "none");
+      EXPECT_EQ(model->elementCount(), isWrong ? 0 : depth + 1);
+    }
+  }
+}
+
+TEST_F(ElementAccess, namesAreTakenWholeWhateverIsWrongInThem) {
+  Model const model = Model::create();
+  auto const modelObject = announceModel(model);
+  auto& entry = classNamed("tessel.internal.ext.ConfigEntry");
+  for (char const* name : {"Key\xff", "\xffKey", "Ke\xc3y", "Key\xed\xa0\x80"}) {
+    auto const values = kestrel::createStruct({name});
+    kestrel::setField(*values, 0, name, text(u"x"));
+    EXPECT_EQ(errorOf([&] {
+                return corvid::construct(entry, {modelObject.get(), values.get()});
+              }),
+              "plinth:messages:NoSuchProperty")
+        << name;
+  }
+  auto const values = kestrel::createStruct({"class"});
+  kestrel::setField(*values, 0, "class",
+                    kestrel::createChar(u"Config\xd800"
+                                        u"Entry"));
+  EXPECT_EQ(errorOf([&] {
+              return corvid::construct(entry, {modelObject.get(), values.get()});
+            }),
+            "plinth:messages:NoSuchType");
+  EXPECT_FALSE(
+      detail::extractUuid(*kestrel::createChar(u"3b241101-e2bb-4255-8caf-\xd800"
+                                               u"4136c566a962")));
+  EXPECT_EQ(model->elementCount(), 0u);
+}
+
 TEST_F(ElementAccess, aDroppedResultOfCreateIntoBindsNothing) {
   ConfigProfile const profile = ConfigProfile::create(m_model);
   auto const self = announce(profile);

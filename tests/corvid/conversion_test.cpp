@@ -80,13 +80,34 @@ TEST_F(Conversions, thatFailNameTheValueAndItsPlace) {
     return std::string();
   };
   EXPECT_EQ(sentence("uint8 vector", kestrel::createRow<double>({1, 2, 256})),
-            "ValueOutOfRange: A value of the class 'uint8' can't be 256 (element 3).");
-  EXPECT_EQ(sentence("double scalar", kestrel::createEmpty(kestrel::ClassId::Double)),
-            "WrongType: Expected a value of the type 'double scalar', not nothing.");
-  EXPECT_EQ(describeValue(*kestrel::createEmpty(kestrel::ClassId::String)), "an empty 'string'");
-  EXPECT_EQ(describeValue(*kestrel::createStruct({})), "a struct without fields");
-  EXPECT_EQ(describeValue(*kestrel::createStruct({"a"})), "one 'struct'");
-  EXPECT_EQ(describeValue(*kestrel::createChar(std::u16string(300, u'a'))), "'" + std::string(60, 'a') + "...'");
+            "ValueOutOfRange: Expected an integer from 0 to 255, not 256 (element 3).");
+  // Whatever is wanted and whatever is given, the words are those of scripts.
+  struct Given {
+    kestrel::OwnedArray value;
+    std::string words;
+  };
+  Given given[] = {{kestrel::createEmpty(kestrel::ClassId::Double), "nil"},
+                   {kestrel::createScalar(2.5), "the number 2.5"},
+                   {kestrel::createScalar(true), "true"},
+                   {kestrel::createRow<std::int64_t>({1, 2}), "a list of 2 numbers"},
+                   {kestrel::createNumeric<float>(kestrel::Dimensions{2, 3}), "an array of 2 by 3 numbers"},
+                   {kestrel::createEmpty(kestrel::ClassId::String), "an empty list of strings"},
+                   {kestrel::createEmpty(kestrel::ClassId::Cell), "an empty list"},
+                   {kestrel::createCell(kestrel::row(1)), "a list of one value"},
+                   {kestrel::createStruct({}), "an empty table"},
+                   {kestrel::createStruct({"a"}), "a table with names"},
+                   {kestrel::createObjects(makeInterned("zoo.residents.Cat"), kestrel::row(2)),
+                    "a list of 2 objects of the class 'zoo.residents.Cat'"},
+                   {kestrel::createChar(std::u16string(300, u'a')), "the string '" + std::string(60, 'a') + "...'"}};
+  std::pair<char const*, char const*> const wanted[] = {
+      {"function", "a function"},
+      {"zoo.residents.Diet scalar", "one of 'PLANTS', 'MEAT', 'EVERYTHING'"},
+      {"zoo.residents.Place scalar", "an object of the class 'zoo.residents.Place'"}};
+  for (auto const& [type, words] : wanted)
+    for (Given const& each : given)
+      EXPECT_EQ(sentence(type, each.value), std::string("WrongType: Expected ") + words + ", not " + each.words + ".");
+  EXPECT_EQ(sentence("double vector", kestrel::createChar(u"x")),
+            "WrongType: Expected a list of numbers, not the string 'x'.");
 }
 
 TEST_F(Conversions, ofShapesAndClassesThatDoNotFitAreRefused) {

@@ -94,7 +94,8 @@ TEST_F(ScriptTest, usesEnumerationsByTheTextOfTheirLiterals) {
   )");
   std::string const failure = failureOf("local cat = Cat()\ncat.Diet = 'STONES'");
   EXPECT_NE(
-      failure.find("script:2: WrongType: Expected a value of the type 'zoo.residents.Diet scalar', not 'STONES'."),
+      failure.find("script:2: WrongType: Property 'Diet' of 'zoo.residents.Cat': Expected one of 'PLANTS', 'MEAT', "
+                   "'EVERYTHING', not the string 'STONES'."),
       std::string::npos)
       << failure;
 }
@@ -249,6 +250,52 @@ TEST_F(ScriptTest, coroutinesRunAsTheLibraryTells) {
     coroutine.resume(routine)
     assert(coroutine.close(routine) and closed)
     assert(not pcall(coroutine.resume, 5) and not pcall(coroutine.wrap, 5))
+  )");
+}
+
+TEST_F(ScriptTest, coroutinesThatRunEachOtherReachTheDepthOfPlainLua) {
+  char const* const descend = R"(
+    local reached
+    local function descend(depth)
+      reached = depth
+      return select(2, pcall(coroutine.wrap(function() return descend(depth + 1) end)))
+    end
+    local wrapped = descend(1) and reached
+    local function resume(depth)
+      reached = depth
+      coroutine.resume(coroutine.create(function() resume(depth + 1) end))
+    end
+    resume(1)
+    depths = wrapped .. " " .. reached
+  )";
+  std::unique_ptr<lua_State, void (*)(lua_State*)> const plain(luaL_newstate(), lua_close);
+  luaL_openlibs(plain.get());
+  ASSERT_EQ(luaL_dostring(plain.get(), descend), LUA_OK) << lua_tostring(plain.get(), -1);
+  lua_getglobal(plain.get(), "depths");
+  // The script runs one call deeper than in the plain interpreter.
+  run(descend);
+  run("assert(depths == '" + std::string(lua_tostring(plain.get(), -1)) + "', depths)");
+}
+
+TEST_F(ScriptTest, packagesAreGlobalsWhateverMetatableGlobalsHave) {
+  run(R"(
+    setmetatable(_G, {__index = function(_, name) error("undeclared " .. name, 2) end, __newindex = error})
+    assert(zoo.residents == residents and not pcall(function() return undeclared end))
+    setmetatable(_G, nil)
+    assert(rawget(_G, "zoo") == zoo)
+  )");
+}
+
+TEST_F(ScriptTest, nilIsAnOptionalArgumentThatIsLeftOut) {
+  run(R"(
+    local cat = Cat(nil, nil)
+    assert(cat.Name == "" and Cat(nil, 4.5).Weight == 4.5 and Cat({Name = "a"}, nil).Name == "a")
+    assert(cat:feed(2, nil) == 3 and Animal.look("a", nil) == "char ")
+    assert(Animal.look("a", nil, 2.0) == "char double double ", "one in front of another stands for nothing")
+    local _, failure = pcall(cat.feed, cat, nil, nil)
+    assert(failure.sentence:find("Argument 1 of 'feed': Expected a number, not nil", 1, true), failure.sentence)
+    _, failure = pcall(cat.feed, nil, 2)
+    assert(failure.sentence:find("'feed' is a member of one object, not of nil", 1, true), failure.sentence)
   )");
 }
 

@@ -164,6 +164,7 @@ class AnimalConstructor final : public CorvidConstructor {
     AnimalHandle animal(new Native);
     for (std::size_t i = 0; i < call.inputCount(); ++i) {
       kestrel_array const& input = call.input(i);
+      if (call.isLeftOut(i)) continue;
       if (kestrel::isObject(input)) {
         animal = selfOf<Animal>(input);
       } else if (kestrel::isStruct(input)) {
@@ -366,7 +367,7 @@ class DietInfo final : public corvid::factory::CorvidFactoryClassInfo {
 class DietFromText final : public corvid::CorvidTypeConverter {
  public:
   kestrel::OwnedArray convert(kestrel_array const& value) const override {
-    if (!kestrel::isText(value)) return nullptr;
+    if (!kestrel::isText(value) || kestrel::isEmpty(value)) return nullptr;
     CorvidClass const& diets = CorvidClass::requireClass(makeInterned(DIET));
     auto const* member = diets.findEnumValue(makeInterned(groundwork::toUtf8(kestrel::scalarText(value))));
     return member != nullptr ? kestrel::deepCopy(&member->getValue()) : nullptr;

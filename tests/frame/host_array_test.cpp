@@ -40,6 +40,13 @@ TEST(HostArrayText, TellsWhatLiesInside) {
   kestrel::setCell(*cells, 1, std::move(structure));
   EXPECT_EQ(textOf(cells), "cell[2,1]{none, struct{A: double{1}, B: none}}");
   EXPECT_EQ(textOf(kestrel::createStruct({"A"}, kestrel::row(2))), "struct[1,2]{{A: none}, {A: none}}");
+  kestrel::OwnedArray nest = kestrel::createScalar(true);
+  for (int depth = 0; depth < 100000; ++depth) {
+    kestrel::OwnedArray outer = depth % 2 == 0 ? kestrel::createCell(kestrel::SCALAR) : kestrel::createStruct({"a"});
+    depth % 2 == 0 ? kestrel::setCell(*outer, 0, std::move(nest)) : kestrel::setField(*outer, 0, "a", std::move(nest));
+    nest = std::move(outer);
+  }
+  EXPECT_EQ(textOf(nest).substr(0, 27), "struct{a: cell{struct{a: ce");
 }
 
 TEST(HostArrayText, LetsAFingerprintTellArraysOfOneSizeApart) {

@@ -6,6 +6,8 @@
 #include <limits>
 #include <thread>
 
+#include "kestrel/array_memory.hpp"
+
 namespace kestrel {
 namespace {
 
@@ -108,6 +110,38 @@ TEST_F(HostArray, aDeepCopyIsEqualAndSharesNothingButHandles) {
   EXPECT_FALSE(equalContents(original.get(), copy.get()));
   EXPECT_EQ(numberOfElements(*field(*original, 0, "number")), 3u);
   EXPECT_EQ(copyForPropertyContainment(nullptr), nullptr);
+}
+
+TEST_F(HostArray, nestedAtWhateverDepthAreCopiedComparedMeasuredAndFreed) {
+  for (std::size_t const depth : {1000, 100000, 1000000}) {
+    OwnedArray nest = createRow<double>({1, 2, 3});
+    for (std::size_t i = 0; i < depth; ++i) {
+      OwnedArray outer = i % 2 == 0 ? createCell(row(2)) : createStruct({"a", "b"});
+      i % 2 == 0 ? setCell(*outer, 1, std::move(nest)) : setField(*outer, 0, "b", std::move(nest));
+      nest = std::move(outer);
+    }
+    OwnedArray const copy = deepCopy(nest.get());
+    EXPECT_TRUE(equalContents(nest.get(), copy.get()));
+    EXPECT_EQ(heldBytes(*nest), heldBytes(*copy));
+    EXPECT_GT(heldBytes(*nest), depth * 2 * sizeof(OwnedArray));
+  }
+}
+
+TEST_F(HostArray, fieldsGoFromAllElementsAndCellsFromTheEnd) {
+  OwnedArray const structs = createStruct({"a", "b", "c"}, row(2));
+  for (std::size_t i = 0; i < 2; ++i)
+    for (char const* name : {"a", "b", "c"}) setField(*structs, i, name, createScalar<double>(10.0 * i + name[0]));
+  removeField(*structs, "b");
+  removeField(*structs, "none");
+  EXPECT_EQ(fieldNames(*structs), (std::vector<std::string>{"a", "c"}));
+  EXPECT_EQ(element<double>(*field(*structs, 1, "c")), 10 + 'c');
+  OwnedArray const cells = createCell(row(2));
+  setCell(*cells, 0, createScalar(true));
+  for (std::size_t const count : {3, 1, 0}) {
+    resizeCells(*cells, count);
+    EXPECT_EQ(dimensions(*cells), row(count));
+    EXPECT_TRUE(count == 0 || cell(*cells, 0) != nullptr);
+  }
 }
 
 TEST_F(HostArray, equalitySeesClassDimensionsFieldsAndEveryElement) {

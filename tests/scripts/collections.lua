@@ -91,3 +91,59 @@ owner:destroy()
 check.equal(host.isvalid(kept), false)
 check.raises("Kestrel:class:InvalidHandle", function() return #kept end)
 check.raises("Kestrel:class:InvalidHandle", function() for _ in pairs(kept) do end end)
+
+-- Members that are destroyed stay listed where nothing points back. They can be found and taken out, and nothing else:
+-- in each collection the same.
+local sets = {perspective.Members, perspective.MemberParams}
+for _, set in ipairs(sets) do
+  local alive, dead, other = runtime.ParamState(model), runtime.ParamState(model), runtime.ParamState(model)
+  for _, member in ipairs({alive, dead, other}) do perspective.Members:add(member) end
+  dead:destroy()
+  other:destroy()
+  check.equal(#perspective.Members, 3)
+  for _, action in ipairs({set.contains, set.add}) do check.raises("Kestrel:class:InvalidHandle", action, set, dead) end
+  for _, member in pairs(perspective.Members) do
+    if not host.isvalid(member) then set:remove(member) end
+  end
+  check.equal(check.join(perspective.Members:values()), tostring(alive))
+  set:remove(dead)
+  check.raises("Kestrel:class:InvalidHandle", set.remove, set, nil)
+  perspective.Members:clear()
+end
+local keyed = ext.ConfigProfile(model, {Values = {{Key = "a"}}})
+local goneKey = ext.ConfigEntry(model)
+goneKey:destroy()
+for _, method in ipairs({"contains", "add"}) do
+  check.raises("Kestrel:class:InvalidHandle", keyed.Values[method], keyed.Values, goneKey)
+end
+keyed.Values:remove(goneKey)
+check.equal(keyed.Values:contains(nil), false)
+
+-- A walk leaves out what is taken away on the way, in whatever manner, and gives the rest once: against a random model.
+math.randomseed(20)
+for round = 1, 60 do
+  local owner = runtime.ConfigurationState(model)
+  local view = runtime.PerspectiveState(model)
+  for i = 1, 8 do view.Members:add(owner:createIntoParams({Key = "k" .. i})) end
+  local collection = ({owner.Params, view.Members, view.MemberParams})[round % 3 + 1]
+  local isGone, walkedOnce = {}, {}
+  local ways = {
+    function(param) param:destroy() end,
+    function(param) if round % 3 == 0 then owner.Params:remove(param) else view.Members:remove(param) end end,
+    function(param) if round % 3 ~= 0 then view.Members:remove(param) else param:destroy() end end,
+  }
+  for _, param in pairs(collection) do
+    assert(not isGone[param] and not walkedOnce[param], "round " .. round)
+    walkedOnce[param] = true
+    for _ = 1, math.random(0, 2) do
+      local taken = collection:values()[math.random(#collection)]
+      local way = math.random(#ways)
+      -- One that is destroyed stays a member of what doesn't point back.
+      if taken and host.isvalid(taken) and not (way == 1 and round % 3 ~= 0) then
+        isGone[taken] = true
+        ways[way](taken)
+      end
+    end
+  end
+  for _, param in ipairs(collection:values()) do assert(walkedOnce[param], "round " .. round) end
+end

@@ -62,7 +62,6 @@ refused("Kestrel:class:WrongType", function() model:transaction(5) end)
 refused("Kestrel:class:WrongType", function() ext.ConfigEntry({Key = "a"}) end)
 refused("plinth:messages:InvalidValue", function() ext.ConfigEntry(model, {Key = "a"}, {Key = "b"}) end)
 refused("plinth:messages:InvalidValue", function() ext.ConfigEntry(model, UUID, OTHER) end)
-refused("plinth:messages:InvalidValue", function() ext.ConfigEntry(model, nil) end)
 refused("plinth:messages:InvalidValue", function() ext.ConfigEntry(model, "no uuid") end)
 refused("plinth:messages:InvalidValue", function() ext.ConfigEntry(model, 5) end)
 refused("plinth:messages:UniquenessConstraint", function() ext.ConfigEntry(model, UUID) end)
@@ -73,8 +72,7 @@ refused("plinth:messages:NoSuchType", function() model:elements("no.such.Class")
 local unknown = refused("plinth:messages:NoSuchProperty", function() ext.ConfigEntry(model, {Key = "a", Colour = 1}) end)
 assert(unknown.sentence:find('"Colour"') and unknown.sentence:find('"tessel.internal.ext.ConfigEntry"'), unknown.sentence)
 local wrong = refused("Kestrel:class:WrongType", function() runtime.ParamState(model, {Key = 5}) end)
-assert(wrong.sentence:find("Property 'Key': Expected a value of the type 'CorvidFactoryString scalar', not 5"),
-  wrong.sentence)
+assert(wrong.sentence:find("Property 'Key': Expected a string, not the number 5", 1, true), wrong.sentence)
 refused("plinth:messages:CannotCreateAbstractClass", function() runtime.ParamState(model, {Data = {Refreshable = true}}) end)
 refused("plinth:messages:CannotAddIncompatibleTypes",
   function() runtime.ParamState(model, {Data = {class = "tessel.internal.ext.ConfigEntry"}}) end)
@@ -126,6 +124,21 @@ local existing = refused("plinth:messages:NoSuchProperty",
 assert(existing.sentence:find("Property 'Params'") and existing.sentence:find("as a struct"), existing.sentence)
 local argument = refused("plinth:messages:InvalidValue", function() runtime.TagState(model, {Id = "a"}, {Id = "b"}) end)
 assert(argument.sentence:find("'TagState'") and argument.sentence:find("argument 3"), argument.sentence)
+
+-- A nil stands for an optional argument that is left out, wherever it stands.
+for _, arguments in ipairs({{n = 1}, {n = 2}, {UUID, n = 2}, {nil, UUID, n = 2}, {{Key = "k"}, n = 2},
+  {nil, {Key = "k"}, n = 2}, {{Key = "k"}, UUID, n = 2}}) do
+  local given = {table.unpack(arguments, 1, arguments.n)}
+  local hasUuid = given[1] == UUID or given[2] == UUID
+  local hasKey = type(given[1]) == "table" or type(given[2]) == "table"
+  local made = ext.ConfigEntry(plinth.Model(), table.unpack(arguments, 1, arguments.n))
+  check.equal(made.Key, hasKey and "k" or "")
+  check.equal(made:uuid() == UUID, hasUuid)
+  made = runtime.ConfigurationState(plinth.Model()):createIntoParams(table.unpack(arguments, 1, arguments.n))
+  check.equal(made.Key, hasKey and "k" or "")
+  check.equal(made:uuid() == UUID, hasUuid)
+end
+check.equal(#model:elements(nil), model:elementCount())
 
 -- Classes stand for their names.
 local typed = runtime.ParamState(model, {Data = {class = data.DoubleParamData}})

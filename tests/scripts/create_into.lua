@@ -48,7 +48,6 @@ refused("plinth:messages:InvalidValue", function() state:createIntoParams({Key =
 refused("plinth:messages:InvalidValue", function() state:createIntoParams({Key = "d"}, "no uuid") end)
 refused("plinth:messages:InvalidValue", function() state:createIntoParams("no uuid") end)
 refused("plinth:messages:InvalidValue", function() state:createIntoParams(5) end)
-refused("plinth:messages:InvalidValue", function() state:createIntoParams(nil) end)
 refused("plinth:messages:NoSuchProperty", function() state:createIntoParams({Colour = 1}) end)
 refused("plinth:messages:CannotCreateAbstractClass", function() named:createIntoData() end)
 refused("Kestrel:class:WrongArgumentCount", function() state:createIntoParams({}, UUID, 1) end)

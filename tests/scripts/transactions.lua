@@ -11,6 +11,19 @@ check.equal(model:transaction(function()
   return param.TypeName
 end), "double")
 
+-- All results come back as they are, whatever they are; they can't undo what has been done.
+local itself = setmetatable({}, {__index = error})
+itself.itself, itself[1] = itself, 1
+local results = table.pack(model:transaction(function()
+  param.TypeName = "kept"
+  return itself, nil, coroutine.running(), "\xff", model, nil
+end))
+check.equal(results.n, 6)
+assert(rawequal(results[1], itself) and type(results[3]) == "thread" and results[4] == "\xff" and results[5] == model)
+check.equal(param.TypeName, "kept")
+check.equal(select("#", model:transaction(function() end)), 0)
+check.equal(select("#", model:transaction(function() return nil end)), 1)
+
 -- One that raises: everything is as before, and the error comes back as it was raised.
 local mine = {}
 local succeeded, raised = pcall(function()
@@ -34,7 +47,7 @@ local failure = check.raises("plinth:messages:UniquenessConstraint", function()
     state.Params:get("b").Key = "a"
   end)
 end)
-assert(failure.where:find("transactions.lua:34:"), failure.where)
+assert(failure.where:find("transactions.lua:47:"), failure.where)
 check.equal(check.join(state.Params:keys()), "a")
 
 -- Inner ones that fail leave the outer one going.

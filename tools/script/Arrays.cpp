@@ -15,12 +15,14 @@ namespace {
 constexpr char const* ARRAY_TYPE = "host array";
 constexpr std::size_t SHOWN_ELEMENTS = 16;
 
-kestrel::OwnedArray& boxed(lua_State* state, int index) {
-  return *static_cast<kestrel::OwnedArray*>(luaL_checkudata(state, index, ARRAY_TYPE));
+// Raises InvalidHandle in a finalizer that comes after the array's own.
+kestrel_array const& checkArray(lua_State* state, int index) {
+  luaL_checkudata(state, index, ARRAY_TYPE);
+  return *toArray(state, index);
 }
 
 int index(lua_State* state) {
-  kestrel_array const& array = *boxed(state, 1);
+  kestrel_array const& array = checkArray(state, 1);
   int isInteger = 0;
   lua_Integer const position = lua_tointegerx(state, 2, &isInteger);
   bool const inside =
@@ -39,13 +41,13 @@ int refuseChange(lua_State*) {
 }
 
 int length(lua_State* state) {
-  lua_pushinteger(state, static_cast<lua_Integer>(kestrel::numberOfElements(*boxed(state, 1))));
+  lua_pushinteger(state, static_cast<lua_Integer>(kestrel::numberOfElements(checkArray(state, 1))));
   return 1;
 }
 
 int nextElement(lua_State* state) {
   lua_Integer const position = lua_tointeger(state, 2) + 1;
-  kestrel_array const& array = *boxed(state, 1);
+  kestrel_array const& array = checkArray(state, 1);
   if (static_cast<std::size_t>(position) > kestrel::numberOfElements(array)) return 0;
   lua_pushinteger(state, position);
   pushElement(state, array, static_cast<std::size_t>(position) - 1);
@@ -78,7 +80,7 @@ void pushElementText(lua_State* state, kestrel_array const& array, std::size_t i
 }
 
 int toString(lua_State* state) {
-  kestrel_array const& array = *boxed(state, 1);
+  kestrel_array const& array = checkArray(state, 1);
   kestrel::Dimensions const size = kestrel::dimensions(array);
   luaL_Buffer text;
   luaL_buffinit(state, &text);
@@ -96,7 +98,7 @@ int toString(lua_State* state) {
 }
 
 int collect(lua_State* state) {
-  boxed(state, 1).reset();
+  static_cast<HeldArray*>(luaL_checkudata(state, 1, ARRAY_TYPE))->letGo(Context::of(state).memory);
   return 0;
 }
 
@@ -115,13 +117,19 @@ void registerArrays(lua_State* state) {
 }
 
 void pushArray(lua_State* state, kestrel::OwnedArray array) {
-  new (lua_newuserdatauv(state, sizeof(kestrel::OwnedArray), 0)) kestrel::OwnedArray(std::move(array));
+  HostMemory& memory = Context::of(state).memory;
+  auto* const held = new (lua_newuserdatauv(state, sizeof(HeldArray), 0)) HeldArray{};
   luaL_setmetatable(state, ARRAY_TYPE);
+  held->take(memory, std::move(array));
+  memory.collectIfDue(state);
 }
 
 kestrel_array const* toArray(lua_State* state, int index) {
-  void* const box = luaL_testudata(state, index, ARRAY_TYPE);
-  return box != nullptr ? static_cast<kestrel::OwnedArray*>(box)->get() : nullptr;
+  auto const* const held = static_cast<HeldArray*>(luaL_testudata(state, index, ARRAY_TYPE));
+  if (held == nullptr) return nullptr;
+  if (held->get() == nullptr)
+    throw corvid::HostError(corvid::ErrorKey::INVALID_HANDLE, "The array has been collected.");
+  return held->get();
 }
 
 }  // namespace luafront

@@ -21,18 +21,23 @@ struct MethodName {
   NamedOn namedOn;
 };
 
-// Arguments off the stack, kept for the length of a call.
+// Arguments off the stack, kept for the length of a call; nil is one that is left out.
 class Arguments {
  public:
   /// `types` may be fewer than the arguments: the rest is converted as "any".
   Arguments(lua_State* state, int first, std::vector<corvid::Identifier> const& types) {
     int const top = lua_gettop(state);
     m_values.reserve(static_cast<std::size_t>(std::max(top - first + 1, 0)));
+    m_inputs.reserve(m_values.capacity());
     for (int index = first; index <= top; ++index) {
-      std::size_t const position = m_values.size();
+      std::size_t const position = m_inputs.size();
+      if (lua_isnil(state, index)) {
+        m_inputs.push_back(nullptr);
+        continue;
+      }
       m_values.push_back(position < types.size() ? toHostAs(state, index, types[position]) : toHost(state, index));
+      m_inputs.push_back(&m_values.back().get());
     }
-    for (HostValue const& value : m_values) m_inputs.push_back(&value.get());
   }
 
   corvid::Inputs const& inputs() const noexcept { return m_inputs; }
@@ -80,6 +85,7 @@ void pushMethod(lua_State* state, corvid::CorvidClass const& hostClass, corvid::
 }
 
 int constructObject(lua_State* state, corvid::CorvidClass& hostClass, int firstArgument) {
+  ++Context::of(state).changes;
   Arguments const arguments(state, firstArgument, {});
   pushValue(state, corvid::construct(hostClass, arguments.inputs()), Arity::Single);
   return 1;
@@ -88,11 +94,16 @@ int constructObject(lua_State* state, corvid::CorvidClass& hostClass, int firstA
 int callMethod(lua_State* state, corvid::CorvidClass const& hostClass, corvid::Identifier method, int firstArgument) {
   std::size_t const count = countArguments(state, firstArgument);
   corvid::CorvidMethodInfo const& reached = corvid::requireMethod(hostClass, method, count);
+  if ((reached.getAttributes() & corvid::MethodAttribute::PURE) == 0) ++Context::of(state).changes;
   Arguments const arguments(state, firstArgument, reached.getSignature().inputs());
-  kestrel::OwnedArray result = corvid::invoke(hostClass, method, arguments.inputs());
+  std::vector<kestrel::OwnedArray> further;
+  kestrel::OwnedArray result = corvid::invoke(hostClass, method, arguments.inputs(), true, &further);
   if (result == nullptr) return 0;
-  pushValue(state, std::move(result), givesVector(reached) ? Arity::Many : Arity::Single);
-  return 1;
+  luaL_checkstack(state, static_cast<int>(further.size()) + 4, "too many results");
+  Arity const arity = givesVector(reached) ? Arity::Many : Arity::Single;
+  pushValue(state, std::move(result), arity);
+  for (kestrel::OwnedArray& each : further) pushValue(state, std::move(each), arity);
+  return static_cast<int>(further.size()) + 1;
 }
 
 }  // namespace luafront

@@ -6,6 +6,7 @@
 #include "Context.hpp"
 #include "Namespaces.hpp"
 #include "Objects.hpp"
+#include "Records.hpp"
 #include "corvid/CorvidClass.hpp"
 #include "corvid/CorvidPackage.hpp"
 
@@ -83,6 +84,10 @@ void addMembersOfTop(lua_State* state, std::set<std::string>& names, bool onlyMe
   } else if (lua_type(state, -1) == LUA_TSTRING) {
     lua_getglobal(state, "string");
     if (lua_istable(state, -1)) addKeys(state, names);
+  } else if (pushRecordNames(state, -1)) {
+    for (lua_Integer i = 1; lua_rawgeti(state, -1, i) == LUA_TSTRING; ++i, lua_pop(state, 1))
+      names.insert(lua_tostring(state, -1));
+    lua_pop(state, 2);
   } else if (lua_istable(state, -1)) {
     addKeys(state, names);
   }

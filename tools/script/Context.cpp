@@ -93,6 +93,14 @@ char const* ScriptFailure::what() const noexcept {
   }
 }
 
+PlacedFailure::PlacedFailure(std::exception const& error, std::string const& place)
+    : m_description(corvid::describeError(error)) {
+  std::string& sentence = m_description.sentence;
+  std::string const& identifier = m_description.identifier;
+  std::string const head = identifier.substr(identifier.rfind(':') + 1) + ": ";
+  if (sentence.compare(0, head.size(), head) == 0) sentence.insert(head.size(), place + ": ");
+}
+
 int rememberCalls(lua_State* state) {
   if (!pushKeptCalls(state)) {
     lua_pushvalue(state, 1);

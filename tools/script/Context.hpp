@@ -5,6 +5,7 @@
 #pragma once
 
 #include <csignal>
+#include <cstdint>
 #include <exception>
 #include <lua.hpp>
 #include <memory>
@@ -12,6 +13,7 @@
 #include <string_view>
 #include <utility>
 
+#include "HeldArray.hpp"
 #include "corvid/HostError.hpp"
 
 namespace luafront {
@@ -23,6 +25,9 @@ struct Context : std::enable_shared_from_this<Context> {
   lua_State* current = nullptr;
   /// Set while an interrupt from the keyboard ends the running script.
   std::sig_atomic_t volatile interrupted = 0;
+  HostMemory memory;
+  /// Grows with each call that may have changed what a walk goes over.
+  std::uint64_t changes = 0;
 
   static Context& of(lua_State* state);
 };
@@ -59,6 +64,18 @@ class ScriptFailure final : public std::exception {
  private:
   std::shared_ptr<LuaReference> m_value;
   mutable std::string m_sentence;
+};
+
+/// An error with the place of the script's object that it is about, on its way to the script.
+class PlacedFailure final : public std::exception {
+ public:
+  /// The place goes in front of the sentence, behind its key; an error without a key stays as it is.
+  PlacedFailure(std::exception const& error, std::string const& place);
+  char const* what() const noexcept override { return m_description.sentence.c_str(); }
+  corvid::ErrorDescription const& description() const noexcept { return m_description; }
+
+ private:
+  corvid::ErrorDescription m_description;
 };
 
 /// Message handlers for protected calls. The first keeps the calls that led to an error that passes through native
@@ -101,6 +118,8 @@ int guarded(lua_State* state) {
     return function(state);
   } catch (ScriptFailure const& failure) {
     failure.push(state);
+  } catch (PlacedFailure const& failure) {
+    pushError(state, failure.description());
   } catch (std::exception const& error) {
     pushError(state, corvid::describeError(error));
   }

@@ -10,7 +10,7 @@ namespace luafront {
 /// An array of the data type "function" that calls the Lua function.
 kestrel::OwnedArray functionToHost(lua_State* state, int index);
 
-/// Pushes the Lua function behind an object made by functionToHost; false, and nothing pushed, for any other object.
-bool pushFunction(lua_State* state, kestrel::Object& object);
+/// Pushes the Lua value behind an object that a script has given; false, and nothing pushed, for any other object.
+bool pushScriptValue(lua_State* state, kestrel::Object& object);
 
 }  // namespace luafront

@@ -8,6 +8,7 @@
 #include "Interrupt.hpp"
 #include "Namespaces.hpp"
 #include "Objects.hpp"
+#include "Records.hpp"
 
 namespace luafront {
 namespace {
@@ -20,12 +21,31 @@ int showValues(lua_State* state) {
   return 0;
 }
 
+// Upvalue: the function of the library, which may close the interpreter.
+int exitProgram(lua_State* state) {
+  if (lua_toboolean(state, 2) != 0) Context::of(state).memory.beginClosing();
+  lua_pushvalue(state, lua_upvalueindex(1));
+  lua_insert(state, 1);
+  lua_call(state, lua_gettop(state) - 1, 0);
+  return 0;
+}
+
+void registerExit(lua_State* state) {
+  lua_getglobal(state, LUA_OSLIBNAME);
+  lua_getfield(state, -1, "exit");
+  lua_pushcclosure(state, guarded<exitProgram>, 1);
+  lua_setfield(state, -2, "exit");
+  lua_pop(state, 1);
+}
+
 int openLibraries(lua_State* state) {
   luaL_openlibs(state);
   registerErrors(state);
   registerArrays(state);
   registerObjects(state);
+  registerRecords(state);
   registerCoroutines(state);
+  registerExit(state);
   registerNamespaces(state);
   registerHostLibrary(state);
   return 0;
@@ -54,10 +74,12 @@ Interpreter::Interpreter(std::ostream& output, std::ostream& errors)
 }
 
 Interpreter::~Interpreter() {
+  m_context->memory.beginClosing();
   lua_close(m_state);
   // What natives still hold of the script finds it closed.
   m_context->main = nullptr;
   m_context->current = nullptr;
+  m_context->memory.freeLeftOver();
 }
 
 void Interpreter::report(std::string const& sentence) { m_errors << "tessel-script: " << sentence << '\n'; }

@@ -118,6 +118,15 @@ void registerNamespaces(lua_State* state) {
   finishType(state, CLASS_TYPE);
 
   lua_pushglobaltable(state);
+  // True globals, which no metatable that a script gives them can hide; by the metatable, packages that come later.
+  for (CorvidPackage* const package : CorvidPackage::topLevelPackages()) {
+    lua_pushstring(state, package->getName().c_str());
+    if (lua_rawget(state, -2) == LUA_TNIL) {
+      pushPointer(state, package, PACKAGE_TYPE);
+      lua_setfield(state, -3, package->getName().c_str());
+    }
+    lua_pop(state, 1);
+  }
   lua_createtable(state, 0, 1);
   setFunction<globalIndex>(state, "__index");
   lua_setmetatable(state, -2);

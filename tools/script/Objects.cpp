@@ -5,6 +5,7 @@
 #include "Calls.hpp"
 #include "Context.hpp"
 #include "Functions.hpp"
+#include "Records.hpp"
 #include "ToHost.hpp"
 #include "ToLua.hpp"
 #include "corvid/Invocation.hpp"
@@ -22,9 +23,8 @@ char const OBJECTS_KEY = 0;
 char const MEMBERS_KEY = 0;
 
 ObjectBox& checkObject(lua_State* state, int index) {
-  auto* const box = static_cast<ObjectBox*>(luaL_checkudata(state, index, OBJECT_TYPE));
-  if (box->self == nullptr) throw corvid::HostError(corvid::ErrorKey::INVALID_HANDLE, "The object has been collected.");
-  return *box;
+  luaL_checkudata(state, index, OBJECT_TYPE);
+  return *toUsableObject(state, index);
 }
 
 bool hasMethod(ObjectBox const& box, char const* name) {
@@ -89,8 +89,21 @@ int index(lua_State* state) {
   if (lua_islightuserdata(state, -1) == 0) return 1;
   auto const& property = *static_cast<CorvidPropInfo const*>(lua_touserdata(state, -1));
   bool const isMany = property.getMultiplicity() == corvid::Multiplicity::Many;
-  pushValue(state, corvid::getProperty(*box.self, property), isMany ? Arity::Many : Arity::Single);
+  kestrel::OwnedArray value = corvid::getProperty(*box.self, property);
+  if (value != nullptr && isRecord(*value) && !property.isReadOnly()) {
+    pushRecord(state, 1, property, std::move(value));
+  } else {
+    pushValue(state, std::move(value), isMany ? Arity::Many : Arity::Single);
+  }
   return 1;
+}
+
+// Sets a property to the value at a stack index; errors name class and property.
+void assign(lua_State* state, ObjectBox const& box, CorvidPropInfo const& property, int index) {
+  ++Context::of(state).changes;
+  bool const isMany = property.getMultiplicity() == corvid::Multiplicity::Many;
+  EmptyTable const empty = isMany ? EmptyTable::AsList : emptyTableFor(property.getDataType());
+  namingProperty(box, property, [&] { corvid::setProperty(*box.self, property, toHost(state, index, empty).get()); });
 }
 
 int newIndex(lua_State* state) {
@@ -102,10 +115,7 @@ int newIndex(lua_State* state) {
   if (lua_islightuserdata(state, -1) == 0)
     throw corvid::HostError(corvid::ErrorKey::READ_ONLY_PROPERTY,
                             "'" + std::string(lua_tostring(state, 2)) + "' is a method and can't be assigned.");
-  auto const& property = *static_cast<CorvidPropInfo const*>(lua_touserdata(state, -1));
-  bool const isMany = property.getMultiplicity() == corvid::Multiplicity::Many;
-  EmptyTable const empty = isMany ? EmptyTable::AsList : emptyTableFor(property.getDataType());
-  corvid::setProperty(*box.self, property, toHost(state, 3, empty).get());
+  assign(state, box, *static_cast<CorvidPropInfo const*>(lua_touserdata(state, -1)), 3);
   return 0;
 }
 
@@ -114,51 +124,111 @@ int length(lua_State* state) {
   return callWith(state, corvid::ContainerMethod::SIZE);
 }
 
-// Upvalues: the keys, an array or nil, and the position reached.
-int nextElement(lua_State* state) {
-  int const keys = lua_upvalueindex(1);
-  bool const isKeyed = !lua_isnil(state, keys);
+// Walks go over what was there when they began, and leave out what isn't any more.
+
+// Upvalues: the keys and the position reached in them. Gives the next key whose element is there.
+int nextKeyed(lua_State* state) {
   lua_settop(state, 1);
-  lua_Integer const position = lua_tointeger(state, lua_upvalueindex(2)) + 1;
-  if (position > luaL_len(state, isKeyed ? keys : 1)) return 0;
-  lua_pushinteger(state, position);
-  lua_replace(state, lua_upvalueindex(2));
-  if (isKeyed) {
-    lua_geti(state, keys, position);
-  } else {
+  ObjectBox const& box = checkObject(state, 1);
+  lua_Integer position = lua_tointeger(state, lua_upvalueindex(2));
+  lua_Integer const count = luaL_len(state, lua_upvalueindex(1));
+  while (++position <= count) {
+    lua_settop(state, 1);
+    lua_geti(state, lua_upvalueindex(1), position);
+    lua_pushvalue(state, 1);
+    lua_pushvalue(state, 2);
+    int const results = callMethod(state, *box.hostClass, makeInterned(corvid::ContainerMethod::AT), 3);
+    if (results == 0 || lua_isnil(state, -1)) continue;
     lua_pushinteger(state, position);
+    lua_replace(state, lua_upvalueindex(2));
+    lua_pushvalue(state, 2);
+    lua_insert(state, -2);
+    return 2;
   }
-  // The key stays at the bottom, above it the arguments: object and key.
-  lua_pushvalue(state, 2);
-  lua_insert(state, 1);
-  int const results = callMethod(state, *checkObject(state, 2).hostClass, makeInterned(corvid::ContainerMethod::AT), 2);
-  if (results == 0) lua_pushnil(state);
-  lua_pushvalue(state, 1);
+  return 0;
+}
+
+// Upvalue: the position reached, among those that there are now.
+int nextPosition(lua_State* state) {
+  lua_settop(state, 1);
+  ObjectBox const& box = checkObject(state, 1);
+  lua_Integer const position = lua_tointeger(state, lua_upvalueindex(1)) + 1;
+  if (position > luaL_len(state, 1)) return 0;
+  lua_pushinteger(state, position);
+  lua_replace(state, lua_upvalueindex(1));
+  lua_pushinteger(state, position);
+  if (callMethod(state, *box.hostClass, makeInterned(corvid::ContainerMethod::AT), 1) == 0) lua_pushnil(state);
+  lua_pushinteger(state, position);
   lua_insert(state, -2);
   return 2;
 }
 
-// The walk of the array of all elements.
-int pairsOfValues(lua_State* state) {
-  callWith(state, corvid::ContainerMethod::VALUES);
-  luaL_getmetafield(state, -1, "__pairs");
-  lua_insert(state, -2);
-  lua_call(state, 1, 3);
-  return 3;
+// Whether the object at the top of the stack is still in the collection at stack index 1. One that has been destroyed
+// can't be asked for, but may still be listed.
+bool isStillThere(lua_State* state, CorvidClass const& hostClass) {
+  ObjectBox const* const element = toObject(state, -1);
+  int const top = lua_gettop(state);
+  if (element != nullptr && !corvid::isLive(*element->self)) {
+    lua_pushvalue(state, 1);
+    callMethod(state, hostClass, makeInterned(corvid::ContainerMethod::VALUES), top + 1);
+    bool isListed = false;
+    for (lua_Integer i = luaL_len(state, -1); i > 0 && !isListed; --i, lua_pop(state, 1)) {
+      lua_geti(state, top + 2, i);
+      isListed = lua_rawequal(state, -1, top) != 0;
+    }
+    lua_settop(state, top);
+    return isListed;
+  }
+  lua_pushvalue(state, 1);
+  lua_pushvalue(state, top);
+  callMethod(state, hostClass, makeInterned(corvid::ContainerMethod::CONTAINS), top + 1);
+  bool const isThere = lua_toboolean(state, -1) != 0;
+  lua_settop(state, top);
+  return isThere;
+}
+
+// Upvalues: the array of all elements, the position reached in it, and the count of changes when it was read. As long
+// as nothing has been changed since, nothing can have been taken out.
+int nextValue(lua_State* state) {
+  lua_settop(state, 1);
+  ObjectBox const& box = checkObject(state, 1);
+  bool const isChanged =
+      Context::of(state).changes != static_cast<std::uint64_t>(lua_tointeger(state, lua_upvalueindex(3)));
+  bool const isChecked = isChanged && hasMethod(box, corvid::ContainerMethod::CONTAINS);
+  lua_Integer position = lua_tointeger(state, lua_upvalueindex(2));
+  lua_Integer const count = luaL_len(state, lua_upvalueindex(1));
+  while (++position <= count) {
+    lua_settop(state, 1);
+    lua_pushinteger(state, position);
+    lua_geti(state, lua_upvalueindex(1), position);
+    if (isChecked && !isStillThere(state, *box.hostClass)) continue;
+    lua_pushinteger(state, position);
+    lua_replace(state, lua_upvalueindex(2));
+    return 2;
+  }
+  return 0;
 }
 
 int pairs(lua_State* state) {
   lua_settop(state, 1);
   ObjectBox const& box = checkObject(state, 1);
-  bool const isKeyed = hasMethod(box, corvid::ContainerMethod::KEYS);
-  if (!isKeyed && hasMethod(box, corvid::ContainerMethod::VALUES)) return pairsOfValues(state);
-  if (!hasMethod(box, corvid::ContainerMethod::AT))
+  if (hasMethod(box, corvid::ContainerMethod::KEYS)) {
+    callWith(state, corvid::ContainerMethod::KEYS);
+    lua_pushinteger(state, 0);
+    lua_pushcclosure(state, guarded<nextKeyed>, 2);
+  } else if (hasMethod(box, corvid::ContainerMethod::VALUES)) {
+    callWith(state, corvid::ContainerMethod::VALUES);
+    lua_pushinteger(state, 0);
+    lua_pushinteger(state, static_cast<lua_Integer>(Context::of(state).changes));
+    lua_pushcclosure(state, guarded<nextValue>, 3);
+  } else if (hasMethod(box, corvid::ContainerMethod::AT)) {
+    lua_pushinteger(state, 0);
+    lua_pushcclosure(state, guarded<nextPosition>, 1);
+  } else {
     throw corvid::HostError(
         corvid::ErrorKey::NO_SUCH_MEMBER,
         "An object of the class '" + box.hostClass->getFullName().text() + "' has no elements to walk.");
-  if (!isKeyed || callWith(state, corvid::ContainerMethod::KEYS) == 0) lua_pushnil(state);
-  lua_pushinteger(state, 0);
-  lua_pushcclosure(state, guarded<nextElement>, 2);
+  }
   lua_pushvalue(state, 1);
   lua_pushnil(state);
   return 3;
@@ -193,7 +263,8 @@ int close(lua_State* state) {
 }
 
 int collect(lua_State* state) {
-  static_cast<ObjectBox*>(luaL_checkudata(state, 1, OBJECT_TYPE))->self.reset();
+  ++Context::of(state).changes;  // a transaction that is let go of takes back what it did
+  static_cast<ObjectBox*>(luaL_checkudata(state, 1, OBJECT_TYPE))->self.letGo(Context::of(state).memory);
   return 0;
 }
 
@@ -229,22 +300,34 @@ void registerObjects(lua_State* state) {
 void pushObject(lua_State* state, kestrel::ObjectRef const& object) {
   if (!object) return lua_pushnil(state);
   lua_rawgetp(state, LUA_REGISTRYINDEX, &OBJECTS_KEY);
-  if (lua_rawgetp(state, -1, object.get()) == LUA_TUSERDATA) return lua_remove(state, -2);
+  // While the interpreter closes, what has been finalized is still in the table, perhaps for an object that is gone.
+  if (lua_rawgetp(state, -1, object.get()) == LUA_TUSERDATA &&
+      static_cast<ObjectBox*>(lua_touserdata(state, -1))->self.get() != nullptr)
+    return lua_remove(state, -2);
   lua_pop(state, 1);
-  if (pushFunction(state, *object)) return lua_remove(state, -2);
+  if (pushScriptValue(state, *object)) return lua_remove(state, -2);
 
   CorvidClass const& hostClass = CorvidClass::requireClass(object->className());
-  auto* const box = new (lua_newuserdatauv(state, sizeof(ObjectBox), 0)) ObjectBox{nullptr, &hostClass};
+  HostMemory& memory = Context::of(state).memory;
+  auto* const box = new (lua_newuserdatauv(state, sizeof(ObjectBox), 0)) ObjectBox{{}, &hostClass};
   luaL_setmetatable(state, OBJECT_TYPE);
-  box->self = kestrel::createObject(object);
+  box->self.take(memory, kestrel::createObject(object));
   lua_pushvalue(state, -1);
   lua_rawsetp(state, -3, object.get());
   lua_remove(state, -2);
+  memory.collectIfDue(state);
 }
 
 ObjectBox* toObject(lua_State* state, int index) {
   auto* const box = static_cast<ObjectBox*>(luaL_testudata(state, index, OBJECT_TYPE));
-  return box != nullptr && box->self != nullptr ? box : nullptr;
+  return box != nullptr && box->self.get() != nullptr ? box : nullptr;
+}
+
+ObjectBox* toUsableObject(lua_State* state, int index) {
+  auto* const box = static_cast<ObjectBox*>(luaL_testudata(state, index, OBJECT_TYPE));
+  if (box != nullptr && box->self.get() == nullptr)
+    throw corvid::HostError(corvid::ErrorKey::INVALID_HANDLE, "The object has been collected.");
+  return box;
 }
 
 }  // namespace luafront

@@ -7,6 +7,7 @@
 
 #include <lua.hpp>
 
+#include "HeldArray.hpp"
 #include "corvid/CorvidClass.hpp"
 #include "kestrel/object_array.hpp"
 
@@ -14,7 +15,7 @@ namespace luafront {
 
 struct ObjectBox {
   /// 1 by 1; null after the userdata was finalized.
-  kestrel::OwnedArray self;
+  HeldArray self;
   corvid::CorvidClass const* hostClass;
 };
 
@@ -23,7 +24,9 @@ void registerObjects(lua_State* state);
 /// Pushes the object of a 1 by 1 object array: the same userdata as before while Lua holds one.
 void pushObject(lua_State* state, kestrel::ObjectRef const& object);
 
-/// Null when the value is no object.
+/// Null when the value is no object, or one that has been finalized.
 ObjectBox* toObject(lua_State* state, int index);
+/// The same, but raises InvalidHandle for one that has been finalized.
+ObjectBox* toUsableObject(lua_State* state, int index);
 
 }  // namespace luafront

@@ -9,6 +9,7 @@
 #include "Functions.hpp"
 #include "Namespaces.hpp"
 #include "Objects.hpp"
+#include "Records.hpp"
 #include "corvid/HostError.hpp"
 #include "corvid/Invocation.hpp"
 #include "groundwork/unicode.hpp"
@@ -17,7 +18,8 @@
 namespace luafront {
 namespace {
 
-constexpr int DEEPEST_TABLE = 64;
+// Each level takes some of the stack of the machine.
+constexpr int DEEPEST_TABLE = 1000;
 // The field by which a table of initial values names a class.
 constexpr char const* CLASS_FIELD = "class";
 
@@ -68,7 +70,8 @@ class TableReader {
  public:
   TableReader(lua_State* state, int index, int depth)
       : m_state(state), m_index(lua_absindex(state, index)), m_depth(depth) {
-    if (depth == 0) refuse("A table is nested too deeply, or in itself.");
+    if (depth == 0)
+      refuse("A table is nested more than " + std::to_string(DEEPEST_TABLE) + " levels deep, or in itself.");
     luaL_checkstack(state, 8, "a table is nested too deeply");
   }
 
@@ -104,9 +107,10 @@ class TableReader {
   }
 
   kestrel::OwnedArray convertTop() {
-    kestrel::OwnedArray converted = lua_istable(m_state, -1)
-                                        ? TableReader(m_state, -1, m_depth - 1).read(EmptyTable::AsStruct)
-                                        : toHost(m_state, -1).take();
+    kestrel::OwnedArray converted = recordToHost(m_state, -1);
+    if (converted == nullptr)
+      converted = lua_istable(m_state, -1) ? TableReader(m_state, -1, m_depth - 1).read(EmptyTable::AsStruct)
+                                           : toHost(m_state, -1).take();
     lua_pop(m_state, 1);
     return converted;
   }
@@ -191,7 +195,7 @@ class TableReader {
 };
 
 HostValue userdataToHost(lua_State* state, int index) {
-  if (ObjectBox const* const box = toObject(state, index)) return HostValue(*box->self);
+  if (ObjectBox const* const box = toUsableObject(state, index)) return HostValue(*box->self);
   if (kestrel_array const* const array = toArray(state, index)) return HostValue(*array);
   refuse("A package or class is no value here.");
 }
@@ -225,13 +229,14 @@ HostValue toHost(lua_State* state, int index, EmptyTable empty) {
     case LUA_TSTRING:
       return HostValue(kestrel::createChar(utf16Of(state, index)));
     case LUA_TTABLE:
+      if (kestrel::OwnedArray record = recordToHost(state, index)) return HostValue(std::move(record));
       return HostValue(TableReader(state, index, DEEPEST_TABLE).read(empty));
     case LUA_TFUNCTION:
       return HostValue(functionToHost(state, index));
     case LUA_TUSERDATA:
       return userdataToHost(state, index);
     default:
-      refuse(std::string("A Lua value of the type '") + luaL_typename(state, index) + "' is no value of the host.");
+      refuse(std::string("A value of the type '") + luaL_typename(state, index) + "' can't leave its script.");
   }
 }
 

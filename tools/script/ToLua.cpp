@@ -6,12 +6,16 @@
 #include "Arrays.hpp"
 #include "Functions.hpp"
 #include "Objects.hpp"
+#include "corvid/HostError.hpp"
 #include "corvid/Invocation.hpp"
 #include "groundwork/unicode.hpp"
 #include "kestrel/array.hpp"
 
 namespace luafront {
 namespace {
+
+// Each level takes some of the stack of the machine.
+constexpr int DEEPEST_VALUE = 1000;
 
 void pushText(lua_State* state, std::u16string_view text) {
   std::string const utf8 = groundwork::toUtf8(text);
@@ -50,30 +54,49 @@ void pushNumber(lua_State* state, kestrel_array const& array, std::size_t index)
   }
 }
 
-void pushCopy(lua_State* state, kestrel_array const* array) {
-  pushValue(state, kestrel::deepCopy(array), Arity::Unknown);
-}
-
-void pushFields(lua_State* state, kestrel_array const& array, std::size_t index) {
-  lua_newtable(state);
-  for (std::string const& name : kestrel::fieldNames(array)) {
-    lua_pushlstring(state, name.data(), name.size());
-    pushCopy(state, kestrel::field(array, index, name));
-    lua_rawset(state, -3);
-  }
-}
-
 bool isTabular(kestrel::ClassId id) { return id == kestrel::ClassId::Struct || id == kestrel::ClassId::Cell; }
 
-// A list of the elements of a cell or struct array.
-void pushList(lua_State* state, kestrel_array const& array) {
-  std::size_t const count = kestrel::numberOfElements(array);
-  lua_createtable(state, static_cast<int>(count), 0);
-  for (std::size_t i = 0; i < count; ++i) {
-    pushElement(state, array, i);
-    lua_rawseti(state, -2, static_cast<lua_Integer>(i) + 1);
+// Structs and cells on their way to tables; those within them with a smaller depth left.
+class TableMaker {
+ public:
+  TableMaker(lua_State* state, int depth) : m_state(state), m_depth(depth) {
+    if (depth == 0)
+      throw corvid::HostError(
+          corvid::ErrorKey::WRONG_TYPE,
+          "A value is nested more than " + std::to_string(DEEPEST_VALUE) + " levels deep, which no table shows.");
+    luaL_checkstack(state, 6, "a value is nested too deeply");
   }
-}
+
+  void pushAll(kestrel_array const& array) const {
+    std::size_t const count = kestrel::numberOfElements(array);
+    lua_createtable(m_state, static_cast<int>(count), 0);
+    for (std::size_t i = 0; i < count; ++i) {
+      pushOne(array, i);
+      lua_rawseti(m_state, -2, static_cast<lua_Integer>(i) + 1);
+    }
+  }
+  void pushOne(kestrel_array const& array, std::size_t index) const {
+    if (kestrel::baseClass(array) == kestrel::ClassId::Cell) return pushHeld(kestrel::cell(array, index));
+    lua_newtable(m_state);
+    for (std::string const& name : kestrel::fieldNames(array)) {
+      lua_pushlstring(m_state, name.data(), name.size());
+      pushHeld(kestrel::field(array, index, name));
+      lua_rawset(m_state, -3);
+    }
+  }
+
+ private:
+  // A copy is made only of what stays an array.
+  void pushHeld(kestrel_array const* held) const {
+    if (held == nullptr) return lua_pushnil(m_state);
+    if (!isTabular(kestrel::baseClass(*held))) return pushValue(m_state, kestrel::deepCopy(held), Arity::Unknown);
+    TableMaker const inner(m_state, m_depth - 1);
+    kestrel::isStruct(*held) && kestrel::isScalar(*held) ? inner.pushOne(*held, 0) : inner.pushAll(*held);
+  }
+
+  lua_State* m_state;
+  int m_depth;
+};
 
 }  // namespace
 
@@ -92,9 +115,8 @@ void pushElement(lua_State* state, kestrel_array const& array, std::size_t index
       if (kestrel::MaybeString const& text = kestrel::stringElement(array, index)) return pushText(state, *text);
       return lua_pushnil(state);
     case kestrel::ClassId::Struct:
-      return pushFields(state, array, index);
     case kestrel::ClassId::Cell:
-      return pushCopy(state, kestrel::cell(array, index));
+      return TableMaker(state, DEEPEST_VALUE).pushOne(array, index);
     default:
       return pushNumber(state, array, index);
   }
@@ -109,7 +131,7 @@ void pushValue(lua_State* state, kestrel::OwnedArray array, Arity arity) {
   // A cell of one is still a list.
   bool const isElement = kestrel::isScalar(*array) && arity != Arity::Many && id != kestrel::ClassId::Cell;
   if (isElement) return pushElement(state, *array, 0);
-  if (isTabular(id)) return pushList(state, *array);
+  if (isTabular(id)) return TableMaker(state, DEEPEST_VALUE).pushAll(*array);
   pushArray(state, std::move(array));
 }
 

@@ -138,8 +138,12 @@ std::size_t firstLost(kestrel_array const& value, kestrel_array const& converted
 
 [[noreturn]] void refuseNumber(DataType const& type, kestrel_array const& value, std::size_t index) {
   std::string const place = kestrel::isScalar(value) ? "" : " (element " + std::to_string(index + 1) + ")";
-  throw HostError(ErrorKey::VALUE_OUT_OF_RANGE, "A value of the class '" + kestrel::nameOf(type.id).text() +
-                                                    "' can't be " + describeNumber(value, index) + place + ".");
+  DataType one = type;
+  one.shape = Shape::Scalar;
+  std::string wanted = describeType(one, Multiplicity::Single);
+  if (isFloating(type.id)) wanted += type.id == kestrel::ClassId::Double ? " of 53 bits at most" : " below 3.4e38";
+  throw HostError(ErrorKey::VALUE_OUT_OF_RANGE,
+                  "Expected " + wanted + ", not " + describeNumber(value, index) + place + ".");
 }
 
 std::size_t firstNan(kestrel_array const& value) {

@@ -43,19 +43,24 @@ void CorvidTypeRepository::addConversion(std::string_view from, std::string_view
 
 void CorvidTypeRepository::requireType(Identifier type) { dataType(type); }
 
-kestrel_array const& CorvidTypeRepository::coerce(Identifier type, kestrel_array const& value,
-                                                  kestrel::OwnedArray& holder) {
+kestrel_array const* coerceOrNull(Identifier type, kestrel_array const& value, kestrel::OwnedArray& holder) {
   static Identifier const any = internal::makeInterned("any");
   DataType const& wanted = dataType(type);
-  if (conforms(wanted, value)) return value;
+  if (conforms(wanted, value)) return &value;
   if (CorvidTypeConverter const* const converter = findConversion({any, type})) {
     holder = converter->convert(value);
-    if (holder != nullptr && conforms(wanted, *holder)) return *holder;
+    if (holder != nullptr && conforms(wanted, *holder)) return holder.get();
   }
   holder = convertBuiltIn(wanted, value);
-  if (holder != nullptr) return *holder;
-  throw HostError(ErrorKey::WRONG_TYPE,
-                  "Expected a value of the type '" + type.text() + "', not " + describeValue(value) + ".");
+  return holder.get();
+}
+
+kestrel_array const& CorvidTypeRepository::coerce(Identifier type, kestrel_array const& value,
+                                                  kestrel::OwnedArray& holder) {
+  if (kestrel_array const* const coerced = coerceOrNull(type, value, holder)) return *coerced;
+  DataType const& wanted = dataType(type);
+  bool const isRow = wanted.shape == DataType::Shape::Vector;
+  throw wrongType(wanted, isRow ? Multiplicity::Many : Multiplicity::Single, value);
 }
 
 }  // namespace corvid

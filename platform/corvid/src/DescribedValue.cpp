@@ -53,17 +53,62 @@ std::string describeNumber(kestrel_array const& numbers, std::size_t index) {
   }
 }
 
-std::string describeValue(kestrel_array const& value) {
-  if (isOneText(value)) return quoted(kestrel::scalarText(value));
-  if (isPlainNumber(value)) return describeNumber(value, 0);
-  std::string const className = "'" + kestrel::className(value).text() + "'";
-  kestrel::Dimensions const size = kestrel::dimensions(value);
+namespace {
+
+// Whether of all arrays it is the one that stands for nothing.
+bool isNothing(kestrel_array const& value) {
   bool const isPlainDouble = kestrel::classIdentifier(value) == static_cast<std::uint32_t>(kestrel::ClassId::Double);
-  if (isPlainDouble && size == kestrel::EMPTY) return "nothing";
-  if (kestrel::isEmpty(value)) return "an empty " + className;
-  if (kestrel::isStruct(value) && kestrel::fieldNames(value).empty()) return "a struct without fields";
-  if (kestrel::isScalar(value)) return "one " + className;
-  return std::to_string(size.rows) + " by " + std::to_string(size.columns) + " " + className;
+  return isPlainDouble && kestrel::dimensions(value) == kestrel::EMPTY;
+}
+
+bool isPlainNumeric(kestrel_array const& value) {
+  return kestrel::isNumeric(value) && (kestrel::classIdentifier(value) & kestrel::BUILT_IN_BASED_FLAG) == 0;
+}
+
+// The noun for an element, and for several.
+std::string nounOf(kestrel_array const& value, bool several) {
+  if (isPlainNumeric(value)) {
+    bool const isTruth = kestrel::baseClass(value) == kestrel::ClassId::Logical;
+    return std::string(isTruth ? "boolean" : "number") + (several ? "s" : "");
+  }
+  switch (kestrel::baseClass(value)) {
+    case kestrel::ClassId::Char:
+    case kestrel::ClassId::String:
+      return several ? "strings" : "string";
+    case kestrel::ClassId::Struct:
+      return several ? "tables" : "table";
+    case kestrel::ClassId::Cell:
+      return several ? "values" : "value";
+    default:
+      return (several ? "objects of the class '" : "object of the class '") + kestrel::className(value).text() + "'";
+  }
+}
+
+std::string describeOne(kestrel_array const& value) {
+  if (kestrel::baseClass(value) == kestrel::ClassId::Cell) return "a list of one value";
+  if (kestrel::isStruct(value)) return kestrel::fieldNames(value).empty() ? "an empty table" : "a table with names";
+  if (kestrel::className(value).text() == "function") return "a function";
+  std::string const noun = nounOf(value, false);
+  return (noun.front() == 'o' ? "an " : "a ") + noun;
+}
+
+}  // namespace
+
+std::string describeValue(kestrel_array const& value) {
+  if (isOneText(value)) return "the string " + quoted(kestrel::scalarText(value));
+  if (isPlainNumber(value)) {
+    bool const isTruth = kestrel::baseClass(value) == kestrel::ClassId::Logical;
+    return (isTruth ? "" : "the number ") + describeNumber(value, 0);
+  }
+  if (isNothing(value)) return "nil";
+  if (kestrel::baseClass(value) == kestrel::ClassId::Cell && kestrel::isEmpty(value)) return "an empty list";
+  if (kestrel::isEmpty(value)) return "an empty list of " + nounOf(value, true);
+  if (kestrel::isScalar(value)) return describeOne(value);
+  kestrel::Dimensions const size = kestrel::dimensions(value);
+  bool const isRow = size.rows == 1 || size.columns == 1;
+  std::string const extent =
+      isRow ? std::to_string(size.count()) : std::to_string(size.rows) + " by " + std::to_string(size.columns);
+  return (isRow ? "a list of " : "an array of ") + extent + " " + nounOf(value, true);
 }
 
 }  // namespace corvid

@@ -31,6 +31,12 @@ std::size_t CorvidMethodSignature::minimumInputs() const noexcept {
   return m_inputs.size() - std::min(m_optionalTrailing, m_inputs.size());
 }
 
+kestrel_array const& MethodCall::input(std::size_t index) const {
+  if (!isLeftOut(index)) return *m_inputs[index];
+  if (m_leftOut == nullptr) m_leftOut = kestrel::createEmpty(kestrel::ClassId::Double);
+  return *m_leftOut;
+}
+
 kestrel_array& MethodCall::newObject() const {
   if (m_newObject == nullptr)
     throw HostError(ErrorKey::BAD_DESCRIPTION, "Only a constructor is given a new object to bind.");

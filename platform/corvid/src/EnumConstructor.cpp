@@ -1,5 +1,6 @@
 #include "EnumConstructor.hpp"
 
+#include "Coercion.hpp"
 #include "corvid/CorvidClass.hpp"
 #include "corvid/CorvidTypeRepository.hpp"
 #include "corvid/HostError.hpp"
@@ -21,8 +22,7 @@ void EnumConstructor::invoke(MethodCall& call) const {
   if (kestrel::isText(value)) {
     std::string const literal = groundwork::toUtf8(kestrel::scalarText(value));
     CorvidEnumInfo const* const member = m_class.findEnumValue(internal::makeInterned(literal));
-    if (member == nullptr)
-      throw HostError(ErrorKey::WRONG_TYPE, "'" + literal + "' is no literal of " + m_class.getFullName().text() + ".");
+    if (member == nullptr) throw wrongType(dataType(m_class.getFullName()), Multiplicity::Single, value);
     return call.setOutput(kestrel::deepCopy(&member->getValue()));
   }
   kestrel::OwnedArray converted;

@@ -1,5 +1,7 @@
 #include "corvid/Invocation.hpp"
 
+#include <algorithm>
+
 #include "Coercion.hpp"
 #include "ScriptObject.hpp"
 #include "corvid/CorvidTypeRepository.hpp"
@@ -10,18 +12,17 @@
 namespace corvid {
 namespace {
 
-[[noreturn]] void refuseSelf(kestrel_array const& self) {
+[[noreturn]] void refuseSelf(Identifier member, kestrel_array const& self) {
   if (kestrel::numberOfElements(self) > 1 || !kestrel::isObject(self))
-    throw HostError(ErrorKey::WRONG_TYPE, "Expected one object, not " +
-                                              std::to_string(kestrel::numberOfElements(self)) +
-                                              " elements of the class '" + kestrel::className(self).text() + "'.");
+    throw HostError(ErrorKey::WRONG_TYPE,
+                    "'" + member.text() + "' is a member of one object, not of " + describeValue(self) + ".");
   factory::impl::reportInvalidSelf(kestrel::className(self));
 }
 
 // One object whose native can be used.
-void checkSelf(kestrel_array const& self) {
+void checkSelf(Identifier member, kestrel_array const& self) {
   kestrel::Object const* const object = kestrel::soleObject(self);
-  if (object == nullptr || !object->isLive()) refuseSelf(self);
+  if (object == nullptr || !object->isLive()) refuseSelf(member, self);
 }
 
 bool isSingleObject(Identifier type) {
@@ -31,30 +32,64 @@ bool isSingleObject(Identifier type) {
 
 bool has(CorvidMethodInfo const& method, unsigned attribute) { return (method.getAttributes() & attribute) != 0; }
 
+// Inputs of which null are only optional ones in front of others that are given.
+class GivenInputs {
+ public:
+  GivenInputs(Inputs const& inputs, CorvidMethodInfo const* method) : m_inputs(inputs) {
+    std::size_t const least = method != nullptr ? method->getSignature().minimumInputs() : inputs.size();
+    while (m_inputs.size() > least && m_inputs.back() == nullptr) m_inputs.pop_back();
+    for (std::size_t i = 0; i < std::min(least, m_inputs.size()); ++i)
+      if (m_inputs[i] == nullptr) m_inputs[i] = &none();
+  }
+
+  Inputs const& get() const noexcept { return m_inputs; }
+
+ private:
+  kestrel_array const& none() {
+    if (m_none == nullptr) m_none = kestrel::createEmpty(kestrel::ClassId::Double);
+    return *m_none;
+  }
+
+  Inputs m_inputs;
+  kestrel::OwnedArray m_none;
+};
+
 // Inputs as a method's signature wants them, with the arrays that had to be made for it. Optional ones, and a self that
 // its method judges, stay as they are where they can't be converted.
 class CoercedInputs {
  public:
-  CoercedInputs(CorvidMethodInfo const& method, Inputs const& inputs) : m_inputs(inputs) {
+  CoercedInputs(CorvidMethodInfo const& method, Inputs const& inputs, std::size_t selves) : m_inputs(inputs) {
     std::vector<Identifier> const& types = method.getSignature().inputs();
     m_made.resize(inputs.size());
     for (std::size_t i = 0; i < inputs.size(); ++i) {
+      if (inputs[i] == nullptr) continue;
       bool const isLenientSelf = i == 0 && has(method, MethodAttribute::LENIENT_SELF);
-      bool const lenient = isLenientSelf || i >= method.getSignature().minimumInputs();
-      m_inputs[i] =
-          lenient ? &coerceIfPossible(types[i], *inputs[i], m_made[i]) : &coerceToOne(types[i], *inputs[i], m_made[i]);
+      if (isLenientSelf || i >= method.getSignature().minimumInputs()) {
+        m_inputs[i] = &coerceIfPossible(types[i], *inputs[i], m_made[i]);
+      } else {
+        m_inputs[i] = &coerceArgument(method, i, selves, m_made[i]);
+      }
     }
   }
 
   Inputs const& get() const noexcept { return m_inputs; }
 
  private:
+  // Errors name the argument, counted as a caller does.
+  kestrel_array const& coerceArgument(CorvidMethodInfo const& method, std::size_t index, std::size_t selves,
+                                      kestrel::OwnedArray& made) const {
+    try {
+      return coerceToOne(method.getSignature().inputs()[index], *m_inputs[index], made);
+    } catch (HostError const& error) {
+      if (index < selves) throw;
+      throw error.at("Argument " + std::to_string(index + 1 - selves) + " of '" + method.getName().text() + "'");
+    }
+  }
   // Only a type that is a vector asks for more than one object.
   static kestrel_array const& coerceToOne(Identifier type, kestrel_array const& value, kestrel::OwnedArray& made) {
     kestrel_array const& coerced = CorvidTypeRepository::coerce(type, value, made);
     if (kestrel::numberOfElements(coerced) > 1 && isSingleObject(type))
-      throw HostError(ErrorKey::WRONG_TYPE,
-                      "Expected one object of the class '" + type.text() + "', not " + describeValue(value) + ".");
+      throw wrongType(dataType(type), Multiplicity::Single, value);
     return coerced;
   }
   static kestrel_array const& coerceIfPossible(Identifier type, kestrel_array const& value, kestrel::OwnedArray& made) {
@@ -69,11 +104,15 @@ class CoercedInputs {
   std::vector<kestrel::OwnedArray> m_made;
 };
 
+// Objects that an instance method has among its inputs, in front of its arguments.
+std::size_t countSelves(CorvidClass const& hostClass, CorvidMethodInfo const& method) {
+  return method.getName() != hostClass.getName() && !has(method, MethodAttribute::STATIC) ? 1 : 0;
+}
+
 // Counts as a caller does: without the object that a method is called on.
 [[noreturn]] void reportCount(CorvidClass const& hostClass, CorvidMethodInfo const& method, std::size_t inputs) {
   CorvidMethodSignature const& signature = method.getSignature();
-  bool const hasSelf = method.getName() != hostClass.getName() && !has(method, MethodAttribute::STATIC);
-  std::size_t const self = hasSelf ? 1 : 0;
+  std::size_t const self = countSelves(hostClass, method);
   std::string const name = "'" + method.getName().text() + "'";
   if (inputs < self) throw HostError(ErrorKey::WRONG_ARGUMENT_COUNT, name + " was called without its object.");
   std::size_t const least = signature.minimumInputs() - self;
@@ -95,8 +134,7 @@ CorvidMethodInfo const* findMethod(CorvidClass const& hostClass, Identifier name
 }
 
 [[noreturn]] void reportWrongValue(CorvidPropInfo const& property, kestrel_array const& value) {
-  throw HostError(ErrorKey::WRONG_TYPE,
-                  "The property '" + property.getName().text() + "' can't be " + describeValue(value) + ".");
+  throw wrongType(dataType(property.getValueType()), property.getMultiplicity(), value);
 }
 
 kestrel::OwnedArray newObject(CorvidClass& hostClass) {
@@ -124,8 +162,9 @@ kestrel::OwnedArray construct(CorvidClass& hostClass, Inputs const& inputs) {
     throw HostError(ErrorKey::ABSTRACT_CLASS,
                     "Class '" + hostClass.getFullName().text() + "' is abstract: only its subclasses have objects.");
   CorvidMethodInfo const* const constructor = findMethod(hostClass, hostClass.getName(), inputs.size());
+  GivenInputs const given(inputs, constructor);
   if (info.isEnumeration()) {
-    MethodCall call(inputs, true);
+    MethodCall call(given.get(), true);
     constructor->invoke(call);
     return call.takeOutput();
   }
@@ -134,7 +173,7 @@ kestrel::OwnedArray construct(CorvidClass& hostClass, Inputs const& inputs) {
     constructDefault(hostClass, *self);
     return self;
   }
-  CoercedInputs const coerced(*constructor, inputs);
+  CoercedInputs const coerced(*constructor, given.get(), 0);
   MethodCall call(coerced.get(), false, self.get());
   constructor->invoke(call);
   if (!isLive(*self))
@@ -150,23 +189,23 @@ CorvidPropInfo const& requireProperty(CorvidClass const& hostClass, Identifier n
 }
 
 kestrel::OwnedArray getProperty(kestrel_array const& self, CorvidPropInfo const& property) {
-  checkSelf(self);
+  checkSelf(property.getName(), self);
   return property.getValue(self);
 }
 
 void setProperty(kestrel_array const& self, CorvidPropInfo const& property, kestrel_array const& value) {
   if (property.isReadOnly())
     throw HostError(ErrorKey::READ_ONLY_PROPERTY, "The property '" + property.getName().text() + "' can't be set.");
-  checkSelf(self);
+  checkSelf(property.getName(), self);
   bool const isRow = kestrel::isObject(value) && kestrel::numberOfElements(value) > 1;
   if (isRow && property.getMultiplicity() != Multiplicity::Many && isSingleObject(property.getDataType()))
     reportWrongValue(property, value);
   kestrel::OwnedArray made;
   bool const clears = property.getMultiplicity() == Multiplicity::Optional && kestrel::isEmpty(value);
-  kestrel_array const& coerced = clears ? value : CorvidTypeRepository::coerce(property.getDataType(), value, made);
-  if (!property.isCorrectType(coerced)) reportWrongValue(property, value);
-  if (!isLive(coerced)) factory::impl::reportInvalidSelf(kestrel::className(coerced));
-  property.setValue(self, coerced);
+  kestrel_array const* const coerced = clears ? &value : coerceOrNull(property.getDataType(), value, made);
+  if (coerced == nullptr || !property.isCorrectType(*coerced)) reportWrongValue(property, value);
+  if (!isLive(*coerced)) factory::impl::reportInvalidSelf(kestrel::className(*coerced));
+  property.setValue(self, *coerced);
 }
 
 CorvidMethodInfo const& requireMethod(CorvidClass const& hostClass, Identifier name, std::size_t inputs) {
@@ -175,13 +214,16 @@ CorvidMethodInfo const& requireMethod(CorvidClass const& hostClass, Identifier n
                   "Class '" + hostClass.getFullName().text() + "' has no method '" + name.text() + "'.");
 }
 
-kestrel::OwnedArray invoke(CorvidClass const& hostClass, Identifier method, Inputs const& inputs, bool wantsOutput) {
+kestrel::OwnedArray invoke(CorvidClass const& hostClass, Identifier method, Inputs const& inputs, bool wantsOutput,
+                           std::vector<kestrel::OwnedArray>* further) {
   CorvidMethodInfo const& reached = requireMethod(hostClass, method, inputs.size());
+  GivenInputs const given(inputs, &reached);
   bool const judgesSelf = has(reached, MethodAttribute::STATIC) || has(reached, MethodAttribute::LENIENT_SELF);
-  if (!judgesSelf && !inputs.empty()) checkSelf(*inputs.front());
-  CoercedInputs const coerced(reached, inputs);
+  if (!judgesSelf && !given.get().empty()) checkSelf(method, *given.get().front());
+  CoercedInputs const coerced(reached, given.get(), countSelves(hostClass, reached));
   MethodCall call(coerced.get(), wantsOutput);
   reached.invoke(call);
+  if (further != nullptr) *further = call.takeFurtherOutputs();
   return call.takeOutput();
 }
 

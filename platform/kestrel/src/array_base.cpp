@@ -13,35 +13,6 @@ constexpr std::array<char const*, 16> CLASS_NAMES = {"",       "cell",   "struct
                                                      "int32",  "uint32", "int64",  "uint64"};
 constexpr std::array<std::size_t, 16> PLAIN_SIZES = {0, 0, 0, sizeof(bool), 2, 0, 8, 4, 1, 1, 2, 2, 4, 4, 8, 8};
 
-detail::Cells copyCells(detail::Cells const& cells) {
-  detail::Cells copies;
-  copies.reserve(cells.size());
-  for (OwnedArray const& cell : cells) copies.push_back(deepCopy(cell.get()));
-  return copies;
-}
-
-// Makes a copy of an array from its store.
-struct StoreCopier {
-  kestrel_array const& original;
-
-  template <class T, class... Arguments>
-  OwnedArray make(Arguments&&... arguments) const {
-    return detail::makeArray<T>(original.id, original.dimensions, std::forward<Arguments>(arguments)...);
-  }
-  OwnedArray operator()(detail::Plain const& plain) const { return make<detail::Plain>(plain); }
-  OwnedArray operator()(detail::Strings const& strings) const { return make<detail::Strings>(strings); }
-  OwnedArray operator()(detail::Cells const& cells) const { return make<detail::Cells>(copyCells(cells)); }
-  OwnedArray operator()(detail::Fields const& fields) const {
-    return make<detail::Fields>(fields.names, copyCells(fields.values));
-  }
-  OwnedArray operator()(detail::Objects const& objects) const {
-    detail::Objects copies;
-    copies.reserve(objects.size());
-    for (ObjectRef const& object : objects) copies.push_back(object ? object->copyForContainment() : nullptr);
-    return make<detail::Objects>(std::move(copies));
-  }
-};
-
 }  // namespace
 
 namespace detail {
@@ -65,15 +36,6 @@ void checkIndex(kestrel_array const& array, std::size_t index) {
 }
 
 }  // namespace detail
-
-void destroy(kestrel_array* array) noexcept { delete array; }
-
-OwnedArray deepCopy(kestrel_array const* array) {
-  if (array == nullptr) return nullptr;
-  OwnedArray copy = std::visit(StoreCopier{*array}, array->store);
-  copy->ownClass = array->ownClass;
-  return copy;
-}
 
 PropertyArray copyForPropertyContainment(kestrel_array const* array) {
   return PropertyArray(deepCopy(array).release());

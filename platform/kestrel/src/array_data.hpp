@@ -84,6 +84,14 @@ OwnedArray makeArray(ClassId id, Dimensions const& dimensions, Arguments&&... ar
   return OwnedArray(new kestrel_array(id, dimensions, std::in_place_type<T>, std::forward<Arguments>(arguments)...));
 }
 
+// What an array holds in its cells, or in its fields; null for an array that holds no others.
+inline Cells* cellsOf(kestrel_array& array) noexcept {
+  if (Cells* const cells = std::get_if<Cells>(&array.store)) return cells;
+  Fields* const fields = std::get_if<Fields>(&array.store);
+  return fields != nullptr ? &fields->values : nullptr;
+}
+inline Cells const* cellsOf(kestrel_array const& array) noexcept { return cellsOf(const_cast<kestrel_array&>(array)); }
+
 // The store of that kind; raises WrongClass for an array of another one.
 template <class T>
 T& storeAs(kestrel_array& array, char const* wanted) {

@@ -66,6 +66,19 @@ void setField(kestrel_array& array, std::size_t index, std::string_view name, Ow
   fields.values[index * fields.names.size() + position] = std::move(value);
 }
 
+void removeField(kestrel_array& array, std::string_view name) {
+  auto& fields = detail::storeAs<detail::Fields>(array, "struct");
+  std::size_t const width = fields.names.size();
+  std::size_t const removed = fields.indexOf(name);
+  if (removed == width) return;
+  detail::Cells narrowed;
+  narrowed.reserve(fields.values.size() - numberOfElements(array));
+  for (std::size_t i = 0; i < fields.values.size(); ++i)
+    if (i % width != removed) narrowed.push_back(std::move(fields.values[i]));
+  fields.values = std::move(narrowed);
+  fields.names.erase(fields.names.begin() + static_cast<std::ptrdiff_t>(removed));
+}
+
 OwnedArray createCell(Dimensions dimensions) {
   std::size_t const count = detail::checkedCount(dimensions, sizeof(OwnedArray));
   return detail::makeArray<detail::Cells>(ClassId::Cell, dimensions, count);
@@ -77,6 +90,12 @@ kestrel_array const* cell(kestrel_array const& array, std::size_t index) {
 
 void setCell(kestrel_array& array, std::size_t index, OwnedArray value) {
   detail::slotAt<detail::Cells>(array, index, "cell") = std::move(value);
+}
+
+void resizeCells(kestrel_array& array, std::size_t count) {
+  auto& cells = detail::storeAs<detail::Cells>(array, "cell");
+  cells.resize(count);
+  array.dimensions = row(count);
 }
 
 }  // namespace kestrel

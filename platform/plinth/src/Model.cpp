@@ -1,5 +1,7 @@
 #include "plinth/Model.hpp"
 
+#include <boost/uuid/uuid_io.hpp>
+
 #include "ChangePublisher.hpp"
 #include "LiveObjects.hpp"
 #include "plinth/FailurePoint.hpp"
@@ -127,7 +129,11 @@ void ModelImpl::announce(ModelElementImpl& element) {
   failurePoint("announce");
   m_log.reserve();
   m_directory.reserve(element);
-  if (!m_directory.add(element)) reportException(messages::UniquenessConstraint());
+  if (!m_directory.add(element)) {
+    messages::UniquenessConstraint taken;
+    taken.arguments = {boost::uuids::to_string(element.getUuid()), std::string("the model")};
+    reportException(taken);
+  }
   element.addRefUnshared();  // the model's own
   element.m_live = 1;
   element.m_state |= ANNOUNCED;

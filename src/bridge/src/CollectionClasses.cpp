@@ -8,6 +8,9 @@
 #include "corvid/factory/CorvidFactoryClassInfo.hpp"
 #include "kestrel/array.hpp"
 #include "plinth/bridge/ElementShapes.hpp"
+#include "plinth/collections/ReferenceAssociative.hpp"
+#include "plinth/collections/ReferenceSequence.hpp"
+#include "plinth/collections/SubsetView.hpp"
 
 namespace plinth::bridge {
 namespace {
@@ -76,10 +79,35 @@ ModelElement elementAt(MethodCall const& call, std::size_t input) {
 }
 
 /// For what changes a collection: nothing is no element. Raises InvalidHandle.
+void requireGiven(ModelElement const& element) {
+  if (element.isEmpty()) throw corvid::HostError(corvid::ErrorKey::INVALID_HANDLE, "Expected an element, not nil.");
+}
+
 ModelElement requireElement(MethodCall const& call, std::size_t input) {
   ModelElement element = elementAt(call, input);
+  requireGiven(element);
   corvid::factory::impl::validateSelfPointer<ModelElement>(element);
   return element;
+}
+
+/// For what only looks for an element: nothing is nowhere, and of one that is destroyed no question can be answered.
+/// Raises InvalidHandle.
+ModelElement soughtElement(MethodCall const& call, std::size_t input) {
+  ModelElement const element = elementAt(call, input);
+  return element.isEmpty() ? element : requireElement(call, input);
+}
+
+/// A member that is destroyed can still be taken out; the untyped view would do nothing.
+void removeDestroyed(ReferenceCollection& collection, ModelElement const& element) {
+  if (auto* const view = dynamic_cast<SubsetView*>(&collection)) return removeDestroyed(view->parent(), element);
+  if (auto* const sequence = dynamic_cast<ReferenceSequence*>(&collection)) return sequence->removeElement(element);
+  if (auto* const others = dynamic_cast<ReferenceAssociative*>(&collection)) others->removeMember(element);
+}
+
+void remove(Collection const& self, MethodCall& call) {
+  ModelElement const element = elementAt(call, 1);
+  requireGiven(element);
+  element ? self.view().genericRemove(element) : removeDestroyed(*self, element);
 }
 
 void outputElement(MethodCall& call, ModelElement const& element) {
@@ -125,12 +153,11 @@ void addCommon(MethodAdder<Tag> const& methods) {
   methods.read("values", ELEMENTS, {},
                [](Collection const& self, MethodCall& call) { outputElements(call, self->getAllValues()); });
   methods.read("contains", TRUTH, {ELEMENT}, [](Collection const& self, MethodCall& call) {
-    call.setOutput(kestrel::createScalar(self.view().genericContains(elementAt(call, 1))));
+    call.setOutput(kestrel::createScalar(self.view().genericContains(soughtElement(call, 1))));
   });
   methods.add("add", "", {ELEMENT},
               [](Collection const& self, MethodCall& call) { self.view().genericAdd(requireElement(call, 1)); });
-  methods.add("remove", "", {ELEMENT},
-              [](Collection const& self, MethodCall& call) { self.view().genericRemove(requireElement(call, 1)); });
+  methods.add("remove", "", {ELEMENT}, &remove);
   methods.add("clear", "", {}, [](Collection const& self, MethodCall&) { self.view().genericClear(); });
 }
 
@@ -140,7 +167,7 @@ void addPositional(MethodAdder<SequenceTag> const& methods) {
     outputElement(call, position == 0 ? ModelElement() : self.sequence().genericAt(position - 1));
   });
   methods.read("indexOf", COUNT, {ELEMENT}, [](Collection const& self, MethodCall& call) {
-    std::uint32_t const index = self.sequence().genericIndexOf(elementAt(call, 1));
+    std::uint32_t const index = self.sequence().genericIndexOf(soughtElement(call, 1));
     bool const isAbsent = index == GenericSequenceInterface::ABSENT;
     call.setOutput(kestrel::createScalar<std::uint64_t>(isAbsent ? 0 : std::uint64_t{index} + 1));
   });

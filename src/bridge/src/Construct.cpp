@@ -35,6 +35,7 @@ struct Initial {
 Initial readInitial(corvid::MethodCall const& call, Model const& model, meta::Class const& metaClass) {
   Initial initial;
   for (std::size_t i = 1; i < call.inputCount(); ++i) {
+    if (call.isLeftOut(i)) continue;
     kestrel_array const& argument = call.input(i);
     if (detail::isInitialStruct(argument) && initial.builder == nullptr) {
       initial.builder = detail::createBuilderFromStruct(argument, 0, model, metaClass);

@@ -42,13 +42,15 @@ void CreateInto::invoke(corvid::MethodCall& call) const {
 ModelElement CreateInto::create(ModelElement const& self, corvid::MethodCall const& call) const {
   Model const model = self->getModel();
   meta::Class const metaClass = elementClass(m_property);
-  bool const hasStruct = call.inputCount() > 1 && kestrel::isStruct(call.input(1));
-  bool const hasUuid = call.inputCount() == 3 || (call.inputCount() == 2 && !hasStruct);
-  if (call.inputCount() == 3 && !hasStruct) refuseArgument(call, 1, "a struct of initial values");
-  auto const builder = hasStruct ? detail::createBuilderFromStructFirst(call.input(1), 0, model, metaClass)
+  // The first argument may be left out in front of the second.
+  std::size_t const last = call.inputCount() - 1;
+  std::size_t const first = last == 2 && call.isLeftOut(1) ? 2 : 1;
+  bool const hasStruct = last >= first && kestrel::isStruct(call.input(first));
+  bool const hasUuid = last > first || (last == first && !hasStruct);
+  if (last > first && !hasStruct) refuseArgument(call, first, "a struct of initial values");
+  auto const builder = hasStruct ? detail::createBuilderFromStructFirst(call.input(first), 0, model, metaClass)
                                  : metaClass->instantiateBuilder(model);
   if (!hasUuid) return builder->create(ElementImpl::generateNewUuid());
-  std::size_t const last = call.inputCount() - 1;
   auto const uuid = detail::extractUuid(call.input(last));
   if (!uuid) refuseArgument(call, last, last == 1 ? "a struct of initial values or a UUID" : "a UUID");
   return builder->create(*uuid);

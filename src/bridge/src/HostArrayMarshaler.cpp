@@ -37,22 +37,28 @@ bool isModelHandle(kestrel::ObjectRef const& object) {
 }
 
 // An element that held a handle would keep the handle's model alive, and by it itself: for ever.
-void refuseModelHandles(kestrel_array const* array) {
-  if (array == nullptr) return;
-  for (std::size_t i = 0; i < kestrel::numberOfElements(*array); ++i) {
-    switch (kestrel::baseClass(*array)) {
+void refuseModelHandle(kestrel::ObjectRef const& object) {
+  if (isModelHandle(object))
+    throw corvid::HostError(corvid::ErrorKey::WRONG_TYPE,
+                            "A host array keeps values, not the handle '" + object->className().text() +
+                                "', which would keep its model alive; keep the UUID of an element instead.");
+}
+
+// Looks into one array; what it holds is looked into later, since arrays may be nested deeper than a stack is long.
+void refuseModelHandles(kestrel_array const& array, std::vector<kestrel_array const*>& open) {
+  auto const later = [&](kestrel_array const* held) {
+    if (held != nullptr) open.push_back(held);
+  };
+  for (std::size_t i = 0; i < kestrel::numberOfElements(array); ++i) {
+    switch (kestrel::baseClass(array)) {
       case kestrel::ClassId::Object:
-        if (isModelHandle(kestrel::object(*array, i)))
-          throw corvid::HostError(corvid::ErrorKey::WRONG_TYPE,
-                                  "A host array keeps values, not the handle '" +
-                                      kestrel::object(*array, i)->className().text() +
-                                      "', which would keep its model alive; keep the UUID of an element instead.");
+        refuseModelHandle(kestrel::object(array, i));
         break;
       case kestrel::ClassId::Cell:
-        refuseModelHandles(kestrel::cell(*array, i));
+        later(kestrel::cell(array, i));
         break;
       case kestrel::ClassId::Struct:
-        for (std::string const& name : kestrel::fieldNames(*array)) refuseModelHandles(kestrel::field(*array, i, name));
+        for (std::string const& name : kestrel::fieldNames(array)) later(kestrel::field(array, i, name));
         break;
       default:
         return;
@@ -86,7 +92,12 @@ Value HostArrayMarshaler::fromHost(kestrel_array const& array) const {
 }
 
 Value HostArrayMarshaler::fromKestrelArray(kestrel_array const& array) const {
-  refuseModelHandles(&array);
+  std::vector<kestrel_array const*> open{&array};
+  while (!open.empty()) {
+    kestrel_array const* const each = open.back();
+    open.pop_back();
+    refuseModelHandles(*each, open);
+  }
   return fromHost(array);
 }
 

@@ -140,15 +140,18 @@ void beginTransaction(Model const& self, MethodCall& call) {
   transaction.release();
 }
 
-/// Runs a function in a transaction of its own: committed when it returns, taken back when it raises.
+/// Runs a function in a transaction of its own: committed when it returns, taken back when it raises. Its results are
+/// the script's alone, and can't undo what has been done.
 void runTransaction(Model const& self, MethodCall& call) {
   struct EndsAbandoned {
     ~EndsAbandoned() { ScriptTransaction::endAbandoned(); }
   } const lastOfAll;
   Transaction transaction = self->beginTransaction(false);
-  auto results = corvid::Callable::in(call.input(1)).call({});
+  auto results = corvid::Callable::in(call.input(1)).callForScript({});
   transaction.commit();
-  if (!results.empty()) call.setOutput(std::move(results.front()));
+  if (results.empty()) return;
+  call.setOutput(std::move(results.front()));
+  for (std::size_t i = 1; i < results.size(); ++i) call.addOutput(std::move(results[i]));
 }
 
 void outputElements(Model const& self, MethodCall& call) {

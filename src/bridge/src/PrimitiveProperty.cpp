@@ -77,6 +77,11 @@ void PrimitiveProperty::setValue(kestrel_array const& self, kestrel_array const&
   transaction.commit();
 }
 
+Identifier PrimitiveProperty::getValueType() const {
+  ValueMarshaler const& marshaler = marshalerOf(m_property);
+  return m_property->isMany() ? marshaler.rowDataType() : marshaler.dataType();
+}
+
 bool PrimitiveProperty::isCorrectType(kestrel_array const& value) const {
   return marshalerOf(m_property).isCorrectType(value);
 }

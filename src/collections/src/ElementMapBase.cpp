@@ -4,6 +4,7 @@
 
 #include "CollectionView.hpp"
 #include "plinth/FailurePoint.hpp"
+#include "plinth/TakenKey.hpp"
 
 namespace plinth {
 
@@ -39,7 +40,7 @@ bool ElementMapBase::insertElement(ModelElement const& element, CollisionResolut
   auto const at = raw().lower_bound(key);
   if (at != raw().end() && at->first == key) {
     if (at->second == element || resolution == CollisionResolution::KEEP) return false;
-    if (resolution == CollisionResolution::RAISE) reportException(messages::UniquenessConstraint());
+    if (resolution == CollisionResolution::RAISE) reportTakenKey(key, owner(), property());
     if (resolution != CollisionResolution::REPLACE) return false;
     replaceEntry(at, element);
     return true;

@@ -359,7 +359,7 @@ bool ReferenceSequence::takePlaceOfProxy(std::size_t position, ModelElement real
   if (isIn) {
     if (owner()->model().isFrozen()) return false;
     Operation operation(*this);
-    eraseRaw(position, recordingJournal());
+    eraseRaw(position, position + 1, recordingJournal());
     operation.commit();
     return true;
   }

@@ -3,6 +3,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <vector>
 
 #include "plinth/ValueText.hpp"
 #include "tessel_config_datamodel/frame/HostArray.hpp"
@@ -35,18 +36,6 @@ std::string stringText(kestrel_array const& array, std::size_t index) {
   return text ? plinth::quoted(*text) : "missing";
 }
 
-std::string cellText(kestrel_array const& array, std::size_t index) {
-  return hostArrayText(kestrel::cell(array, index));
-}
-
-std::string fieldsText(kestrel_array const& array, std::size_t index) {
-  std::string text;
-  for (std::string const& name : kestrel::fieldNames(array)) {
-    text += (text.empty() ? "" : ", ") + name + ": " + hostArrayText(kestrel::field(array, index, name));
-  }
-  return kestrel::numberOfElements(array) == 1 ? text : "{" + text + "}";
-}
-
 std::string objectText(kestrel_array const& array, std::size_t index) {
   kestrel::ObjectRef const& object = kestrel::object(array, index);
   return object ? object->className().text() : "none";
@@ -54,17 +43,15 @@ std::string objectText(kestrel_array const& array, std::size_t index) {
 
 using ElementText = std::string (*)(kestrel_array const& array, std::size_t index);
 
-/// Null for a char array, whose elements are one text.
+/// Null for a char array, whose elements are one text, and for arrays that hold others.
 ElementText elementText(ClassId id) noexcept {
   switch (id) {
     case ClassId::Cell:
-      return &cellText;
     case ClassId::Struct:
-      return &fieldsText;
-    case ClassId::Logical:
-      return &plainText<bool>;
     case ClassId::Char:
       return nullptr;
+    case ClassId::Logical:
+      return &plainText<bool>;
     case ClassId::String:
       return &stringText;
     case ClassId::Double:
@@ -102,18 +89,78 @@ std::string headText(kestrel_array const& array) {
   return text + "[" + std::to_string(dimensions.rows) + "," + std::to_string(dimensions.columns) + "]";
 }
 
+/// Writes arrays with all that they hold. They may be nested deeper than a stack is long: those that are begun wait in
+/// a list for what they hold.
+class ArrayWriter {
+ public:
+  std::string write(kestrel_array const& array) {
+    begin(&array);
+    while (!m_begun.empty()) goOn();
+    return std::move(m_text);
+  }
+
+ private:
+  struct Begun {
+    kestrel_array const* array;
+    std::size_t next = 0;  ///< counts cells, or the fields of all elements
+  };
+
+  void begin(kestrel_array const* array) {
+    if (array == nullptr) {
+      m_text += "none";
+      return;
+    }
+    m_text += headText(*array) + "{";
+    ClassId const id = kestrel::baseClass(*array);
+    if (id == ClassId::Cell || id == ClassId::Struct) {
+      m_begun.push_back({array});
+      return;
+    }
+    ElementText const elementOf = elementText(id);
+    if (elementOf == nullptr) m_text += plinth::quoted(kestrel::charText(*array));
+    for (std::size_t i = 0; elementOf != nullptr && i < kestrel::numberOfElements(*array); ++i)
+      m_text += (i > 0 ? ", " : "") + elementOf(*array, i);
+    m_text += "}";
+  }
+
+  void goOn() {
+    Begun& begun = m_begun.back();
+    bool const isCell = kestrel::baseClass(*begun.array) == ClassId::Cell;
+    std::size_t const width = isCell ? 1 : kestrel::fieldNames(*begun.array).size();
+    std::size_t const elements = kestrel::numberOfElements(*begun.array);
+    bool const isBraced = !isCell && elements != 1;
+    if (width == 0 || begun.next == elements * width) {
+      if (isBraced && elements > 0) m_text += width == 0 ? bracesOf(elements) : "}";
+      m_text += "}";
+      m_begun.pop_back();
+      return;
+    }
+    std::size_t const element = begun.next / width;
+    std::size_t const field = begun.next % width;
+    ++begun.next;
+    if (isBraced && field == 0) m_text += element == 0 ? "{" : "}, {";
+    if (isBraced ? field > 0 : element + field > 0) m_text += ", ";
+    if (isCell) return begin(kestrel::cell(*begun.array, element));
+    std::string const& name = kestrel::fieldNames(*begun.array)[field];
+    m_text += name + ": ";
+    begin(kestrel::field(*begun.array, element, name));
+  }
+
+  /// Elements without fields.
+  static std::string bracesOf(std::size_t elements) {
+    std::string text = "{}";
+    for (std::size_t i = 1; i < elements; ++i) text += ", {}";
+    return text;
+  }
+
+  std::string m_text;
+  std::vector<Begun> m_begun;
+};
+
 }  // namespace
 
 std::string hostArrayText(kestrel_array const* array) {
-  if (array == nullptr) return "none";
-  std::string text = headText(*array) + "{";
-  ElementText const elementOf = elementText(kestrel::baseClass(*array));
-  if (elementOf == nullptr) return text + plinth::quoted(kestrel::charText(*array)) + "}";
-  for (std::size_t i = 0; i < kestrel::numberOfElements(*array); ++i) {
-    if (i > 0) text += ", ";
-    text += elementOf(*array, i);
-  }
-  return text + "}";
+  return array == nullptr ? "none" : ArrayWriter().write(*array);
 }
 
 std::string hostArrayValueText(plinth::Value const& value) {

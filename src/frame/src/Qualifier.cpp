@@ -1,6 +1,6 @@
 #include "tessel_config_datamodel/frame/Qualifier.hpp"
 
-#include "plinth/Messages.hpp"
+#include "plinth/TakenKey.hpp"
 #include "plinth/collections/ElementMapBase.hpp"
 #include "tessel_config_datamodel/frame/ElementCollection.hpp"
 
@@ -18,7 +18,7 @@ void refuseTakenKey(Element& self, std::u16string const& value, PropertyDescript
   auto& owner = static_cast<Element&>(*self.basicContainer());
   auto const* const mapRow = findDescriptor(owner.classTable(), *self.basicContainmentFeature());
   auto const* const map = static_cast<plinth::ElementMapBase*>(readCollection(owner, *mapRow));
-  if (map->findElement(value)) plinth::reportException(plinth::messages::UniquenessConstraint());
+  if (map->findElement(value)) plinth::reportTakenKey(value, &owner, self.basicContainmentFeature());
 }
 
 /// Runs `store` in one transaction, with the element out of its map meanwhile.

@@ -17,6 +17,9 @@ class CORVID_EXPORT Callable : public kestrel::Object {
   /// script sees its own error again. A method that opens something before the call closes it when the exception
   /// passes.
   virtual std::vector<kestrel::OwnedArray> call(Inputs const& inputs) = 0;
+  /// The same for who hands the results back to the script and doesn't look at them: nothing is converted, and so
+  /// nothing fails once the function has returned. By default what `call` gives.
+  virtual std::vector<kestrel::OwnedArray> callForScript(Inputs const& inputs) { return call(inputs); }
 
   /// "function".
   Identifier className() const noexcept final;

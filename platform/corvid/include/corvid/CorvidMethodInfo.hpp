@@ -13,24 +13,30 @@
 
 namespace corvid {
 
-/// Borrowed arrays, none of them null.
+/// Borrowed arrays; null for an argument that is left out.
 using Inputs = std::vector<kestrel_array const*>;
 
-/// The arguments and the result of one call. Inputs are of the signature's data types already, but
-/// for optional ones that could not be converted; an instance method has its object as the first of them.
+/// The arguments and the results of one call. Inputs are of the signature's data types already, but for optional ones
+/// that could not be converted or are left out; an instance method has its object as the first of them. Of optional
+/// ones at the end that are left out there is none.
 class CORVID_EXPORT MethodCall {
  public:
   MethodCall(Inputs const& inputs, bool wantsOutput, kestrel_array* newObject = nullptr)
       : m_inputs(inputs), m_wantsOutput(wantsOutput), m_newObject(newObject) {}
 
   std::size_t inputCount() const noexcept { return m_inputs.size(); }
-  kestrel_array const& input(std::size_t index) const { return *m_inputs.at(index); }
+  /// An empty double for one that is left out.
+  kestrel_array const& input(std::size_t index) const;
+  bool isLeftOut(std::size_t index) const { return m_inputs.at(index) == nullptr; }
 
   /// False when the caller drops the result: a method may then save making it.
   bool wantsOutput() const noexcept { return m_wantsOutput; }
   void setOutput(kestrel::OwnedArray output) { m_output = std::move(output); }
+  /// For a method of several results: one more behind the first.
+  void addOutput(kestrel::OwnedArray output) { m_furtherOutputs.push_back(std::move(output)); }
   /// Null when the method gave no result.
   [[nodiscard]] kestrel::OwnedArray takeOutput() { return std::move(m_output); }
+  [[nodiscard]] std::vector<kestrel::OwnedArray> takeFurtherOutputs() { return std::move(m_furtherOutputs); }
 
   /// For a constructor: the array of the script object that waits to be bound. Raises BadDescription in any other call.
   kestrel_array& newObject() const;
@@ -40,6 +46,8 @@ class CORVID_EXPORT MethodCall {
   bool m_wantsOutput;
   kestrel_array* m_newObject;
   kestrel::OwnedArray m_output;
+  std::vector<kestrel::OwnedArray> m_furtherOutputs;
+  mutable kestrel::OwnedArray m_leftOut;
 };
 
 class CORVID_EXPORT CorvidMethodInfo : public HostAllocated {

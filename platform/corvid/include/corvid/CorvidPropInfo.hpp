@@ -35,6 +35,8 @@ class CORVID_EXPORT CorvidPropInfo : public HostAllocated {
   virtual void setValue(kestrel_array const& self, kestrel_array const& value) const = 0;
   /// A further check on a value of the data type "any".
   virtual bool isCorrectType(kestrel_array const&) const { return true; }
+  /// For sentences: what is wanted of a value of the data type "any".
+  virtual Identifier getValueType() const { return getDataType(); }
 };
 
 }  // namespace corvid

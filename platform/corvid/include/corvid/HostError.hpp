@@ -40,6 +40,8 @@ constexpr char const* WRONG_ARGUMENT_COUNT = "WrongArgumentCount";
 constexpr char const* WRONG_TYPE = "WrongType";
 /// A number that the wanted numeric class cannot hold exactly.
 constexpr char const* VALUE_OUT_OF_RANGE = "ValueOutOfRange";
+/// A value that was read from a property is to be changed there, and the property holds another one by now.
+constexpr char const* STALE_VALUE = "StaleValue";
 /// A method that is announced by name only.
 constexpr char const* NOT_IMPLEMENTED = "NotImplemented";
 /// The host is shut down while script objects exist.
@@ -58,8 +60,8 @@ struct ErrorDescription {
 /// of the catalogue "Kestrel:native".
 [[nodiscard]] CORVID_EXPORT ErrorDescription describeError(std::exception const& error);
 
-/// What a sentence calls a value: the text (its beginning, when it is long) or number itself where there is one,
-/// "nothing" for an empty plain array, and class and dimensions otherwise.
+/// What a sentence calls a value, in words of scripts: the string (its beginning, when it is long) or number itself
+/// where there is one, "nil" for an empty plain array, "a list of 3 numbers", "an object of the class 'x.Y'".
 [[nodiscard]] CORVID_EXPORT std::string describeValue(kestrel_array const& value);
 /// The same for one element of a plain array of numbers.
 [[nodiscard]] CORVID_EXPORT std::string describeNumber(kestrel_array const& numbers, std::size_t index);

@@ -15,7 +15,8 @@ namespace corvid {
 /// The class of an array of objects or of enumeration members; null for any other array.
 [[nodiscard]] CORVID_EXPORT CorvidClass* classOf(kestrel_array const& array);
 
-/// A new object of a class, in a 1 by 1 array.
+/// A new object of a class, in a 1 by 1 array. An input may be null here and in `invoke`: an optional argument is then
+/// left out, any other is an empty double.
 [[nodiscard]] CORVID_EXPORT kestrel::OwnedArray construct(CorvidClass& hostClass, Inputs const& inputs);
 
 /// `self` has one object.
@@ -25,9 +26,9 @@ CORVID_EXPORT void setProperty(kestrel_array const& self, CorvidPropInfo const& 
 CORVID_EXPORT CorvidPropInfo const& requireProperty(CorvidClass const& hostClass, Identifier name);
 
 /// Calls a method; `inputs` begins with the object unless the method is static. The result is null when the method
-/// gives none or when it is not wanted.
+/// gives none or when it is not wanted; what follows the first of several is put into `further`.
 CORVID_EXPORT kestrel::OwnedArray invoke(CorvidClass const& hostClass, Identifier method, Inputs const& inputs,
-                                         bool wantsOutput = true);
+                                         bool wantsOutput = true, std::vector<kestrel::OwnedArray>* further = nullptr);
 /// The method that a call with that many inputs reaches. Raises NoSuchMember, WrongArgumentCount.
 CORVID_EXPORT CorvidMethodInfo const& requireMethod(CorvidClass const& hostClass, Identifier name, std::size_t inputs);
 
@@ -47,6 +48,8 @@ constexpr char const* AT = "at";
 constexpr char const* KEYS = "keys";
 /// All elements as one array. A walk of a class that has it and no KEYS goes over what was there when it began.
 constexpr char const* VALUES = "values";
+/// Whether an element is there. A walk of what was there when it began leaves out what isn't any more.
+constexpr char const* CONTAINS = "contains";
 }  // namespace ContainerMethod
 
 /// The method that ends the use of an object before it is released, called at the end of the block that declared it.

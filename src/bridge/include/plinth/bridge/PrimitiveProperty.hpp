@@ -19,6 +19,7 @@ class TESSEL_EXPORT PrimitiveProperty final : public corvid::factory::impl::Prop
   /// A sequence is cleared and filled in one transaction.
   void setValue(kestrel_array const& self, kestrel_array const& value) const override;
   bool isCorrectType(kestrel_array const& value) const override;
+  corvid::Identifier getValueType() const override;
 
  private:
   ModelElement requireSelf(kestrel_array const& self) const;
