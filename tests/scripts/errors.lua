@@ -64,6 +64,12 @@ local values = {["a function"] = function() end, ["the number 1.5"] = 1.5, ["the
   ["a table with names"] = {odd = 1}, ["a list of 2 booleans"] = {true, false}, ["true"] = true,
   ["an object of the class 'tessel.internal.ext.ConfigStore'"] = foreign}
 local refusals = 0
+local function speaksLua(raised)
+  assert(not raised.identifier:find("Kestrel:array", 1, true), raised.sentence)
+  for _, word in ipairs({"CorvidFactory", " scalar", " vector", "int32", "double", "char", "struct'", "cell", "logical"}) do
+    assert(not raised.sentence:find(word, 1, true), raised.sentence)
+  end
+end
 local function refuse(object, property, given, value)
   local succeeded, raised = pcall(function() object[property] = value end)
   if succeeded then return end
@@ -71,9 +77,7 @@ local function refuse(object, property, given, value)
   local sentence = raised.sentence
   local class = host.class(object)
   assert(sentence:find("Property '" .. property .. "' of '" .. class .. "': ", 1, true), sentence)
-  for _, word in ipairs({"CorvidFactory", " scalar", " vector", "int32", "double", "char", "struct'", "cell", "logical"}) do
-    assert(not sentence:find(word, 1, true), sentence)
-  end
+  speaksLua(raised)
   if raised.identifier == "Kestrel:class:WrongType" and sentence:find("Expected") then
     assert(sentence:find(", not " .. given .. ".", 1, true), sentence)
   end
@@ -87,6 +91,36 @@ for _, name in ipairs({"data", "expr", "runtime", "schema"}) do
       for given, value in pairs(values) do refuse(object, property, given, value) end
       refuse(object, property, "nil", nil)
     end
+  end
+end
+assert(refusals > 1000, refusals)
+values["a list of 2 strings"], values["an empty list of strings"] = {"ROLE", "OWNER"}, host.array("string", {})
+refusals = 0
+local function called(method, ...)
+  local succeeded, raised = pcall(method, ...)
+  if succeeded then return end
+  refusals = refusals + 1
+  speaksLua(raised)
+end
+local callees = {model, model:beginTransaction(), foreign, runtime.PerspectiveState(model).Members, foreign.Profiles,
+  foreign:metaClass(), foreign:createIntoProfiles({Id = "x"}), tessel.internal.util.DocRef()}
+for _, object in ipairs(callees) do
+  for _, name in ipairs(host.methods(object)) do
+    for _, value in pairs(values) do
+      called(object[name], value)
+      if name ~= "destroy" then
+        called(object[name], object, value)
+        called(object[name], object, value, value)
+      end
+    end
+    called(object[name])
+    called(object[name], nil, nil)
+  end
+end
+for _, class in ipairs({runtime.TagType, runtime.TagState, tessel.internal.util.DocRef, plinth.Model, runtime.TagType.getLiteral}) do
+  for _, value in pairs(values) do
+    called(class, value)
+    called(class, model, value, value)
   end
 end
 assert(refusals > 1000, refusals)

@@ -8,27 +8,29 @@ local holder = data.DoubleParamData(model, {AllowedValues = {1, 2, 3}})
 local method = tessel.internal.config.schema.MethodRef(model, {ConstantArgs = {a = 1, nested = {b = {1}}}})
 
 -- Rows that are read and dropped, of each kind that Lua sees nothing of, don't pile up.
-local function residentKilobytes()
-  for line in io.lines("/proc/self/status") do
-    local kilobytes = line:match("^VmRSS:%s*(%d+)")
-    if kilobytes then return tonumber(kilobytes) end
-  end
+local function piledUp(count, kilobytes, read)
+  local dropped, alive = setmetatable({}, {__mode = "v"}), 0
+  for i = 1, count do dropped[i] = read() end
+  for _ in pairs(dropped) do alive = alive + 1 end
+  assert(alive * kilobytes < 40000, alive .. " of " .. count .. " are still there")
 end
 local row, texts, tree = {}, {}, {}
 for i = 1, 100000 do row[i] = i + 0.5 end
 for i = 1, 10000 do texts[i] = "a text that lies in memory of its own " .. i end
-for i = 1, 10000 do tree[i] = {k = i} end
+for i = 1, 5000 do tree[i] = {k = i} end
 holder.AllowedValues = row
 local strings = data.StringArrayParamData(model, {AllowedValues = texts})
 method.ConstantArgs = tree
-host.census()
-local before = residentKilobytes()
-for _ = 1, 400 do local dropped = holder.AllowedValues end
-for _ = 1, 150 do local dropped = strings.AllowedValues end
-for _ = 1, 30 do local dropped = method.ConstantArgs end
-for _ = 1, 30 do local dropped = method.ConstantArgs[7] end
-local grown = residentKilobytes() - before
-assert(grown < 150000, "the process has grown by " .. grown .. " kB")
+for i = 1, 2000 do state:createIntoTags({Id = "t" .. i}) end
+for _, mode in ipairs({"incremental", "generational"}) do
+  collectgarbage(mode)
+  piledUp(100, 800, function() return holder.AllowedValues end)
+  piledUp(80, 1000, function() return strings.AllowedValues end)
+  piledUp(40, 2000, function() return method.ConstantArgs end)
+  piledUp(40, 2000, function() return method.ConstantArgs[7] end)
+  piledUp(120, 500, function() return state.Tags:values() end)
+end
+collectgarbage("incremental")
 collectgarbage("stop")
 local kept = holder.AllowedValues
 check.equal(#kept, 100000, "a collector that a script has stopped stays so")

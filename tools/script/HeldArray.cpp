@@ -23,12 +23,13 @@ void HostMemory::collectIfDue(lua_State* state) {
 void HeldArray::take(HostMemory& memory, kestrel::OwnedArray array) {
   m_bytes = kestrel::heldBytes(*array);
   m_isLeftOver = memory.m_isClosing;
-  m_array = array.get();
+  kestrel_array* const raw = array.get();
   if (m_isLeftOver) {
     memory.m_leftOver.push_back(std::move(array));
   } else {
     static_cast<void>(array.release());
   }
+  m_array = raw;
   memory.m_held += m_bytes;
   memory.m_takenSince += m_bytes;
 }

@@ -27,12 +27,6 @@ std::string quoted(std::u16string_view text) {
   return "'" + groundwork::toUtf8(text.substr(0, LONGEST_QUOTATION)) + "...'";
 }
 
-bool isOneText(kestrel_array const& value) {
-  if (kestrel::baseClass(value) == kestrel::ClassId::Char) return true;
-  return kestrel::baseClass(value) == kestrel::ClassId::String && kestrel::isScalar(value) &&
-         kestrel::stringElement(value).has_value();
-}
-
 bool isPlainNumber(kestrel_array const& value) {
   bool const isPlain = (kestrel::classIdentifier(value) & kestrel::BUILT_IN_BASED_FLAG) == 0;
   return isPlain && kestrel::isScalar(value) && kestrel::isNumeric(value);
@@ -95,7 +89,7 @@ std::string describeOne(kestrel_array const& value) {
 }  // namespace
 
 std::string describeValue(kestrel_array const& value) {
-  if (isOneText(value)) return "the string " + quoted(kestrel::scalarText(value));
+  if (kestrel::isOneText(value)) return "the string " + quoted(kestrel::scalarText(value));
   if (isPlainNumber(value)) {
     bool const isTruth = kestrel::baseClass(value) == kestrel::ClassId::Logical;
     return (isTruth ? "" : "the number ") + describeNumber(value, 0);

@@ -20,6 +20,7 @@ void EnumConstructor::invoke(MethodCall& call) const {
   kestrel_array const& value = call.input(0);
   if (kestrel::className(value) == m_class.getFullName()) return call.setOutput(kestrel::deepCopy(&value));
   if (kestrel::isText(value)) {
+    if (!kestrel::isOneText(value)) throw wrongType(dataType(m_class.getFullName()), Multiplicity::Single, value);
     std::string const literal = groundwork::toUtf8(kestrel::scalarText(value));
     CorvidEnumInfo const* const member = m_class.findEnumValue(internal::makeInterned(literal));
     if (member == nullptr) throw wrongType(dataType(m_class.getFullName()), Multiplicity::Single, value);

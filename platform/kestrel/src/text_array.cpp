@@ -38,11 +38,14 @@ void setStringElement(kestrel_array& array, std::size_t index, MaybeString text)
   detail::slotAt<detail::Strings>(array, index, "string") = std::move(text);
 }
 
+bool isOneText(kestrel_array const& array) noexcept {
+  if (baseClass(array) == ClassId::Char) return true;
+  auto const* const strings = std::get_if<detail::Strings>(&array.store);
+  return strings != nullptr && strings->size() == 1 && strings->front().has_value();
+}
+
 std::u16string_view scalarText(kestrel_array const& array) {
-  if (baseClass(array) == ClassId::Char) return charText(array);
-  if (baseClass(array) == ClassId::String && isScalar(array)) {
-    if (MaybeString const& text = stringElement(array)) return *text;
-  }
+  if (isOneText(array)) return baseClass(array) == ClassId::Char ? charText(array) : *stringElement(array);
   throw ArrayError("Kestrel:array:NotOneText", "Expected a char array or one string that is not missing, not " +
                                                    std::to_string(numberOfElements(array)) + " elements of class " +
                                                    className(array).text() + ".");

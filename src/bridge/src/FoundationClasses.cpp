@@ -137,7 +137,7 @@ void addElementClass(CorvidPackage& package) { addClass<ModelElementWrapper>(pac
 
 meta::Class readClass(kestrel_array const& value) {
   if (auto const named = corvid::factory::impl::selfOf<meta::Class>(value)) return named;
-  if (!kestrel::isText(value))
+  if (!kestrel::isOneText(value))
     reportInvalidValue("expected a class or the full name of one, not " + corvid::describeValue(value) + ".");
   std::u16string const name(kestrel::scalarText(value));
   meta::Type const type = meta::MetaRegistry::getInstance().getType(name);

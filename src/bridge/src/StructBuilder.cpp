@@ -228,10 +228,7 @@ std::unique_ptr<ModelElementBuilder> createBuilderFromStructFirst(kestrel_array 
 }
 
 boost::optional<boost::uuids::uuid> extractUuid(kestrel_array const& array) {
-  bool const isOneText =
-      kestrel::isText(array) && (kestrel::baseClass(array) == kestrel::ClassId::Char ||
-                                 (kestrel::isScalar(array) && kestrel::stringElement(array).has_value()));
-  if (!isOneText) return boost::none;
+  if (!kestrel::isOneText(array)) return boost::none;
   auto const text = exactUtf8(kestrel::scalarText(array));
   if (!text) return boost::none;
   try {

@@ -35,6 +35,9 @@ inline bool isText(kestrel_array const& array) noexcept {
   return baseClass(array) == ClassId::Char || baseClass(array) == ClassId::String;
 }
 
+/// Whether the array is one text: what scalarText gives.
+KESTREL_EXPORT bool isOneText(kestrel_array const& array) noexcept;
+
 /// The one text of a char array or of a string array of one element. Raises ArrayError "Kestrel:array:NotOneText" for
 /// any other array, and for a missing string.
 KESTREL_EXPORT std::u16string_view scalarText(kestrel_array const& array);
