@@ -235,6 +235,19 @@ struct Sequences : Parameters {
   plinth::PrimitiveSequence<double>& allowed() { return *number->getAllowedValuesMutable(); }
   bench::data::DoubleParamData number = bench::data::DoubleParamData::create(model);
 };
+/// All parameters of the category lie in one configuration.
+struct Configured : Sequences {
+  explicit Configured(std::vector<std::u16string> const& keys) : Sequences(keys) {
+    plinth::Transaction transaction = model.beginTransaction();
+    auto& params = *configuration->getParamsMutable();
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+      parameters[i]->setKey(keys[i]);
+      params.insert(parameters[i]);
+    }
+    transaction.commit();
+  }
+  runtime::ConfigurationState configuration = runtime::ConfigurationState::create(model);
+};
 /// Some values have left one by one at the front.
 struct ErasedSequences : Sequences {
   explicit ErasedSequences(std::vector<std::u16string> const& keys)
@@ -287,6 +300,14 @@ void describeGrowth() {
         for (std::size_t i = 0; i < world.parameters.size() / 2; ++i) world.parameters[i].category = &world.category;
       }))
       .library(onNew<Sequences>([=](Sequences& world) { eraseFrontAndRollBack(world, world.contents()); }));
+  compare("sequence: destroy all members with what holds them")
+      .sizes(sizes)
+      .iterations(1)
+      .baseline(onNew<PlainSequences>([](PlainSequences& world) {
+        world.category.contents.clear();
+        world.parameters.clear();
+      }))
+      .library(onNew<Configured>([](Configured& world) { world.configuration->destroy(); }));
   compare("values: erase the front half and take it back")
       .sizes(sizes)
       .iterations(ITERATIONS)

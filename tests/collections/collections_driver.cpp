@@ -180,6 +180,14 @@ void Driver::perform(Step const& step, Real const& real, Plain const& plain) {
   if (raised != message) fail("message: expected " + message + ", found " + raised);
   ++(message.empty() ? m_coverage.done : m_coverage.refused)[at(step.op)];
   if (!message.empty()) return;
+  if (m_transactions.empty()) expected.touched.clear();
+  for (auto const& [id, item] : expected.items) {
+    for (std::size_t i = 0; item.live && m_plain.isLive(id) && i < Coverage::FEATURES; ++i) {
+      Place const place{id, static_cast<Feature>(i)};
+      bool const changes = owns(item.kind, place.second) && expected.contents(place) != m_plain.contents(place);
+      if (changes) expected.touched.insert(place);
+    }
+  }
   m_plain = std::move(expected);
   if (m_transactions.empty()) checkTold(m_base);
 }
@@ -398,6 +406,7 @@ void Driver::load(Step const& step) {
 
 void Driver::begin() {
   if (m_transactions.size() == MOST_LEVELS) return;
+  if (m_transactions.empty()) m_plain.touched.clear();
   if (m_transactions.empty()) m_base = m_plain;
   m_transactions.push_back(std::make_unique<plinth::Transaction>(m_model.beginTransaction()));
   m_snapshots.push_back(m_plain);

@@ -48,7 +48,7 @@ void Driver::listen(plinth::ChangeSet const& changes) {
   }
 }
 
-/// Every collection whose contents differ has been told.
+/// Every collection whose contents differ has been told, and so has one of several members that was changed and is back.
 void Driver::checkTold(PlainModel const& before) {
   for (auto const& [id, item] : m_plain.items) {
     if (!item.live || !before.isLive(id)) continue;
@@ -56,7 +56,8 @@ void Driver::checkTold(PlainModel const& before) {
       Place const place{id, static_cast<Feature>(i)};
       if (!owns(item.kind, place.second)) continue;
       Numbers const present = m_plain.contents(place);
-      bool changed = present != before.contents(place);
+      bool const isBack = present == before.contents(place);
+      bool changed = !isBack || (present.size() > 1 && m_plain.touched.count(place) != 0);
       if (isMap(place.second)) {
         for (int const member : present)
           changed = changed || m_plain.items.at(member).key != before.items.at(member).key;

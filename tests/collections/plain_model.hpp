@@ -56,6 +56,7 @@ class PlainModel {
   std::map<int, Item> items;
   std::map<int, Place> containers;
   std::map<int, int> active;  ///< the store's ActiveProfile
+  std::set<Place> touched;    ///< what the outermost transaction has changed, also if it is back at what it was
 
   /// In order; maps by key, sets by number. The proxies of maps and sets are apart.
   Numbers contents(Place const& place) const;

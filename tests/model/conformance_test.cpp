@@ -3,7 +3,7 @@
 
 #include "model/specimen.hpp"
 #include "plinth/Census.hpp"
-#include "plinth/collections/ReferenceMap.hpp"
+#include "plinth/collections/ElementMapBase.hpp"
 #include "plinth/collections/ReferenceSequence.hpp"
 #include "plinth/collections/ReferenceSet.hpp"
 #include "plinth/collections/SubsetView.hpp"
@@ -215,7 +215,7 @@ void addTyped(plinth::ReferenceCollection& members, ModelElement const& element)
     sequence->insertElement(0, element);
   } else if (auto* const set = dynamic_cast<plinth::ReferenceSet*>(&members)) {
     set->addElement(element);
-  } else if (auto* const map = dynamic_cast<plinth::ReferenceMap*>(&members)) {
+  } else if (auto* const map = dynamic_cast<plinth::ElementMapBase*>(&members)) {
     map->insertElement(element, plinth::CollisionResolution::KEEP);
   } else {
     dynamic_cast<plinth::SubsetView&>(members).addElement(element);

@@ -7,6 +7,7 @@
 #include "plinth/FailurePoint.hpp"
 #include "plinth/Messages.hpp"
 #include "plinth/ModelDirectory.hpp"
+#include "plinth/TakenKey.hpp"
 #include "plinth/Value.hpp"
 #include "plinth/meta/MetaRegistry.hpp"
 
@@ -129,11 +130,7 @@ void ModelImpl::announce(ModelElementImpl& element) {
   failurePoint("announce");
   m_log.reserve();
   m_directory.reserve(element);
-  if (!m_directory.add(element)) {
-    messages::UniquenessConstraint taken;
-    taken.arguments = {boost::uuids::to_string(element.getUuid()), std::string("the model")};
-    reportException(taken);
-  }
+  if (!m_directory.add(element)) reportTakenKey(boost::uuids::to_string(element.getUuid()), "the model");
   element.addRefUnshared();  // the model's own
   element.m_live = 1;
   element.m_state |= ANNOUNCED;

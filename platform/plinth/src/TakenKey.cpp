@@ -1,18 +1,20 @@
 #include "plinth/TakenKey.hpp"
 
-#include "groundwork/unicode.hpp"
 #include "plinth/ElementPath.hpp"
 #include "plinth/Messages.hpp"
+#include "plinth/ValueText.hpp"
 
 namespace plinth {
 
 void reportTakenKey(std::u16string_view key, ModelElementImpl const* owner, meta::PropertyImpl const* property) {
-  std::string path = owner != nullptr && property != nullptr
-                         ? elementPath(*owner) + "/" + groundwork::toUtf8(property->getName())
-                         : "the same map";
-  messages::UniquenessConstraint taken;
-  taken.arguments = {std::u16string(key), std::move(path)};
-  reportException(taken);
+  bool const standsAlone = owner == nullptr || property == nullptr;
+  reportTakenKey(quoted(key), standsAlone ? "the same map" : elementPath(*owner) + "/" + escaped(property->getName()));
+}
+
+void reportTakenKey(std::string const& key, std::string const& holder) {
+  messages::UniquenessConstraint const taken;
+  reportException(
+      taken, taken.key + ": another element of " + holder + " already bears the key " + key + "; choose another key.");
 }
 
 }  // namespace plinth

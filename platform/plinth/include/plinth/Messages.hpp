@@ -127,12 +127,17 @@ namespace detail {
 TESSEL_EXPORT std::string sentenceOf(groundwork::MessageRecord const& record);
 }  // namespace detail
 
-/// Throws groundwork::except::Exception<M, std::exception> built from a copy of `message`. Never returns.
+/// Throws groundwork::except::Exception<M, std::exception> built from a copy of `message`, with the catalogue's
+/// sentence or one that tells more than the arguments do. Never returns.
 template <class M>
-[[noreturn]] void reportException(M const& message) {
-  groundwork::except::Exception<M, std::exception> exception(message, detail::sentenceOf(message));
+[[noreturn]] void reportException(M const& message, std::string sentence) {
+  groundwork::except::Exception<M, std::exception> exception(message, std::move(sentence));
   exception.get_error_id() = {message.catalog, message.key};
   throw exception;
+}
+template <class M>
+[[noreturn]] void reportException(M const& message) {
+  reportException(message, detail::sentenceOf(message));
 }
 
 }  // namespace plinth
