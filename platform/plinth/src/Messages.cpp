@@ -43,15 +43,9 @@ constexpr std::array<Text, 25> TEXTS{{
     {"CannotCreateAbstractClass", "the class \"{0}\" is abstract and has no elements of its own"},
 }};
 
-// Whoever knows key and place gives them as arguments.
-constexpr Text TAKEN_KEY{"UniquenessConstraint",
-                         "another element of {1} already bears the key \"{0}\"; choose another key"};
-
 }  // namespace
 
 std::string sentenceOf(groundwork::MessageRecord const& record) {
-  if (record.key == TAKEN_KEY.key && !record.arguments.empty())
-    return record.key + ": " + groundwork::formatMessage(TAKEN_KEY.pattern, record.arguments) + ".";
   for (Text const& text : TEXTS) {
     if (record.key == text.key) {
       return record.key + ": " + groundwork::formatMessage(text.pattern, record.arguments) + ".";

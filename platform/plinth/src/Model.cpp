@@ -1,12 +1,11 @@
 #include "plinth/Model.hpp"
 
-#include <boost/uuid/uuid_io.hpp>
-
 #include "ChangePublisher.hpp"
 #include "LiveObjects.hpp"
 #include "plinth/FailurePoint.hpp"
 #include "plinth/Messages.hpp"
 #include "plinth/ModelDirectory.hpp"
+#include "plinth/TakenKey.hpp"
 #include "plinth/Value.hpp"
 #include "plinth/meta/MetaRegistry.hpp"
 
@@ -93,11 +92,7 @@ void ModelImpl::announce(ModelElementImpl& element) {
   failurePoint("announce");
   m_log.reserve();
   m_directory.reserve(element);
-  if (!m_directory.add(element)) {
-    messages::UniquenessConstraint taken;
-    taken.arguments = {boost::uuids::to_string(element.getUuid()), std::string("the model")};
-    reportException(taken);
-  }
+  if (!m_directory.add(element)) reportTakenUuid(element.getUuid());
   element.addRefUnshared();  // the model's own
   element.m_live = 1;
   element.m_state |= ANNOUNCED;

@@ -1,18 +1,33 @@
 #include "plinth/TakenKey.hpp"
 
+#include <boost/uuid/uuid_io.hpp>
+
 #include "groundwork/unicode.hpp"
 #include "plinth/ElementPath.hpp"
 #include "plinth/Messages.hpp"
+#include "plinth/ValueText.hpp"
 
 namespace plinth {
+namespace {
+
+// The record stays without arguments, as that of every key: a sentence is for people.
+[[noreturn]] void report(std::string const& place, std::string const& key) {
+  messages::UniquenessConstraint const taken;
+  groundwork::except::Exception<messages::UniquenessConstraint, std::exception> exception(
+      taken, taken.key + ": another element of " + place + " already bears the key " + key + "; choose another key.");
+  exception.get_error_id() = {taken.catalog, taken.key};
+  throw exception;
+}
+
+}  // namespace
 
 void reportTakenKey(std::u16string_view key, ModelElementImpl const* owner, meta::PropertyImpl const* property) {
-  std::string path = owner != nullptr && property != nullptr
-                         ? elementPath(*owner) + "/" + groundwork::toUtf8(property->getName())
-                         : "the same map";
-  messages::UniquenessConstraint taken;
-  taken.arguments = {std::u16string(key), std::move(path)};
-  reportException(taken);
+  bool const isPlaced = owner != nullptr && property != nullptr;
+  report(isPlaced ? elementPath(*owner) + "/" + groundwork::toUtf8(property->getName()) : "the same map", quoted(key));
+}
+
+void reportTakenUuid(boost::uuids::uuid const& uuid) {
+  report("the model", "\"" + boost::uuids::to_string(uuid) + "\"");
 }
 
 }  // namespace plinth
