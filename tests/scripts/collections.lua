@@ -147,3 +147,35 @@ for round = 1, 60 do
   end
   for _, param in ipairs(collection:values()) do assert(walkedOnce[param], "round " .. round) end
 end
+
+-- The same of every collection of every class, whatever it takes: a member that is destroyed is gone, or can be taken
+-- out, and no other method takes it.
+local concrete, swept, lingering = {}, 0, 0
+for _, name in ipairs({"data", "expr", "runtime", "schema"}) do
+  local package = tessel.internal.config[name]
+  for _, class in ipairs(host.classes(package)) do
+    local made, element = pcall(function() return package[class](model) end)
+    if made and host.isa(element, "plinth.ModelElement") then table.insert(concrete, package[class]) end
+  end
+end
+for _, class in ipairs(concrete) do
+  for _, property in ipairs(host.properties(class)) do
+    local collection = class(model)[property]
+    if type(collection) == "userdata" and host.class(collection):find("^plinth%.[SM][eau]") then
+      for _, memberClass in ipairs(concrete) do
+        local member = memberClass(model)
+        if pcall(collection.add, collection, member) and collection:contains(member) then
+          swept = swept + 1
+          member:destroy()
+          if #collection ~= 0 then lingering = lingering + 1 end
+          for _, method in ipairs({"add", "contains"}) do
+            check.raises("Kestrel:class:InvalidHandle", collection[method], collection, member)
+          end
+          collection:remove(member)
+          check.equal(#collection, 0, tostring(class) .. "." .. property)
+        end
+      end
+    end
+  end
+end
+assert(swept > 20 and lingering > 0, swept .. " and " .. lingering)

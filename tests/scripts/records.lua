@@ -99,3 +99,42 @@ for _ = 1, 200 do nest = {nest} end
 failure = check.raises("Kestrel:class:WrongType", function() deep.ConstantArgs = nest end)
 assert(failure.sentence:find("1000"), failure.sentence)
 for _ = 1, 150 do deep.ConstantArgs = {n = deep.ConstantArgs} end
+
+-- Random changes of records against the same changes of plain tables.
+local function same(record, plain)
+  if type(record) ~= "table" or type(plain) ~= "table" then return record == plain end
+  for key, each in pairs(record) do if not same(each, plain[key]) then return false end end
+  for key in pairs(plain) do if record[key] == nil then return false end end
+  return true
+end
+local function random(depth)
+  local kind = math.random(depth < 4 and 4 or 2)
+  if kind == 1 then return math.random(10) elseif kind == 2 then return "s" .. math.random(5) end
+  local made = kind == 3 and {} or {{x = 1}}
+  for _ = 1, math.random(3) do made[kind == 3 and "f" .. math.random(4) or #made + 1] = random(depth + 1) end
+  return made
+end
+math.randomseed(22)
+local entered, plain = schema.MethodRef(model), {start = 1}
+entered.ConstantArgs = plain
+local record = entered.ConstantArgs
+for step = 1, 1000 do
+  if math.random(10) == 1 then record = entered.ConstantArgs end
+  local left, right = record, plain
+  while math.random(3) > 1 do
+    local keys = {}
+    for key, each in pairs(right) do if type(each) == "table" then table.insert(keys, key) end end
+    if #keys == 0 then break end
+    local key = keys[math.random(#keys)]
+    left, right = left[key], right[key]
+  end
+  if #right > 1 and math.random(4) == 1 then
+    table.remove(left)
+    table.remove(right)
+  else
+    local key = #right > 0 and math.random(#right + 1) or "f" .. math.random(4)
+    right[key] = random(2)
+    left[key] = right[key]
+  end
+  assert(same(record, plain) and same(entered.ConstantArgs, plain), "step " .. step)
+end

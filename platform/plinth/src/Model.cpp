@@ -130,7 +130,7 @@ void ModelImpl::announce(ModelElementImpl& element) {
   failurePoint("announce");
   m_log.reserve();
   m_directory.reserve(element);
-  if (!m_directory.add(element)) reportTakenKey(boost::uuids::to_string(element.getUuid()), "the model");
+  if (!m_directory.add(element)) reportTakenUuid(element.getUuid());
   element.addRefUnshared();  // the model's own
   element.m_live = 1;
   element.m_state |= ANNOUNCED;

@@ -1,20 +1,31 @@
 #include "plinth/TakenKey.hpp"
 
+#include <boost/uuid/uuid_io.hpp>
+
+#include "groundwork/unicode.hpp"
 #include "plinth/ElementPath.hpp"
 #include "plinth/Messages.hpp"
 #include "plinth/ValueText.hpp"
 
 namespace plinth {
+namespace {
 
-void reportTakenKey(std::u16string_view key, ModelElementImpl const* owner, meta::PropertyImpl const* property) {
-  bool const standsAlone = owner == nullptr || property == nullptr;
-  reportTakenKey(quoted(key), standsAlone ? "the same map" : elementPath(*owner) + "/" + escaped(property->getName()));
-}
-
-void reportTakenKey(std::string const& key, std::string const& holder) {
+// The record stays without arguments, as that of every key: a sentence is for people.
+[[noreturn]] void report(std::string const& place, std::string const& key) {
   messages::UniquenessConstraint const taken;
   reportException(
-      taken, taken.key + ": another element of " + holder + " already bears the key " + key + "; choose another key.");
+      taken, taken.key + ": another element of " + place + " already bears the key " + key + "; choose another key.");
+}
+
+}  // namespace
+
+void reportTakenKey(std::u16string_view key, ModelElementImpl const* owner, meta::PropertyImpl const* property) {
+  bool const isPlaced = owner != nullptr && property != nullptr;
+  report(isPlaced ? elementPath(*owner) + "/" + groundwork::toUtf8(property->getName()) : "the same map", quoted(key));
+}
+
+void reportTakenUuid(boost::uuids::uuid const& uuid) {
+  report("the model", "\"" + boost::uuids::to_string(uuid) + "\"");
 }
 
 }  // namespace plinth

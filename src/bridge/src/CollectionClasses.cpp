@@ -99,9 +99,13 @@ ModelElement soughtElement(MethodCall const& call, std::size_t input) {
 
 /// A member that is destroyed can still be taken out; the untyped view would do nothing.
 void removeDestroyed(ReferenceCollection& collection, ModelElement const& element) {
-  if (auto* const view = dynamic_cast<SubsetView*>(&collection)) return removeDestroyed(view->parent(), element);
-  if (auto* const sequence = dynamic_cast<ReferenceSequence*>(&collection)) sequence->removeElement(element);
-  if (auto* const others = dynamic_cast<ReferenceAssociative*>(&collection)) others->removeMember(element);
+  if (auto* const view = dynamic_cast<SubsetView*>(&collection)) {
+    removeDestroyed(view->parent(), element);
+  } else if (auto* const sequence = dynamic_cast<ReferenceSequence*>(&collection)) {
+    sequence->removeElement(element);
+  } else if (auto* const others = dynamic_cast<ReferenceAssociative*>(&collection)) {
+    others->removeMember(element);
+  }
 }
 
 void remove(Collection const& self, MethodCall& call) {
