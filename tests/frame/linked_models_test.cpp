@@ -174,7 +174,7 @@ class World {
       case FREEZE:
         if (place.freezer) {
           place.freezer.reset();
-        } else if (step.c % 4 == 0) {
+        } else if (step.c % 8 == 0) {
           place.freezer.emplace(place.model);
         }
         return;
@@ -321,7 +321,7 @@ class World {
     auto const& metaClass = classes()[step.b % classes().size()];
     char16_t const* const names[] = {u"a", u"b", u"c", u"x", u"y", u"nowhere"};
     bool const isLocal = step.c % 3 == 0;
-    std::u16string const name = isLocal ? model->name() : names[step.c % std::size(names)];
+    std::u16string const name = isLocal ? model->name() : names[step.c / 3 % std::size(names)];
     std::string const text = to_string(
         sample::nameUuid(std::string(name.begin(), name.end()) + metaClass->narrowName() + std::to_string(step.d % 3)));
     ProxyId id{metaClass->getQualifiedName(), {text.begin(), text.end()}, boost::none};
@@ -492,7 +492,7 @@ class World {
 
 std::vector<Step> randomSteps(unsigned seed, std::size_t count) {
   // How often each operation comes, in the order of Op.
-  constexpr double weights[OPS] = {10, 6, 10, 20, 8, 10, 2, 3, 3, 3, 6, 4, 5, 2};
+  constexpr double weights[OPS] = {10, 6, 10, 20, 8, 10, 2, 3, 3, 3, 6, 4, 5, 5};
   std::mt19937 random(seed);
   std::discrete_distribution<int> ops(std::begin(weights), std::end(weights));
   std::uniform_int_distribution<unsigned> numbers(0, 1023);

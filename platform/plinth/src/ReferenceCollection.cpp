@@ -67,9 +67,7 @@ bool ReferenceCollection::mayTakePlace(ModelElement const& element) const {
   return owner() != nullptr && !element.isEmpty() && owner()->mayReplaceProxy(*element, *property());
 }
 
-ModelElement ReferenceCollection::resolved(ModelElement const& proxy) const {
-  if (owner() == nullptr) return {};
-  ModelElement const found = resolveProxy(proxy);
+ModelElement ReferenceCollection::resolved(ModelElement const& found) const {
   if (!mayTakePlace(found)) return {};
   if (opposite() != nullptr && !isComposite() && !listsOwner(*found)) return {};
   return found;

@@ -138,9 +138,11 @@ void ReferenceAssociative::resolve(bool localOnly) {
     if (!localOnly || id.isLocal()) waiting.push_back(proxy);
   }
   for (ModelElement const& proxy : waiting) {
-    if (owner()->model().isFrozen()) return;  // taking one in is a change
-    ModelElement const real = resolved(proxy);
-    if (!real.isEmpty() && keeps(proxy) && !owner()->model().isFrozen()) takeIn(proxy, real);
+    ModelElement const found = resolveProxy(proxy);
+    if (!held || owner()->model().isFrozen()) return;  // taking one in is a change
+    if (!keeps(proxy)) continue;                        // a loader has taken it out
+    ModelElement const real = resolved(found);
+    if (!real.isEmpty()) takeIn(proxy, real);
   }
 }
 

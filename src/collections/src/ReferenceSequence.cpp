@@ -342,10 +342,12 @@ class ReferenceSequence::Members {
 bool ReferenceSequence::resolveSlot(std::size_t position, Members* members) {
   ModelElement const proxy = m_elements[position];
   if (proxy.isEmpty() || !proxy->isProxy()) return false;
-  ModelElement real = resolved(proxy);
-  if (real.isEmpty()) return false;
-  if (position >= m_elements.size() || m_elements[position] != proxy) return false;  // a loader has changed it
-  return takePlaceOfProxy(position, std::move(real), members);
+  auto const stands = [&] { return position < m_elements.size() && m_elements[position] == proxy; };
+  ModelElement const found = resolveProxy(proxy);
+  if (!stands()) return false;  // a loader has changed it
+  ModelElement real = resolved(found);
+  // The far end may have looked here for the owner, and put the element in its place.
+  return !real.isEmpty() && stands() && takePlaceOfProxy(position, std::move(real), members);
 }
 
 /// Resolving is no modification, with no Operation and no notice, as long as the element, and its end of the link,

@@ -5,7 +5,7 @@
 #include <functional>
 #include <map>
 
-#include "plinth/Messages.hpp"
+#include "plinth/TakenKey.hpp"
 #include "plinth/collections/CollisionResolution.hpp"
 #include "plinth/collections/PrimitiveAssociativeContainer.hpp"
 
@@ -96,7 +96,7 @@ bool PrimitiveMapBase<K, T, C>::insert(T const& value, CollisionResolution resol
   auto const at = this->container().find(key);
   if (at == this->container().end()) return this->put({key, value});
   if (at->second == value || resolution == CollisionResolution::KEEP) return false;
-  if (resolution == CollisionResolution::RAISE) reportException(messages::UniquenessConstraint());
+  if (resolution == CollisionResolution::RAISE) reportTakenKey(key, this->owner(), this->property());
   T replacement = value;
   AbstractOwnedCollection::Operation operation(*this);
   auto* const journal = this->recordingJournal();
