@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 
 #include <boost/uuid/uuid_io.hpp>
+#include <functional>
 
 #include "plinth/Freezer.hpp"
 #include "plinth/ModelDirectory.hpp"
@@ -272,18 +273,109 @@ TEST_F(Across, AnElementThatIsUnloadedLeavesProxiesAtItsFarEnds) {
   EXPECT_THAT(category->getContents()->getAllValues(), ElementsAre(again));
 }
 
-TEST_F(Across, TheFarEndsOfAnUnloadThatIsRolledBackFindTheElementAgain) {
+/// A change of one end, made in the model of that end.
+struct Reaching {
+  char const* name;
+  Model const& model;
+  Model const& other;
+  std::function<void()> change;
+};
+
+class AcrossAtBothEnds : public Across {
+ protected:
+  std::vector<Reaching> const changes{
+      {"the reference is cleared", near, far, [this] { param->setCategory({}); }},
+      {"it moves to another", near, far, [this] { param->setCategory(local); }},
+      {"a sequence is cleared", near, far, [this] { param->getTags()->clear(); }},
+      {"a slot is replaced", near, far, [this] { param->getTags()->replaceAt(0, localTag); }},
+      {"the one end is destroyed", near, far, [this] { param->destroy(); }},
+      {"it is unloaded", near, far, [this] { near->unload(param); }},
+      {"a member is erased", far, near, [this] { category->getContents()->erase(0); }},
+      {"a set is cleared", far, near, [this] { tag->getTagged()->clear(); }},
+      {"the other end is destroyed", far, near, [this] { category->destroy(); }},
+  };
+  sample::runtime::CategoryState const local = sample::runtime::CategoryState::create(near);
+  sample::runtime::TagState const localTag = sample::runtime::TagState::create(near);
+};
+
+TEST_F(AcrossAtBothEnds, AChangeIsTakenBackTogetherAndToldTogether) {
+  for (Reaching const& each : changes) {
+    SCOPED_TRACE(each.name);
+    Snapshot const nearBefore(near), farBefore(far);
+    for (bool const isNested : {false, true}) {
+      auto const outer = each.model.beginTransaction();
+      auto inner = each.model.beginTransaction();
+      each.change();
+      EXPECT_TRUE(isSound(near) && isSound(far));
+      if (isNested) inner.commit();
+      EXPECT_EQ(each.other->level(), 1U);
+    }
+    EXPECT_TRUE(nearBefore.isBack());
+    EXPECT_TRUE(farBefore.isBack());
+  }
+  support::CommitCount nearCommits(near), farCommits(far);
+  changes.front().change();
+  EXPECT_EQ(std::pair(nearCommits.take(), farCommits.take()), std::pair(1, 1));
+  EXPECT_TRUE(category->getContents()->empty());
+}
+
+TEST_F(AcrossAtBothEnds, AChangeIsRefusedWhereTheOtherModelMayEndOtherwise) {
+  for (Reaching const& each : changes) {
+    SCOPED_TRACE(each.name);
+    Snapshot const nearBefore(near), farBefore(far);
+    {
+      auto const unrelated = each.other.beginTransaction();
+      EXPECT_EQ(raised(each.change), "OtherModelInTransaction");
+      auto const own = each.model.beginTransaction();
+      EXPECT_EQ(raised(each.change), "OtherModelInTransaction");
+    }
+    {
+      plinth::Model::Freezer const freezer(each.other);
+      EXPECT_EQ(raised(each.change), "CannotModifyFrozenModel");
+    }
+    EXPECT_TRUE(nearBefore.isBack());
+    EXPECT_TRUE(farBefore.isBack());
+  }
+  auto transaction = near.beginTransaction();
+  param->setCategory({});
+  auto const later = far.beginTransaction();  // inside what follows the near transaction
+  EXPECT_EQ(raised([&] { transaction.commit(); }), "TransactionNotInnermost");
+  EXPECT_EQ(raised([&] { far->unload(param); }), "CannotUnloadForeignElement");
+}
+
+TEST_F(Across, AProxyKnowsNothingOfItsLinksAndWaitsForWhatMayBeTakenBack) {
+  auto const lost = proxyOf<sample::runtime::CategoryState>(near, u"nowhere", "lost");
+  auto const fresh = sample::runtime::ParamState::create(near);
+  for (bool const commits : {false, true}) {
+    auto transaction = near.beginTransaction();
+    fresh->setCategory(lost);
+    EXPECT_TRUE(isSound(near));
+    if (commits) transaction.commit();
+  }
   {
     auto const transaction = near.beginTransaction();
-    near->unload(param);
-    EXPECT_TRUE(category->getContents()->getAllValuesAndProxies().front()->isProxy());
+    auto const late = sample::runtime::ParamState::create(near, sample::nameUuid("late"));
+    category->getContents()->add(proxyOf(far, late));
+    late->basicSetCategory(proxyOf(near, category));
+    EXPECT_EQ(late->getCategory(), category);
+    EXPECT_TRUE(category->getContents()->at(1)->isProxy()) << "the element may go again";
   }
-  EXPECT_TRUE(param);
-  EXPECT_EQ(param->getCategory(), category);
-  EXPECT_THAT(category->getContents()->getAllValues(), ElementsAre(param));
-  EXPECT_THAT(category->getContents()->getAllValuesAndProxies(), ElementsAre(param));
-  EXPECT_THAT(tag->getTagged()->getAllValues(), ElementsAre(param));
   EXPECT_TRUE(isSound(near) && isSound(far));
+
+  auto& tags = *param->getTags();
+  tags.add(proxyOf(near, tag));
+  EXPECT_EQ(tags.size(), 2U);
+  tags.resolveAll();
+  EXPECT_THAT(tags, ElementsAre(tag)) << "it is there already";
+}
+
+TEST(Proxy, OfAnElementThatIsUnloadedIsNoneWithinItsModel) {
+  SampleModel s;
+  s.model->unload(s.first);
+  EXPECT_THAT(*s.category->getContents(), ElementsAre(s.second));
+  EXPECT_TRUE(s.tag->getTagged()->empty());
+  s.model->unload(s.configuration);
+  EXPECT_TRUE(isSound(s.model));
 }
 
 TEST_F(Across, ConvertReferencesToProxiesComputesOneIdAndOnlyForFarEndsInOtherModels) {

@@ -256,11 +256,22 @@ TEST(EveryClass, RefusesDestroyedTargetsAndOnlyItsGenericInterfaceIgnoresThem) {
   });
 }
 
-TEST(EveryProperty, OfAProxyOrADeadElementRefusesToBeSet) {
+TEST(EveryProperty, OfAProxyOrADeadElementRefusesToBeSetOrReadAsACollection) {
   forEveryProperty([](Specimen& s, PropertyImpl& property) {
-    if (property.isMany()) return;
-    Value const value = s.specimens.forProperty(property, s.element);
     auto const proxy = s.model->createProxy(s.element->getMetaClass(), s.element->getPersistentProxyId(true));
+    if (isElementTyped(property)) {
+      ModelElement const member = s.specimens.builder(*property.type())->create();
+      EXPECT_EQ(raised([&] { proxy->inverseAdd(*member, property); }), "CannotModifyProxy");
+      EXPECT_EQ(raised([&] { proxy->inverseRemove(*member, property); }), "CannotModifyProxy");
+    }
+    if (property.isMany()) {
+      for (auto const* tag : {&ReflectionPrivateTag::PUBLIC_ACCESS, &ReflectionPrivateTag::IN_MEMORY_ONLY,
+                              &ReflectionPrivateTag::NO_PROXY_RESOLVE}) {
+        EXPECT_EQ(raised([&] { proxy->getPropertyValue(Property(&property), *tag); }), "CannotModifyProxy");
+      }
+      return;
+    }
+    Value const value = s.specimens.forProperty(property, s.element);
     EXPECT_EQ(raised([&] { proxy->setPropertyValue(Property(&property), value); }), "CannotModifyProxy");
     EXPECT_EQ(s.model->level(), 0U);
     s.element->destroy();
