@@ -48,7 +48,8 @@ void Driver::listen(plinth::ChangeSet const& changes) {
   }
 }
 
-/// Every collection whose contents differ has been told, and so has one of several members that was changed and is back.
+/// Every collection whose contents differ has been told, and so has one of several members that was changed and is
+/// back.
 void Driver::checkTold(PlainModel const& before) {
   for (auto const& [id, item] : m_plain.items) {
     if (!item.live || !before.isLive(id)) continue;

@@ -93,31 +93,29 @@ void ModelImpl::commitOutermost() {
   m_publisher->publish();
 }
 
+/// First what can fail, in all models; then what can't; listeners last, when every model is at rest.
 void ModelImpl::commitGroup() {
   std::vector<Handle> const group = m_ties.group();
-  auto const modelAt = [&](std::size_t i) -> ModelImpl& { return static_cast<ModelImpl&>(*group[i].elementImpl()); };
-  std::vector<char> isWatched(group.size());
-  for (std::size_t i = 0; i < group.size(); ++i) isWatched[i] = modelAt(i).m_publisher->isWatched() ? 1 : 0;
-  std::size_t collected = 0;
+  std::vector<ModelImpl*> watched;
+  watched.reserve(group.size());
   try {
-    for (; collected < group.size(); ++collected) {
-      if (isWatched[collected] != 0) modelAt(collected).m_publisher->collect(modelAt(collected).m_log);
+    for (Handle const& member : group) {
+      auto& model = static_cast<ModelImpl&>(*member.elementImpl());
+      if (!model.m_publisher->isWatched()) continue;
+      model.m_publisher->collect(model.m_log);
+      watched.push_back(&model);
     }
   } catch (...) {
-    for (std::size_t i = 0; i < collected; ++i) {
-      if (isWatched[i] != 0) modelAt(i).m_publisher->discard();
-    }
+    for (ModelImpl* model : watched) model->m_publisher->discard();
     throw;
   }
-  for (std::size_t i = 0; i < group.size(); ++i) {
-    ModelImpl& model = modelAt(i);
-    if (isWatched[i] != 0) model.m_publisher->takeOver(model.m_log);
+  for (ModelImpl* model : watched) model->m_publisher->takeOver(model->m_log);
+  for (Handle const& member : group) {
+    auto& model = static_cast<ModelImpl&>(*member.elementImpl());
     model.m_log.commitOutermost();
     model.m_ties.dissolve();
   }
-  for (std::size_t i = 0; i < group.size(); ++i) {
-    if (isWatched[i] != 0) modelAt(i).m_publisher->publish();
-  }
+  for (ModelImpl* model : watched) model->m_publisher->publish();
 }
 
 void ModelImpl::rollBack() noexcept {

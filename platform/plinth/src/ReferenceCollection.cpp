@@ -67,10 +67,8 @@ bool ReferenceCollection::mayTakePlace(ModelElement const& element) const {
   return owner() != nullptr && !element.isEmpty() && owner()->mayReplaceProxy(*element, *property());
 }
 
-ModelElement ReferenceCollection::resolved(ModelElement const& found) const {
-  if (!mayTakePlace(found)) return {};
-  if (opposite() != nullptr && !isComposite() && !listsOwner(*found)) return {};
-  return found;
+bool ReferenceCollection::isConfirmed(ModelElement const& found) const {
+  return mayTakePlace(found) && (opposite() == nullptr || isComposite() || listsOwner(*found));
 }
 
 bool ReferenceCollection::listsOwner(ModelElementImpl& element) const {

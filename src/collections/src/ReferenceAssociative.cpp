@@ -131,6 +131,7 @@ bool ReferenceAssociative::takesPlaceOfProxy(ModelElement const& element) {
 
 void ReferenceAssociative::resolve(bool localOnly) {
   if (m_proxies == nullptr || m_proxies->empty() || owner() == nullptr) return;
+  if (owner()->model().isFrozen()) return;  // taking one in is a change
   ModelElement const held = heldOwner();
   std::vector<ModelElement> waiting;  // taking one in changes the table, and so may a model that is loaded for it
   waiting.reserve(m_proxies->size());
@@ -139,10 +140,9 @@ void ReferenceAssociative::resolve(bool localOnly) {
   }
   for (ModelElement const& proxy : waiting) {
     ModelElement const found = resolveProxy(proxy);
-    if (!held || owner()->model().isFrozen()) return;  // taking one in is a change
-    if (!keeps(proxy)) continue;                        // a loader has taken it out
-    ModelElement const real = resolved(found);
-    if (!real.isEmpty()) takeIn(proxy, real);
+    // A loader may have destroyed the owner, frozen its model, or taken the proxy out.
+    if (!held || owner()->model().isFrozen()) return;
+    if (keeps(proxy) && isConfirmed(found)) takeIn(proxy, found);
   }
 }
 

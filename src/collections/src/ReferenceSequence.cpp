@@ -345,9 +345,8 @@ bool ReferenceSequence::resolveSlot(std::size_t position, Members* members) {
   auto const stands = [&] { return position < m_elements.size() && m_elements[position] == proxy; };
   ModelElement const found = resolveProxy(proxy);
   if (!stands()) return false;  // a loader has changed it
-  ModelElement real = resolved(found);
-  // The far end may have looked here for the owner, and put the element in its place.
-  return !real.isEmpty() && stands() && takePlaceOfProxy(position, std::move(real), members);
+  // The far end, when it is asked, may look here for the owner and put the element in its place.
+  return isConfirmed(found) && stands() && takePlaceOfProxy(position, found, members);
 }
 
 /// Resolving is no modification, with no Operation and no notice, as long as the element, and its end of the link,

@@ -40,6 +40,7 @@ void setQualifier(Element& self, std::u16string& field, std::u16string const& va
   self.requireModifiable();
   if (field == value) return;
   refuseTakenKey(self, value, row);
+  self.requireModifiable();  // a loader may have destroyed it
   rekey(self, row, [&] {
     self.notifyModifying(row.index);
     field = value;

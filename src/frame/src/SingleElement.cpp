@@ -53,6 +53,7 @@ void setElement(Element& self, ElementField& field, ModelElement const& target, 
                 plinth::Step::Extent extent, Store const& store) {
   self.requireModifiable();
   if (readElement(self, field, row) == target) return;
+  self.requireModifiable();  // a loader may have destroyed it
   self.checkCompatibleModel(target.impl(), *row.property);
   plinth::Step step(self.model(), extent);
   self.notifyModifying(row.index);

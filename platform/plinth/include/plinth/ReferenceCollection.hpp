@@ -90,8 +90,9 @@ class TESSEL_EXPORT ReferenceCollection : public AbstractOwnedCollection {
   ModelElement heldOwner() const noexcept { return ModelElement(owner()); }
   /// Whether the element may come in for a proxy that names it.
   bool mayTakePlace(ModelElement const& element) const;
-  /// The element that a proxy stands for, if it is there and, for an opposite, lists the owner; else an empty handle.
-  ModelElement resolved(ModelElement const& proxy) const;
+  /// Whether `found`, which a proxy names, may come in for it: mayTakePlace, and for an opposite it lists the owner.
+  /// Asking may put it in the proxy's place.
+  bool isConfirmed(ModelElement const& found) const;
   /// Whether the far end of an opposite lists the owner, by a proxy if need be; false where there is no opposite.
   bool listsOwner(ModelElementImpl& element) const;
 
