@@ -386,13 +386,19 @@ class World {
       case 5:
         meddle(UNLOAD);
         break;
-      case 6:
+      case 6: {
+        // What is done here goes again, whatever is under way further up.
+        if (!element) break;
+        auto const transaction = element->getModel().beginTransaction();
+        classes()[number % classes().size()]->instantiateBuilder(element->getModel())->create()->destroy();
+        meddle(SET);
+        meddle(DESTROY);
+        break;
+      }
+      default:
         for (Place& place : m_models) {
           if (place.model->level() == 0 && !place.freezer) place.freezer.emplace(place.model);
         }
-        break;
-      default:
-        break;
     }
     if (number % 16 >= 8) return {};
     Model const model = add(name);
@@ -520,7 +526,7 @@ TEST(LinkedModels, StaySoundUnderRandomStepsAndComeBackWhole) {
     });
     ASSERT_TRUE(sequences.hold(randomSteps(seed, extent.steps), extent.apart)) << "seed " << seed;
   }
-  if (extent.apart) return;
+  if (extent.apart || extent.count < 50) return;  // a short run need not come by everything
   for (char const* what :
        {"CannotModifyProxy", "CannotCreateCrossModelAssociation", "OtherModelInTransaction", "CannotModifyFrozenModel",
         "CannotUnloadForeignElement", "TransactionNotInnermost", "UniquenessConstraint", "loader", "loader meddled"}) {

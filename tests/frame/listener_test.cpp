@@ -1,6 +1,7 @@
 // What listeners are told: what an outermost commit created, changed and destroyed, with the old values, and no more.
 #include <gmock/gmock.h>
 
+#include <functional>
 #include <tessel_config_datamodel/data/DoubleArrayParamData.hpp>
 #include <tessel_config_datamodel/runtime/ProductionState.hpp>
 
@@ -209,6 +210,54 @@ TEST(Listener, IsToldOfCollectionsOfTwoAndOfArraysAndNaNsEvenIfEqual) {
         EXPECT_THAT(oldMembers(*recordOf(changes, s.night), u"Values"), IsEmpty()) << "the same answer again";
         EXPECT_THAT(changedOf(changes, s.volume), ElementsAre("container"));
       });
+}
+
+TEST(Listener, IsToldOfCollectionsThatWereChangedHoweverTheyCameBack) {
+  SampleModel s;
+  auto const data = sample::data::DoubleArrayParamData::create(s.model);
+  auto& values = *data->getValue();
+  auto& operands = *s.sum->getOperands();
+  auto const extra = sample::expr::NumericConstant::create(s.model);
+  values.push_back(1);
+  auto const forth = [&] {
+    values.push_back(2);
+    operands.add(extra);
+  };
+  auto const forthAndBack = [&] {
+    forth();
+    values.erase(values.begin() + 1);
+    operands.erase(2);
+  };
+  auto const within = [&](auto const& change, bool commits) {
+    auto inner = s.model.beginTransaction();
+    change();
+    if (commits) inner.commit();
+  };
+  std::vector<std::function<void()>> const ways{
+      forthAndBack,
+      [&] { within(forthAndBack, true); },
+      [&] {
+        forthAndBack();
+        within(forth, false);
+      },
+      [&] {
+        within(forthAndBack, true);
+        within(forthAndBack, false);
+      },
+  };
+  for (auto const& way : ways) {
+    tell(s.model, way, [&](ChangeSet const& changes) {
+      EXPECT_THAT(changedOf(changes, data), ElementsAre("Value"));
+      EXPECT_THAT(changedOf(changes, s.sum), ElementsAre("Operands"));
+    });
+  }
+  support::CommitCount commits(s.model);
+  {
+    auto transaction = s.model.beginTransaction();
+    within(forthAndBack, false);
+    transaction.commit();
+  }
+  EXPECT_EQ(commits.take(), 0);
 }
 
 TEST(Listener, OldValuesOutlastChangesThatItMakesToTheSameCollections) {

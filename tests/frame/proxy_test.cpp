@@ -249,6 +249,7 @@ class Across : public testing::Test {
   Model const near = Model::create();
   Model const far = Model::create();
   sample::runtime::ParamState const param = sample::runtime::ParamState::create(near, sample::nameUuid("param"));
+  sample::runtime::CategoryState const local = sample::runtime::CategoryState::create(near);
   sample::runtime::CategoryState const category = sample::runtime::CategoryState::create(far);
   sample::runtime::TagState const tag = sample::runtime::TagState::create(far);
 };
@@ -294,7 +295,6 @@ class AcrossAtBothEnds : public Across {
       {"a set is cleared", far, near, [this] { tag->getTagged()->clear(); }},
       {"the other end is destroyed", far, near, [this] { category->destroy(); }},
   };
-  sample::runtime::CategoryState const local = sample::runtime::CategoryState::create(near);
   sample::runtime::TagState const localTag = sample::runtime::TagState::create(near);
 };
 
@@ -369,6 +369,51 @@ TEST_F(Across, AProxyKnowsNothingOfItsLinksAndWaitsForWhatMayBeTakenBack) {
   EXPECT_THAT(tags, ElementsAre(tag)) << "it is there already";
 }
 
+TEST_F(Across, AReferenceOutlastsADeathThatIsTakenBackAndAModelThatEnds) {
+  auto other = Model::create();
+  other->setName(u"other");
+  auto const store = sample::ext::ConfigStore::create(near);
+  auto const profile = sample::ext::ConfigProfile::create(other);
+  store->setActiveProfile(proxyOf(near, profile));
+  EXPECT_EQ(store->getActiveProfile(), profile);
+  {
+    auto const transaction = other.beginTransaction();
+    profile->destroy();
+    EXPECT_TRUE(store->getActiveProfile().isEmpty());
+  }
+  EXPECT_EQ(store->getActiveProfile(), profile);
+
+  auto const member = sample::runtime::ParamState::create(other);
+  local->getContents()->add(proxyOf(near, member));
+  member->basicSetCategory(proxyOf(other, local));
+  EXPECT_EQ(member->getCategory(), local);
+  EXPECT_THAT(local->getContents()->getAllValues(), ElementsAre(member));
+  other = Model();
+  EXPECT_THAT(local->getContents()->getAllValues(), ElementsAre());
+  EXPECT_TRUE(store->getActiveProfile().isEmpty());
+  EXPECT_TRUE(isSound(near));
+}
+
+TEST_F(Across, ALoaderMayDestroyAndTakeBackWhileSomethingIsTornDown) {
+  int asked = 0;
+  ModelDirectory::getInstance().setLoader([&](std::u16string const&) {
+    if (asked++ > 0) return Model();
+    auto const transaction = near.beginTransaction();
+    auto const passing = sample::runtime::CategoryState::create(near);
+    sample::runtime::ParamState::create(near)->destroy();
+    local->destroy();
+    param->setCategory(passing);
+    param->setCategory({});
+    return Model();
+  });
+  param->setCategory(proxyOf<sample::runtime::CategoryState>(near, u"missing", "category"));
+  param->destroy();
+  ModelDirectory::getInstance().setLoader({});
+  EXPECT_GT(asked, 0);
+  EXPECT_TRUE(local);
+  EXPECT_TRUE(isSound(near) && isSound(far));
+}
+
 TEST(Proxy, OfAnElementThatIsUnloadedIsNoneWithinItsModel) {
   SampleModel s;
   s.model->unload(s.first);
@@ -379,7 +424,6 @@ TEST(Proxy, OfAnElementThatIsUnloadedIsNoneWithinItsModel) {
 }
 
 TEST_F(Across, ConvertReferencesToProxiesComputesOneIdAndOnlyForFarEndsInOtherModels) {
-  auto const local = sample::runtime::CategoryState::create(near);
   auto const neighbour = sample::runtime::ParamState::create(near);
   neighbour->setCategory(local);
   auto transaction = near.beginTransaction();

@@ -7,7 +7,7 @@ namespace plinth {
 OldCollection::~OldCollection() {
   if (m_source != nullptr && m_source->m_journal != nullptr && m_source->m_journal->m_sealed == this) {
     m_source->m_journal->m_sealed = nullptr;
-    m_source->m_journal->reset();
+    m_source->m_journal->clear();
   }
 }
 
@@ -30,7 +30,7 @@ CollectionJournal::~CollectionJournal() {
 }
 
 void CollectionJournal::forget() noexcept {
-  if (m_sealed == nullptr) reset();
+  if (m_sealed == nullptr) clear();
 }
 
 AbstractOwnedCollection::~AbstractOwnedCollection() = default;
@@ -50,7 +50,7 @@ CollectionJournal* AbstractOwnedCollection::beginRecording() {
     sealed->contents();
     m_journal->m_sealed = nullptr;
     sealed->m_source = nullptr;
-    m_journal->reset();
+    m_journal->clear();
   }
   m_owner->model().m_log.touch(*m_journal);
   return m_journal.get();

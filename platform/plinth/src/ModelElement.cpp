@@ -217,11 +217,7 @@ bool ModelElementImpl::mayReplaceProxy(ModelElementImpl const& found, meta::Prop
   auto const* const type = static_cast<meta::ClassImpl const*>(property.type());
   if (!found.isLive() || found.isProxy() || !found.getMetaClass()->conformsTo(*type)) return false;
   if ((m_state & DESTROYED) != 0) return false;  // a loader has destroyed it
-  if (found.m_model != m_model) {
-    auto const* const opposite = property.opposite();
-    if (property.isComposite() || found.isProvisional()) return false;
-    return opposite == nullptr || !found.mayBeTakenBack(*opposite);
-  }
+  if (found.m_model != m_model) return !property.isComposite() && !found.mayBeTakenBack(property.opposite());
   if (!property.isComposite()) return true;
   if (m_model->isFrozen() || liesIn(found)) return false;
   bool const liesHere = found.m_container == this && found.m_containmentProperty == &property;
@@ -229,13 +225,14 @@ bool ModelElementImpl::mayReplaceProxy(ModelElementImpl const& found, meta::Prop
 }
 
 void ModelElementImpl::leaveLater(ReferenceCollection& collection) {
-  m_model->m_leaving.push_back({&collection, this});
+  m_model->m_leaving.push_back({ModelElement(collection.owner()), &collection, ModelElement(this)});
 }
 
-bool ModelElementImpl::mayBeTakenBack(meta::PropertyImpl const& property) const noexcept {
+bool ModelElementImpl::mayBeTakenBack(meta::PropertyImpl const* end) const noexcept {
   if (isProvisional()) return true;
+  if (end == nullptr) return false;
   for (Storage const* record = m_record; record != nullptr; record = record->m_outer) {
-    if (record->isChanged(static_cast<unsigned long>(property.index()))) return true;
+    if (record->isChanged(static_cast<unsigned long>(end->index()))) return true;
   }
   return false;
 }

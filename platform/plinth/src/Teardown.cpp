@@ -1,7 +1,7 @@
 #include "Teardown.hpp"
 
 #include <algorithm>
-#include <functional>
+#include <unordered_map>
 
 #include "Prefetch.hpp"
 #include "plinth/FailurePoint.hpp"
@@ -12,40 +12,58 @@
 namespace plinth {
 
 void Teardown::destroy(ModelElementImpl& element) {
-  if (!element.isLive()) return;
   element.requireReal();
-  ModelElement const hold(&element);
-  Transaction transaction = element.model().beginTransaction(false);
-  destroyContained(element, true, true, true);
-  transaction.commit();
+  if (!hasBegun(element)) start(element, true, true, true);
 }
 
 void Teardown::destroyContained(ModelElementImpl& element, bool flag1, bool detachFirst, bool flag2) {
-  constexpr std::uint8_t BEGUN = ModelElementImpl::TEARING_DOWN | ModelElementImpl::ENDING;
-  if (!element.isLive() || (element.m_state & BEGUN) != 0) return;
+  element.requireReal();
+  if (hasBegun(element)) return;
   ModelImpl& model = element.model();
   if (model.level() == 0) reportException(messages::CannotModifyOutsideTransaction());
+  if (!model.m_collectingChildren) {
+    start(element, flag1, detachFirst, flag2);
+    return;
+  }
   if (detachFirst) detach(element);
-  model.m_teardown.push_back(&element);
-  element.m_state |= ModelElementImpl::TEARING_DOWN;
-  if (!model.m_tearingDown) drain(model, flag1, flag2);
+  wait(element);
 }
 
-void Teardown::drain(ModelImpl& model, bool flag1, bool flag2) {
-  struct Running {
-    explicit Running(ModelImpl& running) : m_model(running) { m_model.m_tearingDown = true; }
-    ~Running() {
-      constexpr auto REST = static_cast<std::uint8_t>(~(ModelElementImpl::TEARING_DOWN | ModelElementImpl::ENDING));
-      for (ModelElementImpl* waiting : m_model.m_teardown) waiting->m_state &= REST;
-      m_model.m_teardown.clear();
-      m_model.m_leaving.clear();
-      m_model.m_tearingDown = false;
-    }
-    ModelImpl& m_model;
-  } const running(model);
+bool Teardown::hasBegun(ModelElementImpl const& element) noexcept {
+  constexpr std::uint8_t BEGUN = ModelElementImpl::TEARING_DOWN | ModelElementImpl::ENDING;
+  return !element.isLive() || (element.m_state & BEGUN) != 0;
+}
+
+void Teardown::wait(ModelElementImpl& element) {
+  element.model().m_teardown.push_back(&element);
+  element.m_state |= ModelElementImpl::TEARING_DOWN;
+}
+
+void Teardown::start(ModelElementImpl& element, bool flag1, bool detachFirst, bool flag2) {
+  ModelElement const hold(&element);
+  Step step(element.model(), Step::WHOLE);
+  Run const run(element.model());
+  if (detachFirst) detach(element);
+  wait(element);
+  drain(run, flag1, flag2);
+  sweep(element.model(), run.leavingBefore);
+  step.commit();
+}
+
+Teardown::Run::Run(ModelImpl& running) noexcept
+    : model(running), waitingBefore(running.m_teardown.size()), leavingBefore(running.m_leaving.size()) {}
+
+Teardown::Run::~Run() {
+  constexpr auto REST = static_cast<std::uint8_t>(~(ModelElementImpl::TEARING_DOWN | ModelElementImpl::ENDING));
+  for (std::size_t i = waitingBefore; i < model.m_teardown.size(); ++i) model.m_teardown[i]->m_state &= REST;
+  model.m_teardown.resize(waitingBefore);
+  model.m_leaving.resize(leavingBefore);
+}
+
+void Teardown::drain(Run const& run, bool flag1, bool flag2) {
   constexpr std::size_t AHEAD = 4;
-  std::vector<ModelElementImpl*>& waiting = model.m_teardown;
-  while (!waiting.empty()) {
+  std::vector<ModelElementImpl*>& waiting = run.model.m_teardown;
+  while (waiting.size() > run.waitingBefore) {
     std::size_t const size = waiting.size();
     ModelElementImpl& next = *waiting.back();  // the model holds it, and then the undo log
     if (size > AHEAD) detail::prefetch(waiting[size - 1 - AHEAD], detail::ELEMENT_BYTES);
@@ -57,15 +75,20 @@ void Teardown::drain(ModelImpl& model, bool flag1, bool flag2) {
     waiting.pop_back();
     end(next);
   }
-  sweep(model);
 }
 
 void Teardown::begin(ModelElementImpl& element, bool flag1, bool flag2) {
+  struct Collecting {
+    explicit Collecting(ModelImpl& of) : model(of) { model.m_collectingChildren = true; }
+    ~Collecting() { model.m_collectingChildren = false; }
+    ModelImpl& model;
+  };
   failurePoint("teardown");
   element.m_state &= static_cast<std::uint8_t>(~ModelElementImpl::TEARING_DOWN);
   element.m_state |= ModelElementImpl::ENDING;
   element.notifyDestroying();
   element.aboutToDestroy();
+  Collecting const collecting(element.model());
   element.doDestroy(flag1, flag2);
 }
 
@@ -84,38 +107,43 @@ void Teardown::end(ModelElementImpl& element) {
 }
 
 void Teardown::convertToProxies(ModelImpl& model, std::vector<ModelElementImpl*> const& elements) {
-  struct Leaving {
-    explicit Leaving(ModelImpl& of, std::vector<ModelElementImpl*> const& those) : m_model(of), m_elements(those) {
-      for (ModelElementImpl* element : m_elements) element->m_state |= ModelElementImpl::ENDING;
-    }
-    ~Leaving() {
+  struct Marked {
+    ~Marked() {
       constexpr auto REST = static_cast<std::uint8_t>(~ModelElementImpl::ENDING);
-      for (ModelElementImpl* element : m_elements) element->m_state &= REST;
-      m_model.m_leaving.clear();
+      for (ModelElementImpl* element : elements) element->m_state &= REST;
     }
-    ModelImpl& m_model;
-    std::vector<ModelElementImpl*> const& m_elements;
-  } const leaving(model, elements);
+    std::vector<ModelElementImpl*> elements;
+  } marked;
+  Run const run(model);
+  marked.elements.reserve(elements.size());
+  for (ModelElementImpl* element : elements) {
+    if (hasBegun(*element)) continue;  // its teardown is under way further up
+    element->m_state |= ModelElementImpl::ENDING;
+    marked.elements.push_back(element);
+  }
   for (ModelElementImpl* element : elements) {
     boost::optional<ProxyId> id;
     element->convertReferencesToProxies(true, id);
   }
-  sweep(model);
+  sweep(model, run.leavingBefore);
 }
 
-void Teardown::sweep(ModelImpl& model) {
-  std::vector<ModelImpl::Leaving> leaving = std::exchange(model.m_leaving, {});
-  auto const byCollection = [](auto const& left, auto const& right) {
-    return std::less<>()(left.collection, right.collection);
-  };
-  std::stable_sort(leaving.begin(), leaving.end(), byCollection);
-  for (auto first = leaving.begin(); first != leaving.end();) {
-    auto const last = std::upper_bound(first, leaving.end(), *first, byCollection);
+void Teardown::sweep(ModelImpl& model, std::size_t from) {
+  // In the order in which the collections have been left first: listeners are told in it.
+  struct Group {
+    ModelElement owner;
+    ReferenceCollection* collection;
     std::vector<ModelElement> members;
-    for (auto at = first; at != last; ++at) members.emplace_back(at->element);
-    first->element->_basicRemoveAll(first->collection, members);
-    first = last;
+  };
+  std::vector<Group> groups;
+  std::unordered_map<ReferenceCollection*, std::size_t> positions;
+  for (std::size_t i = from; i < model.m_leaving.size(); ++i) {
+    ModelImpl::Leaving& leaving = model.m_leaving[i];
+    auto const [at, isNew] = positions.try_emplace(leaving.collection, groups.size());
+    if (isNew) groups.push_back({leaving.owner, leaving.collection, {}});
+    groups[at->second].members.push_back(std::move(leaving.element));
   }
+  for (Group const& group : groups) ModelElementImpl::_basicRemoveAll(group.collection, group.members);
 }
 
 void Teardown::detach(ModelElementImpl& element) {

@@ -17,10 +17,26 @@ class Teardown {
   static void convertToProxies(ModelImpl& model, std::vector<ModelElementImpl*> const& elements);
 
  private:
-  static void drain(ModelImpl& model, bool flag1, bool flag2);
+  /// One teardown. Another may begin while it runs, from a hook or a loader, and ends before it goes on: what waits
+  /// then stands behind what was there before.
+  struct Run {
+    explicit Run(ModelImpl& running) noexcept;
+    Run(Run const&) = delete;
+    Run& operator=(Run const&) = delete;
+    ~Run();
+    ModelImpl& model;
+    std::size_t waitingBefore;
+    std::size_t leavingBefore;
+  };
+
+  static bool hasBegun(ModelElementImpl const& element) noexcept;
+  static void wait(ModelElementImpl& element);
+  static void start(ModelElementImpl& element, bool flag1, bool detachFirst, bool flag2);
+  static void drain(Run const& run, bool flag1, bool flag2);
   static void begin(ModelElementImpl& element, bool flag1, bool flag2);
   static void end(ModelElementImpl& element);
-  static void sweep(ModelImpl& model);
+  /// Has each collection that was left let go of those that left it, from that entry on.
+  static void sweep(ModelImpl& model, std::size_t from);
   static void detach(ModelElementImpl& element);
 };
 

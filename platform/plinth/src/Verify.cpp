@@ -217,7 +217,9 @@ void Verification::checkTarget(ModelElementImpl const& element, meta::PropertyIm
     return;
   }
   if (!target) {
-    if (property.isComposite() || property.opposite() != nullptr) {
+    // A dead one of another model has gone with that model: whoever reads it is not shown it.
+    bool const isOurs = target->modelIdentity() == &m_model;
+    if (property.isComposite() || (property.opposite() != nullptr && isOurs)) {
       report("target", element, &property, "a live element", "the dead " + shortName(*target));
     }
     return;

@@ -1,5 +1,7 @@
 #include "plinth/collections/ReferenceAssociative.hpp"
 
+#include <algorithm>
+
 #include "CollectionView.hpp"
 
 namespace plinth {
@@ -80,9 +82,10 @@ bool ReferenceAssociative::removeProxy(ModelElement const& proxy) {
 
 void ReferenceAssociative::removeProxyFor(ModelElement const& element) {
   if (m_proxies == nullptr || m_proxies->empty() || !element || element->isProxy()) return;
-  if (owner() == nullptr || element->modelIdentity() == owner()->modelIdentity()) return;
-  ModelElement const proxy = proxyFor(element, false);
-  if (!proxy.isEmpty()) removeProxy(proxy);
+  for (bool const local : {true, false}) {
+    ModelElement const proxy = proxyFor(element, local);
+    if (!proxy.isEmpty()) removeProxy(proxy);
+  }
 }
 
 ModelElement ReferenceAssociative::proxyFor(ModelElement const& element, bool local) const {
@@ -116,10 +119,10 @@ void ReferenceAssociative::takeIn(ModelElement const& proxy, ModelElement const&
 }
 
 void ReferenceAssociative::replaceProxy(ModelElement const& element) {
-  if (mayTakePlace(element)) takesPlaceOfProxy(element);
+  if (mayTakePlace(element)) replaceProxyBy(element);
 }
 
-bool ReferenceAssociative::takesPlaceOfProxy(ModelElement const& element) {
+bool ReferenceAssociative::replaceProxyBy(ModelElement const& element) {
   for (bool const local : {true, false}) {
     ModelElement const proxy = proxyFor(element, local);
     if (proxy.isEmpty()) continue;
@@ -156,11 +159,14 @@ void ReferenceAssociative::basicAddWithProxy(ModelElement const& element) {
 
 bool ReferenceAssociative::basicContainsProxyTo(ModelElementImpl& target) {
   if (holds(ModelElement(&target))) return true;
+  ModelElement const element(&target);
+  if (!proxyFor(element, true).isEmpty() || !proxyFor(element, false).isEmpty()) return true;
   if (m_proxies == nullptr) return false;
-  for (auto const& [id, proxy] : *m_proxies) {
-    if (peekResolveProxy(proxy).impl() == &target) return true;
-  }
-  return false;
+  // An id may name the element by another class.
+  return std::any_of(m_proxies->begin(), m_proxies->end(), [&](auto const& entry) {
+    ModelElement const& proxy = entry.second;
+    return proxy->getUuid() == target.getUuid() && peekResolveProxy(proxy) == element;
+  });
 }
 
 void ReferenceAssociative::convertToProxy(ModelElementImpl& element, ModelElement const& proxy) {

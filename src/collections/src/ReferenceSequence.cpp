@@ -1,7 +1,9 @@
 #include "plinth/collections/ReferenceSequence.hpp"
 
 #include <algorithm>
+#include <boost/functional/hash.hpp>
 #include <iterator>
+#include <unordered_map>
 #include <unordered_set>
 
 #include "CollectionView.hpp"
@@ -141,7 +143,8 @@ std::size_t ReferenceSequence::positionOfProxyFor(ModelElement const& element) c
   // A link between models only: within a model the far end is real when it lets go.
   if (owner() == nullptr || !element || element->modelIdentity() == owner()->modelIdentity()) return m_elements.size();
   auto const standsForIt = [&](ModelElement const& slot) {
-    return !slot.isEmpty() && slot->isProxy() && peekResolveProxy(slot) == element;
+    bool const mayStand = !slot.isEmpty() && slot->isProxy() && slot->getUuid() == element->getUuid();
+    return mayStand && peekResolveProxy(slot) == element;
   };
   return static_cast<std::size_t>(std::find_if(m_elements.begin(), m_elements.end(), standsForIt) - m_elements.begin());
 }
@@ -171,17 +174,24 @@ void ReferenceSequence::basicRemove(ModelElement const& element) {
 }
 
 void ReferenceSequence::basicRemoveAll(std::vector<ModelElement> const& members) {
-  constexpr std::size_t FEW = 4;
-  bool const anyProxies =
-      std::any_of(m_elements.begin(), m_elements.end(), [](auto const& slot) { return slot->isProxy(); });
-  if (members.size() <= FEW || anyProxies) {
+  constexpr std::size_t FEW = 16;
+  if (members.size() <= FEW) {
     for (ModelElement const& member : members) removeNow(member);
     return;
   }
+  std::unordered_map<boost::uuids::uuid, ModelElement, boost::hash<boost::uuids::uuid>> leaving;
+  for (ModelElement const& member : members) leaving.emplace(member->getUuid(), member);
+  auto const leaves = [&](ModelElement const& slot) {
+    auto const at = slot.isEmpty() ? leaving.end() : leaving.find(slot->getUuid());
+    if (at == leaving.end()) return false;
+    if (slot == at->second) return true;
+    return slot && slot->isProxy() && at->second->modelIdentity() != owner()->modelIdentity() &&
+           peekResolveProxy(slot) == at->second;
+  };
   std::vector<ModelElement> staying;
   staying.reserve(m_elements.size());
   for (ModelElement const& element : m_elements) {
-    if (element && !element->isEnding()) staying.push_back(element);
+    if (!leaves(element)) staying.push_back(element);
   }
   if (staying.size() == m_elements.size()) return;
   Operation operation(*this);
@@ -224,9 +234,10 @@ void ReferenceSequence::inverseBeforeErasing(std::size_t first, std::size_t last
     }
     // What a proxy names may stand elsewhere itself, and stay linked; or here, since it has been looked at.
     ModelElement const far = owner()->_farEnd(element, *opposite());
+    if (far.isEmpty()) continue;
     std::size_t const at = positionOf(far);
     bool const leaves = at == m_elements.size() || (first <= at && at < last);
-    if (!far.isEmpty() && leaves) inverseBeforeRemoving(*far);
+    if (leaves) inverseBeforeRemoving(*far);
   }
 }
 
@@ -353,7 +364,7 @@ bool ReferenceSequence::resolveSlot(std::size_t position, Members* members) {
 /// can't go back to where they came from. In a containment it is one: the element becomes a child. So it is where a
 /// unique sequence holds the element already: the proxy goes. Whether the element stands in the sequence then.
 bool ReferenceSequence::takePlaceOfProxy(std::size_t position, ModelElement real, Members* members) {
-  bool const mayBeTakenBack = opposite() == nullptr ? real->isProvisional() : real->mayBeTakenBack(*opposite());
+  bool const mayBeTakenBack = real->mayBeTakenBack(opposite());
   if (mayBeTakenBack && &real->model() != &owner()->model()) return false;
   bool const isIn =
       m_unique && (members != nullptr ? members->has(*this, real) : positionOf(real) != m_elements.size());
@@ -402,7 +413,12 @@ std::vector<ModelElement> ReferenceSequence::getAllValues() {
   resolveAll();
   std::vector<ModelElement> values;
   values.reserve(m_elements.size());
-  std::copy_if(m_elements.begin(), m_elements.end(), std::back_inserter(values), isRealElement);
+  // A dead one of another model went with that model.
+  auto const isShown = [&](ModelElement const& element) {
+    return isRealElement(element) &&
+           (element || owner() == nullptr || element->modelIdentity() == owner()->modelIdentity());
+  };
+  std::copy_if(m_elements.begin(), m_elements.end(), std::back_inserter(values), isShown);
   return values;
 }
 
@@ -489,7 +505,7 @@ bool ReferenceSequence::basicContainsProxyTo(ModelElementImpl& target) {
   if (positionOf(ModelElement(&target)) != m_elements.size()) return true;
   for (std::size_t i = 0; i < m_elements.size(); ++i) {
     ModelElement const& slot = m_elements[i];
-    if (!slot->isProxy()) continue;
+    if (!slot->isProxy() || slot->getUuid() != target.getUuid()) continue;
     ModelElement const found = peekResolveProxy(slot);
     if (found.impl() != &target || found->isProxy() || !fits(found)) continue;
     takePlaceOfProxy(i, found);  // also if it has to wait for an open transaction: it stands for the target

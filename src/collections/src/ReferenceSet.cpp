@@ -16,7 +16,7 @@ bool ReferenceSet::addElement(ModelElement const& element) {
   checkCompatibleModel(element.impl());
   if (element->isProxy()) return addProxy(element);
   if (holds(element)) return false;
-  if (takesPlaceOfProxy(element)) return true;  // the far end may list the owner already
+  if (replaceProxyBy(element)) return true;  // the far end may list the owner already
   Operation operation(*this, extentOfAdding(*element));
   announceAdding(*element);
   insertRaw(element, modifying());

@@ -21,8 +21,7 @@ void takePlaceOfProxy(Element& self, ElementField& field, PropertyDescriptor con
     step.commit();
     return;
   }
-  auto const* const opposite = row.property->opposite();
-  bool const mayBeTakenBack = opposite == nullptr ? real->isProvisional() : real->mayBeTakenBack(*opposite);
+  bool const mayBeTakenBack = real->mayBeTakenBack(row.property->opposite());
   if (mayBeTakenBack && &real->model() != &self.model()) return;
   if (mayBeTakenBack && self.model().level() > 0) self.notifyModifying(row.index);
   field = std::move(real);
@@ -30,11 +29,10 @@ void takePlaceOfProxy(Element& self, ElementField& field, PropertyDescriptor con
 
 }  // namespace
 
-void refreshElement(Element& self, ElementField& field, PropertyDescriptor const& row) {
-  if (!field) {
-    if (field.impl()->modelIdentity() != self.modelIdentity()) field = ModelElement();
-    return;
-  }
+namespace {
+
+/// Puts what a proxy names in its place, if it can be had and may stand there.
+void resolveElement(Element& self, ElementField& field, PropertyDescriptor const& row) {
   ModelElement const held(&self);  // a loader may destroy it
   ModelElement const proxy = field;
   ModelElement resolved = self.model().resolveProxy(&self, proxy);
@@ -43,6 +41,20 @@ void refreshElement(Element& self, ElementField& field, PropertyDescriptor const
   auto* const opposite = row.property->opposite();
   if (opposite != nullptr && !self._inverseContainsThis(resolved.impl(), *opposite)) return;
   takePlaceOfProxy(self, field, row, std::move(resolved));
+}
+
+}  // namespace
+
+ElementField const& refreshElement(Element& self, ElementField& field, PropertyDescriptor const& row) {
+  static ElementField const none;
+  if (field) {
+    resolveElement(self, field, row);
+  } else if (field.impl()->modelIdentity() != self.modelIdentity()) {
+    // One that its model's open transaction has destroyed may live again: it stays, and is not shown.
+    if (field.impl()->mayLiveAgain()) return none;
+    field = ModelElement();
+  }
+  return field;
 }
 
 namespace {

@@ -60,23 +60,14 @@ class TESSEL_EXPORT CollectionJournal : public Undoable {
  public:
   ~CollectionJournal() override;
   void forget() noexcept override;
-  /// Whether anything has been done that was not taken back, also where its steps have cancelled each other.
-  bool tellsChange() const noexcept { return m_cancelled || steps() > 0; }
 
  protected:
   virtual void clear() noexcept = 0;
-  /// A step went because a later one undid it: the collection is as it was, and counts as changed all the same.
-  void noteCancelled() noexcept { m_cancelled = true; }
 
  private:
   friend class OldCollection;
   friend class AbstractOwnedCollection;
-  void reset() noexcept {
-    m_cancelled = false;
-    clear();
-  }
   OldCollection* m_sealed = nullptr;  ///< a published record that still needs the steps
-  bool m_cancelled = false;
 };
 
 class TESSEL_EXPORT AbstractOwnedCollection {
@@ -95,7 +86,7 @@ class TESSEL_EXPORT AbstractOwnedCollection {
   virtual std::size_t rawSize() const = 0;
   /// Whether the present outermost transaction has done anything to it, also where it is back at what it was; an
   /// announced change that failed did nothing.
-  bool isChanged() const noexcept { return m_journal != nullptr && m_journal->tellsChange(); }
+  bool isChanged() const noexcept { return m_journal != nullptr && m_journal->steps() > 0; }
   /// A detached collection with the contents that this one had when the present outermost transaction began.
   virtual std::unique_ptr<AbstractOwnedCollection> oldContents() const = 0;
   /// A detached collection with the present contents.

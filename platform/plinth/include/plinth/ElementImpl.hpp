@@ -58,7 +58,7 @@ class TESSEL_EXPORT ElementImpl {
     ANNOUNCED = 4,
     HAS_CONTAINED = 8,
     TEARING_DOWN = 16,
-    ENDING = 32  ///< its teardown has begun and waits for what it contains
+    ENDING = 32  ///< its teardown has begun and waits for what it contains, or it is being unloaded
   };
 
   boost::uuids::uuid m_uuid;

@@ -122,8 +122,9 @@ class TESSEL_EXPORT ModelImpl : public ElementImpl {
   ModelImpl();
   /// A member that has said that it leaves a collection.
   struct Leaving {
+    ModelElement owner;  ///< of the collection, which ends with it
     ReferenceCollection* collection;
-    ModelElementImpl* element;
+    ModelElement element;
   };
 
   ModelElement lookUp(ProxyId const& id, bool load) const;
@@ -148,7 +149,7 @@ class TESSEL_EXPORT ModelImpl : public ElementImpl {
   std::u16string m_name;
   std::int32_t m_resolveSuppression = 0;
   std::int32_t m_freezes = 0;
-  bool m_tearingDown = false;
+  bool m_collectingChildren = false;  ///< an element that is torn down names what goes with it
 };
 
 /// While it lives, getters of qualified maps leave proxies as they are. Nests.

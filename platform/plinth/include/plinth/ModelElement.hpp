@@ -156,8 +156,10 @@ class TESSEL_EXPORT ModelElementImpl : public ElementImpl {
   /// and no other model's open transaction may take it back. In a containment it becomes a child: it has to be of this
   /// model, which must be open to change, and to lie nowhere else, unless a map is to take it from there.
   bool mayReplaceProxy(ModelElementImpl const& found, meta::PropertyImpl const& property) const;
-  /// Whether an open transaction may take back that `property` of this element holds what it holds.
-  bool mayBeTakenBack(meta::PropertyImpl const& property) const noexcept;
+  /// Whether an open transaction may take back this element or, where `end` is given, what that property holds.
+  bool mayBeTakenBack(meta::PropertyImpl const* end) const noexcept;
+  /// Whether this dead element may live again: the transaction that destroyed it is still open.
+  bool mayLiveAgain() const noexcept { return (m_state & (DESTROYED | ANNOUNCED)) == (DESTROYED | ANNOUNCED); }
   bool isAnnounced() const noexcept { return (m_state & ANNOUNCED) != 0; }
   /// True while its teardown is under way, or it is leaving memory: far ends let go of it together, when all have left.
   bool isEnding() const noexcept { return (m_state & ENDING) != 0; }
@@ -178,7 +180,7 @@ class TESSEL_EXPORT ModelElementImpl : public ElementImpl {
   void _inverseRemoveThis(ModelElementImpl* target, meta::PropertyImpl& property);
   bool _inverseContainsThis(ModelElementImpl* target, meta::PropertyImpl& property) const;
   /// The element at the far end of a link, as far as it is in memory: `member`, or what that proxy names, if its
-  /// `opposite` lists this element. Loads nothing.
+  /// `opposite` lists this element. Loads nothing, but may put an element in its proxy's place.
   ModelElement _farEnd(ModelElement const& member, meta::PropertyImpl& opposite) const;
   void _convertToProxy(ModelElementImpl* target, meta::PropertyImpl& property, ProxyId const& id);
   ProxyId _getPersistentProxyId() const { return getPersistentProxyId(false); }

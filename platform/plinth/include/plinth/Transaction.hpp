@@ -1,7 +1,8 @@
 // A transaction of a caller. It commits when told so; ending it any other way takes back all that was changed since it
 // began. Transactions nest: an inner one that is taken back leaves the outer one as it was.
-// A transaction is one model's: where an opposite link leads into another model, its far end changes in a transaction
-// of that model's own, which stays when this one is taken back. Ownership: holds its model. Ends when it is destroyed.
+// A transaction is one model's, and takes along what it reaches: where an opposite link leads into another model, its
+// far end changes at a level of that model which ends as this one does. Ownership: holds its model. Ends when it is
+// destroyed.
 // Thread rule: the model's thread.
 #pragma once
 

@@ -36,7 +36,8 @@ TESSEL_EXPORT std::ostream& operator<<(std::ostream& stream, Finding const& find
 /// - "key": an element stands in a map under the key that it bears;
 /// - "uniqueness": a unique sequence holds an element once, proxies not counted;
 /// - "class": a target is of the property's class;
-/// - "target": a live target is in its model's directory, and a containment or an opposite holds no dead one;
+/// - "target": a live target is in its model's directory, and a containment, or an opposite within the model, holds no
+///   dead one;
 /// - "reference count": an element is counted at least as often as the model and its properties hold it;
 /// - "undo": outside a transaction nothing is kept for an undo.
 /// A dead target of a plain reference is sound: a getter deals with it. Resolves no proxy and changes nothing. Not to

@@ -21,7 +21,7 @@ class TESSEL_EXPORT ReferenceAssociative : public ReferenceCollection {
   bool addProxy(ModelElement const& proxy);
   /// Whether there was one of that id.
   bool removeProxy(ModelElement const& proxy);
-  /// Removes the proxy that stands for an element of another model, if there is one.
+  /// Removes the proxies that stand for the element, if there are any.
   void removeProxyFor(ModelElement const& element);
   /// Removes a member, which may be dead, or a proxy; whether it was there.
   bool removeMember(ModelElement const& element);
@@ -46,8 +46,8 @@ class TESSEL_EXPORT ReferenceAssociative : public ReferenceCollection {
   virtual bool removeElement(ModelElement const& element) = 0;
   /// Gives up the real elements; the caller has announced it.
   virtual void resetElements(CollectionJournal* journal) = 0;
-  /// Whether the element has taken the place of a proxy that stood for it.
-  bool takesPlaceOfProxy(ModelElement const& element);
+  /// Puts the element in the place of the proxy that stands for it; whether there was one.
+  bool replaceProxyBy(ModelElement const& element);
   detail::NodeSteps<ProxyTable>* proxySteps(CollectionJournal* journal);
   /// Becomes a deep copy of the other's proxies, or has none.
   void copyProxies(ReferenceAssociative const* other, CollectionJournal* journal);

@@ -161,9 +161,9 @@ class SequenceJournal : public CollectionJournal {
     Step* const run = ownInsertionAround(begin, end);
     if (run == nullptr) return false;
     run->end -= end - begin;
-    if (run->end != run->begin) return true;
-    m_steps.pop_back();
-    noteCancelled();
+    // The level's only step stays, empty: the sequence is back, and has been changed all the same.
+    bool const isOnlyOne = m_steps.size() == firstOwnStep() + 1;
+    if (run->end == run->begin && !isOnlyOne) m_steps.pop_back();
     return true;
   }
 

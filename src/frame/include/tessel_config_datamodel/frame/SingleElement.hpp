@@ -10,15 +10,15 @@ namespace tessel::frame {
 
 using ElementField = plinth::ModelElement;
 
-/// Deals with what is rare in a field: a dead target, or a proxy.
-TESSEL_EXPORT void refreshElement(Element& self, ElementField& field, PropertyDescriptor const& row);
+/// Deals with what is rare in a field, a dead target or a proxy, and gives what the getter shows.
+TESSEL_EXPORT ElementField const& refreshElement(Element& self, ElementField& field, PropertyDescriptor const& row);
 
 /// The getter: a dead target of this model stays, one of another is dropped, a proxy is resolved if it can be and, with
 /// an opposite, if the far end lists this element.
 inline ElementField const& readElement(Element const& self, ElementField const& field, PropertyDescriptor const& row) {
   auto const* const target = field.impl();
   if (target != nullptr && (!target->isLive() || target->isProxy())) {
-    refreshElement(const_cast<Element&>(self), const_cast<ElementField&>(field), row);
+    return refreshElement(const_cast<Element&>(self), const_cast<ElementField&>(field), row);
   }
   return field;
 }
