@@ -1,5 +1,6 @@
 // Collections of elements and maps by key, from small to large, and the store of saved profiles as a whole.
 #include <tessel_config_datamodel/runtime/CategoryState.hpp>
+#include <tessel_config_datamodel/runtime/ConfigurationState.hpp>
 #include <tessel_config_datamodel/runtime/ParamState.hpp>
 #include <tessel_config_datamodel/runtime/PerspectiveState.hpp>
 #include <unordered_set>
