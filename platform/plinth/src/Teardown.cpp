@@ -129,6 +129,7 @@ void Teardown::convertToProxies(ModelImpl& model, std::vector<ModelElementImpl*>
 }
 
 void Teardown::sweep(ModelImpl& model, std::size_t from) {
+  if (model.m_leaving.size() == from) return;
   // In the order in which the collections have been left first: listeners are told in it.
   struct Group {
     ModelElement owner;
