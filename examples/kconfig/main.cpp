@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <exception>
+#include <filesystem>
 #include <iostream>
 
 #include "commands/Commands.hpp"
@@ -31,6 +32,14 @@ using Command = int (*)(kconfig::Run&);
 }
 
 // The command line: fills options and finds the command that it asks for.
+bool namesSameFile(std::string const& left, std::string const& right) {
+  std::error_code ignored;
+  auto const resolved = [&](std::string const& file) {
+    return std::filesystem::weakly_canonical(std::filesystem::absolute(file), ignored);
+  };
+  return !left.empty() && !right.empty() && resolved(left) == resolved(right);
+}
+
 class CommandLine {
  public:
   CommandLine() {
@@ -45,6 +54,9 @@ class CommandLine {
     generate.final_callback([this] {
       if (m_options.configuration.empty() && m_options.header.empty()) {
         throw CLI::RequiredError("--output or --header");
+      }
+      if (namesSameFile(m_options.configuration, m_options.header)) {
+        throw CLI::ValidationError("--output and --header name the same file");
       }
     });
     add("summary", "count what is in the tree and tell time and memory", kconfig::runSummary);
@@ -63,7 +75,9 @@ class CommandLine {
     try {
       m_app.parse(argc, argv);
     } catch (CLI::ParseError const& error) {
-      return m_app.exit(error) == 0 ? kconfig::exitDone : kconfig::exitUsage;
+      bool const isAnswered = m_app.exit(error) == 0;
+      std::cout.flush();  // a full disk is told here
+      return isAnswered ? kconfig::exitDone : kconfig::exitUsage;
     }
     for (auto const& [app, command] : m_commands) {
       if (app->parsed()) {

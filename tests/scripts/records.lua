@@ -86,6 +86,17 @@ entry:destroy()
 check.raises("Kestrel:class:InvalidHandle", function() value.a = 5 end)
 check.equal(value.a, 1)
 
+-- A table does not stand for what comes in its place.
+local lists = schema.MethodRef(model, {ConstantArgs = {list = {{n = 1}, {n = 2}, {n = 3}}}})
+local list = lists.ConstantArgs.list
+local first, third = list[1], list[3]
+list[1] = {n = 4}
+check.raises("Kestrel:class:StaleValue", function() return first.n end)
+third.n = 5
+check.equal(lists.ConstantArgs.list[3].n, 5)
+check.raises("Kestrel:class:StaleValue", function() list[1], list[2] = list[2], list[1] end)
+check.raises("Kestrel:class:StaleValue", function() table.sort(list, function(a, b) return a.n > b.n end) end)
+
 -- Deep values, read step by step; to a table they go to a told depth.
 local deep = schema.MethodRef(model)
 deep.ConstantArgs = {}

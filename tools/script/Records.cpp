@@ -39,6 +39,9 @@ struct Node {
   // In a list, counted from 0; without meaning where there is a name.
   std::size_t position;
 
+  // Instead of a generation: what the node stood for has been replaced.
+  static constexpr std::uint64_t REPLACED = ~std::uint64_t{0};
+
   bool hasNames() const { return kestrel::isStruct(*array) && (isElement || kestrel::isScalar(*array)); }
 };
 static_assert(std::is_trivially_destructible_v<Root> && std::is_trivially_destructible_v<Node>);
@@ -89,9 +92,13 @@ Root& rootOf(lua_State* state, int node) {
 }
 
 struct Step {
-  Node* node;
+  std::size_t position;
   std::string name;
   bool hasName;
+
+  friend bool operator==(Step const& left, Step const& right) {
+    return left.hasName == right.hasName && (left.hasName ? left.name == right.name : left.position == right.position);
+  }
 };
 
 // The steps from the root to the node at the index, in this order; the root's own is left out.
@@ -102,7 +109,7 @@ std::vector<Step> stepsTo(lua_State* state, int index) {
     auto* const node = static_cast<Node*>(lua_touserdata(state, -1));
     lua_getiuservalue(state, -1, NAME);
     bool const hasName = lua_type(state, -1) == LUA_TSTRING;
-    steps.push_back({node, hasName ? nameAt(state, -1) : std::string(), hasName});
+    steps.push_back({node->position, hasName ? nameAt(state, -1) : std::string(), hasName});
     lua_pop(state, 1);
     lua_getiuservalue(state, -1, PARENT);
     lua_remove(state, -2);
@@ -123,13 +130,13 @@ struct Place {
   void go(Step const& step, Root const& root) {
     bool const hasNames = kestrel::isStruct(*array) && (isElement || kestrel::isScalar(*array));
     bool const fits = step.hasName ? hasNames && kestrel::hasField(*array, step.name)
-                                   : !hasNames && step.node->position < kestrel::numberOfElements(*array);
+                                   : !hasNames && step.position < kestrel::numberOfElements(*array);
     if (!fits) refuseStale(root);
     if (!step.hasName && kestrel::isStruct(*array)) {
-      element = step.node->position;
+      element = step.position;
       isElement = true;
     } else {
-      array = step.hasName ? kestrel::field(*array, element, step.name) : kestrel::cell(*array, step.node->position);
+      array = step.hasName ? kestrel::field(*array, element, step.name) : kestrel::cell(*array, step.position);
       element = 0;
       isElement = false;
     }
@@ -147,6 +154,7 @@ Place follow(std::vector<Step> const& steps, Root const& root, kestrel_array con
 Node& refreshed(lua_State* state, int index) {
   auto& node = *static_cast<Node*>(lua_touserdata(state, index));
   Root const& root = rootOf(state, index);
+  if (node.generation == Node::REPLACED) refuseStale(root);
   if (node.generation == root.generation) return node;
   Place const place = follow(stepsTo(state, index), root, *root.held);
   node.array = place.array;
@@ -255,6 +263,25 @@ void change(lua_State* state, kestrel_array& array, Place const& place, OwnedArr
   kestrel::setCell(array, position, std::move(value));
 }
 
+// Ends the nodes that stood at the key at stack index 2 of the node at index 1, or below it: a table that was read from
+// there shows what was there, not what has come in its place.
+void endReplaced(lua_State* state) {
+  std::vector<Step> slot = stepsTo(state, 1);
+  bool const hasName = lua_type(state, 2) == LUA_TSTRING;
+  slot.push_back({hasName ? 0 : positionAt(state, 2), hasName ? nameAt(state, 2) : std::string(), hasName});
+  lua_getiuservalue(state, 1, ROOT);
+  int const root = lua_gettop(state);
+  lua_rawgetp(state, LUA_REGISTRYINDEX, &NODES_KEY);
+  for (lua_pushnil(state); lua_next(state, root + 1) != 0; lua_settop(state, root + 2)) {
+    lua_getiuservalue(state, -1, ROOT);
+    if (lua_rawequal(state, -1, root) == 0) continue;
+    std::vector<Step> const steps = stepsTo(state, root + 3);
+    bool const isBelow = steps.size() >= slot.size() && std::equal(slot.begin(), slot.end(), steps.begin());
+    if (isBelow) static_cast<Node*>(lua_touserdata(state, root + 3))->generation = Node::REPLACED;
+  }
+  lua_settop(state, root - 1);
+}
+
 // The object, its property, the key and the value: all that an error may be about.
 void write(lua_State* state, ObjectBox const& box, Root& root) {
   kestrel::OwnedArray const current = corvid::getProperty(*box.self, *root.property);
@@ -269,6 +296,7 @@ void write(lua_State* state, ObjectBox const& box, Root& root) {
   root.held.letGo(memory);
   ++root.generation;
   root.held.take(memory, kept != nullptr ? std::move(kept) : std::move(changed));
+  endReplaced(state);
 }
 
 int newIndex(lua_State* state) {

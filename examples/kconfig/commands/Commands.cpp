@@ -1,6 +1,9 @@
 #include "commands/Commands.hpp"
 
+#include <unistd.h>
+
 #include <chrono>
+#include <filesystem>
 #include <iostream>
 #include <stdexcept>
 
@@ -28,7 +31,10 @@ bool writeProduction(runtime::ConfigurationState const& state, std::u16string_vi
 }
 
 // Makes the productions and writes those that have a file to go to.
-bool writeProductions(Workspace& workspace, CommandOptions const& options) {
+bool writeProductions(Run& run) {
+  if (!run.hasInputs()) return true;
+  Workspace& workspace = run.workspace();
+  CommandOptions const& options = run.options();
   workspace.produce();
   runtime::ConfigurationState const& state = workspace.states().root;
   bool const written = writeProduction(state, key::configuration, options.configuration);
@@ -44,6 +50,14 @@ Run::Run(CommandOptions options)
   bool const named = !m_options.profile.empty() || m_options.noProfile;
   m_profile = m_workspace.load(named ? m_options.profile : m_workspace.defaultProfile());
   m_workspace.apply(m_profile);
+}
+
+bool Run::hasInputs() const {
+  // Not opened: a pipe has been read by now.
+  auto const canBeRead = [](std::string const& file) {
+    return ::access(file.c_str(), R_OK) == 0 && !std::filesystem::is_directory(file);
+  };
+  return canBeRead(m_options.root) && (m_options.profile.empty() || canBeRead(m_options.profile));
 }
 
 int Run::report() {
@@ -63,7 +77,7 @@ int runCheck(Run& run) {
 }
 
 int runGenerate(Run& run) {
-  bool const written = writeProductions(run.workspace(), run.options());
+  bool const written = writeProductions(run);
   int const result = run.report();
   return written ? result : exitOutputFailed;
 }
@@ -117,7 +131,7 @@ int runSet(Run& run) {
   bool written = true;
   auto const start = std::chrono::steady_clock::now();
   workspace.tryOut(run.profile(), settings, !run.options().dryRun, [&] {
-    written = run.options().dryRun || writeProductions(workspace, run.options());
+    written = run.options().dryRun || writeProductions(run);
     printDifferences(workspace, before, workspace.writer().shown());
   });
   std::chrono::duration<double, std::milli> const took = std::chrono::steady_clock::now() - start;

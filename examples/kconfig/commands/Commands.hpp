@@ -39,6 +39,8 @@ class Run {
   Workspace& workspace() { return m_workspace; }
   Progress const& progress() const { return m_progress; }
   ext::ConfigProfile const& profile() const { return m_profile; }
+  // Whether the tree, and the profile where one was named, can be read: if not, nothing is written in their place.
+  bool hasInputs() const;
   // Tells what is wrong and gives the exit code.
   int report();
 

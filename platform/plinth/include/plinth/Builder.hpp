@@ -76,7 +76,11 @@ class TESSEL_EXPORT ModelElementBuilder {
   /// the tree. Under an orchestrator the tree is part of what that one builds, and a second call gives the same
   /// element.
   ModelElement create(boost::uuids::uuid const& uuid = {});
-  void setModel(Model const& model) { m_model = model; }
+  /// Another model than before takes the builder out of an orchestrator, which builds in one model.
+  void setModel(Model const& model) {
+    if (model != m_model) leaveOrchestrator();
+    m_model = model;
+  }
   Model const& model() const noexcept { return m_model; }
 
   virtual meta::Class const& getMetaClass() const = 0;

@@ -155,7 +155,7 @@ auto PrimitiveSequence<T>::insertAll(Iterator position, std::vector<T> values) -
   Journal* const journal = this->recordingJournal();
   if (journal != nullptr) journal->reserveInsertion();
   failurePoint("primitive-insert");
-  this->container().reserve(this->size() + values.size());  // so that what follows can't fail half-way
+  detail::makeRoomFor(this->container(), values.size());  // so that what follows can't fail half-way
   this->container().insert(at(index), std::make_move_iterator(values.begin()), std::make_move_iterator(values.end()));
   if (journal != nullptr) journal->inserted(index, values.size());
   operation.commit();
