@@ -1,7 +1,5 @@
 #include "plinth/Model.hpp"
 
-#include <boost/uuid/uuid_io.hpp>
-
 #include "ChangePublisher.hpp"
 #include "LiveObjects.hpp"
 #include "plinth/FailurePoint.hpp"

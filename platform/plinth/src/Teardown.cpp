@@ -41,12 +41,15 @@ void Teardown::wait(ModelElementImpl& element) {
 
 void Teardown::start(ModelElementImpl& element, bool flag1, bool detachFirst, bool flag2) {
   ModelElement const hold(&element);
+  Model const model = element.getModel();  // a listener may let go of the last handle
   Step step(element.model(), Step::WHOLE);
-  Run const run(element.model());
-  if (detachFirst) detach(element);
-  wait(element);
-  drain(run, flag1, flag2);
-  sweep(element.model(), run.leavingBefore);
+  {
+    Run const run(element.model());
+    if (detachFirst) detach(element);
+    wait(element);
+    drain(run, flag1, flag2);
+    sweep(element.model(), run.leavingBefore);
+  }
   step.commit();
 }
 
