@@ -460,15 +460,20 @@ TEST(Listener, IsToldOfProxiesWhateverTheSetOrMapHolds) {
 }
 
 TEST(Listener, MayDropTheLastHandleOfTheModel) {
-  auto model = plinth::Model::create();
-  auto const store = sample::ext::ConfigStore::create(model);
-  auto const listening = model.addListener([&](ChangeSet const& changes) {
-    model = plinth::Model();
-    EXPECT_TRUE(store) << "it lives until all have been told";
-    EXPECT_EQ(changes.changed().size(), 1U);
-  });
-  store->setVersion(1);
-  EXPECT_FALSE(store);
+  for (bool const destroys : {false, true}) {
+    auto model = plinth::Model::create();
+    auto const store = sample::ext::ConfigStore::create(model);
+    auto const other = sample::ext::ConfigStore::create(model);
+    std::size_t changed = 0;
+    auto const listening = model.addListener([&](ChangeSet const& changes) {
+      model = plinth::Model();
+      EXPECT_TRUE(store) << "it lives until all have been told";
+      changed = changes.changed().size() + changes.destroyed().size();
+    });
+    destroys ? other->destroy() : store->setVersion(1);
+    EXPECT_EQ(changed, 1U);
+    EXPECT_FALSE(store);
+  }
 }
 
 }  // namespace
