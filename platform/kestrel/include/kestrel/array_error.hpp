@@ -5,11 +5,11 @@
 #include <string>
 #include <utility>
 
-#include "kestrel/export.hpp"
+#include "groundwork/export.hpp"
 
 namespace kestrel {
 
-class KESTREL_EXPORT ArrayError : public std::invalid_argument {
+class TESSEL_EXPORT ArrayError : public std::invalid_argument {
  public:
   /// The identifier names the error for programs ("Kestrel:array:WrongClass"), the sentence is for people.
   ArrayError(std::string identifier, std::string const& sentence)

@@ -7,6 +7,6 @@ namespace kestrel {
 
 /// Bytes that an array holds, fields and cells included; a guess for objects, whose natives only their classes know.
 /// Cost: the number of arrays, and of texts, in it.
-KESTREL_EXPORT std::size_t heldBytes(kestrel_array const& array);
+TESSEL_EXPORT std::size_t heldBytes(kestrel_array const& array);
 
 }  // namespace kestrel

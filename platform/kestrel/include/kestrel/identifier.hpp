@@ -10,12 +10,12 @@
 #include <string>
 #include <string_view>
 
-#include "kestrel/export.hpp"
+#include "groundwork/export.hpp"
 
 namespace kestrel {
 
 /// The empty identifier is the default one and equals intern("").
-class KESTREL_EXPORT Identifier {
+class TESSEL_EXPORT Identifier {
  public:
   constexpr Identifier() noexcept = default;
 
@@ -32,7 +32,7 @@ class KESTREL_EXPORT Identifier {
   friend std::ostream& operator<<(std::ostream& stream, Identifier identifier) { return stream << identifier.text(); }
 
  private:
-  friend KESTREL_EXPORT Identifier intern(std::string_view text);
+  friend TESSEL_EXPORT Identifier intern(std::string_view text);
   friend struct std::hash<Identifier>;
   explicit Identifier(std::string const* text) noexcept : m_text(text) {}
 
@@ -43,7 +43,7 @@ class KESTREL_EXPORT Identifier {
 };
 
 /// The one identifier of that text. Costs a hash look-up under a lock, and an allocation the first time.
-KESTREL_EXPORT Identifier intern(std::string_view text);
+TESSEL_EXPORT Identifier intern(std::string_view text);
 
 }  // namespace kestrel
 

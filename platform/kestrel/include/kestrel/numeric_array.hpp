@@ -13,12 +13,12 @@
 namespace kestrel {
 
 namespace detail {
-[[nodiscard]] KESTREL_EXPORT OwnedArray createPlain(ClassId id, Dimensions const& dimensions);
+[[nodiscard]] TESSEL_EXPORT OwnedArray createPlain(ClassId id, Dimensions const& dimensions);
 /// The first `size` bytes of the word are the element.
-[[nodiscard]] KESTREL_EXPORT OwnedArray createPlainScalar(ClassId id, std::uint64_t word, std::size_t size);
-KESTREL_EXPORT void const* plainData(kestrel_array const& array, ClassId expected);
-KESTREL_EXPORT void* plainData(kestrel_array& array, ClassId expected);
-KESTREL_EXPORT void const* plainElement(kestrel_array const& array, ClassId expected, std::size_t index);
+[[nodiscard]] TESSEL_EXPORT OwnedArray createPlainScalar(ClassId id, std::uint64_t word, std::size_t size);
+TESSEL_EXPORT void const* plainData(kestrel_array const& array, ClassId expected);
+TESSEL_EXPORT void* plainData(kestrel_array& array, ClassId expected);
+TESSEL_EXPORT void const* plainElement(kestrel_array const& array, ClassId expected, std::size_t index);
 }  // namespace detail
 
 /// The block of elements; valid until the array is destroyed. Not to be read beyond numberOfElements.
@@ -66,11 +66,11 @@ template <class T>
 }
 
 /// Element of any numeric or logical class as a double, with the rounding that 64-bit integers need.
-KESTREL_EXPORT double elementAsDouble(kestrel_array const& array, std::size_t index = 0);
+TESSEL_EXPORT double elementAsDouble(kestrel_array const& array, std::size_t index = 0);
 
 /// The same numbers under another numeric class: rounded to the nearest integer, and clamped to the range of the
 /// target. NaN becomes 0 as an integer and raises ArrayError "Kestrel:array:NotLogical" as a logical value. Raises
 /// WrongClass if either class is not numeric.
-[[nodiscard]] KESTREL_EXPORT OwnedArray convertNumeric(kestrel_array const& array, ClassId target);
+[[nodiscard]] TESSEL_EXPORT OwnedArray convertNumeric(kestrel_array const& array, ClassId target);
 
 }  // namespace kestrel

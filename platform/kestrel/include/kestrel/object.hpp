@@ -6,12 +6,12 @@
 
 #include <boost/smart_ptr/intrusive_ptr.hpp>
 
-#include "kestrel/export.hpp"
+#include "groundwork/export.hpp"
 #include "kestrel/identifier.hpp"
 
 namespace kestrel {
 
-class KESTREL_EXPORT Object {
+class TESSEL_EXPORT Object {
  public:
   virtual void addRef() noexcept = 0;
   virtual void release() noexcept = 0;

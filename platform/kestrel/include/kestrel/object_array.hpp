@@ -13,17 +13,17 @@ namespace kestrel {
 constexpr char const* HETEROGENEOUS = "kestrel.mixin.Heterogeneous";
 
 /// An array with no object in any element.
-[[nodiscard]] KESTREL_EXPORT OwnedArray createObjects(Identifier className, Dimensions dimensions);
+[[nodiscard]] TESSEL_EXPORT OwnedArray createObjects(Identifier className, Dimensions dimensions);
 /// A 1 by 1 array of an object, under the object's own class. Raises ArrayError "Kestrel:array:NoObject" for null.
-[[nodiscard]] KESTREL_EXPORT OwnedArray createObject(ObjectRef object);
+[[nodiscard]] TESSEL_EXPORT OwnedArray createObject(ObjectRef object);
 
 inline bool isObject(kestrel_array const& array) noexcept { return baseClass(array) == ClassId::Object; }
 
 /// The object of an array of exactly one; null, borrowed, for any other array. Never raises.
-[[nodiscard]] KESTREL_EXPORT Object* soleObject(kestrel_array const& array) noexcept;
+[[nodiscard]] TESSEL_EXPORT Object* soleObject(kestrel_array const& array) noexcept;
 /// Null where no object was put.
-KESTREL_EXPORT ObjectRef const& object(kestrel_array const& array, std::size_t index = 0);
-KESTREL_EXPORT void setObject(kestrel_array& array, std::size_t index, ObjectRef object);
-KESTREL_EXPORT void setObjectClass(kestrel_array& array, Identifier className);
+TESSEL_EXPORT ObjectRef const& object(kestrel_array const& array, std::size_t index = 0);
+TESSEL_EXPORT void setObject(kestrel_array& array, std::size_t index, ObjectRef object);
+TESSEL_EXPORT void setObjectClass(kestrel_array& array, Identifier className);
 
 }  // namespace kestrel

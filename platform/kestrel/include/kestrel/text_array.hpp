@@ -16,30 +16,30 @@ namespace kestrel {
 using MaybeString = std::optional<std::u16string>;
 
 /// A 1 by N char array; 0 by 0 for the empty text.
-[[nodiscard]] KESTREL_EXPORT OwnedArray createChar(std::u16string_view text);
+[[nodiscard]] TESSEL_EXPORT OwnedArray createChar(std::u16string_view text);
 /// The text of a char array, its columns one after the other; valid until the array is destroyed.
-KESTREL_EXPORT std::u16string_view charText(kestrel_array const& array);
+TESSEL_EXPORT std::u16string_view charText(kestrel_array const& array);
 
 /// A string array whose elements are all missing.
-[[nodiscard]] KESTREL_EXPORT OwnedArray createStrings(Dimensions dimensions);
+[[nodiscard]] TESSEL_EXPORT OwnedArray createStrings(Dimensions dimensions);
 /// A 1 by 1 string array.
-[[nodiscard]] KESTREL_EXPORT OwnedArray createString(std::u16string_view text);
+[[nodiscard]] TESSEL_EXPORT OwnedArray createString(std::u16string_view text);
 /// A 1 by N string array; 0 by 0 for none.
-[[nodiscard]] KESTREL_EXPORT OwnedArray createStringRow(std::vector<std::u16string> const& texts);
+[[nodiscard]] TESSEL_EXPORT OwnedArray createStringRow(std::vector<std::u16string> const& texts);
 
 /// An element, empty when it is missing.
-KESTREL_EXPORT MaybeString const& stringElement(kestrel_array const& array, std::size_t index = 0);
-KESTREL_EXPORT void setStringElement(kestrel_array& array, std::size_t index, MaybeString text);
+TESSEL_EXPORT MaybeString const& stringElement(kestrel_array const& array, std::size_t index = 0);
+TESSEL_EXPORT void setStringElement(kestrel_array& array, std::size_t index, MaybeString text);
 
 inline bool isText(kestrel_array const& array) noexcept {
   return baseClass(array) == ClassId::Char || baseClass(array) == ClassId::String;
 }
 
 /// Whether the array is one text: what scalarText gives.
-KESTREL_EXPORT bool isOneText(kestrel_array const& array) noexcept;
+TESSEL_EXPORT bool isOneText(kestrel_array const& array) noexcept;
 
 /// The one text of a char array or of a string array of one element. Raises ArrayError "Kestrel:array:NotOneText" for
 /// any other array, and for a missing string.
-KESTREL_EXPORT std::u16string_view scalarText(kestrel_array const& array);
+TESSEL_EXPORT std::u16string_view scalarText(kestrel_array const& array);
 
 }  // namespace kestrel
