@@ -1,5 +1,6 @@
 #include "modelgen/text.hpp"
 
+#include <boost/locale/utf.hpp>
 #include <cctype>
 #include <cstdint>
 #include <set>
@@ -8,34 +9,7 @@
 namespace modelgen {
 namespace {
 
-// Decodes one character of well-formed UTF-8 and moves `at` behind it.
-std::uint32_t nextCharacter(std::string const& text, std::size_t& at) {
-  auto const lead = static_cast<std::uint8_t>(text[at++]);
-  if (lead < 0x80) return lead;
-  unsigned const following = lead >= 0xf0 ? 3 : lead >= 0xe0 ? 2 : 1;
-  std::uint32_t character = lead & (0x3fu >> following);
-  for (unsigned i = 0; i < following && at < text.size(); ++i, ++at) {
-    character = (character << 6) | (static_cast<std::uint8_t>(text[at]) & 0x3fu);
-  }
-  return character;
-}
-
-// The length of the well-formed UTF-8 character at `at`: no overlong form, no surrogate, nothing above U+10FFFF. 0
-// where there is none.
-std::size_t characterLength(std::string const& text, std::size_t at) {
-  auto const lead = static_cast<std::uint8_t>(text[at]);
-  if (lead < 0x80) return 1;
-  if (lead < 0xc2 || lead > 0xf4) return 0;
-  std::size_t const length = lead >= 0xf0 ? 4 : lead >= 0xe0 ? 3 : 2;
-  if (text.size() - at < length) return 0;
-  for (std::size_t i = at + 1; i < at + length; ++i) {
-    if ((static_cast<std::uint8_t>(text[i]) & 0xc0) != 0x80) return 0;
-  }
-  std::uint32_t const character = nextCharacter(text, at);
-  bool const isOverlong = (length == 3 && character < 0x800) || (length == 4 && character < 0x10000);
-  bool const isSurrogate = character >= 0xd800 && character < 0xe000;
-  return isOverlong || isSurrogate || character > 0x10ffff ? 0 : length;
-}
+namespace utf = boost::locale::utf;
 
 std::string digits(std::uint32_t number, unsigned base, std::size_t count) {
   std::string result(count, '0');
@@ -83,20 +57,20 @@ std::string withoutQualifier(std::string line, std::string const& qualifier) {
 
 std::string utf16Literal(std::string const& utf8) {
   std::string result = "u\"";
-  for (std::size_t at = 0; at < utf8.size();) result += escaped(nextCharacter(utf8, at));
+  for (auto at = utf8.begin(); at != utf8.end();) {
+    result += escaped(utf::utf_traits<char>::decode_valid(at));
+  }
   return result + '"';
 }
 
 std::size_t firstBadCharacter(std::string const& text) {
-  std::size_t at = 0;
-  while (at < text.size()) {
-    char const c = text[at];
-    bool const isControl = static_cast<std::uint8_t>(c) < 0x20 && c != '\t' && c != '\n' && c != '\r';
-    std::size_t const length = isControl ? 0 : characterLength(text, at);
-    if (length == 0) break;
-    at += length;
+  for (auto at = text.begin(); at != text.end();) {
+    auto const start = at;
+    utf::code_point const character = utf::utf_traits<char>::decode(at, text.end());
+    bool const isControl = character < 0x20 && character != '\t' && character != '\n' && character != '\r';
+    if (isControl || !utf::is_valid_codepoint(character)) return static_cast<std::size_t>(start - text.begin());
   }
-  return at;
+  return text.size();
 }
 
 std::vector<std::string> wrap(std::string const& text, std::size_t width) {
