@@ -1,5 +1,6 @@
 // Long lines of generated C++ source. Templates write each statement on one line, as they can't know how long its names
-// are. Free functions without state.
+// are. What a formatter would do stands here because a formatter would have to be there wherever the library is built,
+// and be run over every generated file. Free functions without state.
 #pragma once
 
 #include <string>
