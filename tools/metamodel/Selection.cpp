@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <boost/uuid/uuid_io.hpp>
 #include <groundwork/unicode.hpp>
-#include <plinth/meta/NameUuid.hpp>
+#include <groundwork/NameUuid.hpp>
 #include <set>
 #include <tessel_config_datamodel/meta/MetaPackageTessel_config_datamodel.hpp>
 
