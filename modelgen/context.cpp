@@ -4,12 +4,12 @@
 #include <filesystem>
 #include <map>
 
-#include "modelgen/data_object.hpp"
-#include "modelgen/default_value.hpp"
+#include "modelgen/DataObject.hpp"
+#include "modelgen/DefaultValue.hpp"
+#include "modelgen/Primitive.hpp"
+#include "modelgen/Summary.hpp"
+#include "modelgen/Text.hpp"
 #include "modelgen/naming.hpp"
-#include "modelgen/primitive.hpp"
-#include "modelgen/summary.hpp"
-#include "modelgen/text.hpp"
 
 namespace modelgen {
 namespace {

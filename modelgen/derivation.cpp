@@ -5,9 +5,9 @@
 #include <set>
 
 #include "groundwork/NameUuid.hpp"
+#include "modelgen/Primitive.hpp"
+#include "modelgen/Rules.hpp"
 #include "modelgen/naming.hpp"
-#include "modelgen/primitive.hpp"
-#include "modelgen/rules.hpp"
 
 namespace modelgen {
 namespace {

@@ -4,9 +4,9 @@
 #include <boost/uuid/uuid_io.hpp>
 
 #include "groundwork/NameUuid.hpp"
+#include "modelgen/Summary.hpp"
 #include "modelgen/context.hpp"
 #include "modelgen/naming.hpp"
-#include "modelgen/summary.hpp"
 #include "workspace.hpp"
 
 namespace modelgen::test {

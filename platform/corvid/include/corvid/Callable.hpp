@@ -7,7 +7,7 @@
 
 #include "corvid/CorvidMethodInfo.hpp"
 #include "groundwork/export.hpp"
-#include "kestrel/object.hpp"
+#include "kestrel/Object.hpp"
 
 namespace corvid {
 

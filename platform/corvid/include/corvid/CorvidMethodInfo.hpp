@@ -9,7 +9,7 @@
 #include "corvid/HostAllocated.hpp"
 #include "corvid/Identifier.hpp"
 #include "groundwork/export.hpp"
-#include "kestrel/array_base.hpp"
+#include "kestrel/ArrayBase.hpp"
 
 namespace corvid {
 

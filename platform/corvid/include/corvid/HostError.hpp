@@ -5,9 +5,9 @@
 #include <exception>
 #include <string>
 
-#include "groundwork/except.hpp"
+#include "groundwork/Except.hpp"
 #include "groundwork/export.hpp"
-#include "kestrel/array_base.hpp"
+#include "kestrel/ArrayBase.hpp"
 
 namespace corvid {
 

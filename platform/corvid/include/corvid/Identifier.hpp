@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "groundwork/export.hpp"
-#include "kestrel/identifier.hpp"
+#include "kestrel/Identifier.hpp"
 
 namespace corvid {
 

@@ -3,7 +3,7 @@
 #include <array>
 
 #include "groundwork/NameUuid.hpp"
-#include "groundwork/unicode.hpp"
+#include "groundwork/Unicode.hpp"
 #include "plinth/Messages.hpp"
 
 namespace plinth::meta {

@@ -4,7 +4,7 @@
 
 #include "corvid/Identifier.hpp"
 #include "groundwork/export.hpp"
-#include "kestrel/array_base.hpp"
+#include "kestrel/ArrayBase.hpp"
 
 namespace corvid::factory {
 

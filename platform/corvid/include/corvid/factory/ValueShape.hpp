@@ -9,7 +9,7 @@
 #include "corvid/CorvidPropInfo.hpp"
 #include "corvid/Identifier.hpp"
 #include "groundwork/export.hpp"
-#include "kestrel/array.hpp"
+#include "kestrel/Array.hpp"
 
 namespace corvid::factory {
 
