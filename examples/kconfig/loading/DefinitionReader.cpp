@@ -1,6 +1,6 @@
 #include "loading/DefinitionReader.hpp"
 
-#include <kestrel/array.hpp>
+#include <kestrel/Array.hpp>
 #include <stdexcept>
 #include <tessel_config_datamodel/runtime/Metadata.hpp>
 #include <tessel_config_datamodel/schema/CategoryDef.hpp>

@@ -1,7 +1,7 @@
 #include "loading/ModelText.hpp"
 
 #include <algorithm>
-#include <groundwork/unicode.hpp>
+#include <groundwork/Unicode.hpp>
 
 namespace kconfig {
 

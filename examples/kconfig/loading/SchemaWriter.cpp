@@ -1,6 +1,6 @@
 #include "loading/SchemaWriter.hpp"
 
-#include <kestrel/array.hpp>
+#include <kestrel/Array.hpp>
 #include <tessel_config_datamodel/runtime/Metadata.hpp>
 #include <tessel_config_datamodel/schema/CategoryDef.hpp>
 #include <tessel_config_datamodel/schema/FollowsDef.hpp>
