@@ -1,6 +1,6 @@
 // The words by which the parts of a definition are told apart in the model: what a FollowsDef gives, what an EvalDef
 // says, how keys of categories begin, which metadata there are. Writing and reading definitions agree through this
-// file alone; docs/kconfig-mapping.md explains each word.
+// file alone; mapping.md explains each word.
 #pragma once
 
 #include <string_view>
