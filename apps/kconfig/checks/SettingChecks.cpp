@@ -1,6 +1,7 @@
 #include "checks/SettingChecks.hpp"
 
 #include <algorithm>
+#include <iterator>
 #include <sstream>
 
 #include "language/ExpressionText.hpp"
@@ -40,6 +41,7 @@ class Obstacles {
   std::string rangeOf(SymbolId symbol);
   std::string needsOf(SymbolId symbol, Tristate level);
   std::string unmetPartsOf(ExpressionId condition, Tristate level);
+  std::string needOf(ExpressionId part, Tristate level);
   std::string selectorsOf(SymbolId symbol);
   bool hasPrompt(SymbolId symbol) const;
 
@@ -64,7 +66,7 @@ std::string Obstacles::obstacleTo(SymbolId symbol, UserValue const& asked) {
   if (m_evaluator[symbol].visible == Tristate::No) {
     return "it needs " + needsOf(symbol, Tristate::No);
   }
-  if (m_evaluator[symbol].outOfRange) {
+  if (!m_evaluator.isWithinRange(symbol, asked.text)) {
     return rangeOf(symbol);
   }
   std::string const obstacle = isLogical(row.type) ? obstacleToLevel(symbol, asked.tristate) : std::string();
@@ -132,11 +134,23 @@ std::string Obstacles::unmetPartsOf(ExpressionId condition, Tristate level) {
   if (pool.op(condition) == Operator::And) {
     for (ExpressionId const part : pool.operands(condition)) {
       if (m_evaluator.valueOf(part) <= level) {
-        append(needs, quoted(textOf(pool, m_tree.symbols, part)), " and ");
+        append(needs, needOf(part, level), " and ");
       }
     }
   }
-  return needs.empty() ? quoted(textOf(pool, m_tree.symbols, condition)) : needs;
+  return needs.empty() ? needOf(condition, level) : needs;
+}
+
+// A part as the author wrote it. A choice, which may have no name, stands for what it needs itself.
+std::string Obstacles::needOf(ExpressionId part, Tristate level) {
+  ExpressionPool const& pool = m_tree.expressions;
+  bool const names = pool.op(part) == Operator::Symbol || pool.op(part) == Operator::Equal;
+  if (!names || m_tree.symbols[pool.left(part)].kind != SymbolKind::Choice) {
+    return quoted(textOf(pool, m_tree.symbols, part));
+  }
+  SymbolId const choice = pool.left(part);
+  std::string const needs = m_evaluator[choice].visible <= level ? needsOf(choice, level) : std::string();
+  return needs.empty() ? "its choice" : needs;
 }
 
 std::string Obstacles::selectorsOf(SymbolId symbol) {
@@ -172,6 +186,17 @@ void takeSettings(std::vector<Setting> const& settings, std::string_view source,
     }
     users.takeOver(own);
   }
+}
+
+std::vector<Setting> withinRanges(std::vector<Setting> const& settings, MenuTree& tree, CompiledTree const& compiled,
+                                  Evaluator& evaluator) {
+  std::vector<Setting> kept;
+  std::copy_if(settings.begin(), settings.end(), std::back_inserter(kept), [&](Setting const& setting) {
+    UserValues own(tree, compiled);
+    return !assignLine(lineOf(setting), tree.symbols, own).empty() ||
+           evaluator.isWithinRange(tree.symbols.find(setting.symbol), own[tree.symbols.find(setting.symbol)].text);
+  });
+  return kept;
 }
 
 void checkSettings(std::vector<Setting> const& settings, std::string_view source, MenuTree& tree,

@@ -20,6 +20,10 @@ struct Setting {
 void takeSettings(std::vector<Setting> const& settings, std::string_view source, MenuTree& tree,
                   CompiledTree const& compiled, UserValues& users, Diagnostics& diagnostics);
 
+// The settings but numbers that lie out of their symbols' ranges, which are those of an evaluation with all settings.
+std::vector<Setting> withinRanges(std::vector<Setting> const& settings, MenuTree& tree, CompiledTree const& compiled,
+                                  Evaluator& evaluator);
+
 // An error for each setting whose symbol has another value after the evaluation. Says what stands against it: a later
 // setting, no prompt, dependencies, a range, a selection or a choice.
 void checkSettings(std::vector<Setting> const& settings, std::string_view source, MenuTree& tree,

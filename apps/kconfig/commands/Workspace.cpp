@@ -7,7 +7,6 @@
 #include "checks/ValueChecks.hpp"
 #include "evaluation/Output.hpp"
 #include "loading/ModelText.hpp"
-#include "loading/SchemaWriter.hpp"
 #include "profiles/ProfileApplication.hpp"
 #include "writing/Productions.hpp"
 
@@ -19,13 +18,13 @@ Workspace::Workspace(std::string const& root, Surroundings const& surroundings, 
       m_prefix(surroundings.variable("CONFIG_").value_or("CONFIG_")),
       m_model(plinth::Model::create()),
       m_loading(m_model.beginTransaction()),
-      m_source(read(root)),
+      m_source((progress.begin("reading the tree"), readTree(root, surroundings, m_diagnostics, m_model))),
       m_schema(m_source.schema),
       m_definitions((progress.begin("compiling the definitions"), readDefinitions(m_schema))),
       m_compiled(compile(m_definitions.tree)),
       m_order(evaluationOrder(m_definitions.tree, m_compiled)),
       m_evaluator(m_definitions.tree, m_compiled, m_order),
-      m_states(buildStates(m_source)),
+      m_states(buildStates()),
       m_store(ext::ConfigStore::create(m_model)),
       m_writer(m_definitions, m_compiled, m_states) {
   m_states.root->setConfigStore(m_store);
@@ -41,19 +40,10 @@ Workspace::Workspace(std::string const& root, Surroundings const& surroundings, 
   m_progress.finish();
 }
 
-Workspace::Source Workspace::read(std::string const& root) {
-  Source source;
-  m_progress.begin("reading the tree");
-  source.tree = readTree(root, m_surroundings, m_diagnostics);
-  m_progress.begin("writing the definitions");
-  source.schema = writeSchema(source.tree, m_model);
-  return source;
-}
-
-States Workspace::buildStates(Source& source) {
+States Workspace::buildStates() {
   m_progress.begin("building the state");
-  States states = kconfig::buildStates(m_model, m_schema, m_definitions, m_compiled, source.tree);
-  source = {};
+  States states = kconfig::buildStates(m_model, m_schema, m_definitions, m_compiled, m_source.helps);
+  m_source = {};
   return states;
 }
 
@@ -147,9 +137,16 @@ void Workspace::tryOut(ext::ConfigProfile const& base, std::vector<Setting> cons
   constexpr std::string_view name = "the command line";
   ShownValues before = m_writer.shown();
   plinth::Transaction transaction = m_model.beginTransaction();
-  UserValues users = readProfileValues(base, m_definitions, m_compiled);
-  takeSettings(settings, name, m_definitions.tree, m_compiled, users, m_diagnostics);
-  ext::ConfigProfile const trial = storeProfile(m_store, name, m_definitions, users);
+  auto const usersWith = [&](std::vector<Setting> const& taken, Diagnostics& diagnostics) {
+    UserValues users = readProfileValues(base, m_definitions, m_compiled);
+    takeSettings(taken, name, m_definitions.tree, m_compiled, users, diagnostics);
+    return users;
+  };
+  m_evaluator.evaluate(usersWith(settings, m_diagnostics));
+  // A number out of its range leaves what stood there before. All that is wrong besides has been told.
+  Diagnostics toldBefore;
+  std::vector<Setting> const taken = withinRanges(settings, m_definitions.tree, m_compiled, m_evaluator);
+  ext::ConfigProfile const trial = storeProfile(m_store, name, m_definitions, usersWith(taken, toldBefore));
   apply(trial);
   checkSettings(settings, name, m_definitions.tree, m_compiled, m_evaluator, m_diagnostics);
   look();

@@ -57,14 +57,7 @@ class Workspace {
   std::string settingOf(SymbolId symbol, ShownValue const& value) const;
 
  private:
-  // What reading the files gives, kept until the state has its texts.
-  struct Source {
-    MenuTree tree;
-    schema::SchemaData schema;
-  };
-
-  Source read(std::string const& root);
-  States buildStates(Source& source);
+  States buildStates();
   void evaluate(UserValues const& users, std::string_view profileName);
   void activate(ext::ConfigProfile const& profile);
 
@@ -75,7 +68,7 @@ class Workspace {
   plinth::Model m_model;
   // Open while the constructor works: what comes into being inside it needs no old values.
   std::optional<plinth::Transaction> m_loading;
-  Source m_source;
+  ReadTree m_source;  // its texts until the state has them
   schema::SchemaData m_schema;
   Definitions m_definitions;
   CompiledTree m_compiled;

@@ -52,6 +52,8 @@ class Evaluator {
   std::string_view textOf(SymbolId symbol);
   // The bounds of a number's range that is in force, nothing where none is.
   std::optional<Limits> limitsOf(SymbolId symbol);
+  // Whether a number lies within the symbol's range that is in force.
+  bool isWithinRange(SymbolId symbol, std::string_view text);
 
  private:
   void reset(UserValues const& users);
@@ -69,7 +71,6 @@ class Evaluator {
   void markMembersWritten(SymbolId choice);
   void clampToRange(SymbolId symbol);
   void dropOutOfRange();
-  bool isWithinRange(SymbolId symbol, std::string_view text);
   long long boundOf(SymbolId symbol, int base);
   EffectiveProperty const* rangeInForce(SymbolId symbol);
   EffectiveProperty const* firstInForce(SymbolId symbol, PropertyKind kind);

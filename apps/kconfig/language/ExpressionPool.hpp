@@ -89,4 +89,22 @@ class ExpressionPool {
   std::vector<ExpressionId> m_scratch;  // operands of the list that is being made
 };
 
+// Calls visit with each symbol that an expression names, from left to right, as often as it does.
+template <class Visit>
+void forEachSymbol(ExpressionPool const& pool, ExpressionId id, Visit const& visit) {
+  Operator const op = pool.op(id);
+  if (isList(op)) {
+    for (ExpressionId const operand : pool.operands(id)) {
+      forEachSymbol(pool, operand, visit);
+    }
+  } else if (op == Operator::Not) {
+    forEachSymbol(pool, pool.operand(id), visit);
+  } else if (op != Operator::None) {
+    visit(pool.left(id));
+    if (op != Operator::Symbol) {
+      visit(pool.right(id));
+    }
+  }
+}
+
 }  // namespace kconfig

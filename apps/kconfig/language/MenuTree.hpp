@@ -1,6 +1,7 @@
-// A configuration tree as its files declare it: entries in the order of the text, each with its properties, nothing
-// inherited or worked out yet. It is what the reader makes and what dependency propagation starts from. The tree owns
-// all texts, symbols and expressions that its rows name. Used from one thread at a time.
+// The rows that the compiled form of a tree stands on: entries in the order of the text, each with its properties,
+// nothing inherited or worked out yet. They are read off the definitions of the model, and dependency propagation
+// starts from them. The tree owns all texts, symbols and expressions that its rows name. Used from one thread at a
+// time.
 #pragma once
 
 #include <cstdint>
@@ -71,10 +72,14 @@ struct SourceFile {
   Position sourcedFrom;   // line 0 for the first file
 };
 
-struct MenuTree {
+// The words of a tree: its texts, names and conditions, each of them once.
+struct Lexicon {
   StringPool texts;
   SymbolTable symbols;
   ExpressionPool expressions;
+};
+
+struct MenuTree : Lexicon {
   std::vector<SourceFile> files;
   std::vector<Entry> entries;                // parents before their contents; the first is the root
   std::vector<Property> properties;          // those of one entry stand together
@@ -96,11 +101,10 @@ inline PropertyRange propertiesOf(MenuTree const& tree, Entry const& entry) {
   return {tree.properties.data() + entry.firstProperty, entry.propertyCount};
 }
 
-// The folder at the top of the tree in which an entry stands; empty at the top itself and outside of the tree.
-inline std::string_view ownerOf(MenuTree const& tree, Entry const& entry) {
-  std::string_view const file = tree.files[entry.position.file].name;
-  std::size_t const slash = file.find('/');
-  return slash != std::string_view::npos ? file.substr(0, slash) : std::string_view();
+// The folder at the top of the tree in which a file stands; empty at the top itself and outside of the tree.
+inline std::string_view ownerOf(SourceFile const& file) {
+  std::size_t const slash = file.name.find('/');
+  return slash != std::string_view::npos ? file.name.substr(0, slash) : std::string_view();
 }
 
 }  // namespace kconfig

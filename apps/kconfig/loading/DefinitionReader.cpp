@@ -45,6 +45,15 @@ SymbolType typeOf(std::string_view keyword) {
   throw std::runtime_error("the definitions have a parameter of an unknown type, '" + std::string(keyword) + "'");
 }
 
+bool isPredefined(schema::ControllableDef const& definition) {
+  for (schema::EvalDef const& row : *definition->getLogic()) {
+    if (row.getAttribute() == logic::option && fromModel(row.getCode()) == logic::predefined) {
+      return true;
+    }
+  }
+  return false;
+}
+
 class DefinitionReader {
  public:
   explicit DefinitionReader(schema::SchemaData const& schema) : m_schema(schema), m_expressions(m_result.tree) {}
@@ -58,7 +67,7 @@ class DefinitionReader {
   void addEntry(schema::ControllableDef const& definition, EntryId parent);
   void addContents(schema::CategoryDef const& category, EntryId id);
   SymbolId symbolOf(schema::ControllableDef const& definition, EntryKind kind);
-  void readFollows(schema::FollowsDef const& row, EntryId id);
+  void readFollows(schema::FollowsDef const& row, Position position, EntryId id);
   void readLogic(schema::ControllableDef const& definition, EntryId id);
   void readOption(std::string_view option, EntryId id);
   void addPredefined();
@@ -172,8 +181,11 @@ void DefinitionReader::addEntry(schema::ControllableDef const& definition, Entry
   tree.entries.push_back(entry);
   m_result.entries.push_back(definition);
   if (definition->hasFollows()) {
+    // The first row of what the tool gives itself stands in no file.
+    bool given = isPredefined(definition);
     for (schema::FollowsDef const& row : *definition->getFollows()) {
-      readFollows(row, id);
+      readFollows(row, given ? entry.position : nextPosition(), id);
+      given = false;
     }
   }
   readLogic(definition, id);
@@ -203,10 +215,10 @@ SymbolId DefinitionReader::symbolOf(schema::ControllableDef const& definition, E
   return m_symbols.at(category ? (*category->getContents())[0].getOrdinal() : definition->getOrdinal());
 }
 
-void DefinitionReader::readFollows(schema::FollowsDef const& row, EntryId id) {
+void DefinitionReader::readFollows(schema::FollowsDef const& row, Position position, EntryId id) {
   std::u16string const& attribute = row->getAttribute();
   Property property;
-  property.position = nextPosition();
+  property.position = position;
   if (attribute == follows::enabled || attribute == follows::contentsVisible) {
     property.kind = attribute == follows::enabled ? PropertyKind::DependsOn : PropertyKind::VisibleIf;
     property.condition = m_expressions.read(row->getExpr());
@@ -257,7 +269,7 @@ void DefinitionReader::readOption(std::string_view option, EntryId id) {
   Entry const& entry = tree.entries[id];
   Property property;
   property.position = entry.position;
-  if (startsWith(option, logic::environment)) {
+  if (option == logic::predefined || startsWith(option, logic::environment)) {
     tree.symbols[entry.symbol].automatic = true;
     return;
   }

@@ -1,5 +1,5 @@
-// Gets the tree out of the definitions of the model, for compiling it: entries, symbols and conditions stand in it as
-// in the one that the definitions were written from; help texts, which nothing is worked out from, are left out.
+// The first step of compiling: reads the definitions of the model into rows of symbols, entries and conditions. Help
+// texts, which nothing is worked out from, are no part of the definitions.
 #pragma once
 
 #include <tessel_config_datamodel/schema/ParamDef.hpp>
@@ -18,7 +18,7 @@ struct Definitions {
   std::vector<schema::ParamDef> params;
 };
 
-// Raises std::runtime_error where the definitions say what writeSchema never writes. Linear. The model's thread.
+// Raises std::runtime_error where the definitions say what DefinitionWriter never writes. Linear. The model's thread.
 Definitions readDefinitions(schema::SchemaData const& schema);
 
 }  // namespace kconfig

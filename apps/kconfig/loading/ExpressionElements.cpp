@@ -53,7 +53,7 @@ bool isIfThen(expr::Operation const& operation) {
 }  // namespace
 
 expr::ExprValue ExpressionWriter::write(ExpressionId id) {
-  ExpressionPool const& pool = m_tree.expressions;
+  ExpressionPool const& pool = m_words.expressions;
   Operator const op = pool.op(id);
   if (op == Operator::Symbol) {
     return writeSymbol(pool.left(id));
@@ -75,7 +75,7 @@ expr::ExprValue ExpressionWriter::write(ExpressionId id) {
 }
 
 expr::ExprValue ExpressionWriter::writeSymbol(SymbolId id) {
-  Symbol const& symbol = m_tree.symbols[id];
+  Symbol const& symbol = m_words.symbols[id];
   if (id == symbolNo || id == symbolYes) {
     expr::BooleanConstant const constant = expr::BooleanConstant::create(m_model);
     constant->setValue(id == symbolYes);
@@ -119,7 +119,7 @@ ExpressionId ExpressionReader::read(expr::ExprValue const& value) {
   if (auto const operation = plinth::element_cast<expr::Operation>(value)) {
     return readOperation(operation);
   }
-  return m_tree.expressions.symbol(readSymbol(value));
+  return m_words.expressions.symbol(readSymbol(value));
 }
 
 ExpressionId ExpressionReader::readOperation(expr::Operation const& operation) {
@@ -127,26 +127,26 @@ ExpressionId ExpressionReader::readOperation(expr::Operation const& operation) {
   auto& operands = *operation->getOperandsMutable();
   if (isComparison(op)) {
     SymbolId const left = readSymbol(operands.at(0));
-    return m_tree.expressions.comparison(op, left, readSymbol(operands.at(1)));
+    return m_words.expressions.comparison(op, left, readSymbol(operands.at(1)));
   }
   if (op == Operator::Not) {
-    return m_tree.expressions.negation(read(operands.at(0)));
+    return m_words.expressions.negation(read(operands.at(0)));
   }
   std::vector<ExpressionId> list;
   for (expr::ExprValue const& operand : operands) {
     list.push_back(read(operand));
   }
-  return m_tree.expressions.list(op, list);
+  return m_words.expressions.list(op, list);
 }
 
 SymbolId ExpressionReader::readSymbol(expr::ExprValue const& value) {
   if (auto const reference = plinth::element_cast<expr::Ref>(value)) {
-    return m_tree.symbols.plain(m_tree.texts.intern(kconfig::fromModel(reference->getSymbol())));
+    return m_words.symbols.plain(m_words.texts.intern(kconfig::fromModel(reference->getSymbol())));
   }
   if (auto const constant = plinth::element_cast<expr::BooleanConstant>(value)) {
     return constant->getValue() ? symbolYes : symbolNo;
   }
-  return m_tree.symbols.constant(m_tree.texts.intern(textOf(value)));
+  return m_words.symbols.constant(m_words.texts.intern(textOf(value)));
 }
 
 ConditionalElements ExpressionReader::readConditional(expr::ExprValue const& value) {
@@ -162,7 +162,7 @@ ConditionalElements ExpressionReader::readConditional(expr::ExprValue const& val
   }
   ExpressionId const condition = read(operands.at(0));
   // Several values need the operation to hold them, also without a condition: then y stands in its place.
-  bool const none = parts.values.size() > 1 && m_tree.expressions.isSymbol(condition, symbolYes);
+  bool const none = parts.values.size() > 1 && m_words.expressions.isSymbol(condition, symbolYes);
   parts.condition = none ? noExpression : condition;
   return parts;
 }

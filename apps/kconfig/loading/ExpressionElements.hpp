@@ -1,5 +1,5 @@
 // Expressions of a tree as expression elements of the model, and back. Operands of && and || stay one list. What is
-// written is new and in nobody's containment yet. Both refer to a tree that lives longer; the model's thread.
+// written is new and in nobody's containment yet. Both refer to words that live longer; the model's thread.
 #pragma once
 
 #include <initializer_list>
@@ -15,7 +15,7 @@ namespace kconfig {
 
 class ExpressionWriter {
  public:
-  ExpressionWriter(MenuTree const& tree, plinth::Model model) : m_tree(tree), m_model(std::move(model)) {}
+  ExpressionWriter(Lexicon const& words, plinth::Model model) : m_words(words), m_model(std::move(model)) {}
 
   // Of any expression but noExpression.
   expr::ExprValue write(ExpressionId id);
@@ -27,7 +27,7 @@ class ExpressionWriter {
  private:
   void addOperands(expr::Operation const& operation, std::vector<expr::ExprValue> const& operands);
 
-  MenuTree const& m_tree;
+  Lexicon const& m_words;
   plinth::Model m_model;
 };
 
@@ -39,8 +39,8 @@ struct ConditionalElements {
 
 class ExpressionReader {
  public:
-  // Symbols and expressions that are read are entered into the tree.
-  explicit ExpressionReader(MenuTree& tree) : m_tree(tree) {}
+  // Symbols and expressions that are read are entered into the words.
+  explicit ExpressionReader(Lexicon& words) : m_words(words) {}
 
   ExpressionId read(expr::ExprValue const& value);
   SymbolId readSymbol(expr::ExprValue const& value);
@@ -49,7 +49,7 @@ class ExpressionReader {
  private:
   ExpressionId readOperation(expr::Operation const& operation);
 
-  MenuTree& m_tree;
+  Lexicon& m_words;
 };
 
 // The text of a StringConstant; empty for any other element.

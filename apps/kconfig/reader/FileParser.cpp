@@ -34,11 +34,11 @@ std::string quotedName(std::string_view name) { return "'" + std::string(name) +
 
 }  // namespace
 
-FileParser::FileParser(TreeBuilder& builder, std::uint32_t file, std::string_view text, Source source)
+FileParser::FileParser(DefinitionBuilder& builder, std::uint32_t file, std::string_view text, Source source)
     : m_builder(builder),
-      m_tree(builder.tree()),
+      m_words(builder.words()),
       m_file(file),
-      m_lexer(text, m_tree.texts,
+      m_lexer(text, m_words.texts,
               [this](std::uint32_t line, std::string message) {
                 m_builder.warning({m_file, line}, std::move(message));
               }),
@@ -184,7 +184,7 @@ void FileParser::parseConfig(EntryKind kind) {
   if (!finishLine()) {
     return;
   }
-  SymbolId const symbol = m_tree.symbols.plain(name);
+  SymbolId const symbol = m_words.symbols.plain(name);
   if (isTristateConstant(symbol)) {
     m_builder.error(here(), quotedName(name) + " is a constant and can't be configured");
     return;
@@ -198,7 +198,8 @@ void FileParser::parseChoice() {
   checkPlace(Keyword::Choice);
   std::string_view const name = m_token.kind == TokenKind::Word ? parseWord("a name") : std::string_view();
   finishLine();
-  m_builder.openBlock(m_builder.addEntry(EntryKind::Choice, m_tree.symbols.choice(name), here()));
+  m_builder.addEntry(EntryKind::Choice, m_words.symbols.choice(name), here());
+  m_builder.openBlock();
   m_host = Host::Choice;
 }
 
@@ -207,7 +208,8 @@ void FileParser::parseMenu() {
   checkPlace(Keyword::Menu);
   std::string_view const title = parseText("a title");
   finishLine();
-  m_builder.openBlock(m_builder.addEntry(EntryKind::Menu, noSymbol, here()));
+  m_builder.addEntry(EntryKind::Menu, noSymbol, here());
+  m_builder.openBlock();
   m_builder.addProperty(prompt(title));
   m_host = Host::Menu;
 }
@@ -230,7 +232,8 @@ void FileParser::parseIf() {
   condition.condition = parseExpression();
   // A condition that is wrong still opens its block, or the end of the block would be wrong too.
   bool const understood = finishLine();
-  m_builder.openBlock(m_builder.addEntry(EntryKind::If, noSymbol, here()));
+  m_builder.addEntry(EntryKind::If, noSymbol, here());
+  m_builder.openBlock();
   if (understood) {
     m_builder.addProperty(condition);
   }
@@ -266,12 +269,9 @@ void FileParser::parseMainMenu() {
   if (!finishLine()) {
     return;
   }
-  bool const titled = m_tree.entries[rootEntry].position.line != 0;
-  if (m_file != 0 || m_tree.entries.size() > 1 || titled) {
+  if (m_file != 0 || !m_builder.setTitle(prompt(title).text, here())) {
     m_builder.error(here(), "'mainmenu' has to be the first statement");
-    return;
   }
-  m_builder.setTitle(prompt(title).text, here());
 }
 
 // Properties
@@ -309,7 +309,7 @@ void FileParser::parseDefault(SymbolType type) {
   if (m_host == Host::Choice) {
     std::string_view const name = parseWord("the name of a member");
     value.condition = parseCondition();
-    value.value = m_failed ? noExpression : m_tree.expressions.symbol(m_tree.symbols.plain(name));
+    value.value = m_failed ? noExpression : m_words.expressions.symbol(m_words.symbols.plain(name));
   } else {
     value.value = parseExpression();
     value.condition = parseCondition();
@@ -327,7 +327,7 @@ void FileParser::parseSelect(PropertyKind kind) {
   std::string_view const name = parseWord("the name of a symbol");
   selection.condition = parseCondition();
   if (finishLine()) {
-    selection.symbol = m_tree.symbols.plain(name);
+    selection.symbol = m_words.symbols.plain(name);
     m_builder.addProperty(selection);
   }
 }
@@ -403,7 +403,6 @@ void FileParser::addOption(std::string_view name, std::string_view argument) {
 
 void FileParser::parseOptional() {
   if (finishLine()) {
-    m_tree.symbols[m_tree.entries.back().symbol].optional = true;
     m_builder.addProperty(property(PropertyKind::Optional));
   }
 }
@@ -415,7 +414,7 @@ ExpressionId FileParser::parseExpression() {
   while (!m_failed && accept(TokenKind::Or)) {
     operands.push_back(parseConjunction());
   }
-  return m_failed ? noExpression : m_tree.expressions.list(Operator::Or, operands);
+  return m_failed ? noExpression : m_words.expressions.list(Operator::Or, operands);
 }
 
 ExpressionId FileParser::parseConjunction() {
@@ -423,7 +422,7 @@ ExpressionId FileParser::parseConjunction() {
   while (!m_failed && accept(TokenKind::And)) {
     operands.push_back(parseOperand());
   }
-  return m_failed ? noExpression : m_tree.expressions.list(Operator::And, operands);
+  return m_failed ? noExpression : m_words.expressions.list(Operator::And, operands);
 }
 
 ExpressionId FileParser::parseOperand() {
@@ -439,7 +438,7 @@ ExpressionId FileParser::parseOperand() {
   ExpressionId result = noExpression;
   if (accept(TokenKind::Not)) {
     ExpressionId const operand = parseOperand();
-    result = m_failed ? noExpression : m_tree.expressions.negation(operand);
+    result = m_failed ? noExpression : m_words.expressions.negation(operand);
   } else {
     result = parseParenthesis();
   }
@@ -468,10 +467,10 @@ ExpressionId FileParser::parseComparison() {
   for (auto const& [token, op] : comparisons) {
     if (accept(token)) {
       SymbolId const right = parseSymbol();
-      return m_failed ? noExpression : m_tree.expressions.comparison(op, left, right);
+      return m_failed ? noExpression : m_words.expressions.comparison(op, left, right);
     }
   }
-  return m_tree.expressions.symbol(left);
+  return m_words.expressions.symbol(left);
 }
 
 // The condition behind a property, if there is one.
@@ -483,11 +482,11 @@ SymbolId FileParser::parseSymbol() {
   Token const token = m_token;
   if (token.kind == TokenKind::Word) {
     advance();
-    return m_tree.symbols.plain(token.text);
+    return m_words.symbols.plain(token.text);
   }
   if (token.kind == TokenKind::QuotedWord) {
     advance();
-    return m_tree.symbols.constant(token.text);
+    return m_words.symbols.constant(token.text);
   }
   fail("expected a symbol or a constant");
   return noSymbol;
@@ -539,8 +538,8 @@ bool FileParser::finishLine() {
 }
 
 void FileParser::endHost() {
-  if (m_host == Host::Config && m_tree.entries.back().kind == EntryKind::MenuConfig && !m_promptSeen) {
-    m_builder.warning(m_tree.entries.back().position, "'menuconfig' without a prompt");
+  if (m_host == Host::Config && m_builder.lastEntry().kind == EntryKind::MenuConfig && !m_promptSeen) {
+    m_builder.warning(m_builder.lastEntry().position, "'menuconfig' without a prompt");
   }
   m_host = Host::Nothing;
   m_promptSeen = false;

@@ -6,8 +6,8 @@
 #include <functional>
 #include <string_view>
 
+#include "reader/DefinitionBuilder.hpp"
 #include "reader/Lexer.hpp"
-#include "reader/TreeBuilder.hpp"
 
 namespace kconfig {
 
@@ -16,7 +16,7 @@ class FileParser {
   // Reads another file in place.
   using Source = std::function<void(std::string_view name, Position position)>;
 
-  FileParser(TreeBuilder& builder, std::uint32_t file, std::string_view text, Source source);
+  FileParser(DefinitionBuilder& builder, std::uint32_t file, std::string_view text, Source source);
 
   void parse();
 
@@ -73,8 +73,8 @@ class FileParser {
   Property property(PropertyKind kind) const;
   Property prompt(std::string_view text);
 
-  TreeBuilder& m_builder;
-  MenuTree& m_tree;
+  DefinitionBuilder& m_builder;
+  Lexicon& m_words;
   std::uint32_t m_file;
   Lexer m_lexer;
   Source m_source;

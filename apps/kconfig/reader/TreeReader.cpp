@@ -10,8 +10,8 @@
 #include <unordered_map>
 #include <vector>
 
+#include "reader/DefinitionBuilder.hpp"
 #include "reader/FileParser.hpp"
-#include "reader/TreeBuilder.hpp"
 
 namespace kconfig {
 
@@ -38,13 +38,10 @@ class Descriptor {
 // One reading: the files that are open inside each other, and the texts of those read before.
 class Reading {
  public:
-  Reading(MenuTree& tree, Surroundings const& surroundings, Diagnostics& diagnostics)
-      : m_builder(tree, surroundings, diagnostics),
-        m_tree(tree),
-        m_surroundings(surroundings),
-        m_diagnostics(diagnostics) {}
+  Reading(plinth::Model const& model, Surroundings const& surroundings, Diagnostics& diagnostics)
+      : m_builder(model, surroundings, diagnostics), m_surroundings(surroundings), m_diagnostics(diagnostics) {}
 
-  void readRoot(std::string const& path);
+  ReadTree readRoot(std::string const& path);
 
  private:
   static constexpr std::size_t deepestFile = 100;
@@ -53,27 +50,25 @@ class Reading {
   void source(std::string_view name, Position from);
   std::optional<std::string_view> textOf(std::string const& name, std::string& problem);
 
-  TreeBuilder m_builder;
-  MenuTree& m_tree;
+  DefinitionBuilder m_builder;
   Surroundings const& m_surroundings;
   Diagnostics& m_diagnostics;
   std::vector<std::string> m_open;
   std::unordered_map<std::string, std::string_view> m_texts;
 };
 
-void Reading::readRoot(std::string const& path) {
+ReadTree Reading::readRoot(std::string const& path) {
   std::string problem;
   std::optional<std::string_view> const text = textOf(path, problem);
   if (!text) {
     m_diagnostics.error(path, 0, "the file can't be read: " + problem);
   }
   parse(path, text.value_or(""), {});
-  m_builder.finish();
+  return m_builder.finish();
 }
 
 void Reading::parse(std::string_view name, std::string_view text, Position from) {
-  auto const file = static_cast<std::uint32_t>(m_tree.files.size());
-  m_tree.files.push_back({m_tree.texts.intern(name), from});
+  std::uint32_t const file = m_builder.addFile(name, from);
   m_open.emplace_back(name);
   FileParser(m_builder, file, text, [this](std::string_view inner, Position position) {
     source(inner, position);
@@ -117,7 +112,7 @@ std::optional<std::string_view> Reading::textOf(std::string const& name, std::st
   if (!text) {
     return std::nullopt;
   }
-  return m_texts.emplace(name, m_tree.texts.adopt(std::move(*text))).first->second;
+  return m_texts.emplace(name, m_builder.words().texts.adopt(std::move(*text))).first->second;
 }
 
 }  // namespace
@@ -158,11 +153,9 @@ std::optional<std::string> readFile(std::string const& path, std::string& proble
   return text;
 }
 
-MenuTree readTree(std::string const& rootPath, Surroundings const& surroundings, Diagnostics& diagnostics) {
-  MenuTree tree;
-  Reading reading(tree, surroundings, diagnostics);
-  reading.readRoot(rootPath);
-  return tree;
+ReadTree readTree(std::string const& rootPath, Surroundings const& surroundings, Diagnostics& diagnostics,
+                  plinth::Model const& model) {
+  return Reading(model, surroundings, diagnostics).readRoot(rootPath);
 }
 
 }  // namespace kconfig

@@ -29,8 +29,8 @@ tessel::internal::util::DocRef docRef(MenuTree const& tree, Position position) {
 class StateBuilder {
  public:
   StateBuilder(plinth::Model const& model, schema::SchemaData const& schema, Definitions const& definitions,
-               CompiledTree const& compiled, MenuTree const& texts)
-      : m_model(model), m_schema(schema), m_definitions(definitions), m_compiled(compiled), m_texts(texts) {}
+               CompiledTree const& compiled, HelpTexts const& helps)
+      : m_model(model), m_schema(schema), m_definitions(definitions), m_compiled(compiled), m_helps(helps) {}
 
   States build();
 
@@ -56,7 +56,7 @@ class StateBuilder {
   schema::SchemaData m_schema;
   Definitions const& m_definitions;
   CompiledTree const& m_compiled;
-  MenuTree const& m_texts;
+  HelpTexts const& m_helps;
   States m_states;
   std::vector<std::vector<EntryId>> m_entries;  // of each symbol, in the order of the text
 };
@@ -122,7 +122,7 @@ void StateBuilder::addParam(SymbolId symbol) {
   m_states.root->getParamsMutable()->insert(param);
   if (!m_entries[symbol].empty()) {
     Entry const& first = tree().entries[m_entries[symbol].front()];
-    runtime::TagState const tag = m_states.root->getTags()->find(toModel(ownerOf(tree(), first)));
+    runtime::TagState const tag = m_states.root->getTags()->find(toModel(ownerOf(tree().files[first.position.file])));
     if (tag) {
       param->getTagsMutable()->add(tag);
     }
@@ -142,10 +142,9 @@ void StateBuilder::describe(data::UserVisibleData const& data, EntryId entry) {
   if (data->getDescription()) {
     return;
   }
-  for (Property const& property : propertiesOf(m_texts, m_texts.entries[entry])) {
-    if (property.kind == PropertyKind::Help) {
-      data->setDescription(toModel(property.text));
-    }
+  auto const help = m_helps.find(entry);
+  if (help != m_helps.end()) {
+    data->setDescription(help->second);
   }
 }
 
@@ -272,8 +271,8 @@ void StateBuilder::addProductions() {
 }  // namespace
 
 States buildStates(plinth::Model const& model, schema::SchemaData const& schema, Definitions const& definitions,
-                   CompiledTree const& compiled, MenuTree const& texts) {
-  return StateBuilder(model, schema, definitions, compiled, texts).build();
+                   CompiledTree const& compiled, HelpTexts const& helps) {
+  return StateBuilder(model, schema, definitions, compiled, helps).build();
 }
 
 }  // namespace kconfig

@@ -9,6 +9,7 @@
 
 #include "evaluation/CompiledTree.hpp"
 #include "loading/DefinitionReader.hpp"
+#include "reader/TreeReader.hpp"
 
 namespace kconfig {
 
@@ -18,9 +19,8 @@ struct States {
   std::vector<runtime::CategoryState> categories;  // by EntryId; empty for entries that are no category
 };
 
-// Definitions also learn their initial states. To be called inside a transaction. texts is the tree that was read from
-// the files, entry for entry the one of definitions; only help texts are taken from it. Linear. The model's thread.
+// Definitions also learn their initial states. To be called inside a transaction. Linear. The model's thread.
 States buildStates(plinth::Model const& model, schema::SchemaData const& schema, Definitions const& definitions,
-                   CompiledTree const& compiled, MenuTree const& texts);
+                   CompiledTree const& compiled, HelpTexts const& helps);
 
 }  // namespace kconfig

@@ -24,7 +24,8 @@ class ExpressionRulesTest : public testing::Test {
     // The reader's own tree is thrown away: its expression is built anew over the typed symbols.
     Diagnostics diagnostics;
     Input const input{{{"Kconfig", "config X\n\tbool\n\tdepends on " + text + "\n"}}};
-    MenuTree const parsed = readTree("Kconfig", surroundingsOf(input), diagnostics);
+    plinth::Model const model = plinth::Model::create();
+    MenuTree const parsed = readDefinitions(readTree("Kconfig", surroundingsOf(input), diagnostics, model).schema).tree;
     EXPECT_FALSE(diagnostics.hasErrors()) << text;
     return copy(parsed, parsed.properties.back().condition);
   }

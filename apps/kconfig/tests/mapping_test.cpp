@@ -20,7 +20,6 @@
 #include "TreeFixture.hpp"
 #include "language/ExpressionText.hpp"
 #include "loading/ModelText.hpp"
-#include "loading/SchemaWriter.hpp"
 #include "profiles/ProfileApplication.hpp"
 
 namespace kconfig::test {
@@ -42,73 +41,6 @@ Input demo(std::string const& profile) {
   input.variables = {{"WEATHER_EDITION", "7"}};
   input.profile = profile;
   return input;
-}
-
-// Everything of a tree that values are worked out from, a line for each piece.
-std::string described(MenuTree const& tree) {
-  std::vector<std::string> lines{std::string(tree.title)};
-  auto const place = [&tree](Position position) {
-    return std::string(tree.files[position.file].name) + ":" + std::to_string(position.line) + " ";
-  };
-  auto const symbol = [&tree](SymbolId id) {
-    bool const quoted = id != noSymbol && tree.symbols[id].kind == SymbolKind::Constant;
-    std::string const name(id != noSymbol ? tree.symbols[id].name : std::string_view());
-    return quoted ? "\"" + name + "\"" : name;
-  };
-  for (SymbolId id = 0; id < tree.symbols.size(); ++id) {
-    Symbol const& row = tree.symbols[id];
-    if (row.defined || row.automatic) {
-      lines.push_back(std::string(row.name) + " " + keywordOf(row.type) + (row.optional ? " optional" : "") +
-                      (row.automatic ? " automatic" : "") + (id == tree.modules ? " modules" : ""));
-    }
-  }
-  for (Entry const& entry : tree.entries) {
-    lines.push_back(place(entry.position) + std::to_string(static_cast<int>(entry.kind)) + " " + symbol(entry.symbol) +
-                    " in " + std::to_string(entry.parent) + " to " + std::to_string(entry.end));
-    std::vector<std::string> others;
-    for (Property const& property : propertiesOf(tree, entry)) {
-      bool const carried = property.kind < PropertyKind::Help && property.kind != PropertyKind::Type;
-      bool const imported = property.kind == PropertyKind::Environment && property.value != noExpression;
-      if (property.kind == PropertyKind::Prompt) {
-        // Where it stands among the other properties of its entry is of no account.
-        lines.back() +=
-            " \"" + std::string(property.text) + "\" if " + textOf(tree.expressions, tree.symbols, property.condition);
-      } else if (carried || imported) {
-        others.push_back("  " + place(property.position) + std::to_string(static_cast<int>(property.kind)) + " " +
-                         (imported ? "" : std::string(property.text)) + " " + symbol(property.symbol) + " " +
-                         symbol(property.upper) + " " + textOf(tree.expressions, tree.symbols, property.value) +
-                         " if " + textOf(tree.expressions, tree.symbols, property.condition));
-      }
-    }
-    lines.insert(lines.end(), others.begin(), others.end());
-  }
-  std::string text;
-  for (std::string const& line : lines) {
-    text += line + "\n";
-  }
-  return text;
-}
-
-TEST(Mapping, DefinitionsGiveTheTreeBack) {
-  std::vector<Input> inputs{demo("")};
-  for (char const* text :
-       {"", "config A\n\tbool\nconfig A\n\tprompt \"again\"\n\tdefault y if !B || C = \"c\"\n",
-        "choice NAMED\n\tprompt \"c\"\n\toptional\nconfig A\n\tbool \"a\"\nendchoice\nchoice\n\ttristate \"d\"\n"
-        "\tdefault M if A\nconfig M\n\ttristate \"m\"\nendchoice\nchoice NAMED\n\tprompt \"e\"\nendchoice\n",
-        "config A\n\tint \"a\"\n\trange 0x10 \"20\" if m\n\tdefault 5 if y\n\tdefault \"y\"\n\tdefault \"\"\n",
-        "menu \"caf\xc3\xa9 \xff\"\n\tdepends on (A || B) && !(C && D)\n\tvisible if A <= 3\nif A\nif B\n"
-        "comment \"c\"\n\tdepends on A >= B\nendif\nendif\nendmenu\n",
-        "menuconfig M\n\tbool \"m\"\n\toption modules\n\tselect A if B\n\timply C\nconfig L\n\tstring\n"
-        "\toption defconfig_list\n\toption env=\"NONE\"\n"}) {
-    inputs.push_back({{{"Kconfig", text}}});
-  }
-  for (Input const& input : inputs) {
-    Diagnostics diagnostics;
-    MenuTree const tree = readTree("Kconfig", surroundingsOf(input), diagnostics);
-    plinth::Model const model = plinth::Model::create();
-    Definitions const definitions = readDefinitions(writeSchema(tree, model));
-    EXPECT_EQ(described(definitions.tree), described(tree)) << input.files.at("Kconfig");
-  }
 }
 
 TEST(Mapping, DefinitionsSayWhatTheAuthorWrote) {
@@ -229,8 +161,7 @@ TEST(Mapping, ProfilesKeepWhatTheFileSaid) {
         "CONFIG_A=m\nCONFIG_B=m\n", "CONFIG_A=y\nCONFIG_B=m\n", "CONFIG_A=y\nCONFIG_A=n\n", "CONFIG_B=n\n"}) {
     Diagnostics diagnostics;
     plinth::Model const model = plinth::Model::create();
-    Definitions definitions =
-        readDefinitions(writeSchema(readTree("Kconfig", surroundingsOf(tree), diagnostics), model));
+    Definitions definitions = readDefinitions(readTree("Kconfig", surroundingsOf(tree), diagnostics, model).schema);
     CompiledTree const compiled = compile(definitions.tree);
     UserValues users(definitions.tree, compiled);
     applyProfile(readProfile(profile, "CONFIG_", "p", diagnostics), "p", definitions.tree.symbols, users, diagnostics);

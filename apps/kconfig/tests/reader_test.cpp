@@ -3,6 +3,7 @@
 
 #include "TreeFixture.hpp"
 #include "language/ExpressionText.hpp"
+#include "loading/ModelText.hpp"
 
 namespace kconfig::test {
 namespace {
@@ -10,29 +11,25 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
+// What the definitions give back of a text.
 struct Read {
   MenuTree tree;
+  HelpTexts helps;
   std::vector<std::string> messages;
 };
 
 Read read(Input const& input) {
   Diagnostics diagnostics;
   Read result;
-  result.tree = readTree("Kconfig", surroundingsOf(input), diagnostics);
+  plinth::Model const model = plinth::Model::create();
+  ReadTree read = readTree("Kconfig", surroundingsOf(input), diagnostics, model);
+  result.tree = readDefinitions(read.schema).tree;
+  result.helps = std::move(read.helps);
   result.messages = textsOf(diagnostics);
   return result;
 }
 
 Read read(std::string const& text) { return read(Input{{{"Kconfig", text}}}); }
-
-std::string_view helpOf(MenuTree const& tree) {
-  for (Property const& property : tree.properties) {
-    if (property.kind == PropertyKind::Help) {
-      return property.text;
-    }
-  }
-  return "none";
-}
 
 TEST(Reader, KeepsEntriesInOrderWithParentsAndPositions) {
   Read const result = read(
@@ -93,7 +90,8 @@ TEST(Reader, EndsHelpByItsIndentation) {
       {"\thelp\n\t  # no comment  \t\n", "# no comment"},
       {"\thelp\n\t  last line without an end", "last line without an end"}};
   for (auto const& [text, expected] : cases) {
-    EXPECT_EQ(helpOf(read(std::string("config X\n\tbool\n") + text).tree), expected) << text;
+    HelpTexts const helps = read(std::string("config X\n\tbool\n") + text).helps;
+    EXPECT_EQ(fromModel(helps.at(1)), expected) << text;
   }
 }
 

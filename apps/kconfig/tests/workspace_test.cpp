@@ -11,6 +11,7 @@
 
 #include "TreeFixture.hpp"
 #include "commands/Commands.hpp"
+#include "loading/ModelText.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size);
 
@@ -93,6 +94,7 @@ TEST(Workspace, TellsOfEachSettingWhyItHasNoEffect) {
            {{{"MODULES", "y"}, {"U", "y"}, {"J", "y"}, {"T", "m"}}, "'T=m' comes to y: it is implied"},
            {{{"A", "y"}, {"C1", "y"}, {"C2", "y"}}, "'C1=y' comes to n: its choice has 'C2'"},
            {{{"A", "y"}, {"C1", "n"}}, "'C1=n' comes to y: one member of its choice has to be y; set another one"},
+           {{{"A", "n"}, {"C1", "y"}}, "'C1=y' comes to n: it needs 'A'"},
            {{{"A", "n"}, {"A", "y"}}, "'A=n' comes to y: a later setting replaces it"},
        }) {
     std::size_t const before = bench.workspace.diagnostics().entries().size();
@@ -101,6 +103,20 @@ TEST(Workspace, TellsOfEachSettingWhyItHasNoEffect) {
     EXPECT_EQ(told.size() == before ? "" : told.back().message, row.last);
     EXPECT_LE(told.size(), before + 1);
   }
+}
+
+TEST(Workspace, KeepsTheValueThatStoodWhereASettingIsOutOfRange) {
+  Bench bench(Input{{{"Kconfig", smallTree}}, {}, "CONFIG_A=y\nCONFIG_B=4\n"});
+  for (auto const& [settings, value] : std::vector<std::pair<std::vector<Setting>, char const*>>{
+           {{{"B", "12"}}, "4"}, {{{"B", "5"}, {"B", "0"}}, "5"}, {{{"B", "0"}, {"B", "6"}}, "6"}}) {
+    bench.workspace.tryOut(bench.profile, settings, false, [&, expected = value] {
+      EXPECT_EQ(bench.workspace.states().root->getParams()->find(u"B")->getCachedCode(), toModel(expected));
+    });
+  }
+  EXPECT_THAT(textsOf(bench.workspace.diagnostics()),
+              ElementsAre("the command line: error: 'B=12' comes to 4: its range is 1 to 9",
+                          "the command line: error: 'B=0' comes to 5: its range is 1 to 9",
+                          "the command line: error: 'B=0' comes to 6: a later setting replaces it"));
 }
 
 TEST(Workspace, ProfilesCanBeAppliedInTurn) {
