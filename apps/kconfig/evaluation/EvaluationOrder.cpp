@@ -290,19 +290,7 @@ void LoopSearch::addTarget(Frame& frame, SymbolId owner, SymbolId target, bool i
 }
 
 void LoopSearch::addExpression(Frame& frame, SymbolId owner, ExpressionId id, bool inChoice) {
-  Operator const op = m_pool.op(id);
-  if (isList(op)) {
-    for (ExpressionId const operand : m_pool.operands(id)) {
-      addExpression(frame, owner, operand, inChoice);
-    }
-  } else if (op == Operator::Not) {
-    addExpression(frame, owner, m_pool.operand(id), inChoice);
-  } else if (op != Operator::None) {
-    addTarget(frame, owner, m_pool.left(id), inChoice);
-    if (op != Operator::Symbol) {
-      addTarget(frame, owner, m_pool.right(id), inChoice);
-    }
-  }
+  forEachSymbol(m_pool, id, [&](SymbolId symbol) { addTarget(frame, owner, symbol, inChoice); });
 }
 
 std::vector<SymbolId> menuOrder(MenuTree const& tree, CompiledTree const& compiled) {

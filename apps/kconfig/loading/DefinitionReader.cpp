@@ -216,11 +216,14 @@ SymbolId DefinitionReader::symbolOf(schema::ControllableDef const& definition, E
 }
 
 void DefinitionReader::readFollows(schema::FollowsDef const& row, Position position, EntryId id) {
-  std::u16string const& attribute = row->getAttribute();
+  PropertyKind const* const kind = kindFor(follows::words, row->getAttribute());
+  if (kind == nullptr) {
+    throw std::runtime_error("the definitions have an unknown attribute, '" + fromModel(row->getAttribute()) + "'");
+  }
   Property property;
+  property.kind = *kind;
   property.position = position;
-  if (attribute == follows::enabled || attribute == follows::contentsVisible) {
-    property.kind = attribute == follows::enabled ? PropertyKind::DependsOn : PropertyKind::VisibleIf;
+  if (*kind == PropertyKind::DependsOn || *kind == PropertyKind::VisibleIf) {
     property.condition = m_expressions.read(row->getExpr());
     add(id, property);
     return;
@@ -228,19 +231,13 @@ void DefinitionReader::readFollows(schema::FollowsDef const& row, Position posit
   ConditionalElements const parts = m_expressions.readConditional(row->getExpr());
   property.condition = parts.condition;
   expr::ExprValue const& value = parts.values.at(0);
-  if (attribute == follows::name) {
-    property.kind = PropertyKind::Prompt;
+  if (*kind == PropertyKind::Prompt) {
     property.text = m_result.tree.texts.intern(textOf(value));
-  } else if (attribute == follows::value || attribute == follows::imported) {
-    property.kind = attribute == follows::value ? PropertyKind::Default : PropertyKind::Environment;
+  } else if (*kind == PropertyKind::Default || *kind == PropertyKind::Environment) {
     property.value = m_expressions.read(value);
-  } else if (attribute == follows::range) {
-    property.kind = PropertyKind::Range;
-    property.symbol = m_expressions.readSymbol(value);
-    property.upper = m_expressions.readSymbol(parts.values.at(1));
   } else {
-    property.kind = attribute == follows::select ? PropertyKind::Select : PropertyKind::Imply;
     property.symbol = m_expressions.readSymbol(value);
+    property.upper = *kind == PropertyKind::Range ? m_expressions.readSymbol(parts.values.at(1)) : noSymbol;
   }
   add(id, property);
 }
@@ -267,20 +264,18 @@ void DefinitionReader::readLogic(schema::ControllableDef const& definition, Entr
 void DefinitionReader::readOption(std::string_view option, EntryId id) {
   MenuTree& tree = m_result.tree;
   Entry const& entry = tree.entries[id];
-  Property property;
-  property.position = entry.position;
-  if (option == logic::predefined || startsWith(option, logic::environment)) {
-    tree.symbols[entry.symbol].automatic = true;
+  PropertyKind const* const kind = kindFor(logic::options, option);
+  if (kind == nullptr) {
+    tree.symbols[entry.symbol].automatic = true;  // imported, or predefined
     return;
   }
-  if (option == logic::optional) {
-    property.kind = PropertyKind::Optional;
+  Property property;
+  property.kind = *kind;
+  property.position = entry.position;
+  if (*kind == PropertyKind::Optional) {
     tree.symbols[entry.symbol].optional = true;
-  } else if (option == logic::modules) {
-    property.kind = PropertyKind::Modules;
+  } else if (*kind == PropertyKind::Modules) {
     tree.modules = entry.symbol;
-  } else {
-    property.kind = option == logic::defconfigList ? PropertyKind::DefconfigList : PropertyKind::AllNoConfigY;
   }
   add(id, property);
 }

@@ -54,7 +54,7 @@ void DefinitionWriter::setRootPosition(Position position) { m_positions.front() 
 
 void DefinitionWriter::addPredefined(SymbolId symbol, ExpressionId value) {
   NodeId const node = paramOf(symbol, std::string(m_words.symbols[symbol].name));
-  addFollows(follows::imported, m_expressions.write(value), node);
+  addFollows(*wordFor(follows::words, PropertyKind::Environment), m_expressions.write(value), node);
   m_nodes[node].logic.push_back(evalDef(logic::option, logic::predefined));
 }
 
@@ -160,43 +160,29 @@ void DefinitionWriter::addProperties(NodeId node, std::vector<Property> const& p
 }
 
 void DefinitionWriter::addFollows(Property const& property, NodeId node) {
-  std::size_t const before = m_nodes[node].definition->getFollows()->size();
-  auto const conditional = [&](std::u16string_view attribute, std::vector<expr::ExprValue> const& values) {
-    addFollows(attribute, m_expressions.writeConditional(property.condition, values), node);
-  };
-  switch (property.kind) {
-    case PropertyKind::Prompt:
-      conditional(follows::name, {m_expressions.writeText(property.text)});
-      break;
-    case PropertyKind::Default:
-      conditional(follows::value, {m_expressions.write(property.value)});
-      break;
-    case PropertyKind::Select:
-      conditional(follows::select, {m_expressions.writeSymbol(property.symbol)});
-      break;
-    case PropertyKind::Imply:
-      conditional(follows::imply, {m_expressions.writeSymbol(property.symbol)});
-      break;
-    case PropertyKind::Range:
-      conditional(follows::range,
-                  {m_expressions.writeSymbol(property.symbol), m_expressions.writeSymbol(property.upper)});
-      break;
-    case PropertyKind::DependsOn:
-      addFollows(follows::enabled, m_expressions.write(property.condition), node);
-      break;
-    case PropertyKind::VisibleIf:
-      addFollows(follows::contentsVisible, m_expressions.write(property.condition), node);
-      break;
-    case PropertyKind::Environment:
-      if (property.value != noExpression) {
-        addFollows(follows::imported, m_expressions.write(property.value), node);
-      }
-      break;
-    default:
-      break;
-  }
-  if (m_nodes[node].definition->getFollows()->size() != before) {
+  std::u16string_view const* const attribute = wordFor(follows::words, property.kind);
+  bool const isUnknown = property.kind == PropertyKind::Environment && property.value == noExpression;
+  if (attribute != nullptr && !isUnknown) {
+    addFollows(*attribute, expressionOf(property), node);
     m_positions.push_back(property.position);
+  }
+}
+
+expr::ExprValue DefinitionWriter::expressionOf(Property const& property) {
+  switch (property.kind) {
+    case PropertyKind::DependsOn:
+    case PropertyKind::VisibleIf:
+      return m_expressions.write(property.condition);
+    case PropertyKind::Prompt:
+      return m_expressions.writeConditional(property.condition, {m_expressions.writeText(property.text)});
+    case PropertyKind::Select:
+    case PropertyKind::Imply:
+      return m_expressions.writeConditional(property.condition, {m_expressions.writeSymbol(property.symbol)});
+    case PropertyKind::Range:
+      return m_expressions.writeConditional(
+          property.condition, {m_expressions.writeSymbol(property.symbol), m_expressions.writeSymbol(property.upper)});
+    default:
+      return m_expressions.writeConditional(property.condition, {m_expressions.write(property.value)});
   }
 }
 
@@ -208,45 +194,30 @@ void DefinitionWriter::addFollows(std::u16string_view attribute, expr::ExprValue
 }
 
 void DefinitionWriter::addLogic(Property const& property, NodeId node) {
-  auto const option = [this, node](std::string_view code) {
-    m_nodes[node].logic.push_back(evalDef(logic::option, code));
-  };
-  switch (property.kind) {
-    case PropertyKind::Optional:
-      return option(logic::optional);
-    case PropertyKind::Modules:
-      return option(logic::modules);
-    case PropertyKind::DefconfigList:
-      return option(logic::defconfigList);
-    case PropertyKind::AllNoConfigY:
-      return option(logic::allNoConfigY);
-    case PropertyKind::Environment:
-      option(std::string(logic::environment).append(property.text));
-      if (property.value != noExpression) {
-        SymbolId const value = m_words.expressions.left(property.value);
-        setMetadata(std::u16string(metadata::environment) + toModel(property.text),
-                    kestrel::createChar(toModel(m_words.symbols[value].name)));
-      }
-      break;
-    default:
-      break;
+  std::vector<schema::EvalDef>& logic = m_nodes[node].logic;
+  if (std::string_view const* const word = wordFor(logic::options, property.kind)) {
+    logic.push_back(evalDef(logic::option, *word));
+  } else if (property.kind == PropertyKind::Environment) {
+    logic.push_back(evalDef(logic::option, std::string(logic::environment).append(property.text)));
+    if (property.value != noExpression) {
+      SymbolId const value = m_words.expressions.left(property.value);
+      setMetadata(std::u16string(metadata::environment) + toModel(property.text),
+                  kestrel::createChar(toModel(m_words.symbols[value].name)));
+    }
   }
 }
 
 // Dependencies
 
 void DefinitionWriter::noteDependencies(Property const& property, NodeId node) {
-  noteExpression(property.condition, node);
+  auto const note = [this, node](SymbolId symbol) { noteDependency(symbol, node); };
+  forEachSymbol(m_words.expressions, property.condition, note);
   if (property.kind == PropertyKind::Default) {
-    noteExpression(property.value, node);
+    forEachSymbol(m_words.expressions, property.value, note);
   } else if (property.kind == PropertyKind::Range) {
-    noteDependency(property.symbol, node);
-    noteDependency(property.upper, node);
+    note(property.symbol);
+    note(property.upper);
   }
-}
-
-void DefinitionWriter::noteExpression(ExpressionId id, NodeId node) {
-  forEachSymbol(m_words.expressions, id, [this, node](SymbolId symbol) { noteDependency(symbol, node); });
 }
 
 void DefinitionWriter::noteDependency(SymbolId symbol, NodeId node) {

@@ -59,10 +59,10 @@ class DefinitionWriter {
   std::string keyOf(Entry const& entry) const;
   void addFollows(Property const& property, NodeId node);
   void addFollows(std::u16string_view attribute, expr::ExprValue const& expression, NodeId node);
+  expr::ExprValue expressionOf(Property const& property);
   void addLogic(Property const& property, NodeId node);
   void noteDependencies(Property const& property, NodeId node);
   void noteDependency(SymbolId symbol, NodeId node);
-  void noteExpression(ExpressionId id, NodeId node);
   void writeDependencies();
   void addProductions();
   void writeMetadata();

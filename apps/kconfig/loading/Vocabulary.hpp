@@ -3,19 +3,27 @@
 // file alone; mapping.md explains each word.
 #pragma once
 
+#include <algorithm>
+#include <iterator>
 #include <string_view>
+
+#include "language/MenuTree.hpp"
 
 namespace kconfig {
 
+// What an attribute or option of the model is among the properties of an entry.
+template <class Text>
+struct PropertyWord {
+  PropertyKind kind;
+  Text word;
+};
+
 namespace follows {
-constexpr std::u16string_view enabled = u"Enabled";
-constexpr std::u16string_view name = u"Name";
-constexpr std::u16string_view contentsVisible = u"ContentsVisible";
-constexpr std::u16string_view value = u"Value";
-constexpr std::u16string_view imported = u"Imported";
-constexpr std::u16string_view range = u"Range";
-constexpr std::u16string_view select = u"Select";
-constexpr std::u16string_view imply = u"Imply";
+constexpr PropertyWord<std::u16string_view> words[] = {
+    {PropertyKind::DependsOn, u"Enabled"}, {PropertyKind::VisibleIf, u"ContentsVisible"},
+    {PropertyKind::Prompt, u"Name"},       {PropertyKind::Default, u"Value"},
+    {PropertyKind::Range, u"Range"},       {PropertyKind::Environment, u"Imported"},
+    {PropertyKind::Select, u"Select"},     {PropertyKind::Imply, u"Imply"}};
 }  // namespace follows
 
 namespace logic {
@@ -25,11 +33,11 @@ constexpr std::u16string_view entry = u"Entry";
 constexpr std::u16string_view option = u"Option";
 
 constexpr std::string_view menuConfig = "menuconfig";
-constexpr std::string_view optional = "optional";
 constexpr std::string_view predefined = "predefined";
-constexpr std::string_view modules = "modules";
-constexpr std::string_view defconfigList = "defconfig_list";
-constexpr std::string_view allNoConfigY = "allnoconfig_y";
+constexpr PropertyWord<std::string_view> options[] = {{PropertyKind::Optional, "optional"},
+                                                      {PropertyKind::Modules, "modules"},
+                                                      {PropertyKind::DefconfigList, "defconfig_list"},
+                                                      {PropertyKind::AllNoConfigY, "allnoconfig_y"}};
 constexpr std::string_view environment = "env=";  // with the name of the variable behind it
 }  // namespace logic
 
@@ -47,6 +55,20 @@ constexpr std::u16string_view configuration = u"configuration";
 constexpr std::u16string_view header = u"header";
 constexpr std::u16string_view settable = u"settable";
 }  // namespace key
+
+// The word for a kind and the kind that a word is for; null where there is none.
+template <class Words>
+auto const* wordFor(Words const& words, PropertyKind kind) {
+  auto const found =
+      std::find_if(std::begin(words), std::end(words), [&](auto const& row) { return row.kind == kind; });
+  return found != std::end(words) ? &found->word : nullptr;
+}
+template <class Words, class Text>
+PropertyKind const* kindFor(Words const& words, Text const& word) {
+  auto const found =
+      std::find_if(std::begin(words), std::end(words), [&](auto const& row) { return row.word == word; });
+  return found != std::end(words) ? &found->kind : nullptr;
+}
 
 namespace metadata {
 constexpr std::u16string_view title = u"title";

@@ -1,5 +1,6 @@
 #include "reader/FileParser.hpp"
 
+#include <algorithm>
 #include <utility>
 
 namespace kconfig {
@@ -73,33 +74,33 @@ void FileParser::parseLine() {
   }
 }
 
-bool FileParser::parseStatement(Keyword keyword) {
-  switch (keyword) {
-    case Keyword::Config:
-      return parseConfig(EntryKind::Config), true;
-    case Keyword::MenuConfig:
-      return parseConfig(EntryKind::MenuConfig), true;
-    case Keyword::Choice:
-      return parseChoice(), true;
-    case Keyword::Menu:
-      return parseMenu(), true;
-    case Keyword::Comment:
-      return parseComment(), true;
-    case Keyword::If:
-      return parseIf(), true;
-    case Keyword::EndChoice:
-      return parseEnd(EntryKind::Choice), true;
-    case Keyword::EndMenu:
-      return parseEnd(EntryKind::Menu), true;
-    case Keyword::EndIf:
-      return parseEnd(EntryKind::If), true;
-    case Keyword::Source:
-      return parseSource(), true;
-    case Keyword::MainMenu:
-      return parseMainMenu(), true;
-    default:
-      return false;
+// What is done for a keyword.
+struct FileParser::Rule {
+  Keyword keyword;
+  void (*parse)(FileParser&);
+
+  template <std::size_t Size>
+  static bool follow(Rule const (&rules)[Size], Keyword keyword, FileParser& parser) {
+    auto const rule = std::find_if(rules, rules + Size, [&](Rule const& row) { return row.keyword == keyword; });
+    return rule != rules + Size && (rule->parse(parser), true);
   }
+};
+
+bool FileParser::parseStatement(Keyword keyword) {
+  static constexpr Rule rules[] = {
+      {Keyword::Config, [](FileParser& parser) { parser.parseConfig(EntryKind::Config); }},
+      {Keyword::MenuConfig, [](FileParser& parser) { parser.parseConfig(EntryKind::MenuConfig); }},
+      {Keyword::Choice, [](FileParser& parser) { parser.parseChoice(); }},
+      {Keyword::Menu, [](FileParser& parser) { parser.parseMenu(); }},
+      {Keyword::Comment, [](FileParser& parser) { parser.parseComment(); }},
+      {Keyword::If, [](FileParser& parser) { parser.parseIf(); }},
+      {Keyword::EndChoice, [](FileParser& parser) { parser.parseEnd(EntryKind::Choice); }},
+      {Keyword::EndMenu, [](FileParser& parser) { parser.parseEnd(EntryKind::Menu); }},
+      {Keyword::EndIf, [](FileParser& parser) { parser.parseEnd(EntryKind::If); }},
+      {Keyword::Source, [](FileParser& parser) { parser.parseSource(); }},
+      {Keyword::MainMenu, [](FileParser& parser) { parser.parseMainMenu(); }},
+  };
+  return Rule::follow(rules, keyword, *this);
 }
 
 bool FileParser::parseProperty(Keyword keyword) {
@@ -111,44 +112,26 @@ bool FileParser::parseProperty(Keyword keyword) {
   if (!hostTakes(keyword)) {
     return false;
   }
-  switch (keyword) {
-    case Keyword::Boolean:
-      return parseType(SymbolType::Boolean), true;
-    case Keyword::Tristate:
-      return parseType(SymbolType::Tristate), true;
-    case Keyword::Integer:
-      return parseType(SymbolType::Integer), true;
-    case Keyword::Hexadecimal:
-      return parseType(SymbolType::Hexadecimal), true;
-    case Keyword::String:
-      return parseType(SymbolType::String), true;
-    case Keyword::Prompt:
-      return parsePrompt(), true;
-    case Keyword::Default:
-      return parseDefault(SymbolType::Unknown), true;
-    case Keyword::DefaultBoolean:
-      return parseDefault(SymbolType::Boolean), true;
-    case Keyword::DefaultTristate:
-      return parseDefault(SymbolType::Tristate), true;
-    case Keyword::Select:
-      return parseSelect(PropertyKind::Select), true;
-    case Keyword::Imply:
-      return parseSelect(PropertyKind::Imply), true;
-    case Keyword::Range:
-      return parseRange(), true;
-    case Keyword::Depends:
-      return parseDepends(), true;
-    case Keyword::Visible:
-      return parseVisible(), true;
-    case Keyword::Help:
-      return parseHelp(), true;
-    case Keyword::Option:
-      return parseOptions(), true;
-    case Keyword::Optional:
-      return parseOptional(), true;
-    default:
-      return false;
-  }
+  static constexpr Rule rules[] = {
+      {Keyword::Boolean, [](FileParser& parser) { parser.parseType(SymbolType::Boolean); }},
+      {Keyword::Tristate, [](FileParser& parser) { parser.parseType(SymbolType::Tristate); }},
+      {Keyword::Integer, [](FileParser& parser) { parser.parseType(SymbolType::Integer); }},
+      {Keyword::Hexadecimal, [](FileParser& parser) { parser.parseType(SymbolType::Hexadecimal); }},
+      {Keyword::String, [](FileParser& parser) { parser.parseType(SymbolType::String); }},
+      {Keyword::Prompt, [](FileParser& parser) { parser.parsePrompt(); }},
+      {Keyword::Default, [](FileParser& parser) { parser.parseDefault(SymbolType::Unknown); }},
+      {Keyword::DefaultBoolean, [](FileParser& parser) { parser.parseDefault(SymbolType::Boolean); }},
+      {Keyword::DefaultTristate, [](FileParser& parser) { parser.parseDefault(SymbolType::Tristate); }},
+      {Keyword::Select, [](FileParser& parser) { parser.parseSelect(PropertyKind::Select); }},
+      {Keyword::Imply, [](FileParser& parser) { parser.parseSelect(PropertyKind::Imply); }},
+      {Keyword::Range, [](FileParser& parser) { parser.parseRange(); }},
+      {Keyword::Depends, [](FileParser& parser) { parser.parseDepends(); }},
+      {Keyword::Visible, [](FileParser& parser) { parser.parseVisible(); }},
+      {Keyword::Help, [](FileParser& parser) { parser.parseHelp(); }},
+      {Keyword::Option, [](FileParser& parser) { parser.parseOptions(); }},
+      {Keyword::Optional, [](FileParser& parser) { parser.parseOptional(); }},
+  };
+  return Rule::follow(rules, keyword, *this);
 }
 
 void FileParser::passOverProperty(Keyword keyword) {

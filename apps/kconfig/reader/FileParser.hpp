@@ -24,6 +24,8 @@ class FileParser {
   // What the entry above may be given.
   enum class Host : std::uint8_t { Nothing, Unknown, Config, Choice, Menu, Comment };
 
+  struct Rule;
+
   void parseLine();
   bool parseStatement(Keyword keyword);
   bool parseProperty(Keyword keyword);
