@@ -1,28 +1,22 @@
 #include "evaluation/ExpressionRules.hpp"
 
+#include <utility>
+
 namespace kconfig {
 
 namespace {
 
+// The operator of a negation, each comparison's or list's own.
 constexpr Operator opposite(Operator op) {
-  switch (op) {
-    case Operator::Equal:
-      return Operator::Unequal;
-    case Operator::Unequal:
-      return Operator::Equal;
-    case Operator::Less:
-      return Operator::GreaterEqual;
-    case Operator::LessEqual:
-      return Operator::Greater;
-    case Operator::Greater:
-      return Operator::LessEqual;
-    case Operator::GreaterEqual:
-      return Operator::Less;
-    case Operator::And:
-      return Operator::Or;
-    default:
-      return Operator::And;
+  constexpr std::pair<Operator, Operator> pairs[] = {{Operator::Equal, Operator::Unequal},
+                                                     {Operator::Less, Operator::GreaterEqual},
+                                                     {Operator::LessEqual, Operator::Greater}};
+  for (auto const& [one, other] : pairs) {
+    if (op == one || op == other) {
+      return op == one ? other : one;
+    }
   }
+  return op == Operator::And ? Operator::Or : Operator::And;
 }
 
 // The constant that adds nothing to a list.

@@ -1,28 +1,20 @@
 #include "language/ExpressionText.hpp"
 
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
 namespace kconfig {
 
 namespace {
 
 char const* signOf(Operator op) {
-  switch (op) {
-    case Operator::Equal:
-      return " = ";
-    case Operator::Unequal:
-      return " != ";
-    case Operator::Less:
-      return " < ";
-    case Operator::LessEqual:
-      return " <= ";
-    case Operator::Greater:
-      return " > ";
-    case Operator::GreaterEqual:
-      return " >= ";
-    case Operator::And:
-      return " && ";
-    default:
-      return " || ";
-  }
+  constexpr std::pair<Operator, char const*> signs[] = {{Operator::Equal, " = "},   {Operator::Unequal, " != "},
+                                                        {Operator::Less, " < "},    {Operator::LessEqual, " <= "},
+                                                        {Operator::Greater, " > "}, {Operator::GreaterEqual, " >= "},
+                                                        {Operator::And, " && "}};
+  auto const sign = std::find_if(std::begin(signs), std::end(signs), [op](auto const& row) { return row.first == op; });
+  return sign != std::end(signs) ? sign->second : " || ";
 }
 
 class Printer {

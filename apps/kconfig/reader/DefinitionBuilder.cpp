@@ -123,21 +123,13 @@ void DefinitionBuilder::importVariable(std::string_view variable, Position posit
   addProperty(import);
 }
 
-void DefinitionBuilder::declareModules(Position position) {
-  claim(PropertyKind::Modules, m_modules, "modules", position);
-}
-
-void DefinitionBuilder::declareDefconfigList(Position position) {
-  claim(PropertyKind::DefconfigList, m_defconfigList, "defconfig_list", position);
-}
-
-// Makes the last entry's symbol the one that a role is for, unless another has it.
-void DefinitionBuilder::claim(PropertyKind role, SymbolId& holder, char const* name, Position position) {
-  if (holder != noSymbol && holder != m_entry.symbol) {
-    error(position, "'" + std::string(m_words.symbols[holder].name) + "' is the " + name + " symbol already");
+void DefinitionBuilder::claimRole(PropertyKind role, std::string_view name, Position position) {
+  SymbolId const holder = m_roles.emplace(role, m_entry.symbol).first->second;
+  if (holder != m_entry.symbol) {
+    error(position,
+          "'" + std::string(m_words.symbols[holder].name) + "' is the " + std::string(name) + " symbol already");
     return;
   }
-  holder = m_entry.symbol;
   addProperty(propertyOf(role, position));
 }
 

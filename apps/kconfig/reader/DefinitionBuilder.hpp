@@ -4,6 +4,7 @@
 // the text is made of. The model's thread.
 #pragma once
 
+#include <map>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -35,9 +36,8 @@ class DefinitionBuilder {
   void setType(SymbolType type, Position position);
   // Imports the variable into the last entry's symbol.
   void importVariable(std::string_view variable, Position position);
-  void declareModules(Position position);
-  // The last entry's symbol names the saved configurations to begin with.
-  void declareDefconfigList(Position position);
+  // Makes the last entry's symbol the one that a role is for, unless another has it.
+  void claimRole(PropertyKind role, std::string_view name, Position position);
 
   // The last entry becomes a block: entries added from now on lie inside it.
   void openBlock() { m_open.push_back({m_entry, m_node}); }
@@ -61,7 +61,6 @@ class DefinitionBuilder {
   std::string_view earlyText(SymbolId symbol);
   std::string_view workOutEarly(SymbolId symbol);
   void addPredefined();
-  void claim(PropertyKind role, SymbolId& holder, char const* name, Position position);
 
   Surroundings const& m_surroundings;
   Diagnostics& m_diagnostics;
@@ -73,8 +72,7 @@ class DefinitionBuilder {
   std::vector<Property> m_properties;
   EntryId m_entryId = rootEntry;
   std::string_view m_title;
-  SymbolId m_modules = noSymbol;
-  SymbolId m_defconfigList = noSymbol;
+  std::map<PropertyKind, SymbolId> m_roles;
   HelpTexts m_helps;
   std::unordered_map<SymbolId, SymbolId>
       m_firstValues;  // by symbol: the constant imported first, noSymbol for a default

@@ -9,26 +9,11 @@ namespace {
 
 constexpr std::size_t deepestBlock = 500;
 
-char const* openingWord(EntryKind kind) {
-  switch (kind) {
-    case EntryKind::Choice:
-      return "choice";
-    case EntryKind::Menu:
-      return "menu";
-    default:
-      return "if";
-  }
-}
-
-char const* closingWord(EntryKind kind) {
-  switch (kind) {
-    case EntryKind::Choice:
-      return "endchoice";
-    case EntryKind::Menu:
-      return "endmenu";
-    default:
-      return "endif";
-  }
+// The words that open and close a block.
+std::pair<char const*, char const*> wordsOf(EntryKind kind) {
+  return kind == EntryKind::Choice ? std::pair("choice", "endchoice")
+         : kind == EntryKind::Menu ? std::pair("menu", "endmenu")
+                                   : std::pair("if", "endif");
 }
 
 std::string quotedName(std::string_view name) { return "'" + std::string(name) + "'"; }
@@ -231,7 +216,7 @@ void FileParser::parseEnd(EntryKind kind) {
   }
   if (depth == m_outerBlocks) {
     m_builder.error(here(),
-                    quotedName(closingWord(kind)) + " without " + quotedName(openingWord(kind)) + " in this file");
+                    quotedName(wordsOf(kind).second) + " without " + quotedName(wordsOf(kind).first) + " in this file");
     return;
   }
   closeOwnBlocks(depth);
@@ -374,9 +359,9 @@ void FileParser::addOption(std::string_view name, std::string_view argument) {
       m_builder.importVariable(argument, here());
     }
   } else if (name == "modules") {
-    m_builder.declareModules(here());
+    m_builder.claimRole(PropertyKind::Modules, name, here());
   } else if (name == "defconfig_list") {
-    m_builder.declareDefconfigList(here());
+    m_builder.claimRole(PropertyKind::DefconfigList, name, here());
   } else if (name == "allnoconfig_y") {
     m_builder.addProperty(property(PropertyKind::AllNoConfigY));
   } else {
@@ -533,8 +518,8 @@ void FileParser::endHost() {
 void FileParser::closeOwnBlocks(std::size_t depth) {
   while (m_builder.openBlocks() > depth) {
     Entry const& block = m_builder.openBlockAt(m_builder.openBlocks() - 1);
-    m_builder.error(block.position, quotedName(openingWord(block.kind)) + " without " +
-                                        quotedName(closingWord(block.kind)) + " in this file");
+    m_builder.error(block.position, quotedName(wordsOf(block.kind).first) + " without " +
+                                        quotedName(wordsOf(block.kind).second) + " in this file");
     m_builder.closeBlock();
   }
 }
