@@ -1,7 +1,7 @@
 // A small evaluator of the model's own expressions. The library keeps trees of constants, references and operations
 // and decides nothing; what an operator means is for the application to say, here with numbers alone.
 #include <algorithm>
-#include <groundwork/unicode.hpp>
+#include <groundwork/Unicode.hpp>
 #include <iostream>
 #include <map>
 #include <plinth/Model.hpp>

@@ -1,6 +1,6 @@
 // A model and a listener: a small configuration is built and changed, and the model tells what came of it, once for
 // each outermost transaction.
-#include <groundwork/unicode.hpp>
+#include <groundwork/Unicode.hpp>
 #include <iostream>
 #include <plinth/Model.hpp>
 #include <plinth/meta/Property.hpp>

@@ -1,7 +1,7 @@
 // Two models and proxies: a project refers to a profile of a library by a stand-in. The library is loaded when a getter
 // first meets the stand-in, which then gives way to the profile itself.
 #include <boost/uuid/uuid.hpp>
-#include <groundwork/unicode.hpp>
+#include <groundwork/Unicode.hpp>
 #include <iostream>
 #include <plinth/Model.hpp>
 #include <plinth/ModelDirectory.hpp>

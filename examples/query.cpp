@@ -1,7 +1,7 @@
 // A query: finds elements by what they hold and by what they are linked to. Conditions are written with the properties
 // of the class, so that the compiler checks their types.
 #include <algorithm>
-#include <groundwork/unicode.hpp>
+#include <groundwork/Unicode.hpp>
 #include <iostream>
 #include <plinth/Model.hpp>
 #include <plinth/Query.hpp>

@@ -1,6 +1,6 @@
 // Reflection over any class: prints an element and all that it contains without a line that knows a class of the model,
 // and sets a property by names that could come from a file.
-#include <groundwork/unicode.hpp>
+#include <groundwork/Unicode.hpp>
 #include <iostream>
 #include <plinth/Model.hpp>
 #include <plinth/ReferenceCollection.hpp>

@@ -1,6 +1,6 @@
 // Undo by rollback: an assistant tries out changes, shows what they come to, and takes them back by leaving the
 // transaction open. Whatever happened inside, the model is as before: values, order, links, and elements themselves.
-#include <groundwork/unicode.hpp>
+#include <groundwork/Unicode.hpp>
 #include <iostream>
 #include <plinth/Fingerprint.hpp>
 #include <plinth/Model.hpp>

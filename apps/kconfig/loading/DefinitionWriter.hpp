@@ -4,7 +4,7 @@
 // used inside one transaction, by which all of it stays or goes. The words have to live as long. The model's thread.
 #pragma once
 
-#include <kestrel/array.hpp>
+#include <kestrel/Array.hpp>
 #include <string>
 #include <tessel_config_datamodel/schema/ControllableDef.hpp>
 #include <tessel_config_datamodel/schema/SchemaData.hpp>
