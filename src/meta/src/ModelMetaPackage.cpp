@@ -144,7 +144,7 @@ class ModelMetaPackage::Maker {
     return owner.qualifiedName + ("." + std::string(name.begin(), name.end()));
   }
   static boost::uuids::uuid uuidOf(tessel::frame::TypeFacts const& owner, std::u16string const& member) {
-    return plinth::meta::nameUuid(memberName(owner, member));
+    return groundwork::nameUuid(memberName(owner, member));
   }
 
   ModelMetaPackage& m_package;
