@@ -161,19 +161,17 @@ void Propagation::settleTypes(EntryId choice) {
   for (EntryId child = nodes[choice].firstChild; child != noEntry; child = nodes[child].next) {
     SymbolId const member = entryAt(child).symbol;
     if (m_tree.symbols[symbol].type == SymbolType::Unknown && member != noSymbol) {
-      setType(symbol, m_tree.symbols[member].type);
+      m_tree.symbols[symbol].type = m_tree.symbols[member].type;
     }
   }
   for (EntryId child = nodes[choice].firstChild; child != noEntry; child = nodes[child].next) {
     SymbolId const member = entryAt(child).symbol;
     if (member != noSymbol && m_tree.symbols[member].type == SymbolType::Unknown) {
-      setType(member, m_tree.symbols[symbol].type);
+      m_tree.symbols[member].type = m_tree.symbols[symbol].type;
       m_rules.forget();
     }
   }
 }
-
-void Propagation::setType(SymbolId symbol, SymbolType type) { m_tree.symbols[symbol].type = type; }
 
 void Propagation::handDown(EntryId parent) {
   MenuNode const& node = nodes[parent];

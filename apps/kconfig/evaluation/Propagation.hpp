@@ -47,7 +47,6 @@ class Propagation {
   void finish(Step const& step);
 
   void settleTypes(EntryId choice);
-  void setType(SymbolId symbol, SymbolType type);
   void handDown(EntryId parent);
   void inherit(EntryId entry, ExpressionId inherited);
   void addMember(EntryId choice, EntryId member);

@@ -19,12 +19,7 @@ constexpr bool startsWith(std::string_view text, std::string_view beginning) {
 }
 
 EntryKind kindOf(std::string_view key) {
-  constexpr std::pair<std::string_view, EntryKind> kinds[] = {{key::menu, EntryKind::Menu},
-                                                              {key::comment, EntryKind::Comment},
-                                                              {key::conditional, EntryKind::If},
-                                                              {key::choice, EntryKind::Choice},
-                                                              {key::entry, EntryKind::Config}};
-  for (auto const& [beginning, kind] : kinds) {
+  for (auto const& [kind, beginning] : key::kinds) {
     if (startsWith(key, beginning)) {
       return kind;
     }

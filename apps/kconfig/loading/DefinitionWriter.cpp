@@ -94,27 +94,18 @@ DefinitionWriter::NodeId DefinitionWriter::addEntry(Entry const& entry, NodeId p
 }
 
 std::string DefinitionWriter::keyOf(Entry const& entry) const {
-  auto const numbered = [this](std::string_view beginning) {
-    return std::string(beginning) + std::to_string(m_entries);
-  };
-  switch (entry.kind) {
-    case EntryKind::Root:
-      return std::string(key::tree);
-    case EntryKind::Menu:
-      return numbered(key::menu);
-    case EntryKind::Comment:
-      return numbered(key::comment);
-    case EntryKind::If:
-      return numbered(key::conditional);
-    case EntryKind::Choice: {
-      std::string_view const name = m_words.symbols[entry.symbol].name;
-      return name.empty() ? numbered(key::nameless) : std::string(key::choice).append(name);
-    }
-    case EntryKind::Config:
-    case EntryKind::MenuConfig:
-      break;
+  if (entry.kind == EntryKind::Root) {
+    return std::string(key::tree);
   }
-  return numbered(key::entry);
+  EntryKind const kind = entry.kind == EntryKind::MenuConfig ? EntryKind::Config : entry.kind;
+  std::string_view const name = kind == EntryKind::Choice ? m_words.symbols[entry.symbol].name : std::string_view();
+  if (!name.empty()) {
+    return std::string(key::choice).append(name);
+  }
+  auto const row =
+      std::find_if(std::begin(key::kinds), std::end(key::kinds), [&](auto& each) { return each.first == kind; });
+  std::string_view const beginning = kind == EntryKind::Choice ? key::nameless : row->second;
+  return std::string(beginning) + std::to_string(m_entries);
 }
 
 DefinitionWriter::NodeId DefinitionWriter::paramOf(SymbolId symbol, std::string const& key) {

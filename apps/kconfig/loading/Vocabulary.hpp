@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <iterator>
 #include <string_view>
+#include <utility>
 
 #include "language/MenuTree.hpp"
 
@@ -50,6 +51,13 @@ constexpr std::string_view choice = "choice:";     // with its name
 constexpr std::string_view nameless = "choice:#";  // with the number of its entry
 constexpr std::string_view entry = "entry:";       // a further entry of a symbol
 constexpr std::string_view below = "below:";       // in the state: what lies below a symbol
+
+// How the keys of categories of a kind begin.
+constexpr std::pair<EntryKind, std::string_view> kinds[] = {{EntryKind::Menu, menu},
+                                                            {EntryKind::Comment, comment},
+                                                            {EntryKind::If, conditional},
+                                                            {EntryKind::Choice, choice},
+                                                            {EntryKind::Config, entry}};
 
 constexpr std::u16string_view configuration = u"configuration";
 constexpr std::u16string_view header = u"header";

@@ -1,12 +1,12 @@
 #include "reader/TreeReader.hpp"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <system_error>
 #include <unordered_map>
 #include <vector>
 
@@ -16,24 +16,6 @@
 namespace kconfig {
 
 namespace {
-
-// An open file, closed with the object.
-class Descriptor {
- public:
-  explicit Descriptor(int descriptor) : m_descriptor(descriptor) {}
-  ~Descriptor() {
-    if (m_descriptor >= 0) {
-      ::close(m_descriptor);
-    }
-  }
-  Descriptor(Descriptor const&) = delete;
-  Descriptor& operator=(Descriptor const&) = delete;
-
-  int get() const { return m_descriptor; }
-
- private:
-  int m_descriptor;
-};
 
 // One reading: the files that are open inside each other, and the texts of those read before.
 class Reading {
@@ -126,30 +108,19 @@ Surroundings processSurroundings() {
 }
 
 std::optional<std::string> readFile(std::string const& path, std::string& problem) {
-  Descriptor const file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-  struct stat status {};
-  if (file.get() < 0 || ::fstat(file.get(), &status) != 0) {
-    problem = std::strerror(errno);
-    return std::nullopt;
-  }
-  if (!S_ISREG(status.st_mode)) {
+  // A pipe is not opened: that could wait for ever.
+  std::error_code error;
+  std::filesystem::file_status const status = std::filesystem::status(path, error);
+  if (!error && !std::filesystem::is_regular_file(status)) {
     problem = "it is not a regular file";
     return std::nullopt;
   }
-  std::string text(static_cast<std::size_t>(status.st_size), '\0');
-  std::size_t length = 0;
-  while (length < text.size()) {
-    ssize_t const count = ::read(file.get(), &text[length], text.size() - length);
-    if (count < 0 && errno != EINTR) {
-      problem = std::strerror(errno);
-      return std::nullopt;
-    }
-    if (count == 0) {
-      break;
-    }
-    length += count > 0 ? static_cast<std::size_t>(count) : 0;
+  std::ifstream file(path, std::ios::binary);
+  std::string text{std::istreambuf_iterator<char>(file), {}};
+  if (error || !file.is_open() || file.bad()) {
+    problem = error ? error.message() : std::strerror(errno);
+    return std::nullopt;
   }
-  text.resize(length);
   return text;
 }
 
