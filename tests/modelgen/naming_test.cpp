@@ -97,7 +97,7 @@ TEST(Naming, ANamespacesOwnNamesAreShortInsideItOnly) {
 
 TEST(Naming, IncludesAreSortedInEachRunAndNamedOnce) {
   EXPECT_EQ(
-      sortIncludes("#include \"own.hpp\"\n\n#include <b>\n#include <a/z>\n#include <b>\n\n#include <a/c>\nint x;\n"),
+      sortRuns("#include \"own.hpp\"\n\n#include <b>\n#include <a/z>\n#include <b>\n\n#include <a/c>\nint x;\n"),
       "#include \"own.hpp\"\n\n#include <a/z>\n#include <b>\n\n#include <a/c>\nint x;\n");
 }
 
