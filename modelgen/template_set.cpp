@@ -289,8 +289,9 @@ TemplateSet::Template* TemplateSet::loadKind(std::string const& kind, Position c
   if (auto const named = loaded->texts.find(likeText); every != nullptr && named != loaded->texts.end()) {
     Position const at = positionAt(loaded->original, named->second->position, loaded->start);
     loaded->like = loadKind(*named->second->tag.section_text, at);
-    if (loaded->like != nullptr && loaded->like->like != every) {
-      m_diagnostics.report(at, "this kind is like one that is like another", "a kind that is like none");
+    for (Template const* each = loaded->like; each != nullptr; each = each->like) {
+      if (each != loaded) continue;
+      m_diagnostics.report(at, "this kind is like itself", "another kind that is not like this one");
       loaded->like = every;
     }
   }

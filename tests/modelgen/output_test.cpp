@@ -113,7 +113,7 @@ TEST_F(Templates, TakeTheTextsOfAKindFromItsFileOrFromTheOneItIsLikeOrFromThatOf
             "map.mustache:5:36: undefined key 'nmae', expected a key of the data in this place\n");
   kind("map", "{{#like}}map{{/like}}");
   EXPECT_EQ(refusal(loop, data),
-            "map.mustache:1:1: this kind is like one that is like another, expected a kind that is like none\n");
+            "map.mustache:1:1: this kind is like itself, expected another kind that is not like this one\n");
   kind("map", "{{#like}}absent{{/like}}");
   EXPECT_THAT(refusal(loop, data), testing::StartsWith("map.mustache:1:1: cannot read the template "));
 }
