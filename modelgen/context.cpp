@@ -93,18 +93,6 @@ Data referenceOrFalse(Property const* property) {
   return property == nullptr ? Data(false) : propertyReference(*property);
 }
 
-void setMemberNames(Data& object, std::string const& property) {
-  object.set("field", naming::field(property));
-  object.set("accessor", naming::lowerCamel(property));
-  object.set("getter", naming::getter(property));
-  object.set("mutableGetter", naming::mutableGetter(property));
-  object.set("setter", naming::setter(property));
-  object.set("presenceTest", naming::presenceTest(property));
-  object.set("childCreator", naming::childCreator(property));
-  object.set("adder", naming::adder(property));
-  object.set("clearer", naming::clearer(property));
-}
-
 void setDefault(Data& object, Property const& property) {
   auto const& text = property.row->defaultText;
   object.set("hasDefault", text.has_value());
@@ -143,20 +131,17 @@ std::string traitsOf(Property const& property) {
 }
 
 Data propertyData(Property const& property) {
-  Data result;
-  result.set("name", property.name);
-  result.set("qualifiedName", property.qualifiedName);
+  Data result = propertyReference(property);
   result.set("uuid", toText(property.uuid));
-  result.set("slot", property.slot);
   setDoc(result, property.row->doc);
-  setMemberNames(result, property.name);
-  setShape(result, property);
+  result.set("mutableGetter", naming::mutableGetter(property.name));
+  result.set("presenceTest", naming::presenceTest(property.name));
+  result.set("childCreator", naming::childCreator(property.name));
+  result.set("adder", naming::adder(property.name));
+  result.set("clearer", naming::clearer(property.name));
   setDefault(result, property);
-  result.set("ownerName", property.owner->name);
-  result.set("ownerCppName", naming::cppTypeName(*property.owner));
   result.set("type", typeReference(*property.type, *property.owner->package));
   result.set("hasIndex", property.index != 0);
-  setNumber(result, "index", property.index);
   result.set("isOrdered", property.ordered);
   result.set("isUnique", property.unique);
   result.set("isDerived", property.isDerived());

@@ -258,19 +258,9 @@ std::string shapeName(Shape shape) {
 }
 
 std::string flagsName(Shape shape) {
-  switch (shape) {
-    case Shape::optional:
-      return "OPTIONAL";
-    case Shape::single:
-      return "SINGLE";
-    case Shape::sequence:
-      return "SEQUENCE";
-    case Shape::set:
-      return "SET";
-    case Shape::map:
-      break;
-  }
-  return "MAP";
+  std::string result = shapeName(shape);
+  for (char& c : result) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  return result;
 }
 
 std::string kindName(Kind kind) {

@@ -2,7 +2,6 @@
 // URIs and slots of the meta package follow from them. Free functions without state.
 #pragma once
 
-#include <set>
 #include <string>
 
 #include "modelgen/model.hpp"
