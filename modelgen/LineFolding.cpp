@@ -115,7 +115,8 @@ std::size_t bodyStart(std::string const& line) {
   if (!endsWith(line, line.size(), "; }")) return line.size();
   Scanner scanner(line);
   for (std::size_t at = 0; at + 2 < line.size(); ++at) {
-    bool const behindHead = endsWith(line, at, ")") || endsWith(line, at, "const") || endsWith(line, at, "noexcept");
+    bool const behindHead = endsWith(line, at, ")") || endsWith(line, at, "const") || endsWith(line, at, "noexcept") ||
+                            endsWith(line, at, "override");
     if (scanner.depth() == 0 && !scanner.isQuoted() && behindHead && line.compare(at, 3, " { ") == 0) return at;
     scanner.step(at);
   }
@@ -181,19 +182,29 @@ class Folder {
       fold(line.substr(0, colon));
       return fold(std::string(indent, ' ') + line.substr(colon + 1));
     }
+    if (line.compare(indentOf(line), 2, ": ") == 0) {
+      auto const lines = brokenAt(line, findAtDepth(line, 0, "<"), indentOf(line) + bodyIndent + continuationIndent);
+      return addLines(lines.value_or(Lines{line}));
+    }
     for (std::size_t open = firstBracket(line, 0); open != line.size(); open = firstBracket(line, open + 1)) {
       if (auto const lines = brokenAt(line, open, indent)) return addLines(*lines);
     }
     m_result += line + '\n';
   }
 
-  // The line broken inside this bracket: what it holds goes on below its first character or, behind a parenthesis, on
-  // lines of its own. Nothing where that is not enough.
+  // The line broken inside this bracket: what it holds goes on below its first character or, in parentheses and
+  // templates, on lines of its own; where a value is assigned, rather the whole value does. Nothing where that is not
+  // enough.
   std::optional<Lines> brokenAt(std::string const& line, std::size_t open, std::size_t indent) const {
+    if (open == line.size()) return std::nullopt;
     Lines const parts = partsOf(line, open);
     if (line[open] == '(' && parts.back().front() == ')') return brokenBehindType(line, open);
+    if (std::size_t const assigned = findAtDepth(line, 0, " = ") + 3; assigned <= open) {
+      Lines lines{line.substr(0, assigned - 1), std::string(indent, ' ') + line.substr(assigned)};
+      if (lines.back().size() <= m_width) return lines;
+    }
     if (auto lines = fill(parts.front(), parts, open + 1, m_width)) return lines;
-    if (line[open] != '(') return std::nullopt;
+    if (line[open] == '{') return std::nullopt;
     auto lines = fill(std::string(indent, ' '), parts, indent, m_width);
     if (lines) lines->insert(lines->begin(), parts.front());
     return lines;

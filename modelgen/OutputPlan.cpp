@@ -48,7 +48,7 @@ bool isCode(std::string const& path) {
 
 // Templates need not know how code is set.
 std::string layOut(std::string const& code) {
-  return foldLongLines(shortenOwnNames(dropNeedlessBlankLines(sortIncludes(code))), lineWidth);
+  return foldLongLines(shortenOwnNames(dropNeedlessBlankLines(sortRuns(code))), lineWidth);
 }
 
 class PlanRenderer {

@@ -4,17 +4,17 @@
 
 namespace modelgen {
 
-Scheme schemeOf(Property const& property) {
-  if (property.isDerived()) return Scheme::derivedView;
+std::string schemeOf(Property const& property) {
+  if (property.isDerived()) return "derivedView";
   if (property.isElement()) {
-    if (property.shape == Shape::map) return Scheme::elementMap;
-    if (property.isMany()) return Scheme::elementCollection;
-    return property.kind == Kind::containment ? Scheme::containment : Scheme::reference;
+    if (property.shape == Shape::map) return "elementMap";
+    if (property.isMany()) return "elementCollection";
+    return property.kind == Kind::containment ? "containment" : "reference";
   }
-  if (property.shape == Shape::map) return Scheme::valueMap;
-  if (property.isMany()) return Scheme::valueCollection;
-  if (property.shape == Shape::optional) return Scheme::optionalAttribute;
-  return isHostArray(*property.type) ? Scheme::hostArray : Scheme::attribute;
+  if (property.shape == Shape::map) return "valueMap";
+  if (property.isMany()) return "valueCollection";
+  if (property.shape == Shape::optional) return "optionalAttribute";
+  return isHostArray(*property.type) ? "hostArray" : "attribute";
 }
 
 bool orderedByRule(Property const& property) {
@@ -36,6 +36,11 @@ bool queryableByRule(Property const& property) {
   if (property.type->kind == TypeKind::enumeration) return true;
   if (isString(*property.type) && property.shape == Shape::optional) return false;
   return asPrimitive(property.type)->queryable;
+}
+
+bool hasReadySetter(Property const& property) {
+  if (asPrimitive(property.type) == nullptr) return false;
+  return property.shape != Shape::optional || isString(*property.type) || property.type->name == "UnlimitedNatural";
 }
 
 }  // namespace modelgen

@@ -2,11 +2,15 @@
 // derivation writes them into the model.
 #pragma once
 
+#include <string>
+
 #include "modelgen/model.hpp"
 
 namespace modelgen {
 
-Scheme schemeOf(Property const& property);
+// The kind of the property, as the scheme and templates/kinds name it. The one place where a row of the tables is given
+// its kind.
+std::string schemeOf(Property const& property);
 
 // Sequences, and single values, have an order; sets, maps and derived views have none.
 bool orderedByRule(Property const& property);
@@ -18,5 +22,9 @@ bool mayChooseUnique(Property const& property);
 
 // Whether a query can name a property of this type and shape.
 bool queryableByRule(Property const& property);
+
+// Whether the library holds the setter of an attribute of this type and shape, so that no class's source has to make
+// it.
+bool hasReadySetter(Property const& property);
 
 }  // namespace modelgen

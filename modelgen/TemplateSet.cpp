@@ -20,7 +20,24 @@ constexpr int deepestPartial = 30;
 // see a line end, therefore: outside of tags each is this character until rendering is done.
 constexpr char lineEnd = '\x01';
 
+// How a template asks for a text of a property's kind, and where the kinds are described.
+char const* const kindPrefix = "kind.";
+char const* const kindFolder = "kinds/";
+char const* const kindKey = "scheme";
+char const* const everyKind = "every";
+char const* const likeText = "like";
+
 bool isBlank(char c) { return c == ' ' || c == '\t'; }
+
+bool isKindText(std::string const& partial) { return partial.rfind(kindPrefix, 0) == 0; }
+
+std::string kindFile(std::string const& kind) { return kindFolder + kind + ".mustache"; }
+
+// A text of a kind differs from property to property, any other partial is the same everywhere.
+std::string partialKey(std::string const& partial, Context const& context) {
+  Data const* const kind = isKindText(partial) ? context.get(kindKey) : nullptr;
+  return kind == nullptr || !kind->is_string() ? partial : kindFolder + kind->string_value() + "/" + partial;
+}
 
 // A tag that stands alone on its line takes the whole line with it: the blanks before it and the line end behind it
 // move into the tag, where they mean nothing. Lengths stay, so that an offset in the result is one in the file.
@@ -80,7 +97,7 @@ class PartialContext : public Context {
       : Context(data), m_partials(std::move(partials)) {}
 
   Data const* get_partial(std::string const& name) const override {
-    auto const found = m_partials.find(name);
+    auto const found = m_partials.find(partialKey(name, *this));
     return found == m_partials.end() ? nullptr : &found->second;
   }
 
@@ -104,6 +121,29 @@ struct TemplateSet::Template {
     return error.empty();
   }
 
+  // Takes each section at the top of the file as a text of that name. `every` tells which names there are; null for
+  // that file itself.
+  void takeTexts(Template const* every, Diagnostics& diagnostics) {
+    for (Component const& each : root.children) {
+      bool const isSpace = each.text.find_first_not_of({' ', '\t', lineEnd}) == std::string::npos;
+      if (each.tag.type == mustache::tag_type::comment || (each.is_text() && isSpace)) continue;
+      Position const at = positionAt(original, each.position, start);
+      if (each.tag.type != mustache::tag_type::section_begin) {
+        diagnostics.report(at, "this belongs to no text of the kind", "a section for each text");
+      } else if (every != nullptr && every->texts.count(each.tag.name) == 0) {
+        diagnostics.report(at, "unknown text '" + each.tag.name + "' of a kind", every->textNames());
+      } else if (!texts.emplace(each.tag.name, &each).second) {
+        diagnostics.report(at, "the text '" + each.tag.name + "' stands twice", "it once");
+      }
+    }
+  }
+
+  std::string textNames() const {
+    std::vector<std::string> names;
+    for (auto const& each : texts) names.push_back(each.first);
+    return alternatives(names);
+  }
+
   std::string render(mustache::basic_context<std::string>& context) const {
     mustache::mustache renderer(text);
     renderer.set_custom_escape([](std::string const& each) { return each; });
@@ -116,6 +156,8 @@ struct TemplateSet::Template {
   std::string text;
   Position start;
   Component root;
+  std::map<std::string, Component const*> texts;  // of a kind, by name
+  Template const* like = nullptr;                 // the kind whose texts stand where this one has none
 };
 
 // Walks a template along the data as rendering would and reports each tag that the data does not answer.
@@ -153,21 +195,20 @@ class TemplateSet::Validator {
     m_set.m_diagnostics.report(positionAt(source.original, tag.position, source.start), wrong, expected);
   }
 
-  Data const* find(Template const& source, Component const& tag, Context const& context) {
-    Data const* const value = context.get(tag.tag.name);
-    if (value == nullptr)
-      refuse(source, tag, "undefined key '" + tag.tag.name + "'", "a key of the data in this place");
+  Data const* find(Template const& source, Component const& tag, Context const& context, std::string const& key) {
+    Data const* const value = context.get(key);
+    if (value == nullptr) refuse(source, tag, "undefined key '" + key + "'", "a key of the data in this place");
     return value;
   }
 
   void variable(Template const& source, Component const& tag, Context const& context) {
-    Data const* const value = find(source, tag, context);
+    Data const* const value = find(source, tag, context, tag.tag.name);
     if (value != nullptr && !value->is_string())
       refuse(source, tag, "the key '" + tag.tag.name + "' is no text", "a text");
   }
 
   void section(Template const& source, Component const& tag, Context& context) {
-    Data const* const value = find(source, tag, context);
+    Data const* const value = find(source, tag, context, tag.tag.name);
     if (value == nullptr) return;
     if (!value->is_bool() && !value->is_list() && !value->is_object()) {
       refuse(source, tag, "the key '" + tag.tag.name + "' is a text", "a list, an object or a flag for a section");
@@ -189,11 +230,28 @@ class TemplateSet::Validator {
     Position const at = positionAt(source.original, tag.position, source.start);
     if (++m_depth > deepestPartial) {
       refuse(source, tag, "the partial '" + tag.tag.name + "' reaches itself", "partials that end");
+    } else if (isKindText(tag.tag.name)) {
+      kindText(source, tag, context, at);
     } else if (Template const* const found = m_set.load(tag.tag.name + ".mustache", at)) {
       m_partials[tag.tag.name] = Data(found->text);
       walk(*found, found->root.children, context);
     }
     --m_depth;
+  }
+
+  void kindText(Template const& source, Component const& tag, Context& context, Position const& at) {
+    Data const* const kind = find(source, tag, context, kindKey);
+    if (kind == nullptr) return;
+    Template const* each = m_set.loadKind(kind->string_value(), at);
+    if (each == nullptr) return;
+    std::string const name = tag.tag.name.substr(std::string(kindPrefix).size());
+    while (each->texts.count(name) == 0) {
+      if (each->like == nullptr) return refuse(source, tag, "unknown text '" + name + "' of a kind", each->textNames());
+      each = each->like;
+    }
+    Component const& text = *each->texts.at(name);
+    m_partials[partialKey(tag.tag.name, context)] = Data(*text.tag.section_text);
+    walk(*each, text.children, context);
   }
 
   TemplateSet& m_set;
@@ -219,6 +277,25 @@ TemplateSet::Template* TemplateSet::load(std::string const& file, Position const
   auto loaded = std::make_unique<Template>(content.str(), Position{path, 1, 1});
   if (!loaded->parse(m_diagnostics)) loaded = nullptr;
   return (m_templates[file] = std::move(loaded)).get();
+}
+
+TemplateSet::Template* TemplateSet::loadKind(std::string const& kind, Position const& namedAt) {
+  bool const isKnown = m_templates.count(kindFile(kind)) != 0;
+  Template* const loaded = load(kindFile(kind), namedAt);
+  if (isKnown || loaded == nullptr) return loaded;
+  Template const* const every = kind == everyKind ? nullptr : loadKind(everyKind, namedAt);
+  loaded->takeTexts(every, m_diagnostics);
+  loaded->like = every;
+  if (auto const named = loaded->texts.find(likeText); every != nullptr && named != loaded->texts.end()) {
+    Position const at = positionAt(loaded->original, named->second->position, loaded->start);
+    loaded->like = loadKind(*named->second->tag.section_text, at);
+    for (Template const* each = loaded->like; each != nullptr; each = each->like) {
+      if (each != loaded) continue;
+      m_diagnostics.report(at, "this kind is like itself", "another kind that is not like this one");
+      loaded->like = every;
+    }
+  }
+  return loaded;
 }
 
 std::string TemplateSet::render(std::string const& file, Position const& namedAt, Data const& data) {

@@ -1,8 +1,11 @@
 // Renders Mustache templates strictly: a key that the data does not have, or that has the wrong form, is an error with
 // the template's file, line and column, where Mustache itself would print nothing. Nothing is escaped, as the output is
 // source code. A section, comment or partial tag that stands alone on its line leaves nothing of that line behind. A
-// partial {{> name}} is the file name.mustache of the same folder, as it stands: it is not indented. Delimiters stay {{
-// and }}. Reads each file once and keeps it; one thread.
+// partial {{> name}} is the file name.mustache of the same folder, as it stands: it is not indented. A partial
+// {{> kind.name}} is a text of the kind of the property around it: the section `name` of kinds/<scheme>.mustache, where
+// `scheme` is a key of the data in that place; where that file has none, of the kind that its section `like` names, and
+// then of kinds/every.mustache. That one tells which texts there are; another name in any of the files is an error as
+// well. Delimiters stay {{ and }}. Reads each file once and keeps it; one thread.
 #pragma once
 
 #include <kainjow/mustache.hpp>
@@ -40,6 +43,8 @@ class TemplateSet {
 
   // Null where the file cannot be read or parsed, which is then reported.
   Template* load(std::string const& file, Position const& namedAt);
+  // The same for the description of a kind.
+  Template* loadKind(std::string const& kind, Position const& namedAt);
 
   std::string m_folder;
   Diagnostics& m_diagnostics;

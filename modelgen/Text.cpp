@@ -121,16 +121,16 @@ std::vector<std::string> wrap(std::string const& text, std::size_t width) {
   return lines;
 }
 
-std::string sortIncludes(std::string const& source) {
+std::string sortRuns(std::string const& source) {
   std::string result;
-  std::set<std::string> run;  // the directives since the last line of another kind
+  std::set<std::string> run;  // the lines to be sorted since the last line of another kind
   auto const flush = [&] {
     for (std::string const& each : run) result += each + '\n';
     run.clear();
   };
   std::istringstream lines(source);
   for (std::string line; std::getline(lines, line);) {
-    if (line.compare(0, 10, "#include <") == 0) {
+    if (line.rfind("#include <", 0) == 0 || line.rfind("template TESSEL_EXPORT ", 0) == 0) {
       run.insert(line);
       continue;
     }
@@ -150,6 +150,7 @@ std::string dropNeedlessBlankLines(std::string const& source) {
     bool const opensSection = line == " public:" || line == " protected:" || line == " private:";
     isNeedless = line.empty() || opensSection;
   }
+  if (result.size() > 1 && result.compare(result.size() - 2, 2, "\n\n") == 0) result.pop_back();
   return result;
 }
 

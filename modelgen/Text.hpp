@@ -19,11 +19,12 @@ std::size_t firstBadCharacter(std::string const& text);
 // itself. A word longer than the width has a line of its own.
 std::vector<std::string> wrap(std::string const& text, std::size_t width);
 
-// C++ source in which the directives of each run of `#include <...>` lines stand in order, each once.
-std::string sortIncludes(std::string const& source);
+// C++ source in which the lines of each run of `#include <...>`, or of templates that are instantiated for export,
+// stand in order, each once.
+std::string sortRuns(std::string const& source);
 
-// C++ source with no blank lines at the head of a section of a class, and never two in a row: a template can't know
-// which of its lists are empty.
+// C++ source with no blank lines at the head of a section of a class or at the end, and never two in a row: a template
+// can't know which of its lists are empty.
 std::string dropNeedlessBlankLines(std::string const& source);
 
 // C++ source in which a namespace's own names are written without it: N::X as X, from a line "namespace N {" to the

@@ -19,19 +19,7 @@ auto byName(Range range) {
 }
 
 // Fields stand in groups, whatever their indexes: values, then single elements, then collections of elements.
-int fieldGroup(Property const& property) {
-  switch (property.scheme) {
-    case Scheme::reference:
-    case Scheme::containment:
-      return 1;
-    case Scheme::elementCollection:
-    case Scheme::elementMap:
-    case Scheme::derivedView:
-      return 2;
-    default:
-      return 0;
-  }
-}
+int fieldGroup(Property const& property) { return !property.isElement() ? 0 : property.isMany() ? 2 : 1; }
 
 class Derivation {
  public:
@@ -150,7 +138,7 @@ class Derivation {
         Class const* const type = asClass(owner);
         if (type == nullptr) continue;
         for (Property const& each : type->properties) {
-          if (each.scheme == Scheme::elementMap) maps.push_back(&each);
+          if (each.isElement() && each.shape == Shape::map) maps.push_back(&each);
         }
       }
     }
