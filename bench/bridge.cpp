@@ -7,6 +7,7 @@
 #include <plinth/bridge/ElementBinding.hpp>
 #include <tessel_config_datamodel/bridge/EntryPoints.hpp>
 #include <tessel_config_datamodel/data/DoubleArrayParamData.hpp>
+#include <tessel_config_datamodel/data/DoubleParamDataBuilder.hpp>
 #include <tessel_config_datamodel/runtime/ConfigurationState.hpp>
 #include <tessel_config_datamodel/runtime/MetaMessage.hpp>
 

@@ -5,7 +5,7 @@
 #include <tessel_config_datamodel/runtime/ConfigurationState.hpp>
 #include <tessel_config_datamodel/runtime/MetaMessage.hpp>
 #include <tessel_config_datamodel/runtime/Metadata.hpp>
-#include <tessel_config_datamodel/runtime/ParamState.hpp>
+#include <tessel_config_datamodel/runtime/ParamStateBuilder.hpp>
 #include <tessel_config_datamodel/runtime/PerspectiveState.hpp>
 #include <tessel_config_datamodel/runtime/TagState.hpp>
 

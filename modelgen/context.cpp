@@ -1,7 +1,9 @@
 #include "modelgen/context.hpp"
 
+#include <algorithm>
 #include <filesystem>
 #include <map>
+#include <set>
 
 #include "modelgen/data_object.hpp"
 #include "modelgen/default_value.hpp"
@@ -49,6 +51,7 @@ Data typeReference(Type const& type, Package const& from) {
   result.set("hasSlot", hasSlot);
   result.set("slot", kept ? naming::typeSlot(from, type.name) : type.slot);
   result.set("header", type.package == nullptr ? "" : naming::typeHeader(type));
+  result.set("builderHeader", type.kind == TypeKind::classType ? naming::builderHeader(type) : "");
   return result;
 }
 
@@ -85,14 +88,10 @@ void setMemberNames(Data& object, std::string const& property) {
   object.set("getter", naming::getter(property));
   object.set("mutableGetter", naming::mutableGetter(property));
   object.set("setter", naming::setter(property));
-  object.set("basicSetter", naming::basicSetter(property));
   object.set("presenceTest", naming::presenceTest(property));
   object.set("childCreator", naming::childCreator(property));
-  object.set("builderSetter", naming::builderSetter(property));
   object.set("adder", naming::adder(property));
   object.set("clearer", naming::clearer(property));
-  object.set("builderAdder", naming::builderAdder(property));
-  object.set("builderClearer", naming::builderClearer(property));
 }
 
 void setShape(Data& object, Property const& property) {
@@ -106,7 +105,6 @@ void setShape(Data& object, Property const& property) {
   object.set("ownedArgument", naming::ownedArgument(property));
   object.set("builderField", naming::builderFieldType(property));
   object.set("implField", naming::implFieldType(property));
-  object.set("oldField", naming::oldFieldType(property));
   object.set("isOwnQualifier", !property.keyedMaps.empty());
   object.set("isPlain", (property.scheme == Scheme::attribute || property.scheme == Scheme::optionalAttribute) &&
                             property.keyedMaps.empty());
@@ -128,6 +126,32 @@ void setDefault(Data& object, Property const& property) {
   if (text) initializer = defaultInitializer(*property.type, text->value).value_or("");
   object.set("initializer", initializer);
   object.set("fieldStart", initializer.empty() ? "{}" : initializer);
+  // Where the table tells the value, it stands beside the class's rows and not in its header.
+  object.set("hasStart", isValue && text.has_value());
+  std::string const name = naming::start(property.name);
+  object.set("startName", name);
+  object.set("start", isString(*property.type) ? name + "[]" : name);
+  object.set("startType", (isString(*property.type) ? "char16_t" : naming::valueType(property)) + " const");
+}
+
+// The facts that hold, as a union of the scheme's bits.
+std::string unionOf(std::initializer_list<std::pair<bool, char const*>> bits) {
+  std::string result;
+  for (auto const& [holds, name] : bits) {
+    if (holds) result += (result.empty() ? "frame::" : " | frame::") + std::string(name);
+  }
+  return result.empty() ? "0" : result;
+}
+
+std::string traitsOf(Property const& property) {
+  bool const isPlain = property.ordered && property.unique;
+  return unionOf({{property.kind == Kind::containment, "COMPOSITE"},
+                  {isPlain, "PLAIN"},
+                  {property.ordered && !isPlain, "ORDERED"},
+                  {property.unique && !isPlain, "UNIQUE"},
+                  {property.isDerived(), "DERIVED"},
+                  {property.row->transient, "TRANSIENT"},
+                  {property.row->hidden, "HIDDEN"}});
 }
 
 Data propertyData(Property const& property) {
@@ -154,6 +178,11 @@ Data propertyData(Property const& property) {
   setFact(result, "isDerived", property.isDerived());
   setFact(result, "isTransient", property.row->transient);
   setFact(result, "isHidden", property.row->hidden);
+  result.set("traits", traitsOf(property));
+  // A row ends behind its facts unless a setter follows them.
+  result.set("rowEnd", property.owner->kind == TypeKind::dataType ? "," : property.virtualSetter ? "," : "},");
+  result.set("flagsName", naming::flagsName(property.shape));
+  result.set("hasLinks", property.opposite != nullptr || property.qualifier != nullptr);
   result.set("isVirtual", property.virtualSetter);
   result.set("source", referenceOrFalse(property.source));
   result.set("opposite", referenceOrFalse(property.opposite));
@@ -214,6 +243,8 @@ Data typeData(Type const& type, std::string const& root) {
   setDoc(result, *type.doc);
   result.set("package", packageReference(*type.package, root));
   result.set("model", modelReference(*type.package->model, root));
+  result.set("traits", "0");
+  result.set("hasTraits", false);
   return result;
 }
 
@@ -227,7 +258,6 @@ void setMentionedTypes(Data& object, Class const& owner) {
     (each.isElement() ? elements : values).emplace(each.type->qualifiedName, each.type);
   };
   for (Property const& each : owner.properties) mention(each);
-  for (Property const* each : owner.chainQueryable) mention(*each);
   auto const reference = [&owner](auto const& entry) { return typeReference(*entry.second, *owner.package); };
   setList(object, "valueTypes", objectsOf(values, reference));
   setList(object, "elementTypes", objectsOf(elements, reference));
@@ -241,6 +271,30 @@ void setMentionedTypes(Data& object, Class const& owner) {
             Data result("namespace", each.first);
             setList(result, "types", objectsOf(each.second, reference));
             return result;
+          }));
+}
+
+// The headers of the collections that the class's own getters give.
+void setCollectionHeaders(Data& object, Class const& owner) {
+  std::set<std::string> headers;
+  for (Property const& each : owner.properties) {
+    if (each.isMany()) headers.merge(naming::collectionHeaders(each));
+  }
+  setList(object, "collectionHeaders",
+          objectsOf(headers, [](std::string const& each) { return Data("header", each); }));
+}
+
+// The types of the class's attributes for which the scheme has no setter ready.
+void setSetterTypes(Data& object, Class const& owner) {
+  std::map<std::string, Property const*> types;
+  for (Property const& each : owner.properties) {
+    bool const isValue = each.scheme == Scheme::attribute || each.scheme == Scheme::optionalAttribute;
+    if (isValue && !naming::hasReadySetter(each)) types.emplace(naming::valueType(each), &each);
+  }
+  setList(object, "setterTypes", objectsOf(types, [](auto const& each) {
+            Data type("name", each.first);
+            type.set("parameter", naming::resultType(*each.second));
+            return type;
           }));
 }
 
@@ -301,6 +355,9 @@ Data classData(Class const& type, std::string const& root) {
   setFact(result, "isAbstract", type.row->abstract);
   result.set("isConcrete", !type.row->abstract);
   setFact(result, "isHidden", type.row->hidden);
+  result.set("builderHeader", type.kind == TypeKind::classType ? naming::builderHeader(type) : "");
+  result.set("traits", unionOf({{type.row->abstract, "ABSTRACT"}, {type.row->hidden, "HIDDEN"}}));
+  result.set("hasTraits", type.row->abstract || type.row->hidden);
   result.set("base", type.base == nullptr ? Data(false) : typeReference(*type.base, *type.package));
   result.set("baseCppName", naming::cppBaseTypeName(type));
   setList(result, "bases",
@@ -324,12 +381,9 @@ Data classData(Class const& type, std::string const& root) {
   setList(result, "storageSlots", propertyList(type.storageSlots));
   setList(result, "stamps", objectsOf(type.stamps, stampData));
   setList(result, "overrides", objectsOf(type.overrides, overrideData));
-  bool needsHelpers = !type.overrides.empty();
-  for (Property const& each : type.properties) {
-    needsHelpers = needsHelpers || each.virtualSetter || each.scheme == Scheme::elementMap;
-  }
-  result.set("needsHelpers", needsHelpers);
   setMentionedTypes(result, type);
+  setCollectionHeaders(result, type);
+  setSetterTypes(result, type);
   return result;
 }
 
@@ -353,9 +407,27 @@ Data enumData(Enum const& type, std::string const& root) {
   return result;
 }
 
+// The classes with each behind its base, and the queries' headers of bases in other packages.
+void setQueryOrder(Data& object, Package const& package, std::string const& root) {
+  std::vector<Class const*> order;
+  std::set<std::string> headers;
+  for (Class const& each : package.classes) {
+    order.push_back(&each);
+    if (each.base != nullptr && each.base->package != &package)
+      headers.insert(naming::queryHeader(*each.base->package));
+  }
+  auto const isHigher = [](Class const* left, Class const* right) { return left->bases.size() < right->bases.size(); };
+  std::stable_sort(order.begin(), order.end(), isHigher);
+  setList(object, "queryOrder", objectsOf(order, [&root](Class const* each) { return classData(*each, root); }));
+  setList(object, "queryBases", objectsOf(headers, [](std::string const& each) { return Data("header", each); }));
+}
+
 Data packageData(Package const& package, std::string const& root) {
   Data result = nodeData(*package.node);
   result.set("folder", package.folder);
+  result.set("umbrella", naming::packageHeader(package));
+  result.set("queryHeader", naming::queryHeader(package));
+  setQueryOrder(result, package, root);
   result.set("namespace", naming::cppNamespace(package.name));
   result.set("table", tableName(package.row->file, root));
   result.set("model", modelReference(*package.model, root));

@@ -178,18 +178,14 @@ std::string lowerCamel(std::string const& name) {
 }
 
 std::string field(std::string const& property) { return "m_" + withLowerFirst(property); }
+std::string start(std::string const& property) { return "s_" + withLowerFirst(property); }
 std::string getter(std::string const& property) { return "get" + property; }
 std::string mutableGetter(std::string const& property) { return "get" + property + "Mutable"; }
 std::string setter(std::string const& property) { return "set" + property; }
-std::string basicSetter(std::string const& property) { return "basicSet" + property; }
 std::string presenceTest(std::string const& property) { return "has" + property; }
 std::string childCreator(std::string const& property) { return "createInto" + property; }
-std::string builderSetter(std::string const& property) { return "doSet" + property; }
 std::string adder(std::string const& property) { return "add" + property; }
 std::string clearer(std::string const& property) { return "clear" + property; }
-
-std::string builderAdder(std::string const& property) { return "doAdd" + property; }
-std::string builderClearer(std::string const& property) { return "doClear" + property; }
 
 std::string cppNamespace(std::string const& package) { return replaceAll(package, '.', "::"); }
 
@@ -231,10 +227,6 @@ std::string implFieldType(Property const& property) {
   return property.isElement() ? "tessel::frame::ElementField" : valueType(property);
 }
 
-std::string oldFieldType(Property const& property) {
-  return property.isMany() ? "plinth::OldCollection" : implFieldType(property);
-}
-
 std::string builderFieldType(Property const& property) {
   bool const isContainment = property.kind == Kind::containment;
   if (!property.isMany()) return isContainment ? "tessel::frame::ChildBuilder" : implFieldType(property);
@@ -267,6 +259,31 @@ std::string elementSetter(Property const& property) {
   return property.opposite != nullptr ? "setOppositeReference" : "setReference";
 }
 
+std::set<std::string> collectionHeaders(Property const& property) {
+  auto const header = [](std::string const& name) { return "plinth/collections/" + name + ".hpp"; };
+  std::string const element = property.shape == Shape::sequence ? "ElementSequence" : "UnorderedElementSet";
+  std::string const value = property.shape == Shape::sequence ? "PrimitiveSequence" : "PrimitiveSet";
+  switch (property.scheme) {
+    case Scheme::valueCollection:
+      return {header(value)};
+    case Scheme::valueMap:
+      return {header("PrimitiveMap")};
+    case Scheme::elementMap:
+      return {header("ElementMap")};
+    case Scheme::derivedView:
+      return {header("SubsettedElementSet")};
+    default:
+      return {header(element)};
+  }
+}
+
+bool hasReadySetter(Property const& property) {
+  Primitive const* const primitive = asPrimitive(property.type);
+  if (primitive == nullptr) return false;
+  bool const isOptional = property.scheme == Scheme::optionalAttribute;
+  return !isOptional || isString(*property.type) || property.type->name == "UnlimitedNatural";
+}
+
 std::string rowKind(Property const& property) {
   std::string const type = cppTypeName(*property.type);
   switch (property.scheme) {
@@ -288,7 +305,7 @@ std::string rowKind(Property const& property) {
     case Scheme::elementCollection:
       return shapeName(property.shape) + "Kind<" + type + ">";
     case Scheme::elementMap:
-      return "mapKind<" + type + ", keyOf" + property.owner->name + property.name + ">";
+      return "mapKind<" + type + ", &" + type + "::Impl::" + getter(property.qualifier->name) + ">";
     case Scheme::derivedView:
       return "subsetKind<" + type + ", " + elementCollectionType(*property.source) + ", " +
              std::to_string(positionAmongSiblings(*property.source)) + ">";
@@ -299,6 +316,16 @@ std::string rowKind(Property const& property) {
 std::string typeHeader(Type const& type) {
   return type.package->model->include + "/" + type.package->folder + "/" + type.name + ".hpp";
 }
+
+std::string builderHeader(Type const& type) {
+  return type.package->model->include + "/" + type.package->folder + "/" + type.name + "Builder.hpp";
+}
+
+std::string queryHeader(Package const& package) {
+  return package.model->include + "/" + package.folder + "/Queries.hpp";
+}
+
+std::string packageHeader(Package const& package) { return package.model->include + "/" + package.folder + ".hpp"; }
 
 std::string metaPackageHeader(Model const& model) {
   return model.include + "/meta/" + metaPackageClass(model.name) + ".hpp";
@@ -362,6 +389,22 @@ std::string shapeName(Shape shape) {
       break;
   }
   return "map";
+}
+
+std::string flagsName(Shape shape) {
+  switch (shape) {
+    case Shape::optional:
+      return "OPTIONAL";
+    case Shape::single:
+      return "SINGLE";
+    case Shape::sequence:
+      return "SEQUENCE";
+    case Shape::set:
+      return "SET";
+    case Shape::map:
+      break;
+  }
+  return "MAP";
 }
 
 std::string kindName(Kind kind) {

@@ -2,6 +2,7 @@
 // URIs and slots of the meta package follow from them. Free functions without state.
 #pragma once
 
+#include <set>
 #include <string>
 
 #include "modelgen/model.hpp"
@@ -34,17 +35,14 @@ std::string lowerCamel(std::string const& name);
 
 // Members of the class family for a property: "ExprType" -> "m_exprType", "getExprType" and so on.
 std::string field(std::string const& property);
+std::string start(std::string const& property);
 std::string getter(std::string const& property);
 std::string mutableGetter(std::string const& property);
 std::string setter(std::string const& property);
-std::string basicSetter(std::string const& property);
 std::string presenceTest(std::string const& property);
 std::string childCreator(std::string const& property);
-std::string builderSetter(std::string const& property);
 std::string adder(std::string const& property);
 std::string clearer(std::string const& property);
-std::string builderAdder(std::string const& property);
-std::string builderClearer(std::string const& property);
 
 // Namespaces and types. "tessel.internal.ext" -> "tessel::internal::ext".
 std::string cppNamespace(std::string const& package);
@@ -53,10 +51,8 @@ std::string cppTypeName(Type const& type);
 std::string cppBaseTypeName(Class const& type);
 // The C++ type of a property's field in the implementation class, without its name.
 std::string fieldType(Property const& property);
-// The C++ types of the property's field in the implementation class, of its slot in the change storage and of its field
-// in the builder, as the scheme keeps them.
+// The C++ types of the property's field in the implementation class and of its field in the builder.
 std::string implFieldType(Property const& property);
-std::string oldFieldType(Property const& property);
 std::string builderFieldType(Property const& property);
 // How a getter gives a value of the property: by value where it is a number, a truth value or a literal.
 std::string resultType(Property const& property);
@@ -68,6 +64,10 @@ std::string ownedParameterType(Property const& property);
 std::string ownedArgument(Property const& property);
 // The function of the scheme that sets a property of one element.
 std::string elementSetter(Property const& property);
+// The headers of the collection that a many-valued property's getter gives.
+std::set<std::string> collectionHeaders(Property const& property);
+// Whether the library holds the setter of an attribute of this type, so that the class's source need not make it.
+bool hasReadySetter(Property const& property);
 // The object of the scheme that holds the behaviour of the property: its kind.
 std::string rowKind(Property const& property);
 // What setter and single getter of the property pass: the value, or an optional of it.
@@ -75,6 +75,11 @@ std::string valueType(Property const& property);
 
 // Files, as they are included. "tessel_config_datamodel/ext/ConfigEntry.hpp".
 std::string typeHeader(Type const& type);
+// Beside the header of a class that of its builder, and for each package one of what queries ask of its classes.
+std::string builderHeader(Type const& type);
+std::string queryHeader(Package const& package);
+// The header that includes all of a package.
+std::string packageHeader(Package const& package);
 std::string metaPackageHeader(Model const& model);
 
 // The meta package: its class, its functions for one package, and the entry points of the library.
@@ -96,6 +101,7 @@ std::string packageUri(ModelRow const& model, std::string const& package);
 
 // The value of a property of the metamodel: "single", "attribute", "optionalAttribute".
 std::string shapeName(Shape shape);
+std::string flagsName(Shape shape);
 std::string kindName(Kind kind);
 std::string schemeName(Scheme scheme);
 

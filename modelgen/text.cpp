@@ -1,5 +1,6 @@
 #include "modelgen/text.hpp"
 
+#include <algorithm>
 #include <cctype>
 #include <cstdint>
 #include <set>
@@ -66,17 +67,37 @@ std::string closingLine(std::string const& qualifier) {
   return "}  // namespace " + qualifier.substr(0, qualifier.size() - 2);
 }
 
-std::string withoutQualifier(std::string line, std::string const& qualifier) {
+// Where `mayGo` holds of what follows.
+template <class MayGo>
+std::string withoutQualifier(std::string line, std::string const& qualifier, MayGo const& mayGo) {
   for (std::size_t at = line.find(qualifier); at != std::string::npos; at = line.find(qualifier, at)) {
     char const before = at == 0 ? ' ' : line[at - 1];
     bool const isWhole = before != ':' && before != '_' && std::isalnum(static_cast<unsigned char>(before)) == 0;
-    if (isWhole) {
+    if (isWhole && mayGo(line.substr(at + qualifier.size()))) {
       line.erase(at, qualifier.size());
     } else {
       at += qualifier.size();
     }
   }
   return line;
+}
+
+// "a::b::c::" -> "a::b::"; empty where less than two components would be left: what stands so high has other names too.
+std::string enclosing(std::string const& qualifier) {
+  std::size_t const end = qualifier.rfind("::", qualifier.size() - 3);
+  if (end == std::string::npos || qualifier.find("::") == end) return "";
+  return qualifier.substr(0, end + 2);
+}
+
+// Whether `rest` goes on with a namespace that nothing inside `own` hides.
+bool isVisibleNamespace(std::string const& rest, std::string const& own) {
+  std::size_t const end = rest.find("::");
+  if (end == std::string::npos || end == 0) return false;
+  std::string const name = rest.substr(0, end);
+  auto const isLower = [](unsigned char c) { return std::islower(c) != 0 || std::isdigit(c) != 0 || c == '_'; };
+  bool const isHidden = ("::" + own).find("::" + name + "::") != std::string::npos || name == "frame" ||
+                        name == "meta" || name == "bridge";
+  return std::all_of(name.begin(), name.end(), isLower) && !isHidden;
 }
 
 }  // namespace
@@ -168,7 +189,10 @@ std::string shortenOwnNames(std::string const& source) {
     } else if (line == closingLine(own)) {
       own.clear();
     } else {
-      line = withoutQualifier(line, own);
+      line = withoutQualifier(line, own, [](std::string const&) { return true; });
+      std::string const above = enclosing(own);
+      auto const isSeen = [&own](std::string const& rest) { return isVisibleNamespace(rest, own); };
+      if (!above.empty()) line = withoutQualifier(line, above, isSeen);
     }
     result += line + '\n';
   }

@@ -9,6 +9,7 @@
 #include <tessel_config_datamodel/schema/SchemaData.hpp>
 
 #include "plinth/FailurePoint.hpp"
+#include "plinth/collections/PrimitiveSet.hpp"
 #include "plinth/sample_model.hpp"
 #include "refusal.hpp"
 

@@ -1,9 +1,9 @@
 // Builders: a tree in one step, or nothing at all.
 #include <gmock/gmock.h>
 
-#include <tessel_config_datamodel/expr/BooleanOperation.hpp>
+#include <tessel_config_datamodel/expr/BooleanOperationBuilder.hpp>
 #include <tessel_config_datamodel/expr/ConditionalOperation.hpp>
-#include <tessel_config_datamodel/expr/Ref.hpp>
+#include <tessel_config_datamodel/expr/RefBuilder.hpp>
 
 #include "plinth/Census.hpp"
 #include "plinth/sample_model.hpp"
@@ -23,7 +23,7 @@ namespace {
 
 template <class X>
 plinth::meta::Property property(char16_t const* name) {
-  return tessel::frame::propertyOf(X::metaClass(), name);
+  return plinth::meta::Property(X::metaClass()->findProperty(name));
 }
 
 std::unique_ptr<ConfigEntry::Builder> entryBuilder(std::u16string const& key) {
@@ -205,9 +205,9 @@ TEST(Builder, ReplacesAndForgetsChildrenBeforeItIsRun) {
   EXPECT_EQ(plinth::element_cast<DoubleParamData>(made->getData())->getValue(), 2);
   EXPECT_EQ(model->elementCount(), 2U);
   ConfigProfile::Builder profile(model);
-  profile.doClearValues();
+  profile.clearValues();
   profile.addValues(entryBuilder(u"a"));
-  profile.doClearValues();
+  profile.clearValues();
   EXPECT_TRUE(plinth::element_cast<ConfigProfile>(profile.create())->getValues()->empty());
 }
 

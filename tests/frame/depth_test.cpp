@@ -1,7 +1,7 @@
 // Trees a hundred thousand deep are made, taken back, and destroyed on the usual stack.
 #include <gtest/gtest.h>
 
-#include <tessel_config_datamodel/expr/NumericOperation.hpp>
+#include <tessel_config_datamodel/expr/NumericOperationBuilder.hpp>
 
 #include "support/checks.hpp"
 

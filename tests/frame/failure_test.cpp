@@ -5,7 +5,7 @@
 
 #ifdef TESSEL_FAILURE_POINTS
 
-#include <tessel_config_datamodel/data/DoubleArrayParamData.hpp>
+#include <tessel_config_datamodel/data/DoubleArrayParamDataBuilder.hpp>
 #include <tessel_config_datamodel/expr/ConditionalOperation.hpp>
 #include <tessel_config_datamodel/runtime/ProductionState.hpp>
 #include <tessel_config_datamodel/schema/SchemaData.hpp>
@@ -189,7 +189,7 @@ std::vector<Work> works() {
        {"primitive-insert"}},
       {"ReflectiveSetter",
        [](Stage& s) {
-         auto const name = tessel::frame::propertyOf(ext::ConfigProfile::metaClass(), u"Name");
+         auto const name = plinth::meta::Property(ext::ConfigProfile::metaClass()->findProperty(u"Name"));
          s.day->setPropertyValue(name, plinth::Value::createPrimitiveValue<std::u16string>(name, u"reflected"));
        },
        {"record-old-value"}},
@@ -212,7 +212,7 @@ std::vector<Work> works() {
          auto entry = std::make_unique<ext::ConfigEntry::Builder>();
          entry->setData(std::make_unique<data::DoubleArrayParamData::Builder>());
          auto profile = std::make_unique<ext::ConfigProfile::Builder>();
-         profile->addValues(std::move(entry)).addValues(std::make_unique<ext::ConfigEntry::Builder>()).doClearValues();
+         profile->addValues(std::move(entry)).addValues(std::make_unique<ext::ConfigEntry::Builder>()).clearValues();
          profile->addValues(std::make_unique<ext::ConfigEntry::Builder>());
          ext::ConfigStore::Builder(s.model).setActiveProfile(s.day).addProfiles(std::move(profile)).create();
        },

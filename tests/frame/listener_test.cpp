@@ -10,7 +10,7 @@
 #include "plinth/ReferenceCollection.hpp"
 #include "plinth/sample_model.hpp"
 #include "support/checks.hpp"
-#include "tessel_config_datamodel/frame/ModelClass.hpp"
+#include "tessel_config_datamodel/frame/GeneratedClass.hpp"
 
 using plinth::ChangeSet;
 using sample::SampleModel;
@@ -23,7 +23,7 @@ using testing::UnorderedElementsAre;
 namespace {
 
 plinth::meta::Property propertyOf(plinth::ModelElement const& element, char16_t const* name) {
-  return tessel::frame::propertyOf(element->getMetaClass(), name);
+  return plinth::meta::Property(element->getMetaClass()->findProperty(name));
 }
 
 plinth::Value oldValue(plinth::Storage const& record, char16_t const* name) {

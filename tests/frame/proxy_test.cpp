@@ -14,6 +14,7 @@ using plinth::ModelDirectory;
 using plinth::ProxyId;
 using plinth::ReflectionPrivateTag;
 using sample::SampleModel;
+using support::basicSet;
 using support::isSound;
 using support::raised;
 using support::Snapshot;
@@ -80,9 +81,9 @@ TEST(Proxy, LoadsItsModelWhenAGetterAsksAndNotWhenOnePeeks) {
   Library library;
   auto const proxy = proxyOf<sample::ext::ConfigProfile>(s.model, u"library", "profile");
   s.store->setActiveProfile({});
-  s.store->basicSetActiveProfile(proxy);
+  basicSet(s.store, u"ActiveProfile", proxy);
   EXPECT_EQ(s.model->peekResolveProxy(s.store.impl(), proxy), proxy);
-  auto const property = tessel::frame::propertyOf(sample::ext::ConfigStore::metaClass(), u"ActiveProfile");
+  auto const property = plinth::meta::Property(sample::ext::ConfigStore::metaClass()->findProperty(u"ActiveProfile"));
   for (auto const* tag : {&ReflectionPrivateTag::IN_MEMORY_ONLY, &ReflectionPrivateTag::NO_PROXY_RESOLVE}) {
     EXPECT_EQ(s.store->getPropertyValue(property, *tag).getValue<plinth::ModelElement>(), proxy);
   }
@@ -101,7 +102,7 @@ TEST(Proxy, StaysVisibleWhereItCannotBeResolved) {
   Library library;
   for (auto const& [model, element] : {std::pair(u"nowhere", "profile"), std::pair(u"library", "no such profile")}) {
     auto const proxy = proxyOf<sample::ext::ConfigProfile>(s.model, model, element);
-    s.store->basicSetActiveProfile(proxy);
+    basicSet(s.store, u"ActiveProfile", proxy);
     EXPECT_EQ(s.store->getActiveProfile(), proxy);
     EXPECT_TRUE(s.store->getActiveProfile()->isProxy());
   }
@@ -112,14 +113,14 @@ TEST(Proxy, StaysVisibleWhereItCannotBeResolved) {
 TEST(Proxy, IsResolvedByTheNoChangeTestAndNotByAReflectiveSetWithoutResolution) {
   SampleModel s;
   support::CommitCount commits(s.model);
-  s.store->basicSetActiveProfile(proxyOf(s.model, s.night, true));
+  basicSet(s.store, u"ActiveProfile", proxyOf(s.model, s.night, true));
   s.store->setActiveProfile(s.night);
   EXPECT_EQ(commits.take(), 0);
   EXPECT_EQ(s.store->getActiveProfile(), s.night);
 
   Library library;
-  s.store->basicSetActiveProfile(proxyOf<sample::ext::ConfigProfile>(s.model, u"library", "profile"));
-  auto const property = tessel::frame::propertyOf(sample::ext::ConfigStore::metaClass(), u"ActiveProfile");
+  basicSet(s.store, u"ActiveProfile", proxyOf<sample::ext::ConfigProfile>(s.model, u"library", "profile"));
+  auto const property = plinth::meta::Property(sample::ext::ConfigStore::metaClass()->findProperty(u"ActiveProfile"));
   s.store->setPropertyValue(property, plinth::Value::createElementValue(property, plinth::ModelElement(s.day)),
                             ReflectionPrivateTag::NO_PROXY_RESOLVE);
   EXPECT_EQ(library.asked(), 0);
@@ -130,7 +131,7 @@ TEST(Proxy, InAContainmentPropertyResolvesInPlace) {
   SampleModel s;
   auto const data = s.volume->getData();
   auto const proxy = s.model->createProxy(data->getMetaClass(), data->getPersistentProxyId(true));
-  s.volume->basicSetData(static_cast<sample::data::ParamData const&>(proxy));
+  basicSet(s.volume, u"Data", static_cast<sample::data::ParamData const&>(proxy));
   s.volume->setData(data);
   EXPECT_EQ(s.volume->getData(), data);
   EXPECT_TRUE(isSound(s.model));
@@ -165,13 +166,13 @@ TEST(Proxy, StaysWhereWhatItNamesDoesNotFit) {
   SampleModel s;
   auto const wrong =
       s.model->createProxy(sample::ext::ConfigProfile::metaClass(), s.volume->getPersistentProxyId(true));
-  s.store->basicSetActiveProfile(static_cast<sample::ext::ConfigProfile const&>(wrong));
+  basicSet(s.store, u"ActiveProfile", static_cast<sample::ext::ConfigProfile const&>(wrong));
   EXPECT_EQ(s.store->getActiveProfile(), wrong) << "it names an entry";
 
   auto const far = Model::create();
   far->setName(u"far");
   auto const proxy = proxyOf<sample::ext::ConfigProfile>(s.model, u"far", "late");
-  s.store->basicSetActiveProfile(proxy);
+  basicSet(s.store, u"ActiveProfile", proxy);
   {
     auto const transaction = far.beginTransaction();
     auto const late = sample::ext::ConfigProfile::create(far, sample::nameUuid("late"));
@@ -189,10 +190,10 @@ TEST(Proxy, MayBeReplacedByTheLoaderThatIsAskedForIt) {
     loaded = Model::create();
     loaded->setName(name);
     profile = sample::ext::ConfigProfile::create(loaded, sample::nameUuid("profile"));
-    s.store->basicSetActiveProfile(profile);
+    basicSet(s.store, u"ActiveProfile", profile);
     return loaded;
   });
-  s.store->basicSetActiveProfile(proxyOf<sample::ext::ConfigProfile>(s.model, u"library", "profile"));
+  basicSet(s.store, u"ActiveProfile", proxyOf<sample::ext::ConfigProfile>(s.model, u"library", "profile"));
   EXPECT_EQ(s.store->getActiveProfile(), profile);
 
   ModelDirectory::getInstance().setLoader([&](std::u16string const& name) {
@@ -211,12 +212,12 @@ TEST(Proxy, MayBeReplacedByTheLoaderThatIsAskedForIt) {
 
 TEST(Proxy, IsPutBackWhenASetThatDoesNotResolveItIsRefusedOrTakenBack) {
   SampleModel s;
-  auto const property = tessel::frame::propertyOf(sample::ext::ConfigStore::metaClass(), u"ActiveProfile");
+  auto const property = plinth::meta::Property(sample::ext::ConfigStore::metaClass()->findProperty(u"ActiveProfile"));
   auto const set = [&](plinth::ModelElement const& target) {
     s.store->setPropertyValue(property, plinth::Value::createElementValue(property, target),
                               ReflectionPrivateTag::NO_PROXY_RESOLVE);
   };
-  s.store->basicSetActiveProfile(proxyOf<sample::ext::ConfigProfile>(s.model, u"nowhere", "profile"));
+  basicSet(s.store, u"ActiveProfile", proxyOf<sample::ext::ConfigProfile>(s.model, u"nowhere", "profile"));
   Snapshot const before(s.model);
   auto const other = Model::create();
   EXPECT_EQ(raised([&] { set(sample::ext::ConfigProfile::create(other)); }), "CannotCreateCrossModelAssociation");
@@ -235,7 +236,7 @@ class Across : public testing::Test {
   Across() {
     near->setName(u"near");
     far->setName(u"far");
-    param->basicSetCategory(proxyOf(near, category));
+    basicSet(param, u"Category", proxyOf(near, category));
     category->getContents()->add(proxyOf(far, param));
     param->getTags()->add(proxyOf(near, tag));
     tag->getTagged()->add(proxyOf(far, param));
@@ -270,7 +271,7 @@ TEST_F(Across, AnElementThatIsUnloadedLeavesProxiesAtItsFarEnds) {
   // Back in memory under its old name, it takes the proxy's place once it lists the far end.
   auto const again = sample::runtime::ParamState::create(near, sample::nameUuid("param"));
   EXPECT_THAT(category->getContents()->getAllValues(), ElementsAre());
-  again->basicSetCategory(category);
+  basicSet(again, u"Category", category);
   EXPECT_THAT(category->getContents()->getAllValues(), ElementsAre(again));
 }
 
@@ -356,7 +357,7 @@ TEST_F(Across, AProxyKnowsNothingOfItsLinksAndWaitsForWhatMayBeTakenBack) {
     auto const transaction = near.beginTransaction();
     auto const late = sample::runtime::ParamState::create(near, sample::nameUuid("late"));
     category->getContents()->add(proxyOf(far, late));
-    late->basicSetCategory(proxyOf(near, category));
+    basicSet(late, u"Category", proxyOf(near, category));
     EXPECT_EQ(late->getCategory(), category);
     EXPECT_TRUE(category->getContents()->at(1)->isProxy()) << "the element may go again";
   }
@@ -385,7 +386,7 @@ TEST_F(Across, AReferenceOutlastsADeathThatIsTakenBackAndAModelThatEnds) {
 
   auto const member = sample::runtime::ParamState::create(other);
   local->getContents()->add(proxyOf(near, member));
-  member->basicSetCategory(proxyOf(other, local));
+  basicSet(member, u"Category", proxyOf(other, local));
   EXPECT_EQ(member->getCategory(), local);
   EXPECT_THAT(local->getContents()->getAllValues(), ElementsAre(member));
   other = Model();
@@ -452,7 +453,7 @@ TEST_F(Across, AProxyInASequenceStaysOneMemberThroughARollback) {
   category->getContents()->add(second);
   near->unload(param);
   auto const again = sample::runtime::ParamState::create(near, sample::nameUuid("param"));
-  again->basicSetCategory(category);
+  basicSet(again, u"Category", category);
   {
     auto const transaction = far.beginTransaction();
     category->getContents()->remove(second);
@@ -488,14 +489,14 @@ TEST(Proxy, InAMapIsNoEntryUntilItResolvesAndStaysOutWhenItsKeyIsTaken) {
 
 TEST(Proxy, TellsWhetherItStandsForAnElement) {
   SampleModel s;
-  auto& active = *tessel::frame::propertyOf(sample::ext::ConfigStore::metaClass(), u"ActiveProfile").impl();
+  auto& active = *plinth::meta::Property(sample::ext::ConfigStore::metaClass()->findProperty(u"ActiveProfile")).impl();
   EXPECT_TRUE(s.store->inverseContainsProxyTo(*s.day.impl(), active));
   EXPECT_FALSE(s.store->inverseContainsProxyTo(*s.night.impl(), active));
   auto const proxy = proxyOf(s.model, s.night, true);
-  s.store->basicSetActiveProfile(proxy);
+  basicSet(s.store, u"ActiveProfile", proxy);
   EXPECT_FALSE(s.store->inverseContainsProxyTo(*s.day.impl(), active));
   EXPECT_TRUE(s.store->inverseContainsProxyTo(*s.night.impl(), active));
-  s.store->basicSetActiveProfile({});
+  basicSet(s.store, u"ActiveProfile", {});
   EXPECT_FALSE(s.store->inverseContainsProxyTo(*s.night.impl(), active));
 }
 

@@ -1,8 +1,10 @@
 // Queries find the elements of a class that meet their constraints.
 #include <gmock/gmock.h>
 
+#include <tessel_config_datamodel/data/Queries.hpp>
 #include <tessel_config_datamodel/data/UserVisibleData.hpp>
 #include <tessel_config_datamodel/expr/Operation.hpp>
+#include <tessel_config_datamodel/expr/Queries.hpp>
 #include <tessel_config_datamodel/expr/StringOperation.hpp>
 
 #include "plinth/sample_model.hpp"
@@ -80,7 +82,7 @@ TEST(Query, CountsProxiesAsWhatTheyStandForAndTheDeadAsNothing) {
   auto const perspectives = [&](plinth::query::Constraint const& constraint) {
     return find<runtime::PerspectiveState>(s.model, constraint).size();
   };
-  s.store->basicSetActiveProfile(proxyOf(s.night));
+  support::basicSet(s.store, u"ActiveProfile", proxyOf(s.night));
   auto const other = runtime::PerspectiveState::create(s.model);
   other->getMembers()->addProxy(proxyOf(s.first));
   support::Snapshot const before(s.model);

@@ -10,8 +10,10 @@
 #include "kestrel/array.hpp"
 #include "plinth/sample_model.hpp"
 #include "support/checks.hpp"
+#include "tessel_config_datamodel/frame/Attribute.hpp"
 
 using sample::SampleModel;
+using support::basicSet;
 using support::CommitCount;
 using support::isSound;
 using support::raised;
@@ -89,22 +91,23 @@ struct TwoParts {
 
 TEST(Setter, StoresAValueOfSeveralPartsAsAWholeOrNotAtAll) {
   SampleModel s;
-  auto const index =
-      static_cast<unsigned long>(tessel::frame::propertyOf(sample::ext::ConfigStore::metaClass(), u"Version")->index());
+  tessel::frame::Element& store = *s.store.impl();
+  auto const& version = *sample::ext::ConfigStore::metaClass()->findProperty(u"Version");
+  auto const& row = *tessel::frame::findDescriptor(store.classTable(), version);
   TwoParts field;
   TwoParts value;
   value.first = value.second.number = 1;
-  auto const store = [&] { tessel::frame::setAttribute(*s.store.impl(), field, value, index); };
+  auto const set = [&] { tessel::frame::setAttribute(store, field, value, row); };
   TwoParts::Second::isArmed = true;
-  EXPECT_THROW(store(), std::bad_alloc);
+  EXPECT_THROW(set(), std::bad_alloc);
   {
     auto outer = s.model.beginTransaction();
-    EXPECT_THROW(store(), std::bad_alloc);
+    EXPECT_THROW(set(), std::bad_alloc);
     outer.commit();
   }
   TwoParts::Second::isArmed = false;
   EXPECT_TRUE(field == TwoParts());
-  store();
+  set();
   EXPECT_TRUE(field == value);
 }
 
@@ -287,7 +290,7 @@ TEST(Getter, KeepsADeadTargetOfItsModelAndDropsOneOfAnother) {
   EXPECT_FALSE(s.store->hasActiveProfile());
   auto const other = plinth::Model::create();
   auto const foreign = sample::ext::ConfigProfile::create(other);
-  s.store->basicSetActiveProfile(foreign);
+  basicSet(s.store, u"ActiveProfile", foreign);
   EXPECT_EQ(s.store->getActiveProfile(), foreign);
   foreign->destroy();
   EXPECT_TRUE(s.store->getActiveProfile().isEmpty());

@@ -1,7 +1,7 @@
 // Teardown: what an element takes with it, what it lets go of, and who is told.
 #include <gmock/gmock.h>
 
-#include <tessel_config_datamodel/expr/Branch.hpp>
+#include <tessel_config_datamodel/expr/BranchBuilder.hpp>
 #include <tessel_config_datamodel/expr/ConditionalOperation.hpp>
 #include <tessel_config_datamodel/schema/SchemaData.hpp>
 
@@ -130,13 +130,13 @@ TEST(Teardown, AnnouncesTheEndOfEachCollectionElementsFirst) {
 
 TEST(InverseRemove, ClearsASingleReferenceWhateverItIsGiven) {
   SampleModel s;
-  auto& active = *tessel::frame::propertyOf(sample::ext::ConfigStore::metaClass(), u"ActiveProfile").impl();
+  auto& active = *plinth::meta::Property(sample::ext::ConfigStore::metaClass()->findProperty(u"ActiveProfile")).impl();
   auto transaction = s.model.beginTransaction();
   s.store->inverseRemove(*s.night.impl(), active);
   EXPECT_TRUE(s.store->getActiveProfile().isEmpty());
   s.store->inverseAdd(*s.night.impl(), active);
   EXPECT_EQ(s.store->getActiveProfile(), s.night);
-  auto& foreign = *tessel::frame::propertyOf(sample::ext::ConfigEntry::metaClass(), u"Data").impl();
+  auto& foreign = *plinth::meta::Property(sample::ext::ConfigEntry::metaClass()->findProperty(u"Data")).impl();
   EXPECT_EQ(raised([&] { s.store->inverseAdd(*s.night.impl(), foreign); }), "NoSuchProperty");
   EXPECT_EQ(raised([&] { s.store->inverseRemove(*s.night.impl(), foreign); }), "NoSuchProperty");
 }

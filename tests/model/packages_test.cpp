@@ -4,21 +4,11 @@
 #include <map>
 #include <set>
 #include <sstream>
-#include <tessel_config_datamodel/data/BooleanParamData.hpp>
-#include <tessel_config_datamodel/data/CompositeParamData.hpp>
-#include <tessel_config_datamodel/data/EnumParamData.hpp>
-#include <tessel_config_datamodel/expr/Ref.hpp>
-#include <tessel_config_datamodel/runtime/ProductionState.hpp>
-#include <tessel_config_datamodel/runtime/ProfileState.hpp>
-#include <tessel_config_datamodel/schema/CategoryDef.hpp>
-#include <tessel_config_datamodel/schema/ControllerRef.hpp>
-#include <tessel_config_datamodel/schema/FollowsDef.hpp>
-#include <tessel_config_datamodel/schema/GlobalNodeRef.hpp>
-#include <tessel_config_datamodel/schema/MethodRef.hpp>
-#include <tessel_config_datamodel/schema/ParamDef.hpp>
-#include <tessel_config_datamodel/schema/ProductionRef.hpp>
-#include <tessel_config_datamodel/schema/SchemaData.hpp>
-#include <tessel_config_datamodel/schema/TagDef.hpp>
+#include <tessel_config_datamodel/data.hpp>
+#include <tessel_config_datamodel/expr.hpp>
+#include <tessel_config_datamodel/ext.hpp>
+#include <tessel_config_datamodel/runtime.hpp>
+#include <tessel_config_datamodel/schema.hpp>
 
 #include "plinth/sample_model.hpp"
 #include "support/checks.hpp"
@@ -58,7 +48,7 @@ TEST(Ref, HoldsSubscriptsAndAValueThatComesAndGoes) {
   ref->getSubscripts()->assign({u"i", u"i"});
   EXPECT_EQ(ref->getSubscripts()->size(), 2U);
   support::CommitCount commits(model);
-  auto const value = tessel::frame::propertyOf(expr::Ref::metaClass(), u"Value");
+  auto const value = plinth::meta::Property(expr::Ref::metaClass()->findProperty(u"Value"));
   ref->setValue(nullptr);
   EXPECT_EQ(commits.take(), 0);
   ref->setValue(kestrel::createScalar(1.0).get());

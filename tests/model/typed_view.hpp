@@ -3,7 +3,6 @@
 // Ownership: static data. Thread rule: as the members that are called.
 #pragma once
 
-#include <boost/dynamic_bitset.hpp>
 #include <boost/uuid/uuid_io.hpp>
 #include <memory>
 #include <string>
@@ -11,7 +10,8 @@
 #include <vector>
 
 #include "plinth/ValueText.hpp"
-#include "tessel_config_datamodel/frame/ModelClass.hpp"
+#include "tessel_config_datamodel/frame/Builders.hpp"
+#include "tessel_config_datamodel/frame/Queries.hpp"
 
 namespace typed {
 
@@ -19,16 +19,11 @@ using plinth::Model;
 using plinth::ModelElement;
 using plinth::Value;
 using plinth::meta::Property;
+using tessel::frame::ClassTable;
 using tessel::frame::Element;
 using tessel::frame::ElementBuilder;
 using Values = std::vector<Value>;
 using Child = std::unique_ptr<plinth::ModelElementBuilder>;
-
-/// What a call of the chaining form came to.
-struct Chained {
-  bool givesBuilder;
-  boost::dynamic_bitset<std::uint64_t> mask;
-};
 
 /// Members that the kind of the property has none of are null.
 struct PropertyView {
@@ -37,18 +32,18 @@ struct PropertyView {
   std::string (*get)(Element& element, Property const& property) = nullptr;
   void (*set)(Element& element, Value const& value) = nullptr;
   bool (*has)(Element& element) = nullptr;
-  void (*basicSet)(Element& element, ModelElement const& target) = nullptr;
   plinth::AbstractOwnedCollection* (*collection)(Element& element) = nullptr;
   plinth::AbstractOwnedCollection* (*mutableCollection)(Element& element) = nullptr;
   ModelElement (*createInto)(Element& element, Child child) = nullptr;
 
+  /// A builder with the operations of the class that declares the property, for elements of the class of `table`.
+  std::unique_ptr<ElementBuilder> (*builder)(ClassTable const& table, Model const& model) = nullptr;
   std::string (*given)(ElementBuilder& builder, Property const& property) = nullptr;
-  /// Of single properties the first value; of many-valued ones each form of doAdd in turn.
-  void (*give)(ElementBuilder& builder, Values const& values) = nullptr;
-  void (*giveChild)(ElementBuilder& builder, Child child) = nullptr;
-  void (*clear)(ElementBuilder& builder) = nullptr;
-  /// All chaining members of the property in one expression.
-  Chained (*chain)(Model const& model, Values const& values, Child child) = nullptr;
+  // Each tells whether it gave the builder back.
+  /// Of single properties the first value; of many-valued ones each form of adding in turn.
+  bool (*give)(ElementBuilder& builder, Values const& values) = nullptr;
+  bool (*giveChild)(ElementBuilder& builder, Child child) = nullptr;
+  bool (*clear)(ElementBuilder& builder) = nullptr;
 };
 
 struct ClassView {
@@ -107,18 +102,16 @@ inline constexpr bool hasBuilder = false;
 template <class X>
 inline constexpr bool hasBuilder<X, std::void_t<typename X::Builder>> = true;
 
-/// The chaining form of the builder operations of X and its bases, also where X is abstract.
+/// The builder operations of X and its bases, also where X is abstract.
 template <class X>
-class Chain final : public X::Impl::template BuilderBase<Chain<X>, typename X::Impl::BuilderImpl> {
+class Chain final : public X::Impl::template BuilderBase<Chain<X>> {
  public:
-  explicit Chain(Model const& model) : Chain::BuilderBase(X::Impl::table(), model) {}
+  Chain(ClassTable const& table, Model const& model) : X::Impl::template BuilderBase<Chain>(table, model) {}
 };
 
-template <class X, class Use>
-Chained chain(Model const& model, Use const& use) {
-  Chain<X> builder(model);
-  bool const givesBuilder = &use(builder) == &builder;
-  return {givesBuilder, builder.setMask()};
+template <class X>
+std::unique_ptr<ElementBuilder> chain(ClassTable const& table, Model const& model) {
+  return std::make_unique<Chain<X>>(table, model);
 }
 
 }  // namespace typed

@@ -220,7 +220,7 @@ TEST(Value, GivesItsContentOnlyAsItsOwnTypeAndShape) {
   using namespace tessel::internal;
   auto const entryElement = ext::ConfigEntry::create(model);
   auto const number = config::data::DoubleParamData::create(model);
-  auto const property = tessel::frame::propertyOf(ext::ConfigEntry::metaClass(), u"Data");
+  auto const property = plinth::meta::Property(ext::ConfigEntry::metaClass()->findProperty(u"Data"));
   Value const held = Value::createElementValue(property, plinth::ModelElement(number));
   EXPECT_EQ(held.getValue<config::data::ParamData>(), number);
   EXPECT_EQ(raised([&] { held.getValue<config::data::BooleanParamData>(); }), "CannotCastIncompatibleTypes");

@@ -2,9 +2,12 @@
 #include <gmock/gmock.h>
 
 #include <tessel_config_datamodel/data/CompositeParamData.hpp>
+#include <tessel_config_datamodel/data/Queries.hpp>
 #include <tessel_config_datamodel/data/StringArrayParamData.hpp>
 #include <tessel_config_datamodel/runtime/ProductionState.hpp>
+#include <tessel_config_datamodel/runtime/Queries.hpp>
 #include <tessel_config_datamodel/schema/ControllerDef.hpp>
+#include <tessel_config_datamodel/schema/Queries.hpp>
 #include <tessel_config_datamodel/schema/SchemaData.hpp>
 
 #include "plinth/sample_model.hpp"
@@ -22,7 +25,7 @@ using testing::UnorderedElementsAre;
 namespace {
 
 plinth::meta::Property property(plinth::ModelElement const& element, char16_t const* name) {
-  return tessel::frame::propertyOf(element->getMetaClass(), name);
+  return plinth::meta::Property(element->getMetaClass()->findProperty(name));
 }
 
 TEST(Views, OfPlainValuesThatAreMoreThanAFieldAgree) {

@@ -2,11 +2,12 @@
 // the configuration model does not use.
 #include <gmock/gmock.h>
 
-#include <good_datamodel/good/Archive.hpp>
-#include <good_datamodel/good/TinyItem.hpp>
-#include <good_datamodel/upper/Depot.hpp>
-#include <good_datamodel/upper/PriceLabel.hpp>
+#include <good_datamodel/good/ArchiveBuilder.hpp>
+#include <good_datamodel/good/TinyItemBuilder.hpp>
+#include <good_datamodel/upper/DepotBuilder.hpp>
+#include <good_datamodel/upper/PriceLabelBuilder.hpp>
 
+#include "plinth/AbstractPrimitiveCollection.hpp"
 #include "plinth/Model.hpp"
 #include "plinth/ValueText.hpp"
 #include "support/checks.hpp"
@@ -28,7 +29,7 @@ using testing::SizeIs;
 
 /// The property's values as reflection shows them.
 plinth::AbstractPrimitiveCollection const& valuesOf(plinth::ModelElement const& element, char16_t const* property) {
-  auto const value = element->getPropertyValue(tessel::frame::propertyOf(element->getMetaClass(), property));
+  auto const value = element->getPropertyValue(plinth::meta::Property(element->getMetaClass()->findProperty(property)));
   EXPECT_EQ(value.meta().flags(), plinth::meta::SET);
   return value.primitiveCollection();
 }

@@ -13,6 +13,7 @@
 #include "plinth/Verify.hpp"
 #include "plinth/meta/MetaRegistry.hpp"
 #include "sample_model.hpp"
+#include "support/checks.hpp"
 
 using plinth::diff;
 using plinth::Fingerprint;
@@ -108,7 +109,7 @@ TEST(Fingerprint, TellsProxiesDeadTargetsAndElementsOfOtherModels) {
   auto const remote = sample::ext::ConfigProfile::create(other, sample::nameUuid("remote"));
   plinth::ModelElement const proxy =
       sample.model->createProxy(sample::ext::ConfigProfile::metaClass(), remote->getPersistentProxyId(false));
-  sample.store->basicSetActiveProfile(static_cast<sample::ext::ConfigProfile const&>(proxy));
+  support::basicSet(sample.store, u"ActiveProfile", static_cast<sample::ext::ConfigProfile const&>(proxy));
   auto const withProxy = Fingerprint::of(sample.model);
   EXPECT_THAT(withProxy.text(), testing::HasSubstr("ActiveProfile = proxy(\"tessel.internal.ext.ConfigProfile\" \"" +
                                                    uuid("remote") + "\"@\"library\")"));

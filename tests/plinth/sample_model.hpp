@@ -4,17 +4,10 @@
 #pragma once
 
 #include <string>
-#include <tessel_config_datamodel/data/DoubleParamData.hpp>
-#include <tessel_config_datamodel/expr/NumericConstant.hpp>
-#include <tessel_config_datamodel/expr/NumericOperation.hpp>
-#include <tessel_config_datamodel/ext/ConfigEntry.hpp>
-#include <tessel_config_datamodel/ext/ConfigProfile.hpp>
-#include <tessel_config_datamodel/ext/ConfigStore.hpp>
-#include <tessel_config_datamodel/runtime/CategoryState.hpp>
-#include <tessel_config_datamodel/runtime/ConfigurationState.hpp>
-#include <tessel_config_datamodel/runtime/ParamState.hpp>
-#include <tessel_config_datamodel/runtime/PerspectiveState.hpp>
-#include <tessel_config_datamodel/runtime/TagState.hpp>
+#include <tessel_config_datamodel/data.hpp>
+#include <tessel_config_datamodel/expr.hpp>
+#include <tessel_config_datamodel/ext.hpp>
+#include <tessel_config_datamodel/runtime.hpp>
 
 #include "plinth/Model.hpp"
 #include "plinth/meta/NameUuid.hpp"

@@ -20,7 +20,7 @@ namespace {
 
 template <class X>
 plinth::meta::Property property(char16_t const* name) {
-  return tessel::frame::propertyOf(X::metaClass(), name);
+  return plinth::meta::Property(X::metaClass()->findProperty(name));
 }
 
 TEST(ValueFactory, MakesWhatThePropertyTakes) {

@@ -12,8 +12,15 @@
 #include "groundwork/except.hpp"
 #include "plinth/Fingerprint.hpp"
 #include "plinth/Verify.hpp"
+#include "tessel_config_datamodel/frame/SingleElement.hpp"
 
 namespace support {
+
+/// The bare store of one element, past undo, container, opposite and listeners.
+inline void basicSet(plinth::ModelElement const& element, char16_t const* property,
+                     plinth::ModelElement const& target) {
+  tessel::frame::basicSet(element, plinth::meta::Property(element->getMetaClass()->findProperty(property)), target);
+}
 
 /// The key of the message that `action` raises; of other exceptions their text; empty when it raises nothing.
 template <class Action>

@@ -12,7 +12,7 @@
 #include "plinth/ValueText.hpp"
 #include "plinth/meta/MetaRegistry.hpp"
 #include "plinth/meta/Serializers.hpp"
-#include "tessel_config_datamodel/frame/ModelClass.hpp"
+#include "tessel_config_datamodel/frame/GeneratedClass.hpp"
 
 namespace support {
 

@@ -39,7 +39,7 @@ void Storage::sealOldValues() noexcept {}
 void* Storage::operator new(std::size_t size, RecordPool& pool) { return pool.allocate(size); }
 // A constructor of a record does not throw, so that this form is never called.
 void Storage::operator delete(void*, RecordPool&) noexcept {}
-void Storage::operator delete(void* record, std::size_t size) noexcept { RecordPool::release(record, size); }
+void Storage::operator delete(void* record) noexcept { RecordPool::release(record); }
 
 void Storage::mergeInto(Storage& outer) noexcept {
   if (isChanged(0) && !outer.isChanged(0)) {

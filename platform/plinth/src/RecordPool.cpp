@@ -5,7 +5,7 @@
 namespace plinth {
 
 void* RecordPool::allocate(std::size_t size) {
-  std::size_t const sizeClass = (size + PREFIX + GRAIN - 1) / GRAIN;
+  std::size_t const sizeClass = (size + sizeof(Prefix) + GRAIN - 1) / GRAIN;
   std::byte* block = nullptr;
   RecordPool* owner = nullptr;
   if (sizeClass < CLASSES) {
@@ -16,20 +16,19 @@ void* RecordPool::allocate(std::size_t size) {
     owner = this;
     ++m_inUse;
   } else {
-    block = static_cast<std::byte*>(::operator new(size + PREFIX));
+    block = static_cast<std::byte*>(::operator new(size + sizeof(Prefix)));
   }
-  ::new (block) RecordPool*(owner);
-  return block + PREFIX;
+  ::new (block) Prefix{owner, sizeClass};
+  return block + sizeof(Prefix);
 }
 
-void RecordPool::release(void* memory, std::size_t size) noexcept {
-  std::byte* const block = static_cast<std::byte*>(memory) - PREFIX;
-  RecordPool* const owner = *reinterpret_cast<RecordPool**>(block);
+void RecordPool::release(void* memory) noexcept {
+  std::byte* const block = static_cast<std::byte*>(memory) - sizeof(Prefix);
+  auto const [owner, sizeClass] = *std::launder(reinterpret_cast<Prefix*>(block));
   if (owner == nullptr) {
     ::operator delete(block);
     return;
   }
-  std::size_t const sizeClass = (size + PREFIX + GRAIN - 1) / GRAIN;
   owner->m_free[sizeClass] = ::new (block) Free{owner->m_free[sizeClass]};
   --owner->m_inUse;
 }

@@ -2,6 +2,23 @@
 
 namespace tessel::frame {
 
+template TESSEL_EXPORT void setAttribute<bool>(Element&, bool&, bool, PropertyDescriptor const&);
+template TESSEL_EXPORT void setAttribute<double>(Element&, double&, double, PropertyDescriptor const&);
+template TESSEL_EXPORT void setAttribute<int>(Element&, int&, int, PropertyDescriptor const&);
+template TESSEL_EXPORT void setAttribute<long>(Element&, long&, long, PropertyDescriptor const&);
+template TESSEL_EXPORT void setAttribute<unsigned long>(Element&, unsigned long&, unsigned long,
+                                                        PropertyDescriptor const&);
+template TESSEL_EXPORT void setAttribute<unsigned int>(Element&, unsigned int&, unsigned int,
+                                                       PropertyDescriptor const&);
+template TESSEL_EXPORT void setAttribute<std::u16string>(Element&, std::u16string&, std::u16string const&,
+                                                         PropertyDescriptor const&);
+template TESSEL_EXPORT void setAttribute<boost::optional<unsigned int>>(Element&, boost::optional<unsigned int>&,
+                                                                        boost::optional<unsigned int> const&,
+                                                                        PropertyDescriptor const&);
+template TESSEL_EXPORT void setAttribute<boost::optional<std::u16string>>(Element&, boost::optional<std::u16string>&,
+                                                                          boost::optional<std::u16string> const&,
+                                                                          PropertyDescriptor const&);
+
 template class AttributeKind<std::u16string>;
 template class PlainAttributeKind<bool>;
 template class PlainAttributeKind<double>;

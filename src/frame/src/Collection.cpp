@@ -4,6 +4,8 @@ namespace tessel::frame {
 
 using plinth::OldCollection;
 
+bool holdsAny(CollectionField const& field) noexcept { return field != nullptr && !field->empty(); }
+
 plinth::AbstractOwnedCollection& CollectionKind::requireAny(Element& element, Row const& row) const {
   auto& field = fieldOf<CollectionField>(element, row);
   if (field == nullptr) field = make(element, row);

@@ -1,7 +1,6 @@
-#include "tessel_config_datamodel/frame/Create.hpp"
-
 #include "plinth/Messages.hpp"
 #include "plinth/Step.hpp"
+#include "tessel_config_datamodel/frame/GeneratedClass.hpp"
 
 namespace tessel::frame {
 namespace {
@@ -23,7 +22,7 @@ plinth::ModelElement createElement(ClassTable const& table, plinth::Model const&
   if (model.isEmpty()) plinth::reportException(plinth::messages::CannotCreateWithoutModel());
   table.metaClass();                 // the metamodel stands before its first element
   plinth::Step step(*model.impl());  // announcing the element is the one thing that changes the model
-  plinth::ModelElement element(table.allocate(*model.impl(), uuid), plinth::Adopt{});
+  plinth::ModelElement element(table.make.allocate(*model.impl(), uuid), plinth::Adopt{});
   stamp(static_cast<Element&>(*element), table);
   element->notifyCreated();
   step.commit();

@@ -1,6 +1,13 @@
 #include "tessel_config_datamodel/frame/Element.hpp"
 
+#include "plinth/Changes.hpp"
+#include "plinth/Model.hpp"
 #include "plinth/ReferenceCollection.hpp"
+#include "plinth/Step.hpp"
+#include "plinth/Value.hpp"
+#include "tessel_config_datamodel/frame/ElementStorage.hpp"
+#include "tessel_config_datamodel/frame/Fields.hpp"
+#include "tessel_config_datamodel/frame/PropertyKind.hpp"
 
 namespace tessel::frame {
 
@@ -32,6 +39,8 @@ plinth::meta::Property Element::getPropertyByIndex(unsigned long index) const {
 plinth::Changes* Element::createChanges() const {
   return new plinth::Changes(getUuid(), model(), *getMetaClass().impl(), classTable().lastIndex);
 }
+
+plinth::Storage* Element::createStorage() const { return ElementStorage::make(*this, recordPool()); }
 
 void Element::copyValue(plinth::Storage* storage, unsigned long index) const {
   if (auto const* const row = findDescriptor(classTable(), index)) {
@@ -124,5 +133,7 @@ plinth::ReferenceCollection* Element::referenceCollection(plinth::meta::Property
   if (row == nullptr || row->kind->group() != FieldGroup::COLLECTION) return nullptr;
   return static_cast<plinth::ReferenceCollection*>(row->kind->collection(*this, *row));
 }
+
+bool hasValue(Element const& element, PropertyDescriptor const& row) { return row.kind->has(element, row); }
 
 }  // namespace tessel::frame

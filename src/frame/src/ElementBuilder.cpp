@@ -61,8 +61,9 @@ void ElementBuilder::setOrAdd(plinth::meta::Property const& property,
   mark(static_cast<unsigned long>(index));
 }
 
-void ElementBuilder::takeChild(PropertyDescriptor const& row, std::unique_ptr<plinth::ModelElementBuilder> child) {
+void ElementBuilder::takeChild(unsigned long index, std::unique_ptr<plinth::ModelElementBuilder> child) {
   m_table->metaClass();
+  PropertyDescriptor const& row = *findDescriptor(*m_table, index);
   if (doSetOrAdd(row, child) < 0) {
     return ModelElementBuilder::setOrAdd(plinth::meta::Property(row.property), std::move(child));
   }
@@ -77,7 +78,7 @@ plinth::ModelElement ElementBuilder::made(ChildBuilder const& child) const {
 
 plinth::ModelElement ElementBuilder::doCreate(bool deferred, boost::uuids::uuid const& uuid) {
   m_table->metaClass();
-  plinth::ModelElement const made(m_table->allocate(*model().impl(), uuid), plinth::Adopt{});
+  plinth::ModelElement const made(m_table->make.allocate(*model().impl(), uuid), plinth::Adopt{});
   auto& element = static_cast<Element&>(*made);
   forEachSet(*m_table, mask(), [&](auto const& row) { row.kind->initialize(element, *this, row); });
   if (deferred) return made;

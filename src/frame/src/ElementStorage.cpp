@@ -1,5 +1,7 @@
 #include "tessel_config_datamodel/frame/ElementStorage.hpp"
 
+#include "plinth/Model.hpp"
+#include "plinth/RecordPool.hpp"
 #include "tessel_config_datamodel/frame/Element.hpp"
 
 namespace tessel::frame {
@@ -7,6 +9,23 @@ namespace tessel::frame {
 ElementStorage::ElementStorage(Element const& element) noexcept
     : Storage(element.getUuid(), element.model(), *element.getMetaClass().impl(), element.classTable().lastIndex + 1),
       m_table(&element.classTable()) {}
+
+ElementStorage* ElementStorage::make(Element const& element, plinth::RecordPool& pool) {
+  void* const memory = pool.allocate(element.classTable().chain->recordSize);
+  return ::new (memory) ElementStorage(element);
+}
+
+std::size_t ElementStorage::layOut(ClassTable& table) {
+  std::size_t end = table.base != nullptr ? table.base->chain->recordSize : sizeof(ElementStorage);
+  for (PropertyDescriptor& row : table) {
+    PropertyKind::Slot const slot = row.kind->slot();
+    if (row.index == 0 || slot.size == 0) continue;
+    end = (end + slot.alignment - 1) / slot.alignment * slot.alignment;
+    row.old = static_cast<std::uint16_t>(end);
+    end += slot.size;
+  }
+  return end;
+}
 
 ElementStorage::~ElementStorage() {
   forEachChanged([&](PropertyDescriptor const& row) { row.kind->dropOld(*this, row); });

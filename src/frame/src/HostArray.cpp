@@ -16,12 +16,12 @@ bool operator==(HostArray const& left, HostArray const& right) noexcept {
   return kestrel::equalContents(left.get(), right.get());
 }
 
-void setHostArray(Element& self, HostArrayField& field, kestrel_array const* array, unsigned long index) {
+void setHostArray(Element& self, HostArrayField& field, kestrel_array const* array, PropertyDescriptor const& row) {
   self.requireModifiable();
   if (field.get() == array) return;
   HostArrayField copy = HostArray::copyOf(array);
   plinth::Step step(self.model(), plinth::Step::STORE);
-  self.notifyModifying(index);
+  self.notifyModifying(row.index);
   field = std::move(copy);
   step.commit();
 }
@@ -37,32 +37,11 @@ plinth::Value HostArrayKind::get(Element& element, Row const& row, Tag const&) c
 void HostArrayKind::set(Element& element, Row const& row, plinth::Value const& value, Tag const&) const {
   value.checkCompatible<HostArray>();
   auto const* const content = static_cast<HostArray const*>(value.content());
-  setHostArray(element, fieldOf<HostArrayField>(element, row), content == nullptr ? nullptr : content->get(),
-               row.index);
-}
-
-void HostArrayKind::keepOld(Element const& element, ElementStorage& storage, Row const& row) const {
-  fillSlot<HostArrayField>(storage, row, HostArray::copyOf(fieldOf<HostArrayField>(element, row).get()));
-}
-
-void HostArrayKind::restoreOld(Element& element, ElementStorage& storage, Row const& row) const noexcept {
-  std::swap(fieldOf<HostArrayField>(element, row), slotOf<HostArrayField>(storage, row));
-}
-
-void HostArrayKind::dropOld(ElementStorage& storage, Row const& row) const noexcept {
-  slotOf<HostArrayField>(storage, row).~HostArrayField();
-}
-
-void HostArrayKind::moveOld(ElementStorage& from, ElementStorage& to, Row const& row) const noexcept {
-  fillSlot<HostArrayField>(to, row, std::move(slotOf<HostArrayField>(from, row)));
+  setHostArray(element, fieldOf<HostArrayField>(element, row), content == nullptr ? nullptr : content->get(), row);
 }
 
 plinth::Value HostArrayKind::oldValue(ElementStorage& storage, Row const& row) const {
   return plinth::Value::make(plinth::ValueMeta(*row.property), HostArray(slotOf<HostArrayField>(storage, row).get()));
-}
-
-bool HostArrayKind::isUnchanged(Element const& element, ElementStorage const& storage, Row const& row) const {
-  return fieldOf<HostArrayField>(element, row) == slotOf<HostArrayField>(storage, row);
 }
 
 bool HostArrayKind::build(ElementBuilder& builder, Row const& row, plinth::Value const& value) const {

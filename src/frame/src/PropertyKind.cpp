@@ -1,13 +1,19 @@
 #include "tessel_config_datamodel/frame/PropertyKind.hpp"
 
 #include "plinth/Messages.hpp"
-#include "tessel_config_datamodel/frame/ModelClass.hpp"
+#include "tessel_config_datamodel/frame/ElementStorage.hpp"
+#include "tessel_config_datamodel/frame/Queries.hpp"
 
 namespace tessel::frame {
 
 void bind(ClassTable& table, plinth::meta::Class const& metaClass) {
   table.handle = &metaClass;
+  layOut(table);
+}
+
+void layOut(ClassTable& table) {
   if (table.chain != nullptr) return;
+  if (table.base != nullptr) layOut(*table.base);
   auto chain = std::make_unique<ClassChain>();
   chain->byIndex.resize(table.lastIndex + 1);
   for (ClassTable const* each = &table; each != nullptr; each = each->base) {
@@ -19,6 +25,7 @@ void bind(ClassTable& table, plinth::meta::Class const& metaClass) {
       }
     }
   }
+  chain->recordSize = ElementStorage::layOut(table);
   table.chain = chain.release();
 }
 
@@ -31,8 +38,9 @@ plinth::ModelElement elementFrom(plinth::Value const& value, PropertyDescriptor 
   return value.isEmpty() ? plinth::ModelElement() : *static_cast<plinth::ModelElement const*>(value.content());
 }
 
-plinth::meta::Property propertyOf(plinth::meta::Class const& metaClass, char16_t const* name) {
-  return plinth::meta::Property(metaClass->findProperty(name));
+plinth::meta::Property propertyAt(ClassTable const& table, unsigned long index) {
+  table.metaClass();
+  return plinth::meta::Property(findDescriptor(table, index)->property);
 }
 
 // What a kind does not override has nothing to do for it.
@@ -42,6 +50,7 @@ void PropertyKind::set(Element&, Row const& row, plinth::Value const&, Tag const
       plinth::messages::NoSuchProperty(row.property->getName(), row.property->owningType()->getQualifiedName()));
 }
 
+PropertyKind::Slot PropertyKind::slot() const noexcept { return {}; }
 void PropertyKind::keepOld(Element const&, ElementStorage&, Row const&) const {}
 void PropertyKind::restoreOld(Element&, ElementStorage&, Row const&) const noexcept {}
 void PropertyKind::dropOld(ElementStorage&, Row const&) const noexcept {}

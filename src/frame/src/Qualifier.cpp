@@ -47,13 +47,13 @@ void setQualifier(Element& self, std::u16string& field, std::u16string const& va
   });
 }
 
-void overrideQualifier(Element& self, std::u16string const& present, std::u16string const& value,
-                       PropertyDescriptor const& row, void (*store)(Element& self, std::u16string const& value)) {
-  if (present == value) return;
+void overrideQualifier(Element& self, std::u16string const& value, PropertyDescriptor const& row) {
+  auto& field = fieldOf<std::u16string>(self, row);
+  if (field == value) return;
   refuseTakenKey(self, value, row);
-  // A proxy is refused by `store`, inside the transaction. A destroyed element may have no model to begin one in.
+  // A proxy is refused by the setter, inside the transaction. A destroyed element may have no model to begin one in.
   if (!self.isProxy()) self.requireModifiable();
-  rekey(self, row, [&] { store(self, value); });
+  rekey(self, row, [&] { setAttribute(self, field, value, row); });
 }
 
 void QualifierKind::set(Element& element, Row const& row, plinth::Value const& value, Tag const&) const {

@@ -1,5 +1,6 @@
 #include "tessel_config_datamodel/frame/SingleElement.hpp"
 
+#include "plinth/Messages.hpp"
 #include "plinth/Step.hpp"
 
 namespace tessel::frame {
@@ -102,6 +103,16 @@ void setContainment(Element& self, ElementField& field, ModelElement const& targ
   });
 }
 
+void basicSet(ModelElement const& element, plinth::meta::Property const& property, ModelElement const& target) {
+  auto& owner = static_cast<Element&>(*element);
+  auto const* const row = property.isEmpty() ? nullptr : findDescriptor(owner.classTable(), *property.impl());
+  if (row == nullptr || row->kind->group() != FieldGroup::SINGLE_ELEMENT) {
+    plinth::reportException(plinth::messages::NoSuchProperty(
+        property.isEmpty() ? std::u16string() : property->getName(), owner.getMetaClass()->getQualifiedName()));
+  }
+  basicSetElement(fieldOf<ElementField>(owner, *row), target);
+}
+
 bool SingleElementKind::has(Element const& element, Row const& row) const {
   return static_cast<bool>(fieldOf<ElementField>(element, row));
 }
@@ -132,30 +143,10 @@ void SingleElementKind::set(Element& element, Row const& row, plinth::Value cons
   step.commit();
 }
 
-void SingleElementKind::keepOld(Element const& element, ElementStorage& storage, Row const& row) const {
-  fillSlot<ElementField>(storage, row, fieldOf<ElementField>(element, row));
-}
-
-void SingleElementKind::restoreOld(Element& element, ElementStorage& storage, Row const& row) const noexcept {
-  std::swap(fieldOf<ElementField>(element, row), slotOf<ElementField>(storage, row));
-}
-
-void SingleElementKind::dropOld(ElementStorage& storage, Row const& row) const noexcept {
-  slotOf<ElementField>(storage, row).~ElementField();
-}
-
-void SingleElementKind::moveOld(ElementStorage& from, ElementStorage& to, Row const& row) const noexcept {
-  fillSlot<ElementField>(to, row, std::move(slotOf<ElementField>(from, row)));
-}
-
 plinth::Value SingleElementKind::oldValue(ElementStorage& storage, Row const& row) const {
   ModelElement const& old = slotOf<ElementField>(storage, row);
   plinth::meta::TypeImpl* const type = old ? old->getMetaClass().impl() : row.property->type();
   return plinth::Value::makeUnchecked<ModelElement>(plinth::ValueMeta(type, plinth::meta::SINGLE), old);
-}
-
-bool SingleElementKind::isUnchanged(Element const& element, ElementStorage const& storage, Row const& row) const {
-  return fieldOf<ElementField>(element, row) == slotOf<ElementField>(storage, row);
 }
 
 void SingleElementKind::basicDisassociate(Element& element, Row const& row) const {

@@ -4,8 +4,8 @@
 
 #include <boost/uuid/uuid_io.hpp>
 #include <mutex>
-#include <tessel_config_datamodel/ext/ConfigEntry.hpp>
-#include <tessel_config_datamodel/ext/ConfigProfile.hpp>
+#include <tessel_config_datamodel/ext/ConfigEntryBuilder.hpp>
+#include <tessel_config_datamodel/ext/ConfigProfileBuilder.hpp>
 #include <tessel_config_datamodel/meta/MetaPackageTessel_config_datamodel.hpp>
 #include <thread>
 
@@ -94,8 +94,7 @@ struct OlderIncarnation : plinth::meta::AbstractMetaPackage {
     auto transaction = registry.model()->beginTransaction(true);
     root = plinth::meta::Package::create(registry.model(), plinth::meta::nameUuid("tessel_config_datamodel"));
     root->setUri(ROOT_URI);
-    auto const uuid = boost::uuids::to_string(ConfigEntry::Uuid());
-    type = createClass(u"ConfigEntry", "tessel.internal.ext.ConfigEntry", false, uuid.c_str());
+    type = createClass(u"ConfigEntry", "tessel.internal.ext.ConfigEntry", false, ConfigEntry::Uuid());
     type->setOwningPackage(root);
     registry.registerTypeNames(type, "tessel::internal::ext::ConfigEntry", "tessel.internal.ext.ConfigEntry", "");
     transaction.commit();

@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <tessel_config_datamodel/ext/ConfigEntry.hpp>
+#include <tessel_config_datamodel/ext/Queries.hpp>
 #include <tessel_config_datamodel/runtime/ParamState.hpp>
 #include <tessel_config_datamodel/schema/SchemaData.hpp>
 #include <thread>

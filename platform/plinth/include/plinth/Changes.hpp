@@ -78,7 +78,7 @@ class TESSEL_EXPORT Storage : public Changes {
 
   static void* operator new(std::size_t size, RecordPool& pool);
   static void operator delete(void* record, RecordPool& pool) noexcept;
-  static void operator delete(void* record, std::size_t size) noexcept;
+  static void operator delete(void* record) noexcept;
 
  protected:
   /// Moves the slots that `outer` lacks over to it; both belong to one element.

@@ -74,26 +74,9 @@ std::uint64_t hashValue(T const& value) {
   return ValueHash<T>()(value);
 }
 
-namespace services::hashers {
-/// Hashes an element's UUID; a null handle hashes to 0.
-struct TESSEL_EXPORT PlinthHasher {
-  std::size_t operator()(boost::uuids::uuid const& uuid) const noexcept;
-  std::size_t operator()(ModelElement const& element) const noexcept {
-    return element.isEmpty() ? 0 : (*this)(element.elementImpl()->getUuid());
-  }
-};
-}  // namespace services::hashers
-
 template <class T>
 struct ValueHash<T, std::enable_if_t<std::is_base_of_v<ModelElement, T>>> {
   std::uint64_t operator()(T const& element) const noexcept { return services::hashers::PlinthHasher()(element); }
 };
 
 }  // namespace plinth
-
-template <>
-struct std::hash<plinth::ModelElement> {
-  std::size_t operator()(plinth::ModelElement const& element) const noexcept {
-    return plinth::services::hashers::PlinthHasher()(element);
-  }
-};

@@ -5,6 +5,7 @@
 
 #include <boost/intrusive/unordered_set_hook.hpp>
 #include <boost/optional.hpp>
+#include <functional>
 #include <type_traits>
 #include <vector>
 
@@ -239,9 +240,26 @@ inline ModelElement ModelElementImpl::This() const noexcept {
   return ModelElement(const_cast<ModelElementImpl*>(this));
 }
 
+namespace services::hashers {
+/// Hashes an element's UUID; a null handle hashes to 0.
+struct TESSEL_EXPORT PlinthHasher {
+  std::size_t operator()(boost::uuids::uuid const& uuid) const noexcept;
+  std::size_t operator()(ModelElement const& element) const noexcept {
+    return element.isEmpty() ? 0 : (*this)(element.elementImpl()->getUuid());
+  }
+};
+}  // namespace services::hashers
+
 /// `element` as a handle of class T when it is of that class or below it, otherwise an empty handle. T is an element's
 /// handle, of the metamodel too; a model's is none.
 template <class T, class = std::enable_if_t<std::is_base_of_v<ModelElement, T>>>
 T element_cast(ModelElement const& element);
 
 }  // namespace plinth
+
+template <>
+struct std::hash<plinth::ModelElement> {
+  std::size_t operator()(plinth::ModelElement const& element) const noexcept {
+    return plinth::services::hashers::PlinthHasher()(element);
+  }
+};

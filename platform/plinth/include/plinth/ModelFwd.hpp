@@ -15,6 +15,7 @@ struct ProxyId;
 class Changes;
 class Storage;
 class RecordPool;
+class AbstractOwnedCollection;
 class ReferenceCollection;
 
 namespace meta {

@@ -19,8 +19,8 @@ class TESSEL_EXPORT RecordPool {
 
   /// Memory for `size` bytes, aligned for any type. Raises std::bad_alloc. O(1).
   void* allocate(std::size_t size);
-  /// Gives back what `allocate(size)` of any pool returned.
-  static void release(void* memory, std::size_t size) noexcept;
+  /// Gives back what `allocate` of any pool returned.
+  static void release(void* memory) noexcept;
   /// Frees the blocks when there are many and no record is left in them, so that one large transaction's memory is not
   /// kept for good.
   void trim() noexcept {
@@ -28,12 +28,16 @@ class TESSEL_EXPORT RecordPool {
   }
 
  private:
+  /// Stands before each block that is handed out.
+  struct alignas(std::max_align_t) Prefix {
+    RecordPool* owner;  ///< null: from the heap
+    std::size_t sizeClass;
+  };
   struct Free {
     Free* next;
   };
   static constexpr std::size_t GRAIN = 64;
   static constexpr std::size_t CLASSES = 24;
-  static constexpr std::size_t PREFIX = alignof(std::max_align_t);
   static constexpr std::size_t CHUNK = 16 * 1024;
   static constexpr std::size_t KEPT_CHUNKS = 16;
 

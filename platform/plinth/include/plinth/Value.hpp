@@ -17,6 +17,7 @@
 
 #include "plinth/Hashing.hpp"
 #include "plinth/Messages.hpp"
+#include "plinth/MetaTypeOf.hpp"
 #include "plinth/meta/Property.hpp"
 
 namespace plinth {
@@ -66,10 +67,6 @@ class ValueMeta {
   bool m_managed = true;
   bool m_collection = false;
 };
-
-/// Says which meta type a C++ type stands for: `static meta::TypeImpl* type()`. Specialised for each value type.
-template <class T, class = void>
-struct MetaTypeOf;
 
 class TESSEL_EXPORT Value {
  public:

@@ -1,7 +1,5 @@
 #include "plinth/meta/AbstractMetaPackage.hpp"
 
-#include <boost/uuid/string_generator.hpp>
-
 #include "plinth/FailurePoint.hpp"
 
 namespace plinth::meta {
@@ -19,8 +17,6 @@ H announced(I* implementation, std::u16string const& name) {
 }
 
 }  // namespace
-
-boost::uuids::uuid parseUuid(char const* text) { return boost::uuids::string_generator()(text); }
 
 AbstractMetaPackage::~AbstractMetaPackage() = default;
 
@@ -44,27 +40,29 @@ Package AbstractMetaPackage::createPackage(std::u16string const& name, std::u16s
 }
 
 Class AbstractMetaPackage::createClass(std::u16string const& name, std::string const& qualifiedName, bool isAbstract,
-                                       char const* uuid) {
+                                       boost::uuids::uuid const& uuid) {
   failurePoint("create-class");
-  return announced<Class>(new ClassImpl(metaModel(), parseUuid(uuid), qualifiedName, isAbstract), name);
+  return announced<Class>(new ClassImpl(metaModel(), uuid, qualifiedName, isAbstract), name);
 }
 
 DataType AbstractMetaPackage::createDataType(std::u16string const& name, std::string const& qualifiedName,
-                                             char const* uuid) {
-  return announced<DataType>(new DataTypeImpl(metaModel(), parseUuid(uuid), qualifiedName), name);
+                                             boost::uuids::uuid const& uuid) {
+  return announced<DataType>(new DataTypeImpl(metaModel(), uuid, qualifiedName), name);
 }
 
-Enum AbstractMetaPackage::createEnum(std::u16string const& name, std::string const& qualifiedName, char const* uuid) {
-  return announced<Enum>(new EnumImpl(metaModel(), parseUuid(uuid), qualifiedName), name);
+Enum AbstractMetaPackage::createEnum(std::u16string const& name, std::string const& qualifiedName,
+                                     boost::uuids::uuid const& uuid) {
+  return announced<Enum>(new EnumImpl(metaModel(), uuid, qualifiedName), name);
 }
 
-EnumLiteral AbstractMetaPackage::createEnumLiteral(std::u16string const& name, int value, char const* uuid) {
-  return announced<EnumLiteral>(new EnumLiteralImpl(metaModel(), parseUuid(uuid), value), name);
+EnumLiteral AbstractMetaPackage::createEnumLiteral(std::u16string const& name, int value,
+                                                   boost::uuids::uuid const& uuid) {
+  return announced<EnumLiteral>(new EnumLiteralImpl(metaModel(), uuid, value), name);
 }
 
 Property AbstractMetaPackage::createProperty(std::u16string const& name, ValueFlags flags, bool isComposite,
-                                             char const* uuid) {
-  return announced<Property>(new PropertyImpl(metaModel(), parseUuid(uuid), flags, isComposite), name);
+                                             boost::uuids::uuid const& uuid) {
+  return announced<Property>(new PropertyImpl(metaModel(), uuid, flags, isComposite), name);
 }
 
 Operation AbstractMetaPackage::createOperation(std::u16string const& name, boost::uuids::uuid const& uuid) {

@@ -24,16 +24,15 @@ class TESSEL_EXPORT AbstractMetaPackage {
 
   static Package createPackage(std::u16string const& name, std::u16string const& uri);
   static Class createClass(std::u16string const& name, std::string const& qualifiedName, bool isAbstract,
-                           char const* uuid);
-  static DataType createDataType(std::u16string const& name, std::string const& qualifiedName, char const* uuid);
-  static Enum createEnum(std::u16string const& name, std::string const& qualifiedName, char const* uuid);
-  static EnumLiteral createEnumLiteral(std::u16string const& name, int value, char const* uuid);
-  static Property createProperty(std::u16string const& name, ValueFlags flags, bool isComposite, char const* uuid);
+                           boost::uuids::uuid const& uuid);
+  static DataType createDataType(std::u16string const& name, std::string const& qualifiedName,
+                                 boost::uuids::uuid const& uuid);
+  static Enum createEnum(std::u16string const& name, std::string const& qualifiedName, boost::uuids::uuid const& uuid);
+  static EnumLiteral createEnumLiteral(std::u16string const& name, int value, boost::uuids::uuid const& uuid);
+  static Property createProperty(std::u16string const& name, ValueFlags flags, bool isComposite,
+                                 boost::uuids::uuid const& uuid);
   static Operation createOperation(std::u16string const& name, boost::uuids::uuid const& uuid);
   static void setPropertyIndex(Property const& property, int index);
 };
-
-/// The UUID of a text in the usual 8-4-4-4-12 form. The text is known good.
-TESSEL_EXPORT boost::uuids::uuid parseUuid(char const* text);
 
 }  // namespace plinth::meta

@@ -7,9 +7,8 @@
 
 #include "plinth/Messages.hpp"
 #include "plinth/Step.hpp"
-#include "tessel_config_datamodel/frame/Element.hpp"
-#include "tessel_config_datamodel/frame/ElementBuilder.hpp"
-#include "tessel_config_datamodel/frame/OptionalText.hpp"
+#include "tessel_config_datamodel/frame/FieldKind.hpp"
+#include "tessel_config_datamodel/frame/Fields.hpp"
 
 namespace tessel::frame {
 
@@ -27,38 +26,23 @@ std::conditional_t<ASSIGNS_AS_WHOLE<T>, T const&, T> storable(T const& value) {
   return value;
 }
 
-/// The setter of an attribute, optional or not. Raises CannotModifyProxy; a value that is there already changes
-/// nothing.
 template <class T>
-void setAttribute(Element& self, T& field, T const& value, unsigned long index) {
+void setAttribute(Element& self, T& field, In<T> value, PropertyDescriptor const& row) {
   self.requireModifiable();
   if (field == value) return;
-  auto&& stored = storable(value);
+  auto&& stored = storable<T>(value);
   plinth::Step step(self.model(), plinth::Step::STORE);
-  self.notifyModifying(index);
+  self.notifyModifying(row.index);
   field = std::forward<decltype(stored)>(stored);
   step.commit();
 }
 
 /// What attributes share that do and don't have a value always; T is the field's type.
 template <class T>
-class ValueFieldKind : public PropertyKind {
+class ValueFieldKind : public FieldKind<T> {
  public:
+  using typename PropertyKind::Row;
   FieldGroup group() const noexcept final { return FieldGroup::ATTRIBUTE; }
-
-  void keepOld(Element const& element, ElementStorage& storage, Row const& row) const final {
-    fillSlot<T>(storage, row, fieldOf<T>(element, row));
-  }
-  void restoreOld(Element& element, ElementStorage& storage, Row const& row) const noexcept final {
-    std::swap(fieldOf<T>(element, row), slotOf<T>(storage, row));
-  }
-  void dropOld(ElementStorage& storage, Row const& row) const noexcept final { slotOf<T>(storage, row).~T(); }
-  void moveOld(ElementStorage& from, ElementStorage& to, Row const& row) const noexcept final {
-    fillSlot<T>(to, row, std::move(slotOf<T>(from, row)));
-  }
-  bool isUnchanged(Element const& element, ElementStorage const& storage, Row const& row) const final {
-    return fieldOf<T>(element, row) == slotOf<T>(storage, row);
-  }
   void initialize(Element& element, ElementBuilder& builder, Row const& row) const final {
     T& given = builderFieldOf<T>(builder, row);
     if (!std::is_trivially_copyable_v<T> && builder.isSpent()) {
@@ -78,13 +62,12 @@ class AttributeKind : public ValueFieldKind<T> {
  public:
   using typename PropertyKind::Row;
   using typename PropertyKind::Tag;
-
   bool has(Element const&, Row const&) const final { return true; }
   plinth::Value get(Element& element, Row const& row, Tag const&) const final {
     return plinth::Value::makeUnchecked<T>(plinth::ValueMeta(*row.property), fieldOf<T>(element, row));
   }
   void set(Element& element, Row const& row, plinth::Value const& value, Tag const&) const override {
-    setAttribute(element, fieldOf<T>(element, row), value.getValue<T>(), row.index);
+    setAttribute<T>(element, fieldOf<T>(element, row), value.getValue<T>(), row);
   }
   plinth::Value oldValue(ElementStorage& storage, Row const& row) const final {
     return plinth::Value::makeUnchecked<T>(plinth::ValueMeta(*row.property), slotOf<T>(storage, row));
@@ -95,7 +78,7 @@ class AttributeKind : public ValueFieldKind<T> {
   }
   using PropertyKind::build;
   void stamp(Element& element, Row const& row, int value) const final {
-    if constexpr (std::is_enum_v<T>) setAttribute(element, fieldOf<T>(element, row), static_cast<T>(value), row.index);
+    if constexpr (std::is_enum_v<T>) setAttribute<T>(element, fieldOf<T>(element, row), static_cast<T>(value), row);
   }
   void stamp(ElementBuilder& builder, Row const& row, int value) const final {
     if constexpr (std::is_enum_v<T>) {
@@ -125,13 +108,12 @@ class OptionalKind final : public ValueFieldKind<boost::optional<T>> {
   using typename PropertyKind::Row;
   using typename PropertyKind::Tag;
   using Field = boost::optional<T>;
-
   bool has(Element const& element, Row const& row) const final { return fieldOf<Field>(element, row).has_value(); }
   plinth::Value get(Element& element, Row const& row, Tag const&) const final {
     return toValue(fieldOf<Field>(element, row), row);
   }
   void set(Element& element, Row const& row, plinth::Value const& value, Tag const&) const final {
-    setAttribute(element, fieldOf<Field>(element, row), fromValue(value), row.index);
+    setAttribute<Field>(element, fieldOf<Field>(element, row), fromValue(value), row);
   }
   plinth::Value oldValue(ElementStorage& storage, Row const& row) const final {
     return toValue(slotOf<Field>(storage, row), row);

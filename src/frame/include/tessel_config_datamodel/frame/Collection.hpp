@@ -6,21 +6,16 @@
 #include <memory>
 
 #include "plinth/AbstractOwnedCollection.hpp"
-#include "tessel_config_datamodel/frame/Element.hpp"
-#include "tessel_config_datamodel/frame/ElementBuilder.hpp"
+#include "tessel_config_datamodel/frame/FieldKind.hpp"
+#include "tessel_config_datamodel/frame/Fields.hpp"
 
 namespace tessel::frame {
-
-/// The field of any collection.
-using CollectionField = std::unique_ptr<plinth::AbstractOwnedCollection>;
-
-/// Whether there is a collection in the field, with anything in it.
-inline bool holdsAny(CollectionField const& field) { return field != nullptr && !field->empty(); }
 
 class TESSEL_EXPORT CollectionKind : public PropertyKind {
  public:
   /// Whether the collection is there and not empty.
   bool has(Element const& element, Row const& row) const override;
+  Slot slot() const noexcept final { return {sizeof(plinth::OldCollection), alignof(plinth::OldCollection)}; }
   void keepOld(Element const& element, ElementStorage& storage, Row const& row) const final;
   void dropOld(ElementStorage& storage, Row const& row) const noexcept final;
   void moveOld(ElementStorage& from, ElementStorage& to, Row const& row) const noexcept final;

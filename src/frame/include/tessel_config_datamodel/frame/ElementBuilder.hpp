@@ -46,6 +46,9 @@ class ChildBuilders {
   std::vector<std::unique_ptr<plinth::ModelElementBuilder>> m_builders;
 };
 
+/// The targets of a many-valued reference.
+using ReferenceTargets = std::vector<plinth::ModelElement>;
+
 class TESSEL_EXPORT ElementBuilder : public plinth::ModelElementBuilder {
  public:
   using ModelElementBuilder::setOrAdd;
@@ -72,26 +75,11 @@ class TESSEL_EXPORT ElementBuilder : public plinth::ModelElementBuilder {
   void cascadeCreation(plinth::ModelElementImpl& parent, plinth::CascadeSteps& steps) final;
   void attach(plinth::ModelElementImpl& parent, plinth::meta::PropertyImpl& property,
               plinth::ModelElement const& child) final;
-  /// Takes a child builder for the row. Raises CannotAddIncompatibleTypes for a class that doesn't fit, NoSuchProperty
-  /// for an empty one.
-  void takeChild(PropertyDescriptor const& row, std::unique_ptr<plinth::ModelElementBuilder> child);
+  /// Takes a child builder for the property of that index. Raises CannotAddIncompatibleTypes for a class that doesn't
+  /// fit, NoSuchProperty for an empty one.
+  void takeChild(unsigned long index, std::unique_ptr<plinth::ModelElementBuilder> child);
   /// What a child builder has made, or makes now, in the creation that is running; else an empty handle.
   plinth::ModelElement made(ChildBuilder const& child) const;
-  template <class F, class V>
-  void setField(F& field, V&& value, unsigned long index) {
-    field = std::forward<V>(value);
-    mark(index);
-  }
-  template <class F, class V>
-  void addValue(F& field, V const& value, unsigned long index) {
-    field.push_back(value);
-    mark(index);
-  }
-  template <class F, class Values>
-  void addValues(F& field, Values const& values, unsigned long index) {
-    field.insert(field.end(), values.begin(), values.end());
-    mark(index);
-  }
   /// Gives the class's own type stamps; the builder's fields must stand.
   void giveStamps();
 

@@ -14,8 +14,6 @@
 
 namespace tessel::frame {
 
-using ReferenceTargets = std::vector<plinth::ModelElement>;
-
 /// What every kind of element collection does; a typed kind only makes the collection.
 class TESSEL_EXPORT ElementCollectionKind : public CollectionKind {
  public:
@@ -64,13 +62,18 @@ class TypedCollectionKind final : public ElementCollectionKind {
   }
 };
 
-/// A map; `KEY` reads the key of an element of class T.
-template <class T, plinth::KeyExtractor KEY>
+/// A map; `KEY` is the member of T::Impl that gives the key.
+template <class T, auto KEY>
 class MapKind final : public ElementCollectionKind {
  protected:
   CollectionField make(Element& element, Row const& row) const override {
-    return std::make_unique<plinth::ElementMap<std::u16string, T>>(plinth::CollectionPrivateTag(), KEY, &element,
+    return std::make_unique<plinth::ElementMap<std::u16string, T>>(plinth::CollectionPrivateTag(), &keyOf, &element,
                                                                    row.property, row.property->opposite());
+  }
+
+ private:
+  static std::u16string const& keyOf(plinth::ModelElementImpl const& element) {
+    return (static_cast<typename T::Impl const&>(element).*KEY)();
   }
 };
 
@@ -123,7 +126,7 @@ template <class T>
 inline constexpr TypedCollectionKind<plinth::ElementSequence<T>> sequenceKind{};
 template <class T>
 inline constexpr TypedCollectionKind<plinth::UnorderedElementSet<T>> setKind{};
-template <class T, plinth::KeyExtractor KEY>
+template <class T, auto KEY>
 inline constexpr MapKind<T, KEY> mapKind{};
 template <class S, class P, std::size_t SOURCE>
 inline constexpr SubsetKind<plinth::SubsettedElementSet<S, P>, P, SOURCE> subsetKind{};

@@ -1,26 +1,24 @@
-// The root of every generated change storage. A class adds a slot for each of its properties; a slot holds a value
-// while the property's bit is set, and raw memory otherwise, so that a record costs what it keeps. Ownership: see
-// plinth/Changes.hpp. Thread rule: the model's thread.
+// The change record of an element: behind its head a slot for each property of the class, laid out by the kinds when
+// the metamodel is woven. A slot holds a value while the property's bit is set, and raw memory otherwise, so that a
+// record costs what it keeps. Ownership: see plinth/Changes.hpp. Thread rule: the model's thread.
 #pragma once
 
 #include <new>
 
 #include "plinth/Changes.hpp"
 #include "plinth/Value.hpp"
-#include "tessel_config_datamodel/frame/PropertyDescriptor.hpp"
+#include "tessel_config_datamodel/frame/PropertyKind.hpp"
 
 namespace tessel::frame {
 
-/// Memory for one old value.
-template <class T>
-struct Old {
-  alignas(T) std::byte memory[sizeof(T)];
-};
-
 class TESSEL_EXPORT ElementStorage : public plinth::Storage {
  public:
-  explicit ElementStorage(Element const& element) noexcept;
   ~ElementStorage() override;
+
+  /// A record of `element` with no slot filled, from its model's pool.
+  static ElementStorage* make(Element const& element, plinth::RecordPool& pool);
+  /// Lays the slots of `table` out behind those of its base, and gives the bytes of a whole record.
+  static std::size_t layOut(ClassTable& table);
 
   void revertUnchanged(plinth::ModelElementImpl* element) override;
   plinth::Value getOldValue(plinth::meta::Property const& property,
@@ -39,6 +37,8 @@ class TESSEL_EXPORT ElementStorage : public plinth::Storage {
   void mergeInto(plinth::Storage& outer) noexcept override;
 
  private:
+  explicit ElementStorage(Element const& element) noexcept;
+
   ClassTable const* m_table;
 };
 

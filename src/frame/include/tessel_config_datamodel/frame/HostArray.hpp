@@ -4,13 +4,10 @@
 #pragma once
 
 #include "kestrel/array.hpp"
-#include "tessel_config_datamodel/frame/Element.hpp"
-#include "tessel_config_datamodel/frame/ElementBuilder.hpp"
+#include "tessel_config_datamodel/frame/FieldKind.hpp"
+#include "tessel_config_datamodel/frame/Fields.hpp"
 
 namespace tessel::frame {
-
-/// The field of a host array.
-using HostArrayField = kestrel::PropertyArray;
 
 /// A host array as the content of a value: copied with it.
 class TESSEL_EXPORT HostArray {
@@ -32,22 +29,18 @@ class TESSEL_EXPORT HostArray {
   HostArrayField m_array;
 };
 
-/// Stores a copy of `array`, or clears the field when it is null. The pointer that the field holds already changes
-/// nothing. Raises CannotModifyProxy. Linear in the array.
-TESSEL_EXPORT void setHostArray(Element& self, HostArrayField& field, kestrel_array const* array, unsigned long index);
+template <>
+struct KeptField<HostArrayField> {
+  static HostArrayField copyOf(HostArrayField const& field) { return HostArray::copyOf(field.get()); }
+};
 
-class TESSEL_EXPORT HostArrayKind final : public PropertyKind {
+class TESSEL_EXPORT HostArrayKind final : public FieldKind<HostArrayField> {
  public:
   FieldGroup group() const noexcept override { return FieldGroup::ATTRIBUTE; }
   bool has(Element const& element, Row const& row) const override;
   plinth::Value get(Element& element, Row const& row, Tag const& tag) const override;
   void set(Element& element, Row const& row, plinth::Value const& value, Tag const& tag) const override;
-  void keepOld(Element const& element, ElementStorage& storage, Row const& row) const override;
-  void restoreOld(Element& element, ElementStorage& storage, Row const& row) const noexcept override;
-  void dropOld(ElementStorage& storage, Row const& row) const noexcept override;
-  void moveOld(ElementStorage& from, ElementStorage& to, Row const& row) const noexcept override;
   plinth::Value oldValue(ElementStorage& storage, Row const& row) const override;
-  bool isUnchanged(Element const& element, ElementStorage const& storage, Row const& row) const override;
   bool build(ElementBuilder& builder, Row const& row, plinth::Value const& value) const override;
   using PropertyKind::build;
   void initialize(Element& element, ElementBuilder& builder, Row const& row) const override;

@@ -9,6 +9,7 @@
 
 #include "plinth/Builder.hpp"
 #include "plinth/Value.hpp"
+#include "plinth/meta/Property.hpp"
 #include "tessel_config_datamodel/frame/PropertyDescriptor.hpp"
 
 namespace tessel::frame {
@@ -42,8 +43,14 @@ class TESSEL_EXPORT PropertyKind {
   /// type, and NoSuchProperty where the kind can't be set by value.
   virtual void set(Element& element, Row const& row, plinth::Value const& value, Tag const& tag) const;
 
-  // Change storage. A slot of a record is raw memory until `keepOld` and ends with `dropOld`; who calls them knows from
+  // Change records. A slot of a record is raw memory until `keepOld` and ends with `dropOld`; who calls them knows from
   // the record's bits which slots are constructed.
+  struct Slot {
+    std::size_t size = 0;
+    std::size_t alignment = 1;
+  };
+  /// What the slot takes; nothing for a kind that keeps no old value.
+  virtual Slot slot() const noexcept;
   /// Constructs the slot from the field. May run out of memory: the change has not begun.
   virtual void keepOld(Element const& element, ElementStorage& storage, Row const& row) const;
   /// Puts the old value back into the field; what is in the slot afterwards doesn't matter. Must not fail.
@@ -105,6 +112,48 @@ class TESSEL_EXPORT PropertyKind {
  protected:
   ~PropertyKind() = default;
 };
+
+/// The rows of a class and of its bases in one, for what is done often.
+struct ClassChain {
+  std::vector<PropertyDescriptor const*> byIndex;  ///< the row of each index; null at 0
+  /// Rows of properties that hold elements, without the derived ones: in the order of the fields, the class itself
+  /// first.
+  std::vector<PropertyDescriptor const*> links;
+  std::size_t recordSize = 0;  ///< bytes of a change record with room for each property
+};
+
+/// Ties the table to its class, which the metamodel has woven.
+void bind(ClassTable& table, plinth::meta::Class const& metaClass);
+/// Gathers the rows of the class and its bases, and lays out its change record: once.
+void layOut(ClassTable& table);
+
+/// The row of that index in the chain of `table`, or null. O(1).
+inline PropertyDescriptor const* findDescriptor(ClassTable const& table, unsigned long index) noexcept {
+  auto const& byIndex = table.chain->byIndex;
+  return index < byIndex.size() ? byIndex[index] : nullptr;
+}
+
+/// The row of `property` in the chain of `table`, or null. Compares identities. O(1); for a derived one O(length of the
+/// chain).
+inline PropertyDescriptor const* findDescriptor(ClassTable const& table,
+                                                plinth::meta::PropertyImpl const& property) noexcept {
+  if (int const index = property.index(); index != 0) {
+    auto const* const row = findDescriptor(table, static_cast<unsigned long>(index));
+    return row != nullptr && row->property == &property ? row : nullptr;
+  }
+  std::size_t const position = property.position();
+  for (ClassTable const* each = &table; each != nullptr; each = each->base) {
+    if (position < each->count && each->properties[position].property == &property) return &each->properties[position];
+  }
+  return nullptr;
+}
+
+/// Calls `visit(row)` for each row of the class and its bases whose property holds elements: in the order of the
+/// fields, the class itself first. Derived ones are left out.
+template <class Visitor>
+void forEachLink(ClassTable const& table, Visitor visit) {
+  for (PropertyDescriptor const* row : table.chain->links) visit(*row);
+}
 
 /// The element in `value`, empty where it has none. Raises CannotCastIncompatibleTypes unless the value is one element
 /// of a class that fits the row's property.

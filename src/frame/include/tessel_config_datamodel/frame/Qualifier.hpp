@@ -5,22 +5,11 @@
 // setter serves a property that several maps are keyed by. Thread rule: the model's thread.
 #pragma once
 
-#include <functional>
 #include <string>
 
 #include "tessel_config_datamodel/frame/Attribute.hpp"
 
 namespace tessel::frame {
-
-/// The setter of a qualifier that the class itself declares. Raises CannotModifyProxy and UniquenessConstraint.
-TESSEL_EXPORT void setQualifier(Element& self, std::u16string& field, std::u16string const& value,
-                                PropertyDescriptor const& row);
-
-/// The setter that a subclass wraps around the one of its base: `store` calls that one, which has its own proxy check.
-/// Raises UniquenessConstraint, and what `store` raises.
-TESSEL_EXPORT void overrideQualifier(Element& self, std::u16string const& present, std::u16string const& value,
-                                     PropertyDescriptor const& row,
-                                     void (*store)(Element& self, std::u16string const& value));
 
 /// A qualifier that the class itself declares.
 class TESSEL_EXPORT QualifierKind final : public AttributeKind<std::u16string> {

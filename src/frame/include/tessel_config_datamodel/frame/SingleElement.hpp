@@ -3,12 +3,10 @@
 // Thread rule: the model's thread; a getter may resolve a proxy in place.
 #pragma once
 
-#include "tessel_config_datamodel/frame/Element.hpp"
-#include "tessel_config_datamodel/frame/ElementBuilder.hpp"
+#include "tessel_config_datamodel/frame/FieldKind.hpp"
+#include "tessel_config_datamodel/frame/Fields.hpp"
 
 namespace tessel::frame {
-
-using ElementField = plinth::ModelElement;
 
 /// Deals with what is rare in a field, a dead target or a proxy, and gives what the getter shows.
 TESSEL_EXPORT ElementField const& refreshElement(Element& self, ElementField& field, PropertyDescriptor const& row);
@@ -31,6 +29,11 @@ T getElement(Element const& self, ElementField const& field, PropertyDescriptor 
 /// The raw store: no notice, no transaction.
 inline void basicSetElement(ElementField& field, plinth::ModelElement const& target) noexcept { field = target; }
 
+/// The bare store for whoever knows the property only by reflection. Raises NoSuchProperty for one that doesn't hold
+/// one element.
+TESSEL_EXPORT void basicSet(plinth::ModelElement const& element, plinth::meta::Property const& property,
+                            plinth::ModelElement const& target);
+
 // The setters. Each raises CannotModifyProxy and what checkCompatibleModel raises, before any change; a target that is
 // in the field already, resolved, changes nothing.
 TESSEL_EXPORT void setReference(Element& self, ElementField& field, plinth::ModelElement const& target,
@@ -46,18 +49,13 @@ TESSEL_EXPORT void leaveFarEnd(Element& self, plinth::ModelElement const& member
                                bool convert, boost::optional<plinth::ProxyId>& id);
 
 /// What all three kinds share.
-class TESSEL_EXPORT SingleElementKind : public PropertyKind {
+class TESSEL_EXPORT SingleElementKind : public FieldKind<ElementField> {
  public:
   FieldGroup group() const noexcept final { return FieldGroup::SINGLE_ELEMENT; }
   bool has(Element const& element, Row const& row) const final;
   plinth::Value get(Element& element, Row const& row, Tag const& tag) const final;
   void set(Element& element, Row const& row, plinth::Value const& value, Tag const& tag) const final;
-  void keepOld(Element const& element, ElementStorage& storage, Row const& row) const final;
-  void restoreOld(Element& element, ElementStorage& storage, Row const& row) const noexcept final;
-  void dropOld(ElementStorage& storage, Row const& row) const noexcept final;
-  void moveOld(ElementStorage& from, ElementStorage& to, Row const& row) const noexcept final;
   plinth::Value oldValue(ElementStorage& storage, Row const& row) const final;
-  bool isUnchanged(Element const& element, ElementStorage const& storage, Row const& row) const final;
   void basicDisassociate(Element& element, Row const& row) const final;
   void inverseAdd(Element& element, Row const& row, plinth::ModelElementImpl& far) const override;
   void inverseRemove(Element& element, Row const& row, plinth::ModelElementImpl& far) const final;

@@ -19,6 +19,8 @@
 
 namespace tessel::metamodel {
 
+struct DatatypeRow;
+
 namespace detail {
 
 template <class F>

@@ -9,6 +9,7 @@
 #include "plinth/collections/PrimitiveSequence.hpp"
 #include "plinth/collections/PrimitiveSet.hpp"
 #include "plinth/collections/UnorderedElementSet.hpp"
+#include "plinth/meta/Serializers.hpp"
 
 namespace tessel::metamodel {
 
@@ -27,6 +28,11 @@ plinth::AbstractOwnedCollection* valueCollection(plinth::ModelElement const& own
   if (property->isOrdered())
     return new plinth::PrimitiveSequence<T>(plinth::CollectionPrivateTag(), owner.impl(), property.impl());
   return new plinth::PrimitiveSet<T>(plinth::CollectionPrivateTag(), owner.impl(), property.impl());
+}
+
+template <class S>
+std::unique_ptr<plinth::meta::DatatypeSerializer> serializer() {
+  return std::make_unique<S>();
 }
 
 template <class T>

@@ -1,10 +1,9 @@
-// The rows from which a metamodel is made: what a generated meta package knows of each package, type, property and
-// literal. Ownership: plain values that point at the handles of a meta package; used while that one is built. Thread
-// rule: under the registry's mutex.
+// The rows from which a metamodel is made: what the tables say of each package, datatype, enumeration and literal; that
+// of a class stands in its frame::ClassTable. Types and properties are named, handles are told by their offset in the
+// meta package. Ownership: static data, laid out by the compiler. Thread rule: read under the registry's mutex.
 #pragma once
 
 #include <memory>
-#include <string>
 #include <vector>
 
 #include "plinth/meta/AbstractMetaPackage.hpp"
@@ -13,91 +12,67 @@
 
 namespace tessel::metamodel {
 
-/// A type of this model, by its handle, or of another one, by its name in the registry.
-struct TypeReference {
-  plinth::meta::Type const* handle = nullptr;
-  char16_t const* name = nullptr;
-};
+/// The rows of an array that is laid out elsewhere.
+template <class Row>
+struct RowsOf {
+  Row const* first = nullptr;
+  std::size_t count = 0;
 
-struct PropertyRow {
-  plinth::meta::Property* handle;
-  char16_t const* name;
-  char const* uuid;
-  TypeReference type;
-  plinth::meta::ValueFlags flags;
-  bool isComposite;
-  bool isOrdered;
-  bool isUnique;
-  bool isDerived;
-  bool isTransient;
-  bool isHidden;
-  int index;                          ///< 0: none
-  char16_t const* defaultText;        ///< null: none
-  plinth::meta::Property* qualifier;  ///< null: none
-  plinth::meta::Property* opposite;   ///< null: none
+  constexpr RowsOf() = default;
+  template <std::size_t N>
+  constexpr RowsOf(Row const (&rows)[N]) : first(rows), count(N) {}  // NOLINT(google-explicit-constructor)
+  Row const* begin() const noexcept { return first; }
+  Row const* end() const noexcept { return first + count; }
 };
 
 struct OperationRow {
-  plinth::meta::Operation* handle;
   char16_t const* name;
-  char const* uuid;
-  TypeReference type;
+  std::size_t slot;
+  char16_t const* type;
 };
 
-/// A class or a datatype.
-struct StructuredTypeRow {
-  plinth::meta::Class* classHandle;        ///< null for a datatype
-  plinth::meta::DataType* dataTypeHandle;  ///< null for a class
-  char16_t const* name;
-  char const* qualifiedName;
-  char const* nativeName;
-  char const* uuid;
-  bool isAbstract;
-  bool isHidden;
-  TypeReference superclass;  ///< neither for a root class and for datatypes
-  std::vector<PropertyRow> properties;
-  std::vector<OperationRow> operations;
-  frame::ClassTable* table;  ///< of a class
+struct DatatypeRow {
+  frame::TypeFacts facts;
+  RowsOf<frame::PropertyFacts> properties;
+  RowsOf<OperationRow> operations;
   plinth::meta::CollectionFactory collections;
-  plinth::meta::BuilderFactory builders;                              ///< null for an abstract class and for datatypes
-  std::unique_ptr<plinth::meta::DatatypeSerializer> (*serializer)();  ///< of a datatype
-
-  plinth::meta::Type type() const {
-    return classHandle != nullptr ? plinth::meta::Type(*classHandle) : plinth::meta::Type(*dataTypeHandle);
-  }
+  std::unique_ptr<plinth::meta::DatatypeSerializer> (*serializer)();
 };
 
 struct LiteralRow {
-  plinth::meta::EnumLiteral* handle;
   char16_t const* name;
+  std::size_t slot;
   int value;
-  char const* uuid;
 };
 
 struct EnumRow {
-  plinth::meta::Enum* handle;
-  char16_t const* name;
-  char const* qualifiedName;
-  char const* nativeName;
-  char const* uuid;
-  std::vector<LiteralRow> literals;
+  frame::TypeFacts facts;
+  RowsOf<LiteralRow> literals;
   plinth::meta::CollectionFactory collections;
   void (*registerSerializers)(plinth::meta::PropertySerializerRegistry& registry, plinth::meta::Enum const& type);
 };
 
+/// A class or a datatype.
+struct TypeRow {
+  frame::ClassTable* table;
+  DatatypeRow const* datatype = nullptr;
+
+  frame::TypeFacts const& facts() const noexcept { return table != nullptr ? table->facts : datatype->facts; }
+};
+
 struct PrimitiveRow {
-  plinth::meta::PrimitiveType* handle;
+  std::size_t slot;
   char const* name;
 };
 
-struct PackageRows {
+struct PackageRow {
   plinth::meta::Package* handle;
   char16_t const* name;
   char16_t const* uri;
   plinth::meta::Package* parent;
-  std::vector<StructuredTypeRow> types{};  ///< classes and datatypes by simple name
-  std::vector<PrimitiveRow> primitives{};
-  std::vector<EnumRow> enums{};
+  RowsOf<TypeRow> types{};  ///< classes and datatypes by simple name
+  RowsOf<PrimitiveRow> primitives{};
+  RowsOf<EnumRow const*> enums{};
 };
 
 /// The root of a model.

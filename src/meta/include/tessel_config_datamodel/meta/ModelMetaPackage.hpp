@@ -7,12 +7,24 @@
 
 #include <atomic>
 #include <mutex>
+#include <string>
+#include <unordered_map>
 
 #include "tessel_config_datamodel/meta/MetaRows.hpp"
 
 namespace tessel::metamodel {
 
+/// The class whose handle stands at SLOT of meta package P, which is built at the first call.
+template <class P, plinth::meta::Class P::*SLOT>
+plinth::meta::Class const& classOf() {
+  return P::getInstance().*SLOT;
+}
+
 class TESSEL_EXPORT ModelMetaPackage : public plinth::meta::AbstractMetaPackage {
+ public:
+  /// The handles of a datatype's properties, in declared order.
+  std::vector<plinth::meta::Property const*> handlesOf(DatatypeRow const& row);
+
  protected:
   using MetaRegistry = plinth::meta::MetaRegistry;
   using PropertySerializerRegistry = plinth::meta::PropertySerializerRegistry;
@@ -31,14 +43,26 @@ class TESSEL_EXPORT ModelMetaPackage : public plinth::meta::AbstractMetaPackage 
   /// Replaces an older incarnation of the model, makes and weaves all packages, commits, and registers the root.
   void initialize(RootRow const& root);
   /// Makes a package, its types, properties, operations and literals, unconnected. Raises NoSuchType.
-  static void instantiate(PackageRows const& rows, MetaRegistry& registry);
+  void instantiate(PackageRow const& package, MetaRegistry& registry);
   /// Connects what was made: owners, superclasses, types, opposites, qualifiers, factories, serializers. Raises
   /// NoSuchType.
-  static void weave(PackageRows const& rows, MetaRegistry& registry, PropertySerializerRegistry& serializers);
+  void weave(PackageRow const& package, MetaRegistry& registry, PropertySerializerRegistry& serializers);
 
  private:
+  class Maker;
+  class Weaver;
+
+  /// The handle at a row's place.
+  template <class Handle>
+  Handle& handleAt(std::size_t slot) noexcept {
+    return *reinterpret_cast<Handle*>(reinterpret_cast<std::byte*>(this) + slot);
+  }
   virtual void instantiateAll(MetaRegistry& registry) = 0;
   virtual void weaveAll(MetaRegistry& registry, PropertySerializerRegistry& serializers) = 0;
+
+  /// While the model is made: what rows may name of it, by qualified name.
+  std::unordered_map<std::u16string, plinth::meta::Type> m_types;
+  std::unordered_map<std::string, plinth::meta::Property> m_properties;
 };
 
 }  // namespace tessel::metamodel
