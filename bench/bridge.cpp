@@ -2,7 +2,7 @@
 #include <corvid/CorvidClass.hpp>
 #include <corvid/Invocation.hpp>
 #include <iostream>
-#include <kestrel/array.hpp>
+#include <kestrel/Array.hpp>
 #include <lua.hpp>
 #include <plinth/bridge/ElementBinding.hpp>
 #include <tessel_config_datamodel/bridge/EntryPoints.hpp>

@@ -1,17 +1,17 @@
 #include "modelgen/context.hpp"
 
 #include <algorithm>
+#include <boost/uuid/uuid_io.hpp>
 #include <filesystem>
 #include <map>
 #include <set>
 
-#include "modelgen/data_object.hpp"
-#include "modelgen/default_value.hpp"
+#include "modelgen/DataObject.hpp"
+#include "modelgen/DefaultValue.hpp"
+#include "modelgen/Primitive.hpp"
+#include "modelgen/Summary.hpp"
+#include "modelgen/Text.hpp"
 #include "modelgen/naming.hpp"
-#include "modelgen/primitive.hpp"
-#include "modelgen/summary.hpp"
-#include "modelgen/text.hpp"
-#include "modelgen/uuid.hpp"
 
 namespace modelgen {
 namespace {
@@ -158,7 +158,7 @@ Data propertyData(Property const& property) {
   Data result;
   result.set("name", property.name);
   result.set("qualifiedName", property.qualifiedName);
-  result.set("uuid", toText(property.uuid));
+  result.set("uuid", to_string(property.uuid));
   result.set("slot", property.slot);
   result.set("collectionName", property.name);
   setDoc(result, property.row->doc);
@@ -221,7 +221,7 @@ Data modelReference(Model const& model, std::string const& root) {
   Data result;
   result.set("name", model.name);
   result.set("include", model.include);
-  result.set("uuid", toText(model.uuid));
+  result.set("uuid", to_string(model.uuid));
   result.set("uri", model.packageTree.front().uri);
   result.set("metaPackageClass", naming::metaPackageClass(model.name));
   result.set("metaPackageHeader", naming::metaPackageHeader(model));
@@ -235,7 +235,7 @@ Data modelReference(Model const& model, std::string const& root) {
 Data typeData(Type const& type, std::string const& root) {
   Data result;
   setTypeNames(result, type);
-  result.set("uuid", toText(type.uuid));
+  result.set("uuid", to_string(type.uuid));
   result.set("slot", type.slot);
   result.set("namespace", naming::cppNamespace(type.package->name));
   result.set("header", naming::typeHeader(type));
@@ -315,7 +315,7 @@ Data operationData(Operation const& operation, DataType const& owner) {
   Data result;
   result.set("name", operation.name);
   result.set("qualifiedName", operation.qualifiedName);
-  result.set("uuid", toText(operation.uuid));
+  result.set("uuid", to_string(operation.uuid));
   result.set("slot", operation.slot);
   result.set("type", typeReference(*operation.type, *owner.package));
   setDoc(result, operation.row->doc);
@@ -326,7 +326,7 @@ Data literalData(Literal const& literal) {
   Data result;
   result.set("name", literal.name);
   result.set("qualifiedName", literal.qualifiedName);
-  result.set("uuid", toText(literal.uuid));
+  result.set("uuid", to_string(literal.uuid));
   result.set("slot", literal.slot);
   setNumber(result, "value", literal.row->value.value);
   setDoc(result, literal.row->doc);

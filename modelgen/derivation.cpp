@@ -4,10 +4,10 @@
 #include <iterator>
 #include <set>
 
+#include "groundwork/NameUuid.hpp"
+#include "modelgen/Primitive.hpp"
+#include "modelgen/Rules.hpp"
 #include "modelgen/naming.hpp"
-#include "modelgen/primitive.hpp"
-#include "modelgen/rules.hpp"
-#include "modelgen/uuid.hpp"
 
 namespace modelgen {
 namespace {
@@ -39,7 +39,7 @@ class Derivation {
 
   void run() {
     for (Model& model : m_set.models) {
-      model.uuid = uuidOf(model.name);
+      model.uuid = groundwork::nameUuid(model.name);
       for (Package& package : model.packages) derivePackage(package);
     }
     forEachClass([](Class& type) { deriveChain(type); });
@@ -61,13 +61,13 @@ class Derivation {
   }
 
   static void deriveType(Type& type) {
-    type.uuid = uuidOf(type.qualifiedName);
+    type.uuid = groundwork::nameUuid(type.qualifiedName);
     type.slot = naming::typeSlot(*type.package, type.name);
   }
 
   template <class Member>
   static void deriveMember(Member& member, Type const& owner) {
-    member.uuid = uuidOf(member.qualifiedName);
+    member.uuid = groundwork::nameUuid(member.qualifiedName);
     member.slot = naming::memberSlot(*owner.package, owner.name, member.name);
   }
 

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "modelgen/tables.hpp"
+#include "modelgen/Tables.hpp"
 
 namespace modelgen {
 

@@ -4,7 +4,7 @@
 #include <cctype>
 #include <set>
 
-#include "modelgen/primitive.hpp"
+#include "modelgen/Primitive.hpp"
 
 namespace modelgen::naming {
 namespace {

@@ -10,7 +10,7 @@
 #include <tessel_config_datamodel/runtime/ProductionState.hpp>
 #include <tessel_config_datamodel/schema/SchemaData.hpp>
 
-#include "kestrel/array.hpp"
+#include "kestrel/Array.hpp"
 #include "plinth/Census.hpp"
 #include "plinth/sample_model.hpp"
 #include "support/checks.hpp"

@@ -5,7 +5,7 @@
 #include <tessel_config_datamodel/data/DoubleArrayParamData.hpp>
 #include <tessel_config_datamodel/runtime/ProductionState.hpp>
 
-#include "kestrel/array.hpp"
+#include "kestrel/Array.hpp"
 #include "plinth/Census.hpp"
 #include "plinth/ReferenceCollection.hpp"
 #include "plinth/sample_model.hpp"

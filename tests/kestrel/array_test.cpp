@@ -1,12 +1,12 @@
 // Host arrays of every class: what is stored is read back, copies share nothing changeable, and nothing leaks.
-#include "kestrel/array.hpp"
+#include "kestrel/Array.hpp"
 
 #include <gtest/gtest.h>
 
 #include <limits>
 #include <thread>
 
-#include "kestrel/array_memory.hpp"
+#include "kestrel/ArrayMemory.hpp"
 
 namespace kestrel {
 namespace {

@@ -1,7 +1,7 @@
 // Where long lines of generated code break.
-#include "modelgen/line_folding.hpp"
-
 #include <gtest/gtest.h>
+
+#include "modelgen/LineFolding.hpp"
 
 namespace modelgen {
 namespace {

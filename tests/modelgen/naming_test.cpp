@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "modelgen/text.hpp"
+#include "modelgen/Text.hpp"
 
 namespace modelgen::naming {
 namespace {

@@ -3,7 +3,7 @@
 
 #include <sstream>
 
-#include "modelgen/template_set.hpp"
+#include "modelgen/TemplateSet.hpp"
 #include "workspace.hpp"
 
 namespace modelgen::test {

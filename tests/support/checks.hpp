@@ -9,7 +9,7 @@
 #include <string>
 #include <utility>
 
-#include "groundwork/except.hpp"
+#include "groundwork/Except.hpp"
 #include "plinth/Fingerprint.hpp"
 #include "plinth/Verify.hpp"
 #include "tessel_config_datamodel/frame/SingleElement.hpp"

@@ -1,7 +1,7 @@
 #include "Diagram.hpp"
 
 #include <algorithm>
-#include <groundwork/unicode.hpp>
+#include <groundwork/Unicode.hpp>
 #include <utility>
 
 #include "Tree.hpp"

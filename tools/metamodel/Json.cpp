@@ -1,6 +1,6 @@
 #include "Json.hpp"
 
-#include <groundwork/unicode.hpp>
+#include <groundwork/Unicode.hpp>
 #include <nlohmann/json.hpp>
 
 namespace metamodel {

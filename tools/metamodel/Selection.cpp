@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <boost/uuid/uuid_io.hpp>
-#include <groundwork/unicode.hpp>
-#include <plinth/meta/NameUuid.hpp>
+#include <groundwork/NameUuid.hpp>
+#include <groundwork/Unicode.hpp>
 #include <set>
 #include <tessel_config_datamodel/meta/MetaPackageTessel_config_datamodel.hpp>
 

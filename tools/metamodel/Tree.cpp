@@ -1,7 +1,7 @@
 #include "Tree.hpp"
 
 #include <algorithm>
-#include <groundwork/unicode.hpp>
+#include <groundwork/Unicode.hpp>
 #include <iomanip>
 
 namespace metamodel {

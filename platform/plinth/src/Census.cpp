@@ -8,7 +8,7 @@
 #include <unordered_set>
 
 #include "LiveObjects.hpp"
-#include "groundwork/counting.hpp"
+#include "groundwork/Counting.hpp"
 #include "plinth/meta/MetaRegistry.hpp"
 
 namespace plinth {

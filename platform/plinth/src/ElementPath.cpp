@@ -5,7 +5,7 @@
 #include <unordered_set>
 
 #include "ElementMembers.hpp"
-#include "groundwork/unicode.hpp"
+#include "groundwork/Unicode.hpp"
 #include "plinth/ValueText.hpp"
 
 namespace plinth {

@@ -7,7 +7,7 @@
 #include <unordered_map>
 
 #include "ElementMembers.hpp"
-#include "groundwork/unicode.hpp"
+#include "groundwork/Unicode.hpp"
 #include "plinth/AbstractPrimitiveCollection.hpp"
 #include "plinth/ElementPath.hpp"
 #include "plinth/ValueText.hpp"

@@ -2,7 +2,7 @@
 
 #include <boost/uuid/uuid_io.hpp>
 
-#include "groundwork/unicode.hpp"
+#include "groundwork/Unicode.hpp"
 #include "plinth/ElementPath.hpp"
 #include "plinth/Messages.hpp"
 #include "plinth/ValueText.hpp"

@@ -7,7 +7,7 @@
 #include <unordered_set>
 
 #include "ElementMembers.hpp"
-#include "groundwork/unicode.hpp"
+#include "groundwork/Unicode.hpp"
 #include "plinth/ElementPath.hpp"
 #include "plinth/ModelDirectory.hpp"
 #include "plinth/ValueText.hpp"

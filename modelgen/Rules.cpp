@@ -1,0 +1,41 @@
+#include "modelgen/Rules.hpp"
+
+#include "modelgen/Primitive.hpp"
+
+namespace modelgen {
+
+Scheme schemeOf(Property const& property) {
+  if (property.isDerived()) return Scheme::derivedView;
+  if (property.isElement()) {
+    if (property.shape == Shape::map) return Scheme::elementMap;
+    if (property.isMany()) return Scheme::elementCollection;
+    return property.kind == Kind::containment ? Scheme::containment : Scheme::reference;
+  }
+  if (property.shape == Shape::map) return Scheme::valueMap;
+  if (property.isMany()) return Scheme::valueCollection;
+  if (property.shape == Shape::optional) return Scheme::optionalAttribute;
+  return isHostArray(*property.type) ? Scheme::hostArray : Scheme::attribute;
+}
+
+bool orderedByRule(Property const& property) {
+  return !property.isDerived() && property.shape != Shape::set && property.shape != Shape::map;
+}
+
+bool uniqueByRule(Property const& property) {
+  bool const ofSequence =
+      property.isDerived() && property.source != nullptr && property.source->shape == Shape::sequence;
+  return property.shape != Shape::sequence && property.shape != Shape::map && !ofSequence;
+}
+
+bool mayChooseUnique(Property const& property) { return property.shape == Shape::sequence; }
+
+bool queryableByRule(Property const& property) {
+  if (property.isDerived()) return false;
+  if (property.type->kind == TypeKind::classType) return true;
+  if (property.isMany() || property.type->kind == TypeKind::dataType) return false;
+  if (property.type->kind == TypeKind::enumeration) return true;
+  if (isString(*property.type) && property.shape == Shape::optional) return false;
+  return asPrimitive(property.type)->queryable;
+}
+
+}  // namespace modelgen
