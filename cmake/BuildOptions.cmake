@@ -69,6 +69,17 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_L
   add_compile_options(-Wno-stringop-overflow -Wno-stringop-overread)
 endif()
 
+# Programs are linked again when what they are made of has changed, not when the shared library has: the library they run
+# with is found when they start, and a name that it has lost is told then.
+set(CMAKE_LINK_DEPENDS_NO_SHARED ON)
+
+# The linker of LLVM, where there is one, needs a fifth of the time for the library with its debug information.
+find_program(TESSEL_LLD ld.lld)
+mark_as_advanced(TESSEL_LLD)
+if(TESSEL_LLD)
+  add_link_options(-fuse-ld=lld)
+endif()
+
 # A compiler cache, where there is one. The sloppiness is what it needs to know precompiled headers again. Paths below
 # the checkout count as relative, so that presets with the same flags share what they compile.
 find_program(TESSEL_CCACHE ccache)

@@ -113,7 +113,7 @@ TEST_F(HostArray, aDeepCopyIsEqualAndSharesNothingButHandles) {
 }
 
 TEST_F(HostArray, nestedAtWhateverDepthAreCopiedComparedMeasuredAndFreed) {
-  for (std::size_t const depth : {1000, 100000, 1000000}) {
+  for (std::size_t const depth : {1000, 200000}) {
     OwnedArray nest = createRow<double>({1, 2, 3});
     for (std::size_t i = 0; i < depth; ++i) {
       OwnedArray outer = i % 2 == 0 ? createCell(row(2)) : createStruct({"a", "b"});
