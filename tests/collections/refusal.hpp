@@ -6,7 +6,7 @@
 
 #include "groundwork/except.hpp"
 #include "groundwork/unicode.hpp"
-#include "plinth/Fingerprint.hpp"
+#include "plinth/diagnostics/Fingerprint.hpp"
 
 namespace collections_test {
 

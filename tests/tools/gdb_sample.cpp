@@ -4,6 +4,7 @@
 #include <tessel_config_datamodel/ext/ConfigProfile.hpp>
 
 #include "plinth/Model.hpp"
+#include "plinth/ProxyId.hpp"
 #include "plinth/meta/NameUuid.hpp"
 
 namespace ext = tessel::internal::ext;

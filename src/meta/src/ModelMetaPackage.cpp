@@ -2,7 +2,7 @@
 
 #include <mutex>
 
-#include "plinth/ValueText.hpp"
+#include "plinth/diagnostics/ValueText.hpp"
 #include "plinth/meta/NameUuid.hpp"
 #include "tessel_config_datamodel/frame/HostArrayText.hpp"
 #include "tessel_config_datamodel/frame/PropertyKind.hpp"
