@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <numeric>
 
+#include "plinth/ChangeSet.hpp"
 #include "support/Comparison.hpp"
 #include "support/Sample.hpp"
 

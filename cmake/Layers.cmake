@@ -45,4 +45,4 @@ function(tessel_layer_closure out)
 endfunction()
 
 # Every layer that the shared library can be made of, lowest first.
-set(TESSEL_LAYERS groundwork kestrel plinth collections frame meta siblings model corvid bridge)
+set(TESSEL_LAYERS groundwork kestrel plinth diagnostics collections frame meta siblings model corvid bridge)

@@ -29,7 +29,7 @@ function(tessel_add_test name)
     endif()
   endif()
   # What sees the foundation is held to leave no element behind.
-  if(TARGET tessel_test_census AND (NOT test_LAYERS OR "plinth" IN_LIST layers))
+  if(TARGET tessel_test_census AND (NOT test_LAYERS OR "diagnostics" IN_LIST layers))
     target_link_libraries(${name} PRIVATE tessel_test_census)
   endif()
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)

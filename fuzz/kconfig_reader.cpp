@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <plinth/Verify.hpp>
+#include <plinth/diagnostics/Verify.hpp>
 #include <string>
 #include <vector>
 

@@ -1,5 +1,7 @@
 // Elements behind script objects: bindings, references, what is seen through the typed interface, notices, failures.
 #include <plinth/ChangeSet.hpp>
+#include <plinth/ElementDirectory.hpp>
+#include <plinth/ProxyId.hpp>
 
 #include "corvid/factory/BindingRegistry.hpp"
 #include "host_fixture.hpp"
@@ -26,16 +28,16 @@ class ElementAccess : public BridgeTest {
 
 TEST_F(ElementAccess, aBindingHoldsOneReferenceAndGivesItBack) {
   ConfigEntry const entry = ConfigEntry::create(m_model);
-  auto const references = entry->refCount();
+  auto const references = core(*entry).refCount();
   auto const modelReferences = m_model->refCount();
   {
     auto const first = announce(entry);
     auto const second = announce(entry);
     EXPECT_EQ(kestrel::object(*first), kestrel::object(*second)) << "one element, one object";
-    EXPECT_EQ(entry->refCount(), references + 1);
+    EXPECT_EQ(core(*entry).refCount(), references + 1);
     EXPECT_EQ(m_model->refCount(), modelReferences + 1);
   }
-  EXPECT_EQ(entry->refCount(), references);
+  EXPECT_EQ(core(*entry).refCount(), references);
   EXPECT_EQ(m_model->refCount(), modelReferences);
 }
 

@@ -7,7 +7,9 @@
 #include <tessel_config_datamodel/ext/ConfigStore.hpp>
 #include <tessel_config_datamodel/runtime/CategoryState.hpp>
 
+#include "plinth/ChangeSet.hpp"
 #include "plinth/FailurePoint.hpp"
+#include "plinth/ProxyId.hpp"
 #include "real_model.hpp"
 
 namespace collections_test {
@@ -144,7 +146,7 @@ ReferenceCollection& Driver::access(Place const& place) {
 
 ReferenceCollection* Driver::present(Place const& place) const {
   ModelElement const& owner = m_handles.at(place.first);
-  return owner->referenceCollection(*propertyOf(owner, nameOf(place.second)).impl());
+  return core(*owner).referenceCollection(*propertyOf(owner, nameOf(place.second)).impl());
 }
 
 ModelElement Driver::handleOf(ReferenceCollection& collection, int id) const {

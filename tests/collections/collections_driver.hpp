@@ -7,9 +7,10 @@
 #include <vector>
 
 #include "plain_model.hpp"
-#include "plinth/Fingerprint.hpp"
+#include "plinth/ChangeSet.hpp"
 #include "plinth/Model.hpp"
 #include "plinth/ReferenceCollection.hpp"
+#include "plinth/diagnostics/Fingerprint.hpp"
 
 namespace collections_test {
 

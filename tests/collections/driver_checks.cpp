@@ -4,7 +4,8 @@
 #include <tessel_config_datamodel/runtime/CategoryState.hpp>
 
 #include "collections_driver.hpp"
-#include "plinth/Verify.hpp"
+#include "plinth/ChangeSet.hpp"
+#include "plinth/diagnostics/Verify.hpp"
 #include "real_model.hpp"
 
 namespace collections_test {
@@ -94,7 +95,7 @@ void Driver::compareElement(int id, PlainModel::Item const& item) {
   auto const container = m_plain.containers.find(id);
   bool const contained = container != m_plain.containers.end();
   expectEqual(idOf(element->container()), contained ? container->second.first : -1, "container of " + text(id));
-  auto const* const feature = element->basicContainmentFeature();
+  auto const* const feature = core(*element).basicContainmentFeature();
   std::u16string const name = contained ? nameOf(container->second.second) : u"";
   expectEqual(feature == nullptr ? std::u16string() : feature->getName(), name, "containment feature of " + text(id));
   if (owns(item.kind, Feature::TAGS_OF)) {
@@ -126,7 +127,7 @@ void Driver::comparePlace(Place const& place) {
   ModelElement const& owner = m_handles.at(place.first);
   for (View const& view : views) {
     if (view.parent != place.second) continue;
-    auto const* const subset = owner->referenceCollection(*propertyOf(owner, view.name).impl());
+    auto const* const subset = core(*owner).referenceCollection(*propertyOf(owner, view.name).impl());
     if (subset == nullptr) continue;
     Numbers shown;
     for (int const id : expected) {

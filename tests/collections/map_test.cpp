@@ -3,7 +3,9 @@
 
 #include <functional>
 
-#include "plinth/Verify.hpp"
+#include "plinth/ChangeSet.hpp"
+#include "plinth/ProxyId.hpp"
+#include "plinth/diagnostics/Verify.hpp"
 #include "plinth/sample_model.hpp"
 #include "refusal.hpp"
 

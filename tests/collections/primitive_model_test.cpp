@@ -5,6 +5,8 @@
 #include <random>
 #include <tessel_config_datamodel/data/StringParamData.hpp>
 
+#include "plinth/ChangeSet.hpp"
+
 namespace collections_test {
 namespace {
 

@@ -8,6 +8,7 @@
 #include <tessel_config_datamodel/schema/ControllerDef.hpp>
 #include <tessel_config_datamodel/schema/SchemaData.hpp>
 
+#include "plinth/ChangeSet.hpp"
 #include "plinth/FailurePoint.hpp"
 #include "plinth/collections/PrimitiveSet.hpp"
 #include "plinth/sample_model.hpp"

@@ -3,8 +3,10 @@
 
 #include <boost/uuid/uuid_io.hpp>
 
+#include "plinth/ChangeSet.hpp"
 #include "plinth/Freezer.hpp"
-#include "plinth/Verify.hpp"
+#include "plinth/ProxyId.hpp"
+#include "plinth/diagnostics/Verify.hpp"
 #include "plinth/sample_model.hpp"
 #include "refusal.hpp"
 
@@ -102,7 +104,7 @@ TEST_F(CollectionProxy, InASequenceOfChildrenMakesItsElementAChildAndNeverAnAnce
 
 TEST_F(CollectionProxy, ReplacedInASequenceComesBackWithBothEnds) {
   auto& contents = *s.category->getContents();
-  s.category->_basicAdd(&contents, proxy<ParamState>("late"));
+  core(*s.category)._basicAdd(&contents, proxy<ParamState>("late"));
   auto const before = contents.raw();
   {
     auto const transaction = s.model.beginTransaction();

@@ -6,7 +6,7 @@
 
 #include "groundwork/Except.hpp"
 #include "groundwork/Unicode.hpp"
-#include "plinth/Fingerprint.hpp"
+#include "plinth/diagnostics/Fingerprint.hpp"
 
 namespace collections_test {
 

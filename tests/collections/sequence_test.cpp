@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "plinth/Verify.hpp"
+#include "plinth/diagnostics/Verify.hpp"
 #include "plinth/sample_model.hpp"
 #include "refusal.hpp"
 

@@ -1,7 +1,7 @@
 // Sets of elements and the views that narrow a collection.
 #include <gmock/gmock.h>
 
-#include "plinth/Verify.hpp"
+#include "plinth/diagnostics/Verify.hpp"
 #include "plinth/sample_model.hpp"
 #include "refusal.hpp"
 

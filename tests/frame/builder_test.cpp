@@ -1,11 +1,13 @@
 // Builders: a tree in one step, or nothing at all.
 #include <gmock/gmock.h>
 
+#include <boost/dynamic_bitset.hpp>
 #include <tessel_config_datamodel/expr/BooleanOperationBuilder.hpp>
 #include <tessel_config_datamodel/expr/ConditionalOperation.hpp>
 #include <tessel_config_datamodel/expr/RefBuilder.hpp>
 
-#include "plinth/Census.hpp"
+#include "plinth/ChangeSet.hpp"
+#include "plinth/diagnostics/Census.hpp"
 #include "plinth/sample_model.hpp"
 #include "support/checks.hpp"
 

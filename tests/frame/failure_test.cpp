@@ -11,7 +11,8 @@
 #include <tessel_config_datamodel/schema/SchemaData.hpp>
 
 #include "kestrel/Array.hpp"
-#include "plinth/Census.hpp"
+#include "plinth/ChangeSet.hpp"
+#include "plinth/diagnostics/Census.hpp"
 #include "plinth/sample_model.hpp"
 #include "support/checks.hpp"
 

@@ -5,7 +5,7 @@
 #include <tessel_config_datamodel/frame/HostArrayText.hpp>
 #include <tessel_config_datamodel/runtime/ProductionState.hpp>
 
-#include "plinth/Fingerprint.hpp"
+#include "plinth/diagnostics/Fingerprint.hpp"
 #include "plinth/sample_model.hpp"
 
 using tessel::frame::hostArrayText;

@@ -12,10 +12,13 @@
 #include <random>
 #include <set>
 
+#include "plinth/ChangeSet.hpp"
+#include "plinth/ElementDirectory.hpp"
 #include "plinth/FailurePoint.hpp"
 #include "plinth/Freezer.hpp"
 #include "plinth/ModelDirectory.hpp"
-#include "plinth/ValueText.hpp"
+#include "plinth/ProxyId.hpp"
+#include "plinth/diagnostics/ValueText.hpp"
 #include "plinth/sample_model.hpp"
 #include "support/checks.hpp"
 #include "support/random_sequences.hpp"
@@ -198,7 +201,8 @@ class World {
     ModelElement const target = pick(step.d, [&](ModelElement const& each) {
       if (each && !each->getMetaClass()->conformsTo(*property.type())) return false;
       if (each && each->isProxy() && !isProxy) return false;
-      return isAny || (each && each->isProxy() == isProxy && each->modelIdentity() == element->modelIdentity());
+      return isAny ||
+             (each && each->isProxy() == isProxy && core(*each).modelIdentity() == core(*element).modelIdentity());
     });
     m_reading = {element, &property};
     m_told = nameOf(element) + "." + plinth::quoted(property.getName()) + ", target " + nameOf(target);
@@ -231,7 +235,7 @@ class World {
   static void put(ModelElement const& element, PropertyImpl& property, ModelElement const& far) {
     if (!element || !far) return;
     auto const model = element->getModel();
-    bool const isLocal = far->modelIdentity() == element->modelIdentity();
+    bool const isLocal = core(*far).modelIdentity() == core(*element).modelIdentity();
     auto const proxy = model->createProxy(far->getMetaClass(), far->getPersistentProxyId(isLocal));
     if (property.isMany()) {
       auto const value = element->getPropertyValue(Property(&property), ReflectionPrivateTag::IN_MEMORY_ONLY);
@@ -422,7 +426,7 @@ class World {
     if (!element) return "dead " + uuid;
     auto const name = element->getModel()->name();
     return std::string(name.begin(), name.end()) + ":" + element->getMetaClass()->narrowName() + " " + uuid +
-           (element->isProxy() ? " (proxy)" : "") + (element->isProvisional() ? " (new)" : "");
+           (element->isProxy() ? " (proxy)" : "") + (core(*element).isProvisional() ? " (new)" : "");
   }
 
   template <class Fits>
@@ -456,7 +460,7 @@ class World {
       auto const note = [&](ModelElement const& member) {
         if (!member.isEmpty()) members.push_back(to_string(member->getUuid()));
       };
-      if (auto const* const collection = property->isMany() ? element.referenceCollection(*property) : nullptr) {
+      if (auto const* const collection = property->isMany() ? core(element).referenceCollection(*property) : nullptr) {
         for (ModelElement const& member : collection->getAllValuesAndProxies()) note(member);
       } else if (!property->isMany()) {
         auto const value = element.getPropertyValue(Property(property), ReflectionPrivateTag::IN_MEMORY_ONLY);

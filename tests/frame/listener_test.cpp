@@ -1,13 +1,17 @@
 // What listeners are told: what an outermost commit created, changed and destroyed, with the old values, and no more.
 #include <gmock/gmock.h>
 
+#include <boost/dynamic_bitset.hpp>
 #include <functional>
 #include <tessel_config_datamodel/data/DoubleArrayParamData.hpp>
 #include <tessel_config_datamodel/runtime/ProductionState.hpp>
 
 #include "kestrel/Array.hpp"
-#include "plinth/Census.hpp"
+#include "plinth/ChangeSet.hpp"
+#include "plinth/ProxyId.hpp"
+#include "plinth/diagnostics/Census.hpp"
 #include "plinth/ReferenceCollection.hpp"
+#include "plinth/diagnostics/Census.hpp"
 #include "plinth/sample_model.hpp"
 #include "support/checks.hpp"
 #include "tessel_config_datamodel/frame/GeneratedClass.hpp"

@@ -6,6 +6,7 @@
 
 #include "plinth/Freezer.hpp"
 #include "plinth/ModelDirectory.hpp"
+#include "plinth/ProxyId.hpp"
 #include "plinth/sample_model.hpp"
 #include "support/checks.hpp"
 
@@ -203,9 +204,9 @@ TEST(Proxy, MayBeReplacedByTheLoaderThatIsAskedForIt) {
     return loaded;
   });
   auto& contents = *s.category->getContents();
-  s.category->_basicAdd(&contents, proxyOf<sample::runtime::ParamState>(s.model, u"another", "param"));
+  core(*s.category)._basicAdd(&contents, proxyOf<sample::runtime::ParamState>(s.model, u"another", "param"));
   EXPECT_THAT(contents.getAllValues(), testing::IsEmpty()) << "the loader has cleared it";
-  s.category->_basicAdd(&contents, proxyOf<sample::runtime::ParamState>(s.model, u"a third", "param"));
+  core(*s.category)._basicAdd(&contents, proxyOf<sample::runtime::ParamState>(s.model, u"a third", "param"));
   EXPECT_TRUE(contents.at(0).isEmpty());
   ModelDirectory::getInstance().setLoader({});
 }
@@ -429,11 +430,11 @@ TEST_F(Across, ConvertReferencesToProxiesComputesOneIdAndOnlyForFarEndsInOtherMo
   neighbour->setCategory(local);
   auto transaction = near.beginTransaction();
   boost::optional<ProxyId> id;
-  neighbour->convertReferencesToProxies(true, id);
+  core(*neighbour).convertReferencesToProxies(true, id);
   EXPECT_FALSE(id);
   EXPECT_FALSE(neighbour->hasCategory());
   id = ProxyId{u"x", u"given", std::u16string(u"near")};
-  param->convertReferencesToProxies(true, id);
+  core(*param).convertReferencesToProxies(true, id);
   auto const left = category->getContents()->getAllValuesAndProxies().front();
   EXPECT_TRUE(left->getProxyId() == id) << "the one that was handed in";
   EXPECT_FALSE(param->hasCategory() || param->hasTags());
@@ -442,7 +443,7 @@ TEST_F(Across, ConvertReferencesToProxiesComputesOneIdAndOnlyForFarEndsInOtherMo
 TEST_F(Across, ConvertReferencesToProxiesWithoutConversionJustDropsThem) {
   auto transaction = near.beginTransaction();
   boost::optional<ProxyId> id;
-  param->convertReferencesToProxies(false, id);
+  core(*param).convertReferencesToProxies(false, id);
   EXPECT_FALSE(id);
   EXPECT_FALSE(param->hasCategory() || param->hasTags());
   EXPECT_EQ(category->getContents()->getAllValuesAndProxies().front(), param);
@@ -490,14 +491,14 @@ TEST(Proxy, InAMapIsNoEntryUntilItResolvesAndStaysOutWhenItsKeyIsTaken) {
 TEST(Proxy, TellsWhetherItStandsForAnElement) {
   SampleModel s;
   auto& active = *plinth::meta::Property(sample::ext::ConfigStore::metaClass()->findProperty(u"ActiveProfile")).impl();
-  EXPECT_TRUE(s.store->inverseContainsProxyTo(*s.day.impl(), active));
-  EXPECT_FALSE(s.store->inverseContainsProxyTo(*s.night.impl(), active));
+  EXPECT_TRUE(core(*s.store).inverseContainsProxyTo(*s.day.impl(), active));
+  EXPECT_FALSE(core(*s.store).inverseContainsProxyTo(*s.night.impl(), active));
   auto const proxy = proxyOf(s.model, s.night, true);
   basicSet(s.store, u"ActiveProfile", proxy);
-  EXPECT_FALSE(s.store->inverseContainsProxyTo(*s.day.impl(), active));
-  EXPECT_TRUE(s.store->inverseContainsProxyTo(*s.night.impl(), active));
+  EXPECT_FALSE(core(*s.store).inverseContainsProxyTo(*s.day.impl(), active));
+  EXPECT_TRUE(core(*s.store).inverseContainsProxyTo(*s.night.impl(), active));
   basicSet(s.store, u"ActiveProfile", {});
-  EXPECT_FALSE(s.store->inverseContainsProxyTo(*s.night.impl(), active));
+  EXPECT_FALSE(core(*s.store).inverseContainsProxyTo(*s.night.impl(), active));
 }
 
 TEST(Proxy, EndsWithItsModelAndLeavesNothing) {

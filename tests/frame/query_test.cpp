@@ -7,6 +7,7 @@
 #include <tessel_config_datamodel/expr/Queries.hpp>
 #include <tessel_config_datamodel/expr/StringOperation.hpp>
 
+#include "plinth/ProxyId.hpp"
 #include "plinth/sample_model.hpp"
 #include "support/checks.hpp"
 

@@ -8,6 +8,7 @@
 #include <tessel_config_datamodel/runtime/ProductionState.hpp>
 
 #include "kestrel/Array.hpp"
+#include "plinth/ProxyId.hpp"
 #include "plinth/sample_model.hpp"
 #include "support/checks.hpp"
 #include "tessel_config_datamodel/frame/Attribute.hpp"
@@ -167,7 +168,7 @@ TEST(Setter, RefusesWithNothingChangedAndNoTransactionBegun) {
       {[&] { s.second->setKey(u"first"); }, "UniquenessConstraint"},
       {[&] { s.night->setId(u"day"); }, "UniquenessConstraint"},
       {[&] { dead->setId(u"x"); }, "CannotModifyDestroyedElement"},
-      {[&] { s.sum->basicSetContainer(s.store.impl(), nullptr, 0); }, "CannotModifyOutsideTransaction"},
+      {[&] { core(*s.sum).basicSetContainer(s.store.impl(), nullptr, 0); }, "CannotModifyOutsideTransaction"},
   };
   for (auto const& refusal : refusals) {
     EXPECT_EQ(raised(refusal.call), refusal.key);
@@ -252,7 +253,7 @@ TEST(QualifierSetter, IsNotBlockedByADeadEntry) {
   SampleModel s;
   auto const stray = sample::ext::ConfigEntry::create(s.model);
   stray->setKey(u"stray");
-  s.night->_basicAdd(s.night->getValues(), stray);  // held, but not contained: it dies without leaving the map
+  core(*s.night)._basicAdd(s.night->getValues(), stray);  // held, but not contained: it dies without leaving the map
   stray->destroy();
   auto const entry = sample::ext::ConfigEntry::create(s.model);
   entry->setKey(u"entry");

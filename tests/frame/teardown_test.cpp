@@ -5,6 +5,8 @@
 #include <tessel_config_datamodel/expr/ConditionalOperation.hpp>
 #include <tessel_config_datamodel/schema/SchemaData.hpp>
 
+#include "plinth/ChangeSet.hpp"
+#include "plinth/ProxyId.hpp"
 #include "plinth/sample_model.hpp"
 #include "support/checks.hpp"
 
@@ -38,7 +40,8 @@ TEST(Teardown, DetachesFromTheFarEndsOfOppositesAndClearsReferences) {
   s.category->destroy();
   EXPECT_TRUE(s.second->getCategory().isEmpty());
   s.store->destroy();
-  EXPECT_EQ(s.store.impl()->refCount(), 2U) << "the handle, and the reference of the configuration to what is dead";
+  EXPECT_EQ(core(*s.store.impl()).refCount(), 2U)
+      << "the handle, and the reference of the configuration to what is dead";
   EXPECT_EQ(s.configuration->getConfigStore(), s.store);
   EXPECT_FALSE(s.configuration->hasConfigStore());
   EXPECT_TRUE(isSound(s.model));
@@ -56,7 +59,7 @@ TEST(Teardown, EndsChildrenInTheOrderOfTheirPropertiesAndThenTheirContainer) {
   auto const listening = s.model.addListener([&](plinth::ChangeSet const& changes) { ended = changes.destroyed(); });
   conditional->destroy();
   EXPECT_THAT(ended, testing::ElementsAre(branch, leaf, inner, last, conditional));
-  EXPECT_EQ(raised([&] { s.volume->destroyRecursively(true, false, true); }), "CannotModifyOutsideTransaction");
+  EXPECT_EQ(raised([&] { core(*s.volume).destroyRecursively(true, false, true); }), "CannotModifyOutsideTransaction");
   EXPECT_TRUE(s.volume);
   EXPECT_TRUE(isSound(s.model));
 }
@@ -132,13 +135,13 @@ TEST(InverseRemove, ClearsASingleReferenceWhateverItIsGiven) {
   SampleModel s;
   auto& active = *plinth::meta::Property(sample::ext::ConfigStore::metaClass()->findProperty(u"ActiveProfile")).impl();
   auto transaction = s.model.beginTransaction();
-  s.store->inverseRemove(*s.night.impl(), active);
+  core(*s.store).inverseRemove(*s.night.impl(), active);
   EXPECT_TRUE(s.store->getActiveProfile().isEmpty());
-  s.store->inverseAdd(*s.night.impl(), active);
+  core(*s.store).inverseAdd(*s.night.impl(), active);
   EXPECT_EQ(s.store->getActiveProfile(), s.night);
   auto& foreign = *plinth::meta::Property(sample::ext::ConfigEntry::metaClass()->findProperty(u"Data")).impl();
-  EXPECT_EQ(raised([&] { s.store->inverseAdd(*s.night.impl(), foreign); }), "NoSuchProperty");
-  EXPECT_EQ(raised([&] { s.store->inverseRemove(*s.night.impl(), foreign); }), "NoSuchProperty");
+  EXPECT_EQ(raised([&] { core(*s.store).inverseAdd(*s.night.impl(), foreign); }), "NoSuchProperty");
+  EXPECT_EQ(raised([&] { core(*s.store).inverseRemove(*s.night.impl(), foreign); }), "NoSuchProperty");
 }
 
 }  // namespace

@@ -5,6 +5,8 @@
 #include <functional>
 #include <random>
 
+#include "plinth/ChangeSet.hpp"
+#include "plinth/ElementDirectory.hpp"
 #include "plinth/Freezer.hpp"
 #include "plinth/Query.hpp"
 #include "plinth/sample_model.hpp"

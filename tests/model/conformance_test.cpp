@@ -1,12 +1,17 @@
 // What holds for every class of the model, checked on every class that can be instantiated, by reflection.
 #include <gmock/gmock.h>
 
+#include <boost/dynamic_bitset.hpp>
+#include <boost/optional.hpp>
+
 #include "model/specimen.hpp"
-#include "plinth/Census.hpp"
+#include "plinth/ChangeSet.hpp"
+#include "plinth/ProxyId.hpp"
 #include "plinth/collections/ElementMapBase.hpp"
 #include "plinth/collections/ReferenceSequence.hpp"
 #include "plinth/collections/ReferenceSet.hpp"
 #include "plinth/collections/SubsetView.hpp"
+#include "plinth/diagnostics/Census.hpp"
 
 using namespace support;  // NOLINT: the vocabulary of these checks
 
@@ -80,9 +85,9 @@ TEST(EveryClass, NumbersItsPropertiesAlongItsBases) {
     auto const last = static_cast<unsigned long>(index);
     EXPECT_TRUE(s.element->getPropertyByIndex(0).isEmpty());
     EXPECT_TRUE(s.element->getPropertyByIndex(last + 1).isEmpty());
-    std::unique_ptr<plinth::Changes> const changes(s.element->createChanges());
+    std::unique_ptr<plinth::Changes> const changes(core(*s.element).createChanges());
     EXPECT_EQ(changes->changeBits().size(), last);
-    std::unique_ptr<Storage> const storage(s.element->createStorage());
+    std::unique_ptr<Storage> const storage(core(*s.element).createStorage());
     EXPECT_EQ(storage->changeBits().size(), last + 1);
     EXPECT_EQ(s.metaClass.instantiateBuilder(s.model)->setMask().size(), last + 1);
   });
@@ -261,8 +266,8 @@ TEST(EveryProperty, OfAProxyOrADeadElementRefusesToBeSetOrReadAsACollection) {
     auto const proxy = s.model->createProxy(s.element->getMetaClass(), s.element->getPersistentProxyId(true));
     if (isElementTyped(property)) {
       ModelElement const member = s.specimens.builder(*property.type())->create();
-      EXPECT_EQ(raised([&] { proxy->inverseAdd(*member, property); }), "CannotModifyProxy");
-      EXPECT_EQ(raised([&] { proxy->inverseRemove(*member, property); }), "CannotModifyProxy");
+      EXPECT_EQ(raised([&] { core(*proxy).inverseAdd(*member, property); }), "CannotModifyProxy");
+      EXPECT_EQ(raised([&] { core(*proxy).inverseRemove(*member, property); }), "CannotModifyProxy");
     }
     if (property.isMany()) {
       for (auto const* tag : {&ReflectionPrivateTag::PUBLIC_ACCESS, &ReflectionPrivateTag::IN_MEMORY_ONLY,
@@ -321,7 +326,7 @@ TEST(EveryClass, TornDownTakesItsChildrenAndLeavesNoLinkBehind) {
   forEveryClass([](Specimen& s) {
     s.specimens.changeAll(s.element);
     std::vector<plinth::ModelElementImpl*> contained;
-    s.element->collectContained(contained);
+    core(*s.element).collectContained(contained);
     std::vector<ModelElement> children;
     for (auto* child : contained) children.emplace_back(child);
     Snapshot const before(s.model);
@@ -336,7 +341,7 @@ TEST(EveryClass, TornDownTakesItsChildrenAndLeavesNoLinkBehind) {
     s.element->destroy();
     EXPECT_EQ(s.model->elementCount(), count - 1 - children.size());
     for (auto const& child : children) EXPECT_FALSE(child);
-    EXPECT_EQ(s.element.impl()->refCount(), 1U) << "only the handle of this test is left";
+    EXPECT_EQ(core(*s.element.impl()).refCount(), 1U) << "only the handle of this test is left";
   });
 }
 

@@ -2,6 +2,7 @@
 // whatever they say.
 #include <gtest/gtest.h>
 
+#include <boost/optional.hpp>
 #include <tessel_config_datamodel/data/EnumOption.hpp>
 
 #include "model/specimen.hpp"

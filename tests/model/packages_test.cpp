@@ -10,6 +10,7 @@
 #include <tessel_config_datamodel/runtime.hpp>
 #include <tessel_config_datamodel/schema.hpp>
 
+#include "plinth/ElementDirectory.hpp"
 #include "plinth/sample_model.hpp"
 #include "support/checks.hpp"
 #include "support/specimens.hpp"
@@ -218,7 +219,7 @@ std::set<std::string> shapeOf(plinth::Model const& model) {
   for (auto const* root : {schema::SchemaData::metaClass().impl(), runtime::ConfigurationState::metaClass().impl()}) {
     for (auto* element : model->directory().elementsOf(*root)) order.push_back(element);
   }
-  for (std::size_t i = 0; i < order.size(); ++i) order[i]->collectContained(order);
+  for (std::size_t i = 0; i < order.size(); ++i) core(*order[i]).collectContained(order);
   EXPECT_EQ(order.size(), model->elementCount());
   std::map<std::string, std::string> numbers;
   for (auto* element : order)

@@ -9,7 +9,7 @@
 #include <tessel_config_datamodel/meta/MetaPackageTessel_config_datamodel.hpp>
 #include <vector>
 
-#include "plinth/ValueText.hpp"
+#include "plinth/diagnostics/ValueText.hpp"
 #include "support/checks.hpp"
 #include "support/specimens.hpp"
 

@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "plinth/ValueText.hpp"
+#include "plinth/diagnostics/ValueText.hpp"
 #include "tessel_config_datamodel/frame/Builders.hpp"
 #include "tessel_config_datamodel/frame/Queries.hpp"
 

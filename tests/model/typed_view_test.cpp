@@ -4,7 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <boost/dynamic_bitset.hpp>
+
 #include "model/specimen.hpp"
+#include "plinth/ChangeSet.hpp"
 
 using namespace support;  // NOLINT: the vocabulary of these checks
 

@@ -9,7 +9,7 @@
 
 #include "plinth/AbstractPrimitiveCollection.hpp"
 #include "plinth/Model.hpp"
-#include "plinth/ValueText.hpp"
+#include "plinth/diagnostics/ValueText.hpp"
 #include "support/checks.hpp"
 
 namespace {

@@ -1,8 +1,9 @@
 // The census counts what lives, in a model and in the process.
-#include "plinth/Census.hpp"
+#include "plinth/diagnostics/Census.hpp"
 
 #include <gmock/gmock.h>
 
+#include "plinth/ProxyId.hpp"
 #include "sample_model.hpp"
 
 using plinth::Census;

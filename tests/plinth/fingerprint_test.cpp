@@ -1,5 +1,5 @@
 // A fingerprint tells all of a model's state and nothing else, and names where two states part.
-#include "plinth/Fingerprint.hpp"
+#include "plinth/diagnostics/Fingerprint.hpp"
 
 #include <gmock/gmock.h>
 
@@ -9,8 +9,10 @@
 #include <limits>
 
 #include "plinth/Builder.hpp"
-#include "plinth/ValueText.hpp"
-#include "plinth/Verify.hpp"
+#include "plinth/ElementDirectory.hpp"
+#include "plinth/ProxyId.hpp"
+#include "plinth/diagnostics/ValueText.hpp"
+#include "plinth/diagnostics/Verify.hpp"
 #include "plinth/meta/MetaRegistry.hpp"
 #include "sample_model.hpp"
 #include "support/checks.hpp"

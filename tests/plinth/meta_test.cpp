@@ -1,6 +1,7 @@
 // Handles of the metamodel's own elements.
 #include <gtest/gtest.h>
 
+#include "plinth/ElementDirectory.hpp"
 #include "plinth/meta/MetaRegistry.hpp"
 #include "sample_model.hpp"
 
@@ -24,7 +25,7 @@ void expectCasts() {
     for (auto* const impl : model->directory().all()) {
       bool const isOne = ((dynamic_cast<Implementations const*>(impl) != nullptr) || ...);
       auto const cast = plinth::element_cast<Handle>(ModelElement(impl));
-      EXPECT_EQ(cast.elementImpl(), isOne ? impl : nullptr) << impl->getMetaClass()->narrowName();
+      EXPECT_EQ(cast.ModelElement::impl(), isOne ? impl : nullptr) << impl->getMetaClass()->narrowName();
       count += isOne ? 1 : 0;
     }
   }

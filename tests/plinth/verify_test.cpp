@@ -1,11 +1,12 @@
 // A sound model gives no finding; each way to break one gives the finding that names it.
-#include "plinth/Verify.hpp"
+#include "plinth/diagnostics/Verify.hpp"
 
 #include <gmock/gmock.h>
 
 #include <functional>
 #include <regex>
 
+#include "plinth/ProxyId.hpp"
 #include "plinth/meta/MetaRegistry.hpp"
 #include "sample_model.hpp"
 
@@ -84,43 +85,43 @@ TEST_P(VerifyBreach, IsNamedByRulePathAndProperty) {
 std::vector<Breach> breaches() {
   return {
       {"ChildWithoutContainerLink",
-       [](SampleModel& s) { s.volume->basicSetContainer(nullptr, nullptr, plinth::ModelElementImpl::NO_INDEX); },
+       [](SampleModel& s) { core(*s.volume).basicSetContainer(nullptr, nullptr, plinth::ModelElementImpl::NO_INDEX); },
        {"containment", "ConfigStore{}/Profiles[day]", "Values", "ConfigEntry{} to have it as its container link",
         "no container"}},
       {"ContainerThatDoesNotHoldTheChild",
-       [](SampleModel& s) { s.volume->basicSetContainer(s.night.impl(), &property(s.night, u"Values"), 0); },
+       [](SampleModel& s) { core(*s.volume).basicSetContainer(s.night.impl(), &property(s.night, u"Values"), 0); },
        {"containment", "ConfigStore{}/Profiles[night]/Values[volume]", "Values", "a container that holds it",
         "Values of ConfigProfile{}"}},
       {"ContainmentCycle",
        [](SampleModel& s) {
          auto const inner = sample::expr::NumericOperation::create(s.model);
          s.sum->getOperandsMutable()->add(inner);
-         inner->_basicAdd(inner->getOperandsMutable(), s.sum);
-         s.sum->basicSetContainer(inner.impl(), &property(inner, u"Operands"), 0);
+         core(*inner)._basicAdd(inner->getOperandsMutable(), s.sum);
+         core(*s.sum).basicSetContainer(inner.impl(), &property(inner, u"Operands"), 0);
        },
        {"containment cycle", ".../Operands[2]/Operands[0]", "", "no element to contain itself",
         "NumericOperation{} inside itself"}},
       {"OneSidedReference",
-       [](SampleModel& s) { s.category->_basicRemove(s.category->getContentsMutable(), s.first); },
+       [](SampleModel& s) { core(*s.category)._basicRemove(s.category->getContentsMutable(), s.first); },
        {"opposite", "ConfigurationState{}/Params[first]", "Category", "CategoryState{} to list it in Contents",
         "no entry there"}},
       {"OneSidedCollection",
-       [](SampleModel& s) { s.tag->_basicRemove(s.tag->getTaggedMutable(), s.first); },
+       [](SampleModel& s) { core(*s.tag)._basicRemove(s.tag->getTaggedMutable(), s.first); },
        {"opposite", "ConfigurationState{}/Params[first]", "Tags", "TagState{} to list it in Tagged", "no entry there"}},
       {"ForeignKey",
        [](SampleModel& s) {
          auto const stray = sample::ext::ConfigEntry::create(s.model, {});
          stray->setKey(u"old");
-         s.day->_basicAdd(s.day->getValuesMutable(), stray);
+         core(*s.day)._basicAdd(s.day->getValuesMutable(), stray);
          stray->setKey(u"new");
-         stray->basicSetContainer(s.day.impl(), &property(s.day, u"Values"), 0);
+         core(*stray).basicSetContainer(s.day.impl(), &property(s.day, u"Values"), 0);
        },
        {"key", "ConfigStore{}/Profiles[day]", "Values", "the key \"new\"", "\"old\""}},
       {"DeadChild",
        [](SampleModel& s) {
          auto const stray = sample::ext::ConfigEntry::create(s.model, {});
          stray->setKey(u"stray");
-         s.day->_basicAdd(s.day->getValuesMutable(), stray);
+         core(*s.day)._basicAdd(s.day->getValuesMutable(), stray);
          stray->destroy();
        },
        {"target", "ConfigStore{}/Profiles[day]", "Values", "a live element", "the dead ConfigEntry{}"}},
@@ -133,10 +134,10 @@ INSTANTIATE_TEST_SUITE_P(Each, VerifyBreach, testing::ValuesIn(breaches()),
 TEST(Verify, FindsAReferenceThatWasGivenBackTwice) {
   SampleModel sample;
   auto* const element = sample.left.impl();
-  std::uint32_t const excess = element->refCount() - 1;
-  for (std::uint32_t i = 0; i < excess; ++i) element->removeRef();
+  std::uint32_t const excess = core(*element).refCount() - 1;
+  for (std::uint32_t i = 0; i < excess; ++i) core(*element).removeRef();
   std::vector<Finding> const findings = verify(sample.model);
-  for (std::uint32_t i = 0; i < excess; ++i) element->addRef();
+  for (std::uint32_t i = 0; i < excess; ++i) core(*element).addRef();
   ASSERT_THAT(findings, testing::SizeIs(1));
   EXPECT_EQ(withoutUuids(findings.front().text()),
             "reference count of NumericOperation{}/Operands[0]: expected at least 2, found 1");

@@ -3,7 +3,7 @@
 // Thread rule: a test's own threads have ended when the test has.
 #include <gtest/gtest.h>
 
-#include "plinth/Census.hpp"
+#include "plinth/diagnostics/Census.hpp"
 
 namespace {
 

@@ -10,8 +10,9 @@
 #include <utility>
 
 #include "groundwork/Except.hpp"
-#include "plinth/Fingerprint.hpp"
-#include "plinth/Verify.hpp"
+#include "plinth/ChangeSet.hpp"
+#include "plinth/diagnostics/Fingerprint.hpp"
+#include "plinth/diagnostics/Verify.hpp"
 #include "tessel_config_datamodel/frame/SingleElement.hpp"
 
 namespace support {

@@ -9,7 +9,7 @@
 #include "kestrel/Array.hpp"
 #include "plinth/Builder.hpp"
 #include "plinth/ReferenceCollection.hpp"
-#include "plinth/ValueText.hpp"
+#include "plinth/diagnostics/ValueText.hpp"
 #include "plinth/meta/MetaRegistry.hpp"
 #include "plinth/meta/Serializers.hpp"
 #include "tessel_config_datamodel/frame/GeneratedClass.hpp"

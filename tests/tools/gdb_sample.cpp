@@ -5,6 +5,8 @@
 
 #include "groundwork/NameUuid.hpp"
 #include "plinth/Model.hpp"
+#include "groundwork/NameUuid.hpp"
+#include "plinth/ProxyId.hpp"
 
 namespace ext = tessel::internal::ext;
 

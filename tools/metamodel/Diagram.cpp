@@ -1,6 +1,7 @@
 #include "Diagram.hpp"
 
 #include <algorithm>
+#include <boost/optional.hpp>
 #include <groundwork/Unicode.hpp>
 #include <utility>
 

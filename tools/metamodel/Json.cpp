@@ -1,5 +1,6 @@
 #include "Json.hpp"
 
+#include <boost/optional.hpp>
 #include <groundwork/Unicode.hpp>
 #include <nlohmann/json.hpp>
 

@@ -1,6 +1,7 @@
 #include "Tree.hpp"
 
 #include <algorithm>
+#include <boost/optional.hpp>
 #include <groundwork/Unicode.hpp>
 #include <iomanip>
 

@@ -10,7 +10,7 @@
 #include "Interpreter.hpp"
 #include "Prompt.hpp"
 #include "corvid/Host.hpp"
-#include "plinth/Census.hpp"
+#include "plinth/diagnostics/Census.hpp"
 
 // The library's entries for a host.
 extern "C" void MLInitialize_tessel_config_datamodel();

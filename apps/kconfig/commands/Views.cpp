@@ -4,8 +4,8 @@
 
 #include <iomanip>
 #include <iostream>
-#include <plinth/Census.hpp>
-#include <plinth/Verify.hpp>
+#include <plinth/diagnostics/Census.hpp>
+#include <plinth/diagnostics/Verify.hpp>
 #include <tessel_config_datamodel/data/IntegerParamData.hpp>
 #include <tessel_config_datamodel/runtime/MetaMessage.hpp>
 #include <tessel_config_datamodel/runtime/TagState.hpp>

@@ -5,8 +5,8 @@
 
 #include <filesystem>
 #include <fstream>
-#include <plinth/Fingerprint.hpp>
-#include <plinth/Verify.hpp>
+#include <plinth/diagnostics/Fingerprint.hpp>
+#include <plinth/diagnostics/Verify.hpp>
 #include <sstream>
 
 #include "TreeFixture.hpp"

@@ -1,5 +1,6 @@
 #include "plinth/AbstractOwnedCollection.hpp"
 
+#include "ModelState.hpp"
 #include "plinth/FailurePoint.hpp"
 
 namespace plinth {
@@ -37,14 +38,14 @@ AbstractOwnedCollection::~AbstractOwnedCollection() = default;
 
 CollectionJournal* AbstractOwnedCollection::beginRecording() {
   if (m_owner == nullptr) return nullptr;
-  if (m_owner->needsNoOldValues()) {
+  if (internal::core(*m_owner).needsNoOldValues()) {
     // Steps that an inner transaction handed over don't fit what comes now. The owner ends with the level that created
     // it, so nobody needs them.
     if (m_journal != nullptr) m_journal->forget();
     return nullptr;
   }
   failurePoint("collection-modifying");
-  m_owner->notifyJournaling(static_cast<unsigned long>(m_property->index()));
+  internal::core(*m_owner).notifyJournaling(static_cast<unsigned long>(m_property->index()));
   if (m_journal == nullptr) m_journal = makeJournal();
   if (OldCollection* const sealed = m_journal->m_sealed) {  // a listener changes what it is being told about
     sealed->contents();
@@ -52,7 +53,7 @@ CollectionJournal* AbstractOwnedCollection::beginRecording() {
     sealed->m_source = nullptr;
     m_journal->clear();
   }
-  m_owner->model().m_log.touch(*m_journal);
+  internal::stateOf(m_owner->model()).log.touch(*m_journal);
   return m_journal.get();
 }
 

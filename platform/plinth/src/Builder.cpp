@@ -1,7 +1,9 @@
 #include "plinth/Builder.hpp"
 
+#include <boost/dynamic_bitset.hpp>
 #include <utility>
 
+#include "plinth/CascadeSteps.hpp"
 #include "plinth/FailurePoint.hpp"
 #include "plinth/Step.hpp"
 #include "plinth/Value.hpp"
@@ -35,7 +37,7 @@ Orchestrator::Orchestrator(ModelElementBuilder* root, Builders builders)
 }
 
 Orchestrator::~Orchestrator() {
-  while (m_builders != nullptr) remove(*m_builders);
+  while (m_builders != nullptr) removeBuilder(*m_builders);
 }
 
 void Orchestrator::addBuilder(ModelElementBuilder* builder) {
@@ -48,7 +50,7 @@ void Orchestrator::addBuilder(ModelElementBuilder* builder) {
   if (builder->m_model != m_root->m_model) builder->m_model = m_root->m_model;
 }
 
-void Orchestrator::remove(ModelElementBuilder& builder) noexcept {
+void Orchestrator::removeBuilder(ModelElementBuilder& builder) noexcept {
   ModelElementBuilder* const next = std::exchange(builder.m_next, nullptr);
   ModelElementBuilder* const previous = std::exchange(builder.m_previous, nullptr);
   if (next != nullptr) next->m_previous = previous;
@@ -131,9 +133,7 @@ void ModelElementBuilder::setOrAdd(meta::Property const& property, std::unique_p
       messages::NoSuchProperty(property.isEmpty() ? u"" : property->getName(), getMetaClass()->getQualifiedName()));
 }
 
-boost::dynamic_bitset<std::uint64_t> ModelElementBuilder::setMask() const {
-  return boost::dynamic_bitset<std::uint64_t>(m_bits, m_setMask);
-}
+BitSet ModelElementBuilder::setMask() const { return BitSet(m_bits, m_setMask); }
 
 void ModelElementBuilder::cascadeCreation(ModelElementImpl&, CascadeSteps&) {}
 
@@ -147,7 +147,7 @@ namespace {
 
 }  // namespace
 
-void takeDown(std::unique_ptr<ModelElementBuilder> builder) noexcept {
+void Orchestrator::takeDown(std::unique_ptr<ModelElementBuilder> builder) noexcept {
   if (builder == nullptr) return;
   builder->leaveOrchestrator();
   // The destructor of a builder hands its children in here again: they wait in the list of the outermost call.
@@ -159,6 +159,12 @@ void takeDown(std::unique_ptr<ModelElementBuilder> builder) noexcept {
     std::unique_ptr<ModelElementBuilder> const last(std::exchange(waiting, waiting->m_next));
   }
   isRunning = false;
+}
+
+void takeDown(std::unique_ptr<ModelElementBuilder> builder) noexcept { Orchestrator::takeDown(std::move(builder)); }
+
+ModelElement Orchestrator::makeProxy(ModelElementBuilder& builder, boost::uuids::uuid const& uuid) {
+  return builder.doCreate(true, uuid);
 }
 
 }  // namespace plinth

@@ -7,9 +7,9 @@
 namespace plinth {
 
 void ChangePublisher::Pending::clear() noexcept {
-  changes.m_created.clear();
-  changes.m_changed.clear();
-  changes.m_destroyed.clear();
+  m_created.clear();
+  m_changed.clear();
+  m_destroyed.clear();
   for (Storage* record : records) delete record;
   records.clear();
 }
@@ -75,14 +75,15 @@ void ChangePublisher::discard() noexcept {
 }
 
 void ChangePublisher::gather(UndoLog& log) {
-  ChangeSet& changes = m_gathered->changes;
+  Pending& changes = *m_gathered;
   std::size_t records = 0;
   log.forEachRecord([&](ModelElementImpl& element) {
     ++records;
+    Storage* const record = internal::core(element).m_record;
     // The element was there before; if it is still, it may have changed.
-    if (!element.isLive() || element.m_record == nullptr) return;
-    element.m_record->revertUnchanged(&element);
-    if (element.m_record->bits() != 0) changes.m_changed.push_back(element.m_record);
+    if (!element.isLive() || record == nullptr) return;
+    record->revertUnchanged(&element);
+    if (record->bits() != 0) changes.m_changed.push_back(record);
   });
   m_gathered->records.reserve(records);
   log.forEachLife(
@@ -90,15 +91,15 @@ void ChangePublisher::gather(UndoLog& log) {
         if (element.isLive()) changes.m_created.emplace_back(&element);
       },
       [&](ModelElementImpl& element) {
-        if (element.m_createdLevel == ModelElementImpl::NO_LEVEL) changes.m_destroyed.emplace_back(&element);
+        if (!internal::core(element).isProvisional()) changes.m_destroyed.emplace_back(&element);
       });
   failurePoint("collect-changes");
 }
 
 void ChangePublisher::takeOver(UndoLog& log) noexcept {
   log.forEachRecord([&](ModelElementImpl& element) {
-    if (element.m_record == nullptr) return;
-    Storage* const record = std::exchange(element.m_record, nullptr);
+    Storage* const record = std::exchange(internal::core(element).m_record, nullptr);
+    if (record == nullptr) return;
     if (element.isLive()) {
       m_gathered->records.push_back(record);
       record->sealOldValues();
@@ -116,7 +117,7 @@ void ChangePublisher::publish() noexcept {
   while (!m_queue.empty()) {
     std::unique_ptr<Pending> pending = std::move(m_queue.front());
     m_queue.pop_front();
-    if (!pending->changes.empty()) tell(*pending);
+    if (!pending->empty()) tell(*pending);
     pending->clear();
     m_spare = std::move(pending);
   }
@@ -131,7 +132,7 @@ void ChangePublisher::tell(Pending const& pending) noexcept {
     Listener& listener = *listeners->all[i];
     if (!listener.isRegistered || listener.since >= pending.serial) continue;
     try {
-      listener.function(pending.changes);
+      listener.function(pending);
     } catch (...) {
       noteError(std::current_exception());
     }

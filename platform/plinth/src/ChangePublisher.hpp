@@ -11,6 +11,7 @@
 #include <memory>
 #include <vector>
 
+#include "UndoLog.hpp"
 #include "plinth/ChangeSet.hpp"
 #include "plinth/Model.hpp"
 
@@ -57,8 +58,10 @@ class ChangePublisher {
     /// Takes out what was removed while its function could have been running.
     void prune() noexcept;
   };
-  struct Pending {
-    ChangeSet changes;
+  struct Pending : ChangeSet {
+    using ChangeSet::m_changed;
+    using ChangeSet::m_created;
+    using ChangeSet::m_destroyed;
     std::vector<Storage*> records;
     std::uint64_t serial = 0;
     void clear() noexcept;

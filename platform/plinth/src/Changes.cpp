@@ -1,5 +1,8 @@
 #include "plinth/Changes.hpp"
 
+#include <boost/dynamic_bitset.hpp>
+
+#include "RecordPool.hpp"
 #include "plinth/Messages.hpp"
 #include "plinth/Model.hpp"
 #include "plinth/Value.hpp"
@@ -11,9 +14,7 @@ Changes::~Changes() = default;
 
 Model Changes::getModel() const noexcept { return Model(m_model); }
 
-boost::dynamic_bitset<std::uint64_t> Changes::changeBits() const {
-  return boost::dynamic_bitset<std::uint64_t>(m_count, m_bits);
-}
+BitSet Changes::changeBits() const { return BitSet(m_count, m_bits); }
 
 Storage::~Storage() = default;
 
@@ -23,8 +24,8 @@ void Storage::setOldContainer(ModelElement const& container, meta::Property cons
 }
 
 void Storage::revertUnchanged(ModelElementImpl* element) {
-  if (isChanged(0) && element->basicContainer() == m_oldContainer.impl() &&
-      element->basicContainmentFeature() == m_oldContainmentProperty) {
+  if (isChanged(0) && internal::core(*element).basicContainer() == m_oldContainer.impl() &&
+      internal::core(*element).basicContainmentFeature() == m_oldContainmentProperty) {
     clearBit(0);
   }
 }

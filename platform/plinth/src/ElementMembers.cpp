@@ -1,4 +1,4 @@
-#include "ElementMembers.hpp"
+#include "plinth/ElementMembers.hpp"
 
 #include <algorithm>
 
@@ -19,7 +19,7 @@ bool holdsElements(meta::PropertyImpl const& property) noexcept {
 
 std::vector<ModelElement> membersOf(ModelElementImpl const& element, meta::PropertyImpl& property) {
   if (property.isMany()) {
-    ReferenceCollection const* const collection = element.referenceCollection(property);
+    ReferenceCollection const* const collection = core(element).referenceCollection(property);
     return collection == nullptr ? std::vector<ModelElement>() : collection->getAllValuesAndProxies();
   }
   Value const value = element.getPropertyValue(meta::Property(&property), ReflectionPrivateTag::IN_MEMORY_ONLY);

@@ -1,14 +1,19 @@
-#include "plinth/LevelTies.hpp"
+#include "LevelTies.hpp"
 
 #include <algorithm>
 
+#include "ModelState.hpp"
 #include "plinth/Messages.hpp"
-#include "plinth/Model.hpp"
 
 namespace plinth {
+
+using internal::ModelState;
+
 namespace {
 
-ModelImpl& modelOf(Handle const& handle) noexcept { return static_cast<ModelImpl&>(*handle.elementImpl()); }
+ModelState& modelOf(Handle const& handle) noexcept {
+  return internal::stateOf(static_cast<ModelImpl&>(*handle.elementImpl()));
+}
 
 }  // namespace
 
@@ -18,24 +23,24 @@ LevelTies::Fate LevelTies::fateOf(std::uint32_t level) const noexcept {
   return found == m_leaders.end() ? Fate(m_model, level) : found->fate;
 }
 
-void LevelTies::takeAlong(ModelImpl& far) {
+void LevelTies::takeAlong(ModelState& far) {
   std::uint32_t const level = m_model->level();
   if (level == 0) reportException(messages::CannotModifyOutsideTransaction());
   Fate const fate = fateOf(level);
   if (far.level() > 0) {
-    Fate const there = far.m_ties.fateOf(far.level());
+    Fate const there = far.ties.fateOf(far.level());
     if (there == fate) return;
     // One that ends later than this one does, and only after it, may enclose what is tied to this one.
     std::uint32_t around = level - 1;
     while (around > 0 && fateOf(around) != there) --around;
     if (around == 0) reportException(messages::OtherModelInTransaction(m_model->name(), far.name()));
   }
-  far.m_ties.m_leaders.reserve(far.m_ties.m_leaders.size() + 1);
+  far.ties.m_leaders.reserve(far.ties.m_leaders.size() + 1);
   std::list<Follower> follower;
   follower.push_back({fate.second, Handle(&far), far.level() + 1});
   far.begin(false);
-  far.m_ties.m_leaders.push_back({far.level(), fate});
-  fate.first->m_ties.m_followers.splice(fate.first->m_ties.m_followers.end(), follower);
+  far.ties.m_leaders.push_back({far.level(), fate});
+  fate.first->ties.m_followers.splice(fate.first->ties.m_followers.end(), follower);
 }
 
 void LevelTies::requireFollowersInnermost() const {
@@ -49,17 +54,17 @@ void LevelTies::requireFollowersInnermost() const {
 
 void LevelTies::handDown() noexcept {
   Fate const fate = fateOf(m_model->level());
-  std::list<Follower>& others = fate.first->m_ties.m_followers;
+  std::list<Follower>& others = fate.first->ties.m_followers;
   for (auto at = m_followers.begin(); at != m_followers.end();) {
     auto const follower = at++;
     if (follower->level <= m_model->level()) continue;
-    ModelImpl& model = modelOf(follower->model);
-    LevelTies& ties = model.m_ties;
+    ModelState& model = modelOf(follower->model);
+    LevelTies& ties = model.ties;
     follower->level = fate.second;
     ties.m_leaders.back().fate = fate;
     if (follower->itsLevel > 1 && ties.fateOf(follower->itsLevel - 1) == fate) {
       ties.m_leaders.pop_back();
-      model.m_log.commitInner();
+      model.log.commitInner();
       m_followers.erase(follower);
     } else if (fate.first != m_model) {
       others.splice(others.end(), m_followers, follower);
@@ -90,9 +95,9 @@ bool LevelTies::rollBackTied() noexcept {
     if (at == m_followers.end()) return false;
     Follower const follower = std::move(*at);
     m_followers.erase(at);
-    ModelImpl& model = modelOf(follower.model);
+    ModelState& model = modelOf(follower.model);
     while (model.level() > follower.itsLevel) model.rollBack();
-    model.m_ties.m_leaders.pop_back();
+    model.ties.m_leaders.pop_back();
     model.rollBack();
   }
 }

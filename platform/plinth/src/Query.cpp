@@ -1,6 +1,7 @@
 #include "plinth/Query.hpp"
 
-#include "ElementMembers.hpp"
+#include "plinth/ElementDirectory.hpp"
+#include "plinth/ElementMembers.hpp"
 
 namespace plinth::query {
 

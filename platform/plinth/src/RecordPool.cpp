@@ -1,4 +1,4 @@
-#include "plinth/RecordPool.hpp"
+#include "RecordPool.hpp"
 
 #include <new>
 

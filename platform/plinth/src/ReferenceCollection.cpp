@@ -11,7 +11,7 @@ void GenericCollectionInterface::genericEnsureAt(ModelElement const& element, st
 ReferenceCollection::~ReferenceCollection() = default;
 
 void ReferenceCollection::checkCompatibleModel(ModelElementImpl* element) const {
-  if (owner() != nullptr) owner()->checkCompatibleModel(element, *property());
+  if (owner() != nullptr) internal::core(*owner()).checkCompatibleModel(element, *property());
 }
 
 ModelElement ReferenceCollection::resolveProxy(ModelElement const& proxy) const {
@@ -44,18 +44,18 @@ void ReferenceCollection::requireFitting(ModelElement const& element) const {
 void ReferenceCollection::inverseAfterAdding(ModelElementImpl& element) {
   if (owner() == nullptr) return;
   if (opposite() != nullptr) {
-    owner()->_inverseAddThis(&element, *opposite(), false);
+    internal::core(*owner())._inverseAddThis(&element, *opposite(), false);
   } else if (isComposite()) {
-    owner()->_setContainedByThis(&element, *property());
+    internal::core(*owner())._setContainedByThis(&element, *property());
   }
 }
 
 void ReferenceCollection::inverseBeforeRemoving(ModelElementImpl& element) {
   if (owner() == nullptr || !element.isLive()) return;
   if (opposite() != nullptr) {
-    owner()->_inverseRemoveThis(&element, *opposite());
+    internal::core(*owner())._inverseRemoveThis(&element, *opposite());
   } else if (isComposite() && !element.isProxy()) {
-    element.basicSetContainer(nullptr, nullptr, ModelElementImpl::NO_INDEX);
+    internal::core(element).basicSetContainer(nullptr, nullptr, internal::ElementCore::NO_INDEX);
   }
 }
 
@@ -64,7 +64,7 @@ void ReferenceCollection::basicRemoveAll(std::vector<ModelElement> const& member
 }
 
 bool ReferenceCollection::mayTakePlace(ModelElement const& element) const {
-  return owner() != nullptr && !element.isEmpty() && owner()->mayReplaceProxy(*element, *property());
+  return owner() != nullptr && !element.isEmpty() && internal::core(*owner()).mayReplaceProxy(*element, *property());
 }
 
 bool ReferenceCollection::isConfirmed(ModelElement const& found) const {
@@ -72,7 +72,7 @@ bool ReferenceCollection::isConfirmed(ModelElement const& found) const {
 }
 
 bool ReferenceCollection::listsOwner(ModelElementImpl& element) const {
-  return opposite() != nullptr && owner()->_inverseContainsThis(&element, *opposite());
+  return opposite() != nullptr && internal::core(*owner())._inverseContainsThis(&element, *opposite());
 }
 
 bool ReferenceCollection::hasSameMembers(ReferenceCollection const& other) const {

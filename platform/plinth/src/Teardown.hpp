@@ -4,7 +4,7 @@
 // elements which share one cost no search each. Thread rule: the model's thread.
 #pragma once
 
-#include "plinth/Model.hpp"
+#include "ModelState.hpp"
 
 namespace plinth {
 
@@ -14,17 +14,17 @@ class Teardown {
   /// Raises CannotModifyOutsideTransaction.
   static void destroyContained(ModelElementImpl& element, bool flag1, bool detach, bool flag2);
   /// Has them leave all their links, with proxies left in other models; call inside a transaction.
-  static void convertToProxies(ModelImpl& model, std::vector<ModelElementImpl*> const& elements);
+  static void convertToProxies(internal::ModelState& model, std::vector<ModelElementImpl*> const& elements);
 
  private:
   /// One teardown. Another may begin while it runs, from a hook or a loader, and ends before it goes on: what waits
   /// then stands behind what was there before.
   struct Run {
-    explicit Run(ModelImpl& running) noexcept;
+    explicit Run(internal::ModelState& running) noexcept;
     Run(Run const&) = delete;
     Run& operator=(Run const&) = delete;
     ~Run();
-    ModelImpl& model;
+    internal::ModelState& model;
     std::size_t waitingBefore;
     std::size_t leavingBefore;
   };
@@ -36,7 +36,7 @@ class Teardown {
   static void begin(ModelElementImpl& element, bool flag1, bool flag2);
   static void end(ModelElementImpl& element);
   /// Has each collection that was left let go of those that left it, from that entry on.
-  static void sweep(ModelImpl& model, std::size_t from);
+  static void sweep(internal::ModelState& model, std::size_t from);
   static void detach(ModelElementImpl& element);
 };
 

@@ -1,10 +1,17 @@
 #include "plinth/Transaction.hpp"
 
+#include "ModelState.hpp"
 #include "plinth/Messages.hpp"
-#include "plinth/Model.hpp"
 #include "plinth/Value.hpp"
 
 namespace plinth {
+namespace {
+
+internal::ModelState& stateIn(Handle const& model) noexcept {
+  return internal::stateOf(static_cast<ModelImpl&>(*model.elementImpl()));
+}
+
+}  // namespace
 
 Transaction::Transaction(ModelImpl& model, unsigned level, unsigned long serial) noexcept
     : m_model(&model), m_level(level), m_serial(serial) {}
@@ -17,23 +24,23 @@ Transaction::Transaction(Transaction&& other) noexcept
 
 Transaction::~Transaction() {
   if (!isOpen()) return;
-  auto& model = static_cast<ModelImpl&>(*m_model.elementImpl());
+  internal::ModelState& model = stateIn(m_model);
   while (model.level() >= m_level) model.rollBack();
 }
 
 void Transaction::commit() {
-  auto* const model = static_cast<ModelImpl*>(m_model.elementImpl());
   if (!isOpen()) reportException(messages::TransactionEnded());
-  if (model->level() != m_level) reportException(messages::TransactionNotInnermost());
-  model->commit();
+  internal::ModelState& model = stateIn(m_model);
+  if (model.level() != m_level) reportException(messages::TransactionNotInnermost());
+  model.commit();
   m_open = false;
 }
 
 bool Transaction::isOpen() const noexcept {
   if (!m_open) return false;
   // Inner transactions that outlive an outer one ended with it: their level has another serial by then, or is gone.
-  auto const& model = static_cast<ModelImpl const&>(*m_model.elementImpl());
-  return model.level() >= m_level && model.m_log.serialAt(m_level) == m_serial;
+  internal::ModelState const& model = stateIn(m_model);
+  return model.level() >= m_level && model.log.serialAt(m_level) == m_serial;
 }
 
 void Transaction::commit(boost::optional<Value> const&) { commit(); }

@@ -63,7 +63,7 @@ void CreateInto::refuseArgument(corvid::MethodCall const& call, std::size_t inde
 
 void CreateInto::store(ModelElement const& self, ModelElement const& element) const {
   if (!m_property->isMany()) return self->setPropertyValue(m_property, Value::createElementValue(m_property, element));
-  self->requireReal();
+  core(*self).requireReal();
   self->getPropertyValue(m_property).referenceCollection().genericAdd(element);
 }
 

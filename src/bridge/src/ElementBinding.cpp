@@ -17,12 +17,12 @@ namespace {
 
 void hold(ModelElementImpl const& element) noexcept {
   element.model().addRef();
-  element.addRef();
+  core(element).addRef();
 }
 
 void letGo(ModelElementImpl& element) noexcept {
   ModelImpl& model = element.model();
-  element.removeRef();
+  core(element).removeRef();
   model.removeRef();
 }
 

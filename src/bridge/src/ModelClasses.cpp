@@ -10,6 +10,7 @@
 #include "corvid/factory/CorvidFactoryClassInfo.hpp"
 #include "corvid/factory/StringDataTypes.hpp"
 #include "kestrel/Array.hpp"
+#include "plinth/ElementDirectory.hpp"
 #include "plinth/Query.hpp"
 #include "plinth/bridge/Construct.hpp"
 #include "plinth/bridge/ElementShapes.hpp"

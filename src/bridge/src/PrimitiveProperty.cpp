@@ -57,7 +57,7 @@ ModelElement PrimitiveProperty::requireSelf(kestrel_array const& self) const {
 
 kestrel::OwnedArray PrimitiveProperty::getValue(kestrel_array const& self) const {
   ModelElement const element = requireSelf(self);
-  if (m_property->isMany()) element->requireReal();
+  if (m_property->isMany()) core(*element).requireReal();
   Value const value = element->getPropertyValue(m_property, ReflectionPrivateTag::PUBLIC_ACCESS);
   if (!m_property->isMany()) return marshalerOf(m_property).toKestrelArray(value);
   return marshalCollection(&value.primitiveCollection());
@@ -70,7 +70,7 @@ void PrimitiveProperty::setValue(kestrel_array const& self, kestrel_array const&
     element->setPropertyValue(m_property, marshaler.fromKestrelArray(value), ReflectionPrivateTag::PUBLIC_ACCESS);
     return;
   }
-  element->requireModifiable();
+  core(*element).requireModifiable();
   Transaction transaction = element->model().beginTransaction(false);
   Value const collection = element->getPropertyValue(m_property, ReflectionPrivateTag::PUBLIC_ACCESS);
   marshaler.fillCollection(collection.primitiveCollection(), value);

@@ -16,7 +16,7 @@ class CollectionView : public Interface {
   void genericAdd(ModelElement const& element) override { m_collection->genericAdd(element); }
   void genericRemove(ModelElement const& element) override { m_collection->genericRemove(element); }
   void genericClear() override { m_collection->clear(); }
-  void genericBasicClear() override { ModelElementImpl::_basicClear(m_collection); }
+  void genericBasicClear() override { internal::ElementCore::_basicClear(m_collection); }
   bool genericContains(ModelElement const& element) const override { return m_collection->genericContains(element); }
 
  protected:

@@ -4,7 +4,8 @@
 
 #include "CollectionView.hpp"
 #include "plinth/FailurePoint.hpp"
-#include "plinth/TakenKey.hpp"
+#include "plinth/collections/ProxyTable.hpp"
+#include "plinth/diagnostics/TakenKey.hpp"
 
 namespace plinth {
 

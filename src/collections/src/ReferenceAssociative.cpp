@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "CollectionView.hpp"
+#include "plinth/collections/ProxyTable.hpp"
 
 namespace plinth {
 namespace detail {
@@ -28,7 +29,13 @@ void AssociativeJournal::undoTo(std::size_t mark) noexcept {
 
 }  // namespace detail
 
-detail::NodeSteps<ProxyTable>* ReferenceAssociative::proxySteps(CollectionJournal* journal) {
+ReferenceAssociative::ReferenceAssociative(ModelElementImpl* owner, meta::PropertyImpl* property,
+                                           meta::PropertyImpl* opposite) noexcept
+    : ReferenceCollection(owner, property, opposite) {}
+
+ReferenceAssociative::~ReferenceAssociative() = default;
+
+detail::ProxySteps* ReferenceAssociative::proxySteps(CollectionJournal* journal) {
   if (journal == nullptr) return nullptr;
   auto* const steps = static_cast<detail::AssociativeJournal*>(journal);
   steps->reserve();
@@ -90,7 +97,7 @@ void ReferenceAssociative::removeProxyFor(ModelElement const& element) {
 
 ModelElement ReferenceAssociative::proxyFor(ModelElement const& element, bool local) const {
   if (m_proxies == nullptr || m_proxies->empty()) return {};
-  if (local && owner() != nullptr && element->modelIdentity() != owner()->modelIdentity()) return {};
+  if (local && owner() != nullptr && core(*element).modelIdentity() != core(*owner()).modelIdentity()) return {};
   auto const found = m_proxies->find(element->getPersistentProxyId(local));
   return found == m_proxies->end() ? ModelElement() : found->second;
 }
@@ -207,7 +214,7 @@ bool ReferenceAssociative::removeMember(ModelElement const& element) {
   Operation operation(*this, extent());
   if (hasInverse() && opposite() != nullptr) {
     // What it names may be here itself, and stay linked.
-    ModelElement const far = owner()->_farEnd(element, *opposite());
+    ModelElement const far = core(*owner())._farEnd(element, *opposite());
     if (!far.isEmpty() && !holds(far)) inverseBeforeRemoving(*far);
   }
   removeProxy(element);

@@ -1,6 +1,7 @@
 #include "plinth/collections/ReferenceAssociativeContainer.hpp"
 
 #include "plinth/collections/ElementMapBase.hpp"
+#include "plinth/collections/ProxyTable.hpp"
 #include "plinth/collections/ReferenceSet.hpp"
 
 namespace plinth {
@@ -108,7 +109,7 @@ bool ReferenceAssociativeContainer<C>::hasSameMembers(ReferenceCollection const&
 }
 
 template <class C>
-void ReferenceAssociativeContainer<C>::forEachReal(std::function<void(ModelElementImpl&)> const& visit) const {
+void ReferenceAssociativeContainer<C>::forEachReal(ElementVisitor visit) const {
   for (auto const& node : m_elements) visit(*detail::elementOf(node));
 }
 

@@ -7,6 +7,7 @@
 #include <unordered_set>
 
 #include "CollectionView.hpp"
+#include "SequenceSlots.hpp"
 #include "plinth/FailurePoint.hpp"
 
 namespace plinth {
@@ -14,28 +15,11 @@ namespace {
 
 std::ptrdiff_t offset(std::size_t position) { return static_cast<std::ptrdiff_t>(position); }
 
-bool isRealElement(ModelElement const& element) { return !element.isEmpty() && !element->isProxy(); }
-
 }  // namespace
 
 ReferenceSequence::ReferenceSequence(ModelElementImpl* owner, meta::PropertyImpl* property,
                                      meta::PropertyImpl* opposite) noexcept
     : ReferenceCollection(owner, property, opposite), m_unique(property != nullptr && property->isUnique()) {}
-
-/// The undo of the slots; the filter follows them.
-class ReferenceSequence::Journal final : public detail::SequenceJournal<ModelElement> {
- public:
-  explicit Journal(ReferenceSequence& sequence) noexcept
-      : SequenceJournal(sequence.m_elements), m_sequence(&sequence) {}
-  void undoTo(std::size_t mark) noexcept override {
-    SequenceJournal::undoTo(mark);
-    ++m_sequence->m_edits;
-    m_sequence->refillFilter();
-  }
-
- private:
-  ReferenceSequence* m_sequence;
-};
 
 std::unique_ptr<CollectionJournal> ReferenceSequence::makeJournal() { return std::make_unique<Journal>(*this); }
 
@@ -72,7 +56,7 @@ void ReferenceSequence::eraseRaw(std::size_t first, std::size_t last, Journal* j
 
 void ReferenceSequence::noteRepetition(ModelElement const& element) noexcept {
   if (m_unique || m_repeats || owner() == nullptr || !isComposite()) return;
-  m_repeats = element->basicContainer() == owner() && element->basicContainmentFeature() == property();
+  m_repeats = core(*element).basicContainer() == owner() && core(*element).basicContainmentFeature() == property();
 }
 
 void ReferenceSequence::addToFilter(ModelElement const& element) noexcept {
@@ -125,7 +109,7 @@ void ReferenceSequence::basicAdd(ModelElement const& element) {
 bool ReferenceSequence::containsElement(ModelElement const& element) const {
   if (element.isEmpty() || element->isProxy()) return false;
   if (owner() != nullptr && opposite() != nullptr && opposite()->valueFlags() == meta::SINGLE) {
-    if (!element->inverseContainsProxyTo(*owner(), *opposite())) return false;
+    if (!core(*element).inverseContainsProxyTo(*owner(), *opposite())) return false;
     // It may hold a proxy for the owner still, which the owner has not confirmed.
     meta::Property const far(opposite());
     return element->getPropertyValue(far, ReflectionPrivateTag::NO_PROXY_RESOLVE).getValue<ModelElement>().impl() ==
@@ -137,16 +121,6 @@ bool ReferenceSequence::containsElement(ModelElement const& element) const {
 
 std::size_t ReferenceSequence::positionOf(ModelElement const& element) const {
   return static_cast<std::size_t>(std::find(m_elements.begin(), m_elements.end(), element) - m_elements.begin());
-}
-
-std::size_t ReferenceSequence::positionOfProxyFor(ModelElement const& element) const {
-  // A link between models only: within a model the far end is real when it lets go.
-  if (owner() == nullptr || !element || element->modelIdentity() == owner()->modelIdentity()) return m_elements.size();
-  auto const standsForIt = [&](ModelElement const& slot) {
-    bool const mayStand = !slot.isEmpty() && slot->isProxy() && slot->getUuid() == element->getUuid();
-    return mayStand && peekResolveProxy(slot) == element;
-  };
-  return static_cast<std::size_t>(std::find_if(m_elements.begin(), m_elements.end(), standsForIt) - m_elements.begin());
 }
 
 /// The first position of the element, or size(); a proxy on the way that resolves to it counts as it.
@@ -166,8 +140,8 @@ bool ReferenceSequence::removeElement(ModelElement const& element) {
 }
 
 void ReferenceSequence::basicRemove(ModelElement const& element) {
-  if (element && element->isEnding() && owner() != nullptr && opposite() != nullptr) {
-    element->leaveLater(*this);
+  if (element && core(*element).isEnding() && owner() != nullptr && opposite() != nullptr) {
+    core(*element).leaveLater(*this);
   } else {
     removeNow(element);
   }
@@ -185,7 +159,7 @@ void ReferenceSequence::basicRemoveAll(std::vector<ModelElement> const& members)
     auto const at = slot.isEmpty() ? leaving.end() : leaving.find(slot->getUuid());
     if (at == leaving.end()) return false;
     if (slot == at->second) return true;
-    return slot && slot->isProxy() && at->second->modelIdentity() != owner()->modelIdentity() &&
+    return slot && slot->isProxy() && core(*at->second).modelIdentity() != core(*owner()).modelIdentity() &&
            peekResolveProxy(slot) == at->second;
   };
   std::vector<ModelElement> staying;
@@ -233,7 +207,7 @@ void ReferenceSequence::inverseBeforeErasing(std::size_t first, std::size_t last
       continue;
     }
     // What a proxy names may stand elsewhere itself, and stay linked; or here, since it has been looked at.
-    ModelElement const far = owner()->_farEnd(element, *opposite());
+    ModelElement const far = core(*owner())._farEnd(element, *opposite());
     if (far.isEmpty()) continue;
     std::size_t const at = positionOf(far);
     bool const leaves = at == m_elements.size() || (first <= at && at < last);
@@ -326,83 +300,6 @@ void ReferenceSequence::ensureAt(std::size_t position, ModelElement const& eleme
   operation.commit();
 }
 
-/// The members of a unique sequence while its proxies are resolved one after the other, so that none of them costs a
-/// search. A loader may change the sequence meanwhile.
-class ReferenceSequence::Members {
- public:
-  bool has(ReferenceSequence const& sequence, ModelElement const& element) {
-    if (!m_known || m_edits != sequence.m_edits) {
-      m_elements.clear();
-      for (ModelElement const& each : sequence.m_elements) m_elements.insert(each.impl());
-      m_edits = sequence.m_edits;
-      m_known = true;
-    }
-    return m_elements.count(element.impl()) != 0;
-  }
-  void takenIn(ReferenceSequence const& sequence, ModelElement const& element) {
-    m_elements.insert(element.impl());
-    m_edits = sequence.m_edits;
-  }
-
- private:
-  std::unordered_set<ModelElementImpl const*> m_elements;
-  std::uint32_t m_edits = 0;
-  bool m_known = false;
-};
-
-bool ReferenceSequence::resolveSlot(std::size_t position, Members* members) {
-  ModelElement const proxy = m_elements[position];
-  if (proxy.isEmpty() || !proxy->isProxy()) return false;
-  auto const stands = [&] { return position < m_elements.size() && m_elements[position] == proxy; };
-  ModelElement const found = resolveProxy(proxy);
-  if (!stands()) return false;  // a loader has changed it
-  // The far end, when it is asked, may look here for the owner and put the element in its place.
-  return isConfirmed(found) && stands() && takePlaceOfProxy(position, found, members);
-}
-
-/// Resolving is no modification, with no Operation and no notice, as long as the element, and its end of the link,
-/// can't go back to where they came from. In a containment it is one: the element becomes a child. So it is where a
-/// unique sequence holds the element already: the proxy goes. Whether the element stands in the sequence then.
-bool ReferenceSequence::takePlaceOfProxy(std::size_t position, ModelElement real, Members* members) {
-  bool const mayBeTakenBack = real->mayBeTakenBack(opposite());
-  if (mayBeTakenBack && &real->model() != &owner()->model()) return false;
-  bool const isIn =
-      m_unique && (members != nullptr ? members->has(*this, real) : positionOf(real) != m_elements.size());
-  if (isIn) {
-    if (owner()->model().isFrozen()) return false;
-    Operation operation(*this);
-    eraseRaw(position, position + 1, recordingJournal());
-    operation.commit();
-    return true;
-  }
-  if (isComposite()) {
-    replaceProxyAt(real, position);
-    return true;
-  }
-  Journal* const journal = mayBeTakenBack && owner()->model().level() > 0 ? recordingJournal() : nullptr;
-  if (journal != nullptr) {
-    journal->reserve();
-    journal->replaced(position, m_elements[position]);
-  }
-  m_elements[position] = std::move(real);
-  ++m_edits;
-  if (m_unique && members != nullptr) members->takenIn(*this, m_elements[position]);
-  addToFilter(m_elements[position]);
-  return true;
-}
-
-ModelElement const& ReferenceSequence::resolveAt(std::size_t position) {
-  static ModelElement const none;
-  ModelElement const held = heldOwner();
-  for (std::size_t size = m_elements.size() + 1; position < m_elements.size() && m_elements.size() < size;) {
-    if (isRealElement(m_elements[position])) return m_elements[position];
-    size = m_elements.size();
-    resolveSlot(position);  // a proxy may go, and the next slot move up
-  }
-  bool const isThere = position < m_elements.size() && (held.isEmpty() || held);
-  return isThere ? m_elements[position] : none;
-}
-
 void ReferenceSequence::useFilter(std::unique_ptr<SaturatedBloomFilter> filter) {
   m_filter = std::move(filter);
   refillFilter();
@@ -416,13 +313,13 @@ std::vector<ModelElement> ReferenceSequence::getAllValues() {
   // A dead one of another model went with that model.
   auto const isShown = [&](ModelElement const& element) {
     return isRealElement(element) &&
-           (element || owner() == nullptr || element->modelIdentity() == owner()->modelIdentity());
+           (element || owner() == nullptr || core(*element).modelIdentity() == core(*owner()).modelIdentity());
   };
   std::copy_if(m_elements.begin(), m_elements.end(), std::back_inserter(values), isShown);
   return values;
 }
 
-void ReferenceSequence::forEachReal(std::function<void(ModelElementImpl&)> const& visit) const {
+void ReferenceSequence::forEachReal(ElementVisitor visit) const {
   for (ModelElement const& element : m_elements) {
     if (isRealElement(element)) visit(*element);
   }
@@ -442,76 +339,6 @@ void ReferenceSequence::genericRemove(ModelElement const& element) {
 
 bool ReferenceSequence::genericContains(ModelElement const& element) const {
   return fits(element) && containsElement(element);
-}
-
-void ReferenceSequence::replaceProxy(ModelElement const& element) {
-  if (!mayTakePlace(element)) return;
-  for (std::size_t i = 0; i < m_elements.size(); ++i) {
-    ModelElement const& slot = m_elements[i];
-    if (!slot->isProxy()) continue;
-    if (peekResolveProxy(slot) == element) {
-      replaceProxyAt(element, i);
-      return;
-    }
-  }
-}
-
-void ReferenceSequence::replaceProxyAt(ModelElement const& element, std::size_t position) {
-  if (m_unique && positionOf(element) != m_elements.size()) {
-    takePlaceOfProxy(position, element);
-    return;
-  }
-  Operation operation(*this, Operation::WHOLE);
-  Journal* const journal = recordingJournal();
-  if (journal != nullptr) journal->reserve();
-  ModelElement former = std::exchange(m_elements[position], element);
-  ++m_edits;
-  addToFilter(element);
-  noteRepetition(element);
-  if (journal != nullptr) journal->replaced(position, std::move(former));
-  if (hasInverse() && !listsOwner(*element)) inverseAfterAdding(*element);
-  operation.commit();
-}
-
-void ReferenceSequence::resolveAll() { resolveSlots(false); }
-void ReferenceSequence::resolveLocal() { resolveSlots(true); }
-
-void ReferenceSequence::resolveSlots(bool localOnly) {
-  ModelElement const held = heldOwner();
-  Members members;
-  for (std::size_t i = 0; i < m_elements.size();) {
-    std::size_t const size = m_elements.size();
-    boost::optional<ProxyId> const id = m_elements[i]->getProxyId();
-    if (id && (id->isLocal() || !localOnly)) resolveSlot(i, &members);
-    if (m_elements.size() >= size) ++i;  // otherwise the next one stands here now
-  }
-}
-
-void ReferenceSequence::convertToProxy(ModelElementImpl& element, ModelElement const& proxy) {
-  for (std::size_t i = 0; i < m_elements.size(); ++i) {
-    if (m_elements[i].impl() != &element) continue;
-    Operation operation(*this);
-    Journal* const journal = recordingJournal();
-    if (journal != nullptr) journal->reserve();
-    ModelElement former = std::exchange(m_elements[i], proxy);
-    ++m_edits;
-    if (journal != nullptr) journal->replaced(i, std::move(former));
-    operation.commit();
-  }
-}
-
-bool ReferenceSequence::basicContainsProxyTo(ModelElementImpl& target) {
-  if (owner() == nullptr) return false;
-  if (positionOf(ModelElement(&target)) != m_elements.size()) return true;
-  for (std::size_t i = 0; i < m_elements.size(); ++i) {
-    ModelElement const& slot = m_elements[i];
-    if (!slot->isProxy() || slot->getUuid() != target.getUuid()) continue;
-    ModelElement const found = peekResolveProxy(slot);
-    if (found.impl() != &target || found->isProxy() || !fits(found)) continue;
-    takePlaceOfProxy(i, found);  // also if it has to wait for an open transaction: it stands for the target
-    return true;
-  }
-  return false;
 }
 
 std::size_t ReferenceSequence::oldSize() const {

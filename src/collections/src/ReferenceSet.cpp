@@ -1,6 +1,7 @@
 #include "plinth/collections/ReferenceSet.hpp"
 
 #include "plinth/FailurePoint.hpp"
+#include "plinth/collections/ProxyTable.hpp"
 
 namespace plinth {
 

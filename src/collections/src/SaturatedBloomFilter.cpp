@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "plinth/ElementDirectory.hpp"
+#include "plinth/Hashing.hpp"
 
 namespace plinth {
 

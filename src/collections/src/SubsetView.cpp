@@ -9,7 +9,7 @@ SubsetView::SubsetView(ReferenceCollection& parent, Filter filter, ModelElementI
                        meta::PropertyImpl* property)
     : ReferenceCollection(owner, property, nullptr), m_parent(&parent), m_filter(std::move(filter)) {}
 
-void SubsetView::forEachReal(std::function<void(ModelElementImpl&)> const& visit) const {
+void SubsetView::forEachReal(ElementVisitor visit) const {
   m_parent->forEachReal([&](ModelElementImpl& element) {
     if (shows(ModelElement(&element))) visit(element);
   });

@@ -24,14 +24,14 @@ plinth::ModelElement createElement(ClassTable const& table, plinth::Model const&
   plinth::Step step(*model.impl());  // announcing the element is the one thing that changes the model
   plinth::ModelElement element(table.make.allocate(*model.impl(), uuid), plinth::Adopt{});
   stamp(static_cast<Element&>(*element), table);
-  element->notifyCreated();
+  core(*element).notifyCreated();
   step.commit();
   return element;
 }
 
 plinth::ModelElement createChild(Element& self, PropertyDescriptor const& row, plinth::ModelElementBuilder& builder,
                                  boost::uuids::uuid const& uuid) {
-  self.requireModifiable();
+  core(self).requireModifiable();
   if (builder.model().impl() != &self.model()) builder.setModel(self.getModel());
   plinth::Orchestrator orchestrator(&builder, plinth::Orchestrator::Builders::SPENT);
   row.kind->attach(self, row, orchestrator.run(uuid));

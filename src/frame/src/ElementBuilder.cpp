@@ -85,7 +85,7 @@ plinth::ModelElement ElementBuilder::doCreate(bool deferred, boost::uuids::uuid 
   // Links run the full setters, on an object that a handle holds: should one fail, nothing is left that points at freed
   // memory.
   forEachSet(*m_table, mask(), [&](auto const& row) { row.kind->link(element, *this, row); });
-  element.notifyCreated();
+  core(element).notifyCreated();
   return made;
 }
 

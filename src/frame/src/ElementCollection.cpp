@@ -1,6 +1,8 @@
 #include "tessel_config_datamodel/frame/ElementCollection.hpp"
 
+#include "plinth/CascadeSteps.hpp"
 #include "plinth/Messages.hpp"
+#include "plinth/ProxyId.hpp"
 #include "tessel_config_datamodel/frame/SingleElement.hpp"
 
 namespace tessel::frame {
@@ -24,7 +26,7 @@ ReferenceCollection& requireCollection(Element& element, PropertyDescriptor cons
 }
 
 ReferenceCollection* readCollection(Element const& self, PropertyDescriptor const& row) {
-  self.requireReal();
+  core(self).requireReal();
   auto& collection = requireCollection(const_cast<Element&>(self), row);
   if (row.property->qualifiedBy() != nullptr && self.isLive() && self.model().mayResolveOnRead()) {
     collection.resolveAll();
@@ -41,7 +43,7 @@ PropertyDescriptor const& siblingRow(PropertyDescriptor const& row, std::size_t 
 }
 
 plinth::Value ElementCollectionKind::get(Element& element, Row const& row, Tag const& tag) const {
-  element.requireReal();
+  core(element).requireReal();
   ReferenceCollection& collection = require(element, row);
   if (tag.resolvesProxies()) collection.resolveAll();
   return plinth::Value(plinth::ValueMeta(*row.property), collection);
@@ -70,8 +72,8 @@ void ElementCollectionKind::destroyContained(Element& element, Row const& row, b
   std::vector<ModelElementImpl*> children;  // the collection holds them, and afterwards the undo log
   children.reserve(collection->rawSize());
   collection->forEachReal([&](ModelElementImpl& child) { children.push_back(&child); });
-  for (ModelElementImpl* child : children) child->destroyRecursively(flag1, false, flag2);
-  element._basicClear(collection);
+  for (ModelElementImpl* child : children) core(*child).destroyRecursively(flag1, false, flag2);
+  core(element)._basicClear(collection);
 }
 
 void ElementCollectionKind::disassociate(Element& element, Row const& row) const {
@@ -79,31 +81,32 @@ void ElementCollectionKind::disassociate(Element& element, Row const& row) const
   if (collection == nullptr || row.index == 0 || collection->isComposite()) return;
   if (auto* const opposite = collection->opposite()) {
     for (ModelElement const& far : collection->getAllValuesAndProxies()) {
-      if (far) element._inverseRemoveThis(far.impl(), *opposite);
+      if (far) core(element)._inverseRemoveThis(far.impl(), *opposite);
     }
   }
-  element._basicClear(collection);
+  core(element)._basicClear(collection);
 }
 
 void ElementCollectionKind::basicDisassociate(Element& element, Row const& row) const {
   if (row.index == 0) return;
-  if (auto* const collection = present(element, row)) element._basicClear(collection);
+  if (auto* const collection = present(element, row)) core(element)._basicClear(collection);
 }
 
 void ElementCollectionKind::inverseAdd(Element& element, Row const& row, ModelElementImpl& far) const {
   ReferenceCollection& collection = require(element, row);
-  element.notifyJournaling(row.index);
-  element._basicAdd(&collection, ModelElement(&far));
+  core(element).notifyJournaling(row.index);
+  core(element)._basicAdd(&collection, ModelElement(&far));
 }
 
 void ElementCollectionKind::inverseRemove(Element& element, Row const& row, ModelElementImpl& far) const {
   // No notice here: the collection gives its own when it removes.
-  if (auto* const collection = present(element, row)) element._basicRemove(collection, ModelElement(&far));
+  if (auto* const collection = present(element, row)) core(element)._basicRemove(collection, ModelElement(&far));
 }
 
 bool ElementCollectionKind::containsProxyTo(Element& element, Row const& row, ModelElementImpl& far) const {
   auto* const collection = present(element, row);
-  return collection != nullptr && collection->opposite() != nullptr && element._basicContainsProxyTo(collection, far);
+  return collection != nullptr && collection->opposite() != nullptr &&
+         core(element)._basicContainsProxyTo(collection, far);
 }
 
 void ElementCollectionKind::convertToProxies(Element& element, Row const& row, bool convert,
@@ -115,7 +118,7 @@ void ElementCollectionKind::convertToProxies(Element& element, Row const& row, b
       leaveFarEnd(element, member, *opposite, convert, id);
     }
   }
-  element._basicClear(collection);
+  core(element)._basicClear(collection);
 }
 
 void ElementCollectionKind::replaceByProxy(Element& element, Row const& row, ModelElementImpl& far,

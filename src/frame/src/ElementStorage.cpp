@@ -1,7 +1,6 @@
 #include "tessel_config_datamodel/frame/ElementStorage.hpp"
 
 #include "plinth/Model.hpp"
-#include "plinth/RecordPool.hpp"
 #include "tessel_config_datamodel/frame/Element.hpp"
 
 namespace tessel::frame {
@@ -11,7 +10,7 @@ ElementStorage::ElementStorage(Element const& element) noexcept
       m_table(&element.classTable()) {}
 
 ElementStorage* ElementStorage::make(Element const& element, plinth::RecordPool& pool) {
-  void* const memory = pool.allocate(element.classTable().chain->recordSize);
+  void* const memory = operator new(element.classTable().chain->recordSize, pool);
   return ::new (memory) ElementStorage(element);
 }
 

@@ -17,11 +17,11 @@ bool operator==(HostArray const& left, HostArray const& right) noexcept {
 }
 
 void setHostArray(Element& self, HostArrayField& field, kestrel_array const* array, PropertyDescriptor const& row) {
-  self.requireModifiable();
+  core(self).requireModifiable();
   if (field.get() == array) return;
   HostArrayField copy = HostArray::copyOf(array);
   plinth::Step step(self.model(), plinth::Step::STORE);
-  self.notifyModifying(row.index);
+  core(self).notifyModifying(row.index);
   field = std::move(copy);
   step.commit();
 }

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <vector>
 
-#include "plinth/ValueText.hpp"
+#include "plinth/diagnostics/ValueText.hpp"
 #include "tessel_config_datamodel/frame/HostArray.hpp"
 
 namespace tessel::frame {

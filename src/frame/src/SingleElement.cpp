@@ -1,6 +1,8 @@
 #include "tessel_config_datamodel/frame/SingleElement.hpp"
 
+#include "plinth/CascadeSteps.hpp"
 #include "plinth/Messages.hpp"
+#include "plinth/ProxyId.hpp"
 #include "plinth/Step.hpp"
 
 namespace tessel::frame {
@@ -16,15 +18,15 @@ namespace {
 void takePlaceOfProxy(Element& self, ElementField& field, PropertyDescriptor const& row, ModelElement real) {
   if (row.property->isComposite()) {
     plinth::Step step(self.model(), plinth::Step::WHOLE);
-    self.notifyModifying(row.index);
-    self._setContainedByThis(real.impl(), *row.property);
+    core(self).notifyModifying(row.index);
+    core(self)._setContainedByThis(real.impl(), *row.property);
     field = std::move(real);
     step.commit();
     return;
   }
-  bool const mayBeTakenBack = real->mayBeTakenBack(row.property->opposite());
+  bool const mayBeTakenBack = core(*real).mayBeTakenBack(row.property->opposite());
   if (mayBeTakenBack && &real->model() != &self.model()) return;
-  if (mayBeTakenBack && self.model().level() > 0) self.notifyModifying(row.index);
+  if (mayBeTakenBack && self.model().level() > 0) core(self).notifyModifying(row.index);
   field = std::move(real);
 }
 
@@ -38,9 +40,9 @@ void resolveElement(Element& self, ElementField& field, PropertyDescriptor const
   ModelElement const proxy = field;
   ModelElement resolved = self.model().resolveProxy(&self, proxy);
   if (field != proxy) return;  // a loader has set it
-  if (!self.mayReplaceProxy(*resolved, *row.property)) return;
+  if (!core(self).mayReplaceProxy(*resolved, *row.property)) return;
   auto* const opposite = row.property->opposite();
-  if (opposite != nullptr && !self._inverseContainsThis(resolved.impl(), *opposite)) return;
+  if (opposite != nullptr && !core(self)._inverseContainsThis(resolved.impl(), *opposite)) return;
   takePlaceOfProxy(self, field, row, std::move(resolved));
 }
 
@@ -50,9 +52,9 @@ ElementField const& refreshElement(Element& self, ElementField& field, PropertyD
   static ElementField const none;
   if (field) {
     resolveElement(self, field, row);
-  } else if (field.impl()->modelIdentity() != self.modelIdentity()) {
+  } else if (core(*field.impl()).modelIdentity() != core(self).modelIdentity()) {
     // One that its model's open transaction has destroyed may live again: it stays, and is not shown.
-    if (field.impl()->mayLiveAgain()) return none;
+    if (core(*field.impl()).mayLiveAgain()) return none;
     field = ModelElement();
   }
   return field;
@@ -64,12 +66,12 @@ namespace {
 template <class Store>
 void setElement(Element& self, ElementField& field, ModelElement const& target, PropertyDescriptor const& row,
                 plinth::Step::Extent extent, Store const& store) {
-  self.requireModifiable();
+  core(self).requireModifiable();
   if (readElement(self, field, row) == target) return;
-  self.requireModifiable();  // a loader may have destroyed it
-  self.checkCompatibleModel(target.impl(), *row.property);
+  core(self).requireModifiable();  // a loader may have destroyed it
+  core(self).checkCompatibleModel(target.impl(), *row.property);
   plinth::Step step(self.model(), extent);
-  self.notifyModifying(row.index);
+  core(self).notifyModifying(row.index);
   store();
   step.commit();
 }
@@ -85,21 +87,21 @@ void setOppositeReference(Element& self, ElementField& field, ModelElement const
   setElement(self, field, target, row, plinth::Step::WHOLE, [&] {
     auto& opposite = *row.property->opposite();
     ModelElement const former = field;
-    if (former) self._inverseRemoveThis(former.impl(), opposite);
+    if (former) core(self)._inverseRemoveThis(former.impl(), opposite);
     basicSetElement(field, target);
-    self._inverseAddThis(target.impl(), opposite, true);
+    core(self)._inverseAddThis(target.impl(), opposite, true);
   });
 }
 
 void setContainment(Element& self, ElementField& field, ModelElement const& target, PropertyDescriptor const& row) {
   // A child that no container gives up, for a field that is empty: once its link is announced, nothing can fail any
   // more.
-  bool const isFirst = field.isEmpty() && target && target->basicContainer() == nullptr;
+  bool const isFirst = field.isEmpty() && target && core(*target).basicContainer() == nullptr;
   setElement(self, field, target, row, isFirst ? plinth::Step::STORE : plinth::Step::WHOLE, [&] {
-    if (isFirst) target->notifyModifying(0);  // of a proxy, which has no container, nothing is kept
-    if (field && !field->isProxy()) self._basicSetUncontained(field.impl());
+    if (isFirst) core(*target).notifyModifying(0);  // of a proxy, which has no container, nothing is kept
+    if (field && !field->isProxy()) core(self)._basicSetUncontained(field.impl());
     basicSetElement(field, target);
-    if (target) self._setContainedByThis(target.impl(), *row.property);
+    if (target) core(self)._setContainedByThis(target.impl(), *row.property);
   });
 }
 
@@ -133,11 +135,11 @@ void SingleElementKind::set(Element& element, Row const& row, plinth::Value cons
   }
   // The comparison in the setter must not resolve the proxy, so the field is cleared first: with the setter's checks
   // before it, and the proxy kept for an undo.
-  element.requireModifiable();
-  element.checkCompatibleModel(target.impl(), *row.property);
+  core(element).requireModifiable();
+  core(element).checkCompatibleModel(target.impl(), *row.property);
   plinth::Step step(element.model(), plinth::Step::WHOLE);
-  element.notifyModifying(row.index);
-  if (auto* const opposite = row.property->opposite()) element._inverseRemoveThis(field.impl(), *opposite);
+  core(element).notifyModifying(row.index);
+  if (auto* const opposite = row.property->opposite()) core(element)._inverseRemoveThis(field.impl(), *opposite);
   field = ModelElement();
   store(element, row, target);
   step.commit();
@@ -154,12 +156,12 @@ void SingleElementKind::basicDisassociate(Element& element, Row const& row) cons
 }
 
 void SingleElementKind::inverseAdd(Element& element, Row const& row, ModelElementImpl& far) const {
-  element.notifyModifying(row.index);
+  core(element).notifyModifying(row.index);
   basicSetElement(fieldOf<ElementField>(element, row), ModelElement(&far));
 }
 
 void SingleElementKind::inverseRemove(Element& element, Row const& row, ModelElementImpl&) const {
-  element.notifyModifying(row.index);
+  core(element).notifyModifying(row.index);
   basicSetElement(fieldOf<ElementField>(element, row), ModelElement());
 }
 
@@ -167,7 +169,7 @@ void SingleElementKind::replaceByProxy(Element& element, Row const& row, ModelEl
                                        ModelElement const& proxy) const {
   auto& field = fieldOf<ElementField>(element, row);
   if (field.impl() != &far) return;
-  element.notifyModifying(row.index);
+  core(element).notifyModifying(row.index);
   basicSetElement(field, proxy);
 }
 
@@ -182,7 +184,8 @@ bool ReferenceKind::containsProxyTo(Element& element, Row const& row, ModelEleme
   ModelElement const found = element.model().peekResolveProxy(&element, field);
   if (found.impl() != &far) return false;
   auto* const opposite = row.property->opposite();
-  bool const isConfirmed = opposite == nullptr || !opposite->isMany() || element._inverseContainsThis(&far, *opposite);
+  bool const isConfirmed =
+      opposite == nullptr || !opposite->isMany() || core(element)._inverseContainsThis(&far, *opposite);
   if (isConfirmed) takePlaceOfProxy(element, field, row, found);
   return true;
 }
@@ -198,13 +201,13 @@ void ReferenceKind::link(Element& element, ElementBuilder& builder, Row const& r
 
 void leaveFarEnd(Element& self, ModelElement const& member, plinth::meta::PropertyImpl& opposite, bool convert,
                  boost::optional<plinth::ProxyId>& id) {
-  ModelElement const far = self._farEnd(member, opposite);
+  ModelElement const far = core(self)._farEnd(member, opposite);
   if (!far) return;
-  if (far->modelIdentity() == self.modelIdentity()) {
-    self._inverseRemoveThis(far.impl(), opposite);
+  if (core(*far).modelIdentity() == core(self).modelIdentity()) {
+    core(self)._inverseRemoveThis(far.impl(), opposite);
   } else if (convert) {
-    if (!id) id = self._getPersistentProxyId();
-    self._convertToProxy(far.impl(), opposite, *id);
+    if (!id) id = core(self)._getPersistentProxyId();
+    core(self)._convertToProxy(far.impl(), opposite, *id);
   }
 }
 
@@ -216,7 +219,7 @@ void OneWayReferenceKind::convertToProxies(Element& element, Row const& row, boo
                                            boost::optional<plinth::ProxyId>&) const {
   auto& field = fieldOf<ElementField>(element, row);
   if (field.isEmpty()) return;
-  element.notifyModifying(row.index);
+  core(element).notifyModifying(row.index);
   basicSetElement(field, ModelElement());
 }
 
@@ -226,10 +229,10 @@ void OppositeReferenceKind::store(Element& element, Row const& row, ModelElement
 
 void OppositeReferenceKind::inverseAdd(Element& element, Row const& row, ModelElementImpl& far) const {
   auto& field = fieldOf<ElementField>(element, row);
-  element.notifyModifying(row.index);
+  core(element).notifyModifying(row.index);
   auto& opposite = *row.property->opposite();
-  ModelElement const former = element._farEnd(field, opposite);  // a proxy may stand for the far end itself
-  if (former && former.impl() != &far) element._inverseRemoveThis(former.impl(), opposite);
+  ModelElement const former = core(element)._farEnd(field, opposite);  // a proxy may stand for the far end itself
+  if (former && former.impl() != &far) core(element)._inverseRemoveThis(former.impl(), opposite);
   basicSetElement(field, ModelElement(&far));
 }
 
@@ -239,7 +242,7 @@ void OppositeReferenceKind::convertToProxies(Element& element, Row const& row, b
   if (field.isEmpty()) return;
   ModelElement const target = field;
   leaveFarEnd(element, target, *row.property->opposite(), convert, id);
-  element.notifyModifying(row.index);
+  core(element).notifyModifying(row.index);
   basicSetElement(field, ModelElement());
 }
 
@@ -256,8 +259,8 @@ void ContainmentKind::collectContained(Element const& element, Row const& row,
 void ContainmentKind::destroyContained(Element& element, Row const& row, bool flag1, bool flag2) const {
   auto& field = fieldOf<ElementField>(element, row);
   if (!field) return;
-  element.notifyModifying(row.index);
-  if (!field->isProxy()) field->destroyRecursively(flag1, false, flag2);
+  core(element).notifyModifying(row.index);
+  if (!field->isProxy()) core(*field).destroyRecursively(flag1, false, flag2);
   basicSetElement(field, ModelElement());
 }
 

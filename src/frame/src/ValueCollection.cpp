@@ -3,12 +3,12 @@
 namespace tessel::frame {
 
 plinth::AbstractPrimitiveCollection* readValues(Element const& self, PropertyDescriptor const& row) {
-  self.requireReal();
+  core(self).requireReal();
   return &static_cast<ValueCollectionKind const*>(row.kind)->require(const_cast<Element&>(self), row);
 }
 
 plinth::Value ValueCollectionKind::get(Element& element, Row const& row, Tag const&) const {
-  element.requireReal();
+  core(element).requireReal();
   return plinth::Value(plinth::ValueMeta(*row.property), requireAny(element, row));
 }
 

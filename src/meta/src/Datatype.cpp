@@ -2,7 +2,7 @@
 
 #include <ostream>
 
-#include "plinth/ValueText.hpp"
+#include "plinth/diagnostics/ValueText.hpp"
 
 namespace tessel::metamodel {
 

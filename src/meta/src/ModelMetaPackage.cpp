@@ -3,7 +3,7 @@
 #include <mutex>
 
 #include "groundwork/NameUuid.hpp"
-#include "plinth/ValueText.hpp"
+#include "plinth/diagnostics/ValueText.hpp"
 #include "tessel_config_datamodel/frame/HostArrayText.hpp"
 #include "tessel_config_datamodel/frame/PropertyKind.hpp"
 

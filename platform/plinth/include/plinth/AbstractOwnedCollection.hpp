@@ -10,6 +10,7 @@
 #include <memory>
 
 #include "plinth/Step.hpp"
+#include "plinth/Undoable.hpp"
 #include "plinth/meta/Property.hpp"
 
 namespace plinth {
@@ -109,8 +110,8 @@ class TESSEL_EXPORT AbstractOwnedCollection {
   friend class OldCollection;
   /// Whether the present level has announced a change already, so that a further one has only its step to add.
   bool isRecording() const noexcept {
-    return m_journal != nullptr && m_journal->m_sealed == nullptr && !m_owner->needsNoOldValues() &&
-           m_owner->model().m_log.isTouched(*m_journal);
+    return m_journal != nullptr && m_journal->m_sealed == nullptr && !internal::core(*m_owner).needsNoOldValues() &&
+           m_journal->isTouchedAt(m_owner->model().level());
   }
   CollectionJournal* beginRecording();
 
@@ -124,7 +125,7 @@ class TESSEL_EXPORT AbstractOwnedCollection {
 class AbstractOwnedCollection::Operation : public Step {
  public:
   explicit Operation(AbstractOwnedCollection& collection, Extent extent = SINGLE)
-      : Step(collection.m_owner == nullptr ? nullptr : collection.m_owner->changingModel(), extent) {}
+      : Step(collection.m_owner == nullptr ? nullptr : internal::core(*collection.m_owner).changingModel(), extent) {}
 };
 
 }  // namespace plinth

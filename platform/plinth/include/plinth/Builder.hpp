@@ -3,7 +3,6 @@
 // Thread rule: the thread of the model that it builds in.
 #pragma once
 
-#include <boost/container/small_vector.hpp>
 #include <memory>
 #include <type_traits>
 #include <utility>
@@ -42,11 +41,17 @@ class TESSEL_EXPORT Orchestrator {
   ModelElement commit();
   bool spendsBuilders() const noexcept { return m_spendsBuilders; }
 
- private:
-  friend class ModelElementBuilder;
-  struct Frame;
+  /// The same for another builder, with what is below it.
   ModelElement const& run(ModelElementBuilder& top, boost::uuids::uuid const& uuid);
-  void remove(ModelElementBuilder& builder) noexcept;
+  /// Lets go of a builder that it has.
+  void removeBuilder(ModelElementBuilder& builder) noexcept;
+  /// An element that no model takes in, as a proxy is none.
+  static ModelElement makeProxy(ModelElementBuilder& builder, boost::uuids::uuid const& uuid);
+  /// See plinth::takeDown.
+  static void takeDown(std::unique_ptr<ModelElementBuilder> builder) noexcept;
+
+ private:
+  struct Frame;
 
   ModelElementBuilder* m_root;
   ModelElementBuilder* m_builders = nullptr;  ///< the one added last; each knows the one before it
@@ -54,12 +59,8 @@ class TESSEL_EXPORT Orchestrator {
   bool m_spendsBuilders;
 };
 
-/// A child that a builder is to make, and the containment property that takes it.
-struct CascadeStep {
-  meta::PropertyImpl* property;
-  ModelElementBuilder* child;
-};
-using CascadeSteps = boost::container::small_vector<CascadeStep, 8>;
+/// The children that a builder is to make; see CascadeSteps.hpp.
+class CascadeSteps;
 
 class TESSEL_EXPORT ModelElementBuilder {
  public:
@@ -94,7 +95,8 @@ class TESSEL_EXPORT ModelElementBuilder {
 
   /// False for an index that the class doesn't have.
   bool isSet(unsigned long index) const noexcept { return index < 64 && (m_setMask >> index & 1U) != 0; }
-  boost::dynamic_bitset<std::uint64_t> setMask() const;
+  /// Complete with boost/dynamic_bitset.hpp.
+  BitSet setMask() const;
 
  protected:
   /// Makes the element itself, with its attributes and references; its children come from the cascade. `deferred`
@@ -111,13 +113,11 @@ class TESSEL_EXPORT ModelElementBuilder {
 
  private:
   friend class plinth::Orchestrator;
-  friend class ModelImpl;
-  friend TESSEL_EXPORT void takeDown(std::unique_ptr<ModelElementBuilder> builder) noexcept;
 
   /// What it has made, or makes now, without its children.
   ModelElement const& make(boost::uuids::uuid const& uuid);
   void leaveOrchestrator() noexcept {
-    if (m_orchestrator != nullptr) m_orchestrator->remove(*this);
+    if (m_orchestrator != nullptr) m_orchestrator->removeBuilder(*this);
   }
 
   Model m_model;

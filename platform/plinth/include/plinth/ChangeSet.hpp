@@ -20,8 +20,7 @@ class ChangeSet {
   std::vector<ModelElement> const& destroyed() const noexcept { return m_destroyed; }
   bool empty() const noexcept { return m_created.empty() && m_changed.empty() && m_destroyed.empty(); }
 
- private:
-  friend class ChangePublisher;
+ protected:
   std::vector<ModelElement> m_created;
   std::vector<Storage const*> m_changed;
   std::vector<ModelElement> m_destroyed;
@@ -30,6 +29,9 @@ class ChangeSet {
 /// Told once for each outermost commit that changed something. May open transactions of its own: those are told
 /// afterwards, in order. An exception out of it stops neither the other listeners nor the commit; see
 /// Model::takeListenerErrors.
-using ChangeListener = std::function<void(ChangeSet const&)>;
+class ChangeListener : public std::function<void(ChangeSet const&)> {
+ public:
+  using function::function;
+};
 
 }  // namespace plinth

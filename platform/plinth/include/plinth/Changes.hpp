@@ -4,7 +4,6 @@
 // the model's thread.
 #pragma once
 
-#include <boost/dynamic_bitset.hpp>
 #include <boost/uuid/uuid.hpp>
 #include <cstddef>
 #include <cstdint>
@@ -38,8 +37,8 @@ class TESSEL_EXPORT Changes {
   /// `index` is below INDEXES, here and below.
   void setBit(unsigned long index) noexcept { m_bits |= std::uint64_t{1} << index; }
   void clearBit(unsigned long index) noexcept { m_bits &= ~(std::uint64_t{1} << index); }
-  /// The bits as a bit set of the record's count.
-  boost::dynamic_bitset<std::uint64_t> changeBits() const;
+  /// The bits as a bit set of the record's count; complete with boost/dynamic_bitset.hpp.
+  BitSet changeBits() const;
 
  private:
   boost::uuids::uuid m_uuid;
@@ -49,7 +48,6 @@ class TESSEL_EXPORT Changes {
   std::uint32_t m_count;
 
  protected:
-  friend class UndoLog;
   std::uint32_t m_level = 0;  ///< the transaction level whose begin the old values belong to
 };
 
@@ -85,10 +83,7 @@ class TESSEL_EXPORT Storage : public Changes {
   virtual void mergeInto(Storage& outer) noexcept;
 
  private:
-  friend class ModelElementImpl;
-  friend class ModelImpl;
-  friend class ChangePublisher;
-  friend class UndoLog;
+  friend struct internal::RecordAccess;
 
   ModelElementImpl* m_element = nullptr;
   Storage* m_outer = nullptr;  ///< the record of an enclosing level, if that level has one

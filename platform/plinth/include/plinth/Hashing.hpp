@@ -2,10 +2,9 @@
 // Thread rule: pure functions.
 #pragma once
 
-#include <boost/optional.hpp>
 #include <boost/uuid/uuid.hpp>
 #include <cstdint>
-#include <functional>
+#include <cstring>
 #include <set>
 #include <string>
 #include <type_traits>
@@ -22,6 +21,15 @@ constexpr void combineHash(std::uint64_t& state, std::uint64_t k) noexcept {
   k ^= k >> 47U;
   k *= MULTIPLIER;
   state = (state ^ k) * MULTIPLIER + 0xe6546b64ULL;
+}
+
+/// Hash of a UUID: random ones are their own hash, name-based ones are digests.
+inline std::size_t hashOf(boost::uuids::uuid const& uuid) noexcept {
+  std::uint64_t low = 0;
+  std::uint64_t high = 0;
+  std::memcpy(&low, uuid.data, sizeof low);
+  std::memcpy(&high, uuid.data + sizeof low, sizeof high);
+  return static_cast<std::size_t>((low ^ (high * 0x9E3779B97F4A7C15ULL)) * 0xD6E8FEB86659FD93ULL);
 }
 
 namespace detail {

@@ -6,21 +6,35 @@
 
 #include <exception>
 #include <memory>
-#include <unordered_map>
+#include <string>
+#include <vector>
 
-#include "plinth/ChangeSet.hpp"
-#include "plinth/ElementDirectory.hpp"
-#include "plinth/LevelTies.hpp"
-#include "plinth/RecordPool.hpp"
+#include "plinth/ModelElement.hpp"
 #include "plinth/Transaction.hpp"
-#include "plinth/UndoLog.hpp"
 
 namespace plinth {
 
-class ChangePublisher;
+class ChangeListener;
+class ElementDirectory;
 
 /// Keeps a listener registered; letting go of it takes the listener out.
 using ListenerRegistration = std::shared_ptr<void>;
+
+namespace internal {
+
+/// What every step and many a setter and getter look at first. The kernel keeps it up to date.
+struct StepState {
+  std::uint32_t level = 0;  ///< how many transactions are open
+  std::int32_t freezes = 0;
+  std::int32_t resolveSuppression = 0;
+  bool isLogOff = false;  ///< changes need no undo: they are undo themselves, or a store that nothing takes back
+  std::size_t const* listenerCount = nullptr;
+};
+
+/// The kernel's door to a model.
+inline StepState& stepOf(ModelImpl& model) noexcept;
+
+}  // namespace internal
 
 class TESSEL_EXPORT Model : public Handle {
  public:
@@ -43,8 +57,8 @@ class TESSEL_EXPORT Model : public Handle {
   /// Begins a transaction, nested in the innermost open one. Raises NoModel, CannotModifyFrozenModel,
   /// TransactionsNestedTooDeeply. Allocates nothing once warm.
   [[nodiscard]] Transaction beginTransaction() const;
-  /// Tells `listener` of each outermost commit from now on, until the registration is let go. Raises NoModel,
-  /// NoListener.
+  /// Tells `listener` of each outermost commit from now on, until the registration is let go; complete with
+  /// plinth/ChangeSet.hpp. Raises NoModel, NoListener.
   [[nodiscard]] ListenerRegistration addListener(ChangeListener listener) const;
 
   class Freezer;
@@ -61,19 +75,20 @@ class TESSEL_EXPORT ModelImpl : public ElementImpl {
   /// Begins a transaction, nested in the innermost open one. `thawed` is for whoever holds the thaw of a frozen model.
   /// Raises CannotModifyFrozenModel, TransactionsNestedTooDeeply. Allocates nothing once warm.
   [[nodiscard]] Transaction beginTransaction(bool thawed);
-  std::uint32_t level() const noexcept { return m_log.level(); }
-  bool isFrozen() const noexcept { return m_freezes > 0; }
+  std::uint32_t level() const noexcept { return m_step.level; }
+  bool isFrozen() const noexcept { return m_step.freezes > 0; }
   /// Whether a store now is nobody's business: no transaction could take it back, and no listener hears of it.
-  bool isUnobserved() const noexcept { return level() == 0 && !isFrozen() && *m_listenerCount == 0; }
+  bool isUnobserved() const noexcept { return level() == 0 && !isFrozen() && *m_step.listenerCount == 0; }
   /// How many steps the open transactions keep for their undo; 0 where none is open.
-  std::size_t undoSize() const noexcept { return m_log.size(); }
+  std::size_t undoSize() const noexcept;
 
   // Elements.
   /// The live element of this UUID, or an empty handle; all elements of a model are in memory, so that the behaviors
   /// agree. O(1).
   [[nodiscard]] ModelElement findElement(boost::uuids::uuid const& uuid, FindElementBehavior behavior) const;
-  std::size_t elementCount() const noexcept { return m_directory.size(); }
-  ElementDirectory const& directory() const noexcept { return m_directory; }
+  std::size_t elementCount() const noexcept;
+  /// Complete with plinth/ElementDirectory.hpp.
+  ElementDirectory const& directory() const noexcept;
 
   // Proxies.
   /// The live element that `proxy` names, loading its model if a loader knows it; `proxy` itself if it can't be had.
@@ -91,9 +106,9 @@ class TESSEL_EXPORT ModelImpl : public ElementImpl {
   void unload(ModelElement const& element);
 
   /// While at 1 or above, getters of qualified maps leave proxies as they are.
-  std::int32_t resolveSuppression() const noexcept { return m_resolveSuppression; }
+  std::int32_t resolveSuppression() const noexcept { return m_step.resolveSuppression; }
   /// Taking in what a map's proxies name is a change: not while that is suppressed, and not while the model is frozen.
-  bool mayResolveOnRead() const noexcept { return m_resolveSuppression < 1 && !isFrozen(); }
+  bool mayResolveOnRead() const noexcept { return m_step.resolveSuppression < 1 && !isFrozen(); }
   class ResolveSuppression;
 
   /// The name under which other models find this one; empty for a model that can't be referred to.
@@ -107,61 +122,32 @@ class TESSEL_EXPORT ModelImpl : public ElementImpl {
   std::size_t listenerErrorCount() const noexcept;
   static constexpr std::size_t KEPT_LISTENER_ERRORS = 16;
 
- private:
-  friend class Model;
-  friend class Model::Freezer;
-  friend class Model::Thawer;
-  friend class Transaction;
-  friend class Step;
-  friend class AbstractOwnedCollection;
-  friend class UndoLog;
-  friend class ModelElementImpl;
-  friend class Teardown;
-  friend class LevelTies;
-
+ protected:
   ModelImpl();
-  /// A member that has said that it leaves a collection.
-  struct Leaving {
-    ModelElement owner;  ///< of the collection, which ends with it
-    ReferenceCollection* collection;
-    ModelElement element;
-  };
 
-  ModelElement lookUp(ProxyId const& id, bool load) const;
-  void begin(bool thawed);
-  /// Ends the innermost level for good; the outermost one tells the listeners.
-  void commit();
-  /// Takes back the innermost level, and what is tied to it in other models.
-  void rollBack() noexcept;
-  void commitOutermost();
-  void commitGroup();
-  void announce(ModelElementImpl& element);
+ private:
+  friend internal::StepState& internal::stepOf(ModelImpl& model) noexcept;
 
-  RecordPool m_pool;
-  UndoLog m_log;
-  ElementDirectory m_directory;
-  std::unique_ptr<ChangePublisher> m_publisher;
-  std::size_t const* m_listenerCount;  ///< the publisher's
-  std::unordered_map<ModelElementImpl const*, ProxyId> m_proxyIds;
-  LevelTies m_ties;
-  std::vector<ModelElementImpl*> m_teardown;  ///< elements whose teardown waits; see Teardown
-  std::vector<Leaving> m_leaving;             ///< see Teardown
+  internal::StepState m_step;
   std::u16string m_name;
-  std::int32_t m_resolveSuppression = 0;
-  std::int32_t m_freezes = 0;
-  bool m_collectingChildren = false;  ///< an element that is torn down names what goes with it
 };
+
+namespace internal {
+inline StepState& stepOf(ModelImpl& model) noexcept { return model.m_step; }
+}  // namespace internal
 
 /// While it lives, getters of qualified maps leave proxies as they are. Nests.
 class ModelImpl::ResolveSuppression {
  public:
-  explicit ResolveSuppression(ModelImpl& model) noexcept : m_model(&model) { ++model.m_resolveSuppression; }
+  explicit ResolveSuppression(ModelImpl& model) noexcept : m_step(&internal::stepOf(model)) {
+    ++m_step->resolveSuppression;
+  }
   ResolveSuppression(ResolveSuppression const&) = delete;
   ResolveSuppression& operator=(ResolveSuppression const&) = delete;
-  ~ResolveSuppression() { --m_model->m_resolveSuppression; }
+  ~ResolveSuppression() { --m_step->resolveSuppression; }
 
  private:
-  ModelImpl* m_model;
+  internal::StepState* m_step;
 };
 
 /// A model is no element of a model.
@@ -174,9 +160,9 @@ inline Model::Model(ModelImpl* impl) noexcept : Handle(impl) {}
 inline Model::Model(ModelImpl* impl, Adopt adopt) noexcept : Handle(impl, adopt) {}
 inline ModelImpl* Model::impl() const noexcept { return static_cast<ModelImpl*>(elementImpl()); }
 
-inline RecordPool& ModelElementImpl::recordPool() const noexcept { return m_model->m_pool; }
-inline bool ModelElementImpl::needsNoOldValues() const noexcept {
-  return (m_state & ANNOUNCED) == 0 || m_createdLevel == m_model->level() || m_model->m_log.isOff();
+inline bool internal::ElementCore::needsNoOldValues() const noexcept {
+  StepState const& step = stepOf(*m_model);
+  return (m_state & ANNOUNCED) == 0 || m_createdLevel == step.level || step.isLogOff;
 }
 
 }  // namespace plinth

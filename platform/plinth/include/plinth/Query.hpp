@@ -6,6 +6,7 @@
 // its model. Thread rule: the model's thread.
 #pragma once
 
+#include <boost/optional.hpp>
 #include <functional>
 #include <utility>
 #include <vector>

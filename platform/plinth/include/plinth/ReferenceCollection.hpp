@@ -2,13 +2,29 @@
 // Ownership and thread rule: see AbstractOwnedCollection.hpp.
 #pragma once
 
-#include <functional>
 #include <vector>
 
 #include "plinth/AbstractOwnedCollection.hpp"
 #include "plinth/GenericCollection.hpp"
 
 namespace plinth {
+
+/// A function that is called with elements, for the length of a call that takes it.
+class ElementVisitor {
+ public:
+  /// Any function of an element passes as it is.
+  template <class F>
+  // NOLINTNEXTLINE(google-explicit-constructor)
+  ElementVisitor(F const& function) noexcept
+      : m_function(&function),
+        m_call([](void const* f, ModelElementImpl& element) { (*static_cast<F const*>(f))(element); }) {}
+  ElementVisitor(ElementVisitor const&) = default;
+  void operator()(ModelElementImpl& element) const { m_call(m_function, element); }
+
+ private:
+  void const* m_function;
+  void (*m_call)(void const* function, ModelElementImpl& element);
+};
 
 class TESSEL_EXPORT ReferenceCollection : public AbstractOwnedCollection {
  public:
@@ -33,7 +49,7 @@ class TESSEL_EXPORT ReferenceCollection : public AbstractOwnedCollection {
   /// same keys. Linear.
   virtual bool hasSameMembers(ReferenceCollection const& other) const;
   /// Calls `visit` for each real member, in order, without resolving and without counting.
-  virtual void forEachReal(std::function<void(ModelElementImpl&)> const& visit) const = 0;
+  virtual void forEachReal(ElementVisitor visit) const = 0;
 
   virtual void genericAdd(ModelElement const& element) = 0;
   virtual void genericRemove(ModelElement const& element) = 0;
@@ -80,11 +96,11 @@ class TESSEL_EXPORT ReferenceCollection : public AbstractOwnedCollection {
   /// The step in which `element` is added. One that no container gives up is only contained: once announceAdding has
   /// been through, and room is made, nothing can fail any more.
   Operation::Extent extentOfAdding(ModelElementImpl const& element) const noexcept {
-    return opposite() == nullptr && element.basicContainer() == nullptr ? Operation::SINGLE : extent();
+    return opposite() == nullptr && internal::core(element).basicContainer() == nullptr ? Operation::SINGLE : extent();
   }
   /// Announces what will change in `element` itself; call before the addition, inside its Operation.
   void announceAdding(ModelElementImpl& element) {
-    if (owner() != nullptr && opposite() == nullptr && isComposite()) element.notifyModifying(0);
+    if (owner() != nullptr && opposite() == nullptr && isComposite()) internal::core(element).notifyModifying(0);
   }
   /// The owner, to keep it while a loader runs, which may destroy it.
   ModelElement heldOwner() const noexcept { return ModelElement(owner()); }
@@ -97,7 +113,7 @@ class TESSEL_EXPORT ReferenceCollection : public AbstractOwnedCollection {
   bool listsOwner(ModelElementImpl& element) const;
 
  private:
-  friend class ModelElementImpl;
+  friend internal::ElementCore;
   std::unique_ptr<GenericCollectionInterface> m_generic;
 };
 

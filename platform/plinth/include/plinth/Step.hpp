@@ -6,6 +6,13 @@
 
 namespace plinth {
 
+namespace internal {
+/// A level of the model's log, nested in the innermost one. Raises as Model::beginTransaction.
+TESSEL_EXPORT void beginStep(ModelImpl& model);
+TESSEL_EXPORT void commitStep(ModelImpl& model);
+TESSEL_EXPORT void rollBackStep(ModelImpl& model) noexcept;
+}  // namespace internal
+
 /// What happens as a whole or not at all. A SINGLE step can't fail half-way: inside an
 /// open transaction it costs nothing, outside it is one of its own. A STORE is a SINGLE step that only stores: outside
 /// a transaction it keeps no old value either, where nobody listens. A WHOLE step is a nested transaction in any case.
@@ -18,14 +25,14 @@ class [[nodiscard]] Step {
   ~Step() {
     if (m_model == nullptr) return;
     if (m_isUnlogged) {
-      m_model->m_log.setOff(false);
+      internal::stepOf(*m_model).isLogOff = false;
     } else {
-      m_model->rollBack();
+      internal::rollBackStep(*m_model);
     }
   }
   void commit() {
     if (m_model == nullptr || m_isUnlogged) return;
-    m_model->commit();
+    internal::commitStep(*m_model);
     m_model = nullptr;
   }
 
@@ -35,9 +42,9 @@ class [[nodiscard]] Step {
     if (model == nullptr || (extent != WHOLE && model->level() > 0)) return;
     m_isUnlogged = extent == STORE && model->isUnobserved();
     if (m_isUnlogged) {
-      model->m_log.setOff(true);
+      internal::stepOf(*model).isLogOff = true;
     } else {
-      model->begin(false);
+      internal::beginStep(*model);
     }
     m_model = model;
   }

@@ -6,8 +6,6 @@
 // Thread rule: the model's thread.
 #pragma once
 
-#include <boost/optional.hpp>
-
 #include "plinth/Handle.hpp"
 
 namespace plinth {

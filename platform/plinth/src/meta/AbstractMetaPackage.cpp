@@ -12,7 +12,7 @@ H announced(I* implementation, std::u16string const& name) {
   H handle;
   static_cast<ModelElement&>(handle) = ModelElement(implementation, Adopt{});
   implementation->setName(name);
-  implementation->notifyCreated();
+  core(*implementation).notifyCreated();
   return handle;
 }
 

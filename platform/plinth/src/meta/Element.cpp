@@ -1,7 +1,7 @@
 #include "plinth/meta/Element.hpp"
 
-#include "LiveObjects.hpp"
 #include "plinth/Changes.hpp"
+#include "plinth/LiveObjects.hpp"
 #include "plinth/Messages.hpp"
 #include "plinth/meta/MetaRegistry.hpp"
 

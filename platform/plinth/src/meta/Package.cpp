@@ -7,7 +7,7 @@ namespace plinth::meta {
 Package Package::create(Model const& model, boost::uuids::uuid const& uuid) {
   Package package;
   static_cast<ModelElement&>(package) = ModelElement(new PackageImpl(model, uuid), Adopt{});
-  package->notifyCreated();
+  core(*package).notifyCreated();
   return package;
 }
 
@@ -42,7 +42,7 @@ void PackageImpl::basicDisassociateAll() {
 
 void PackageImpl::doDestroy(bool flag1, bool flag2) {
   for (PackageImpl* package : m_packages) package->destroyRecursively(flag1, false, flag2);
-  for (TypeImpl* type : m_types) type->destroyRecursively(flag1, false, flag2);
+  for (TypeImpl* type : m_types) core(*type).destroyRecursively(flag1, false, flag2);
 }
 
 }  // namespace plinth::meta

@@ -1,5 +1,7 @@
 #include "plinth/meta/Property.hpp"
 
+#include <boost/optional.hpp>
+
 namespace plinth::meta {
 
 void TypedElementImpl::setType(Type const& type) {
@@ -23,7 +25,12 @@ void PropertyImpl::setIsUnique(bool unique) {
 
 void PropertyImpl::setDefaultValue(boost::optional<std::u16string> text) {
   requireNew();
-  m_default = std::move(text);
+  m_hasDefault = text.has_value();
+  m_default = text ? std::move(*text) : std::u16string();
+}
+
+boost::optional<std::u16string> PropertyImpl::defaultValue() const {
+  return m_hasDefault ? boost::optional<std::u16string>(m_default) : boost::none;
 }
 
 void PropertyImpl::setIsDerived(bool derived) {

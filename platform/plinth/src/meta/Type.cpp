@@ -34,8 +34,8 @@ void TypeImpl::basicDisassociateAll() {
 }
 
 void TypeImpl::doDestroy(bool flag1, bool flag2) {
-  for (PropertyImpl* property : m_properties) property->destroyRecursively(flag1, false, flag2);
-  for (OperationImpl* operation : m_operations) operation->destroyRecursively(flag1, false, flag2);
+  for (PropertyImpl* property : m_properties) core(*property).destroyRecursively(flag1, false, flag2);
+  for (OperationImpl* operation : m_operations) core(*operation).destroyRecursively(flag1, false, flag2);
 }
 
 std::uint32_t ClassImpl::nextOrdinal() noexcept {
@@ -121,7 +121,7 @@ void EnumImpl::basicDisassociateAll() {
 }
 
 void EnumImpl::doDestroy(bool flag1, bool flag2) {
-  for (EnumLiteralImpl* literal : m_literals) literal->destroyRecursively(flag1, false, flag2);
+  for (EnumLiteralImpl* literal : m_literals) core(*literal).destroyRecursively(flag1, false, flag2);
 }
 
 }  // namespace plinth::meta

@@ -74,8 +74,10 @@ class TESSEL_EXPORT EnumImpl : public TypeImpl {
 };
 
 inline EnumLiteral::EnumLiteral(EnumLiteralImpl* impl) noexcept : ModelElement(impl) {}
-inline EnumLiteralImpl* EnumLiteral::impl() const noexcept { return static_cast<EnumLiteralImpl*>(elementImpl()); }
+inline EnumLiteralImpl* EnumLiteral::impl() const noexcept {
+  return static_cast<EnumLiteralImpl*>(ModelElement::impl());
+}
 inline Enum::Enum(EnumImpl* impl) noexcept : Type(impl) {}
-inline EnumImpl* Enum::impl() const noexcept { return static_cast<EnumImpl*>(elementImpl()); }
+inline EnumImpl* Enum::impl() const noexcept { return static_cast<EnumImpl*>(ModelElement::impl()); }
 
 }  // namespace plinth::meta

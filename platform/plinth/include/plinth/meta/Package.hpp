@@ -60,6 +60,6 @@ class TESSEL_EXPORT PackageImpl : public MetaElementImpl {
 };
 
 inline Package::Package(PackageImpl* impl) noexcept : ModelElement(impl) {}
-inline PackageImpl* Package::impl() const noexcept { return static_cast<PackageImpl*>(elementImpl()); }
+inline PackageImpl* Package::impl() const noexcept { return static_cast<PackageImpl*>(ModelElement::impl()); }
 
 }  // namespace plinth::meta

@@ -2,7 +2,6 @@
 // Ownership and thread rule: see Element.hpp.
 #pragma once
 
-#include <boost/optional.hpp>
 #include <string>
 
 #include "plinth/meta/Type.hpp"
@@ -62,7 +61,8 @@ class TESSEL_EXPORT PropertyImpl : public TypedElementImpl {
   bool isMany() const noexcept { return m_flags >= SEQUENCE; }
   bool isUnique() const noexcept { return m_unique; }
   void setIsUnique(bool unique);
-  boost::optional<std::u16string> const& defaultValue() const noexcept { return m_default; }
+  /// Complete with boost/optional.hpp.
+  boost::optional<std::u16string> defaultValue() const;
   void setDefaultValue(boost::optional<std::u16string> text);
   bool isDerived() const noexcept { return m_derived; }
   void setIsDerived(bool derived);
@@ -87,6 +87,7 @@ class TESSEL_EXPORT PropertyImpl : public TypedElementImpl {
  private:
   ValueFlags m_flags;
   bool m_composite;
+  bool m_hasDefault = false;
   bool m_unique = true;
   bool m_derived = false;
   bool m_transient = false;
@@ -96,7 +97,7 @@ class TESSEL_EXPORT PropertyImpl : public TypedElementImpl {
   std::size_t m_position = 0;
   PropertyImpl* m_qualifiedBy = nullptr;
   PropertyImpl* m_opposite = nullptr;
-  boost::optional<std::u16string> m_default;
+  std::u16string m_default;
 };
 
 class TESSEL_EXPORT Operation : public TypedElement {
@@ -136,10 +137,12 @@ class TESSEL_EXPORT OperationImpl : public TypedElementImpl {
 };
 
 inline TypedElement::TypedElement(TypedElementImpl* impl) noexcept : ModelElement(impl) {}
-inline TypedElementImpl* TypedElement::impl() const noexcept { return static_cast<TypedElementImpl*>(elementImpl()); }
+inline TypedElementImpl* TypedElement::impl() const noexcept {
+  return static_cast<TypedElementImpl*>(ModelElement::impl());
+}
 inline Property::Property(PropertyImpl* impl) noexcept : TypedElement(impl) {}
-inline PropertyImpl* Property::impl() const noexcept { return static_cast<PropertyImpl*>(elementImpl()); }
+inline PropertyImpl* Property::impl() const noexcept { return static_cast<PropertyImpl*>(ModelElement::impl()); }
 inline Operation::Operation(OperationImpl* impl) noexcept : TypedElement(impl) {}
-inline OperationImpl* Operation::impl() const noexcept { return static_cast<OperationImpl*>(elementImpl()); }
+inline OperationImpl* Operation::impl() const noexcept { return static_cast<OperationImpl*>(ModelElement::impl()); }
 
 }  // namespace plinth::meta

@@ -142,11 +142,11 @@ class TESSEL_EXPORT ClassImpl : public TypeImpl {
 };
 
 inline Type::Type(TypeImpl* impl) noexcept : ModelElement(impl) {}
-inline TypeImpl* Type::impl() const noexcept { return static_cast<TypeImpl*>(elementImpl()); }
+inline TypeImpl* Type::impl() const noexcept { return static_cast<TypeImpl*>(ModelElement::impl()); }
 inline PrimitiveType::PrimitiveType(PrimitiveTypeImpl* impl) noexcept : Type(impl) {}
 inline DataType::DataType(DataTypeImpl* impl) noexcept : StructuredType(impl) {}
 inline Class::Class(ClassImpl* impl) noexcept : StructuredType(impl) {}
-inline ClassImpl* Class::impl() const noexcept { return static_cast<ClassImpl*>(elementImpl()); }
+inline ClassImpl* Class::impl() const noexcept { return static_cast<ClassImpl*>(ModelElement::impl()); }
 
 }  // namespace plinth::meta
 

@@ -5,9 +5,9 @@
 #include <functional>
 #include <map>
 
-#include "plinth/TakenKey.hpp"
 #include "plinth/collections/CollisionResolution.hpp"
 #include "plinth/collections/PrimitiveAssociativeContainer.hpp"
+#include "plinth/diagnostics/TakenKey.hpp"
 
 namespace plinth {
 

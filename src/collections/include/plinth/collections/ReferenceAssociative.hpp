@@ -3,18 +3,22 @@
 #pragma once
 
 #include <memory>
-#include <unordered_map>
+#include <vector>
 
 #include "plinth/ReferenceCollection.hpp"
-#include "plinth/collections/NodeJournal.hpp"
 
 namespace plinth {
 
-using ProxyTable = std::unordered_map<ProxyId, ModelElement, ProxyIdHash>;
+class ProxyTable;
+namespace detail {
+class ProxySteps;
+}
 
 class TESSEL_EXPORT ReferenceAssociative : public ReferenceCollection {
  public:
-  /// The proxies that have not been resolved; null while there has been none.
+  ~ReferenceAssociative() override;
+
+  /// The proxies that have not been resolved; null while there has been none. Complete with ProxyTable.hpp.
   ProxyTable const* proxies() const noexcept { return m_proxies.get(); }
   /// Keeps the proxy under its id; whether it is the first of that id. Raises CannotCreateCrossModelAssociation where a
   /// containment would reach into another model.
@@ -37,7 +41,7 @@ class TESSEL_EXPORT ReferenceAssociative : public ReferenceCollection {
   void clear() override;
 
  protected:
-  using ReferenceCollection::ReferenceCollection;
+  ReferenceAssociative(ModelElementImpl* owner, meta::PropertyImpl* property, meta::PropertyImpl* opposite) noexcept;
 
   virtual bool holds(ModelElement const& element) const = 0;
   /// The insertion when a proxy resolves; whether it inserted.
@@ -48,7 +52,7 @@ class TESSEL_EXPORT ReferenceAssociative : public ReferenceCollection {
   virtual void resetElements(CollectionJournal* journal) = 0;
   /// Puts the element in the place of the proxy that stands for it; whether there was one.
   bool replaceProxyBy(ModelElement const& element);
-  detail::NodeSteps<ProxyTable>* proxySteps(CollectionJournal* journal);
+  detail::ProxySteps* proxySteps(CollectionJournal* journal);
   /// Becomes a deep copy of the other's proxies, or has none.
   void copyProxies(ReferenceAssociative const* other, CollectionJournal* journal);
   std::unique_ptr<ProxyTable>& proxyTable() noexcept { return m_proxies; }
@@ -65,50 +69,5 @@ class TESSEL_EXPORT ReferenceAssociative : public ReferenceCollection {
   void takeIn(ModelElement const& proxy, ModelElement const& real);
   std::unique_ptr<ProxyTable> m_proxies;
 };
-
-namespace detail {
-
-/// The journal of a set or map: its container's nodes and its proxies', in one order.
-class TESSEL_EXPORT AssociativeJournal : public CollectionJournal {
- public:
-  explicit AssociativeJournal(std::unique_ptr<ProxyTable>& proxies) noexcept : m_proxyTable(&proxies) {}
-  std::size_t steps() const noexcept override { return m_order.size(); }
-  void clear() noexcept override;
-  void undoTo(std::size_t mark) noexcept override;
-
-  /// Makes room for one step of either kind, and notes which kind it is. Call before the change.
-  void reserve();
-  void note(bool ofProxies) noexcept { m_order.push_back(ofProxies); }
-  NodeSteps<ProxyTable>& proxySteps() noexcept { return m_proxySteps; }
-  NodeSteps<ProxyTable> const& proxySteps() const noexcept { return m_proxySteps; }
-
- protected:
-  virtual void undoElement() noexcept = 0;
-  virtual void clearElements() noexcept = 0;
-
- private:
-  std::unique_ptr<ProxyTable>* m_proxyTable;
-  NodeSteps<ProxyTable> m_proxySteps;
-  std::vector<bool> m_order;
-};
-
-template <class C>
-class AssociativeJournalOf final : public AssociativeJournal {
- public:
-  AssociativeJournalOf(C& container, std::unique_ptr<ProxyTable>& proxies) noexcept
-      : AssociativeJournal(proxies), m_container(&container) {}
-  NodeSteps<C>& nodes() noexcept { return m_nodes; }
-  NodeSteps<C> const& nodes() const noexcept { return m_nodes; }
-
- protected:
-  void undoElement() noexcept override { m_nodes.undoLast(*m_container); }
-  void clearElements() noexcept override { m_nodes.clear(); }
-
- private:
-  C* m_container;
-  NodeSteps<C> m_nodes;
-};
-
-}  // namespace detail
 
 }  // namespace plinth

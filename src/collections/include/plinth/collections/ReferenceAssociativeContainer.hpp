@@ -7,6 +7,11 @@
 
 namespace plinth {
 
+namespace detail {
+template <class C>
+class AssociativeJournalOf;
+}
+
 /// C is a node container of element handles, or of pairs of a key and an element handle.
 template <class C>
 class ReferenceAssociativeContainer : public ReferenceAssociative {
@@ -19,7 +24,7 @@ class ReferenceAssociativeContainer : public ReferenceAssociative {
   Container const& raw() const noexcept { return m_elements; }
 
   bool hasSameMembers(ReferenceCollection const& other) const override;
-  void forEachReal(std::function<void(ModelElementImpl&)> const& visit) const override;
+  void forEachReal(ElementVisitor visit) const override;
 
   std::size_t oldSize() const override;
   std::size_t rawSize() const override { return m_elements.size(); }

@@ -55,7 +55,7 @@ class TESSEL_EXPORT ReferenceSequence : public ReferenceCollection {
 
   std::vector<ModelElement> getAllValues() override;
   std::vector<ModelElement> getAllValuesAndProxies() const override { return m_elements; }
-  void forEachReal(std::function<void(ModelElementImpl&)> const& visit) const override;
+  void forEachReal(ElementVisitor visit) const override;
   void genericAdd(ModelElement const& element) override;
   void genericRemove(ModelElement const& element) override;
   bool genericContains(ModelElement const& element) const override;

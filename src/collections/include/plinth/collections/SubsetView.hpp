@@ -24,7 +24,7 @@ class TESSEL_EXPORT SubsetView : public ReferenceCollection {
 
   std::vector<ModelElement> getAllValues() override;
   std::vector<ModelElement> getAllValuesAndProxies() const override;
-  void forEachReal(std::function<void(ModelElementImpl&)> const& visit) const override;
+  void forEachReal(ElementVisitor visit) const override;
   void genericAdd(ModelElement const& element) override;
   void genericRemove(ModelElement const& element) override;
   bool genericContains(ModelElement const& element) const override { return containsElement(element); }

@@ -28,11 +28,11 @@ std::conditional_t<ASSIGNS_AS_WHOLE<T>, T const&, T> storable(T const& value) {
 
 template <class T>
 void setAttribute(Element& self, T& field, In<T> value, PropertyDescriptor const& row) {
-  self.requireModifiable();
+  core(self).requireModifiable();
   if (field == value) return;
   auto&& stored = storable<T>(value);
   plinth::Step step(self.model(), plinth::Step::STORE);
-  self.notifyModifying(row.index);
+  core(self).notifyModifying(row.index);
   field = std::forward<decltype(stored)>(stored);
   step.commit();
 }

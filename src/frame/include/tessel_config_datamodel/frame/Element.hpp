@@ -39,6 +39,7 @@ class TESSEL_EXPORT Element : public plinth::ModelElementImpl {
   void setPropertyValue(plinth::meta::Property const& property, plinth::Value const& value, Tag const& tag) final;
   plinth::meta::Property getPropertyByIndex(unsigned long index) const final;
 
+ protected:
   plinth::Changes* createChanges() const final;
   plinth::Storage* createStorage() const final;
   void copyValue(plinth::Storage* storage, unsigned long index) const final;

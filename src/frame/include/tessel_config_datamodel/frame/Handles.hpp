@@ -46,7 +46,7 @@ class HandleOf : public Base {
   explicit HandleOf(I* impl) noexcept : Base(impl) {}
 
   /// The element, which operator-> reaches as well; null for an empty handle, which has nothing to reach.
-  [[nodiscard]] auto* impl() const noexcept { return static_cast<typename X::Impl*>(this->elementImpl()); }
+  [[nodiscard]] auto* impl() const noexcept { return static_cast<typename X::Impl*>(plinth::ModelElement::impl()); }
   auto* operator->() const noexcept {
     assert(!this->isEmpty() && "an empty handle has no element");
     return impl();

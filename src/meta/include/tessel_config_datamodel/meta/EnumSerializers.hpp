@@ -2,6 +2,7 @@
 // Ownership: the serializer registry owns serializers. Thread rule: no state after construction.
 #pragma once
 
+#include <boost/optional.hpp>
 #include <memory>
 #include <set>
 #include <string>

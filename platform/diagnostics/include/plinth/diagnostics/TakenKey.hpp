@@ -2,7 +2,6 @@
 // Thread rule: the thread of the owner's model.
 #pragma once
 
-#include <boost/uuid/uuid.hpp>
 #include <string_view>
 
 #include "plinth/ModelElement.hpp"
@@ -13,7 +12,5 @@ namespace plinth {
 /// collection, such as `ConfigStore{1f0c8a22}/Profiles`. The owner is null for a collection that stands alone.
 [[noreturn]] TESSEL_EXPORT void reportTakenKey(std::u16string_view key, ModelElementImpl const* owner,
                                                meta::PropertyImpl const* property);
-/// The same for the UUID of an element of the model.
-[[noreturn]] void reportTakenUuid(boost::uuids::uuid const& uuid);
 
 }  // namespace plinth

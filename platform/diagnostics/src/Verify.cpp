@@ -1,4 +1,4 @@
-#include "plinth/Verify.hpp"
+#include "plinth/diagnostics/Verify.hpp"
 
 #include <boost/functional/hash.hpp>
 #include <boost/uuid/uuid_io.hpp>
@@ -8,9 +8,12 @@
 
 #include "ElementMembers.hpp"
 #include "groundwork/Unicode.hpp"
-#include "plinth/ElementPath.hpp"
+#include "plinth/ElementDirectory.hpp"
+#include "plinth/ElementMembers.hpp"
+#include "plinth/diagnostics/ElementPath.hpp"
 #include "plinth/ModelDirectory.hpp"
-#include "plinth/ValueText.hpp"
+#include "plinth/diagnostics/ElementPath.hpp"
+#include "plinth/diagnostics/ValueText.hpp"
 
 namespace plinth {
 
@@ -166,7 +169,7 @@ void Verification::checkListed(ModelElementImpl const& element, meta::ClassImpl 
     report("directory", element, nullptr, "a live element",
            element.isProxy() ? "a proxy" : (element.isLive() ? "one not announced" : "a dead one"));
   }
-  if (element.modelIdentity() != &m_model) {
+  if (core(element).modelIdentity() != &m_model) {
     report("directory", element, nullptr, "an element of this model", "one of another model");
   }
   ModelElementImpl const* const byUuid = m_model.directory().find(element.getUuid());
@@ -179,7 +182,8 @@ void Verification::checkListed(ModelElementImpl const& element, meta::ClassImpl 
 void Verification::checkProperties(ModelElementImpl const& element) {
   for (meta::PropertyImpl* property : elementProperties(*element.getMetaClass().impl())) {
     checkMembers(element, *property);
-    ReferenceCollection const* const collection = property->isMany() ? element.referenceCollection(*property) : nullptr;
+    ReferenceCollection const* const collection =
+        property->isMany() ? core(element).referenceCollection(*property) : nullptr;
     if (collection == nullptr) continue;
     if (m_model.level() == 0 && collection->oldSize() != collection->rawSize()) {
       report("undo", element, property, "a collection without undo", "one that still knows older contents");
@@ -212,13 +216,13 @@ void Verification::checkMembers(ModelElementImpl const& element, meta::PropertyI
 
 void Verification::checkTarget(ModelElementImpl const& element, meta::PropertyImpl const& property,
                                ModelElement const& target) {
-  if (target->refCount() == 0 || target->refCount() >= ElementImpl::REFCOUNT_DELETING) {
+  if (core(*target).refCount() == 0 || core(*target).refCount() >= ElementImpl::REFCOUNT_DELETING) {
     report("target", element, &property, "a target that is in memory", "one that has been deleted");
     return;
   }
   if (!target) {
     // A dead one of another model has gone with that model: whoever reads it is not shown it.
-    bool const isOurs = target->modelIdentity() == &m_model;
+    bool const isOurs = core(*target).modelIdentity() == &m_model;
     if (property.isComposite() || (property.opposite() != nullptr && isOurs)) {
       report("target", element, &property, "a live element", "the dead " + shortName(*target));
     }
@@ -238,16 +242,16 @@ void Verification::checkTarget(ModelElementImpl const& element, meta::PropertyIm
 
 void Verification::checkContained(ModelElementImpl const& element, meta::PropertyImpl const& property,
                                   ModelElementImpl const& child) {
-  if (child.basicContainer() == &element && child.basicContainmentFeature() == &property) {
+  if (core(child).basicContainer() == &element && core(child).basicContainmentFeature() == &property) {
     m_elements[&child].contained = true;
   } else {
     report("containment", element, &property, shortName(child) + " to have it as its container link",
-           containment(child.basicContainer(), child.basicContainmentFeature()));
+           containment(core(child).basicContainer(), core(child).basicContainmentFeature()));
   }
 }
 
 void Verification::checkKeys(ModelElementImpl const& element, meta::PropertyImpl const& property) {
-  ReferenceCollection& map = *element.referenceCollection(property);
+  ReferenceCollection& map = *core(element).referenceCollection(property);
   std::vector<std::u16string> const keys = detail::keysOf(map);
   std::size_t at = 0;
   map.forEachReal([&](ModelElementImpl& member) {
@@ -270,14 +274,14 @@ void Verification::noteLink(ModelElementImpl const& element, meta::PropertyImpl 
   m_links.insert(link);
   if (isKnown(target.impl())) {
     m_directLinks.push_back(link);
-  } else if (target && target->modelIdentity() != &m_model) {
+  } else if (target && core(*target).modelIdentity() != &m_model) {
     m_farLinks.push_back(link);
   }
 }
 
 void Verification::checkContainer(ModelElementImpl const& element, Facts const& facts) {
-  ModelElementImpl const* const container = element.basicContainer();
-  meta::PropertyImpl const* const property = element.basicContainmentFeature();
+  ModelElementImpl const* const container = core(element).basicContainer();
+  meta::PropertyImpl const* const property = core(element).basicContainmentFeature();
   if (container == nullptr && property == nullptr) return;
   // The parts of a metamodel know their owner, which holds them by other means than properties.
   bool const isMetaPart = property == nullptr && dynamic_cast<meta::MetaElementImpl const*>(&element) != nullptr;
@@ -288,9 +292,9 @@ void Verification::checkContainer(ModelElementImpl const& element, Facts const& 
 }
 
 void Verification::checkProxy(ModelElementImpl const& proxy) {
-  if (proxy.basicContainer() != nullptr) {
+  if (core(proxy).basicContainer() != nullptr) {
     report("proxy", proxy, nullptr, "no container",
-           containment(proxy.basicContainer(), proxy.basicContainmentFeature()));
+           containment(core(proxy).basicContainer(), core(proxy).basicContainmentFeature()));
   }
   for (meta::PropertyImpl* property : elementProperties(*proxy.getMetaClass().impl())) {
     auto const members = detail::membersOf(proxy, *property);
@@ -305,7 +309,7 @@ void Verification::checkCycles() {
     while (at != m_elements.end() && at->second.walk == Facts::NEW) {
       at->second.walk = Facts::ON_PATH;
       path.push_back(&at->second);
-      each = each->basicContainer();
+      each = core(*each).basicContainer();
       at = m_elements.find(each);
     }
     if (at != m_elements.end() && at->second.walk == Facts::ON_PATH) {
@@ -348,9 +352,9 @@ void Verification::checkFarOpposites() {
 void Verification::checkReferenceCounts() {
   for (ModelElementImpl const* element : m_order) {
     std::uint32_t const atLeast = m_elements.at(element).handles + 1;  // the model's own
-    if (element->refCount() >= atLeast && element->refCount() < ElementImpl::REFCOUNT_DELETING) continue;
+    if (core(*element).refCount() >= atLeast && core(*element).refCount() < ElementImpl::REFCOUNT_DELETING) continue;
     report("reference count", *element, nullptr, "at least " + std::to_string(atLeast),
-           std::to_string(element->refCount()));
+           std::to_string(core(*element).refCount()));
   }
 }
 

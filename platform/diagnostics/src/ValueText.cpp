@@ -1,7 +1,8 @@
-#include "plinth/ValueText.hpp"
+#include "plinth/diagnostics/ValueText.hpp"
 
 #include <array>
 #include <atomic>
+#include <boost/optional.hpp>
 #include <charconv>
 #include <cmath>
 #include <cstring>

@@ -1,21 +1,17 @@
-#include "plinth/Census.hpp"
+#include "plinth/diagnostics/Census.hpp"
 
 #include <algorithm>
-#include <atomic>
 #include <map>
-#include <mutex>
 #include <numeric>
-#include <unordered_set>
 
 #include "LiveObjects.hpp"
 #include "groundwork/Counting.hpp"
+#include "plinth/ElementDirectory.hpp"
+#include "plinth/LiveObjects.hpp"
 #include "plinth/meta/MetaRegistry.hpp"
 
 namespace plinth {
 namespace {
-
-std::atomic<std::ptrdiff_t> elementObjects{0};
-std::atomic<std::ptrdiff_t> metaElementObjects{0};
 
 struct ByName {
   bool operator()(meta::ClassImpl const* left, meta::ClassImpl const* right) const noexcept {
@@ -38,36 +34,7 @@ std::vector<Census::Row> rowsOf(Counts const& counts) {
   return rows;
 }
 
-/// The models there are. Outlives those of static objects.
-struct LiveModels {
-  std::mutex mutex;
-  std::unordered_set<ModelImpl*> models;
-};
-LiveModels& liveModels() {
-  static LiveModels* const models = new LiveModels();
-  return *models;
-}
-
 }  // namespace
-
-namespace detail {
-
-void LiveObjects::addElement() noexcept { groundwork::addTo(elementObjects, std::ptrdiff_t{1}); }
-void LiveObjects::removeElement() noexcept { groundwork::addTo(elementObjects, std::ptrdiff_t{-1}); }
-void LiveObjects::addMetaElement() noexcept { groundwork::addTo(metaElementObjects, std::ptrdiff_t{1}); }
-void LiveObjects::removeMetaElement() noexcept { groundwork::addTo(metaElementObjects, std::ptrdiff_t{-1}); }
-
-void LiveObjects::enter(ModelImpl& model) {
-  std::lock_guard const lock(liveModels().mutex);
-  liveModels().models.insert(&model);
-}
-
-void LiveObjects::leave(ModelImpl& model) noexcept {
-  std::lock_guard const lock(liveModels().mutex);
-  liveModels().models.erase(&model);
-}
-
-}  // namespace detail
 
 std::size_t Census::elements() const noexcept {
   return std::accumulate(classes.begin(), classes.end(), std::size_t{0},
@@ -102,16 +69,13 @@ Census census() {
   ModelImpl const* const metamodel = meta::MetaRegistry::getInstance().model().impl();
   Census result;
   Counts counts;
-  {
-    std::lock_guard const lock(liveModels().mutex);
-    for (ModelImpl const* model : liveModels().models) {
-      if (model == metamodel) continue;
-      count(*model, counts);
-      ++result.models;
-    }
-  }
+  detail::LiveObjects::forEachModel([&](ModelImpl const& model) {
+    if (&model == metamodel) return;
+    count(model, counts);
+    ++result.models;
+  });
   result.classes = rowsOf(counts);
-  auto const objects = static_cast<std::size_t>(elementObjects.load() - metaElementObjects.load());
+  std::size_t const objects = detail::LiveObjects::elements();
   result.others = objects - std::min(objects, result.elements());
   return result;
 }

@@ -1,4 +1,4 @@
-#include "plinth/ElementPath.hpp"
+#include "plinth/diagnostics/ElementPath.hpp"
 
 #include <algorithm>
 #include <boost/uuid/uuid_io.hpp>
@@ -6,7 +6,8 @@
 
 #include "ElementMembers.hpp"
 #include "groundwork/Unicode.hpp"
-#include "plinth/ValueText.hpp"
+#include "plinth/ElementMembers.hpp"
+#include "plinth/diagnostics/ValueText.hpp"
 
 namespace plinth {
 namespace detail {
@@ -19,7 +20,7 @@ std::string shortUuid(ModelElementImpl const& element) {
 
 std::size_t positionIn(ModelElementImpl const& container, meta::PropertyImpl const& property,
                        ModelElementImpl const& element) {
-  ReferenceCollection const* const collection = container.referenceCollection(property);
+  ReferenceCollection const* const collection = core(container).referenceCollection(property);
   if (property.valueFlags() != meta::SEQUENCE || collection == nullptr) return NO_POSITION;
   std::vector<ModelElement> const members = collection->getAllValuesAndProxies();
   auto const found = std::find_if(members.begin(), members.end(),
@@ -50,8 +51,8 @@ std::string elementPath(ModelElementImpl const& element, ContainerFilter const& 
   std::unordered_set<ModelElementImpl const*> passed;
   ModelElementImpl const* each = &element;
   while (true) {
-    ModelElementImpl const* const container = each->basicContainer();
-    meta::PropertyImpl const* const feature = each->basicContainmentFeature();
+    ModelElementImpl const* const container = core(*each).basicContainer();
+    meta::PropertyImpl const* const feature = core(*each).basicContainmentFeature();
     if (container == nullptr || feature == nullptr || !filter(*container)) {
       steps.push_back(shortName(*each));
       break;

@@ -1,4 +1,4 @@
-#include "plinth/Fingerprint.hpp"
+#include "plinth/diagnostics/Fingerprint.hpp"
 
 #include <algorithm>
 #include <boost/uuid/uuid_io.hpp>
@@ -9,8 +9,11 @@
 #include "ElementMembers.hpp"
 #include "groundwork/Unicode.hpp"
 #include "plinth/AbstractPrimitiveCollection.hpp"
-#include "plinth/ElementPath.hpp"
-#include "plinth/ValueText.hpp"
+#include "plinth/ElementDirectory.hpp"
+#include "plinth/ElementMembers.hpp"
+#include "plinth/ProxyId.hpp"
+#include "plinth/diagnostics/ElementPath.hpp"
+#include "plinth/diagnostics/ValueText.hpp"
 
 namespace plinth {
 
@@ -68,10 +71,10 @@ void FingerprintTaker::open(ModelElementImpl const& element) {
   Entry entry;
   entry.uuid = element.getUuid();
   entry.metaClass = element.getMetaClass().impl();
-  if (ModelElementImpl const* const container = element.basicContainer()) {
+  if (ModelElementImpl const* const container = core(element).basicContainer()) {
     entry.container = container->getUuid();
     // Stays if no property of the container says better.
-    meta::PropertyImpl const* const feature = element.basicContainmentFeature();
+    meta::PropertyImpl const* const feature = core(element).basicContainmentFeature();
     entry.step = feature == nullptr ? detail::shortName(element) : groundwork::toUtf8(feature->getName());
   } else {
     entry.step = detail::shortName(element);
@@ -110,7 +113,7 @@ std::string FingerprintTaker::membersText(ModelElementImpl const& element, meta:
   std::vector<ModelElement> const members = detail::membersOf(element, property);
   bool const isMap = property.valueFlags() == meta::MAP;
   std::vector<std::u16string> const keys = isMap && !members.empty()
-                                               ? detail::keysOf(*element.referenceCollection(property))
+                                               ? detail::keysOf(*core(element).referenceCollection(property))
                                                : std::vector<std::u16string>();
   std::vector<std::string> texts;
   texts.reserve(members.size());
@@ -128,7 +131,7 @@ std::string FingerprintTaker::membersText(ModelElementImpl const& element, meta:
 /// A contained member learns how it is reached from its container.
 void FingerprintTaker::nameStep(ModelElementImpl const& element, meta::PropertyImpl const& property,
                                 ModelElement const& member, std::size_t position) {
-  if (!property.isComposite() || !member || member->basicContainer() != &element) return;
+  if (!property.isComposite() || !member || core(*member).basicContainer() != &element) return;
   auto const place = m_places.find(member.impl());
   if (place != m_places.end()) {
     m_fingerprint.m_entries[place->second].step = detail::pathStep(property, *member, position);

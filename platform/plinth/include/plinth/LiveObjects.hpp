@@ -2,6 +2,9 @@
 // Thread rule: safe from any thread.
 #pragma once
 
+#include <cstddef>
+#include <functional>
+
 #include "plinth/ModelFwd.hpp"
 
 namespace plinth::detail {
@@ -17,6 +20,11 @@ class LiveObjects {
   /// Takes a lock. Raises std::bad_alloc.
   static void enter(ModelImpl& model);
   static void leave(ModelImpl& model) noexcept;
+
+  /// How many elements there are that are none of the metamodel's.
+  static std::size_t elements() noexcept;
+  /// Holds a lock meanwhile: no model comes or goes.
+  static void forEachModel(std::function<void(ModelImpl const&)> const& visit);
 };
 
 }  // namespace plinth::detail

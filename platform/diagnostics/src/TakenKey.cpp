@@ -1,11 +1,10 @@
-#include "plinth/TakenKey.hpp"
-
-#include <boost/uuid/uuid_io.hpp>
+#include "plinth/diagnostics/TakenKey.hpp"
 
 #include "groundwork/Unicode.hpp"
-#include "plinth/ElementPath.hpp"
+#include "plinth/diagnostics/ElementPath.hpp"
 #include "plinth/Messages.hpp"
-#include "plinth/ValueText.hpp"
+#include "plinth/diagnostics/ElementPath.hpp"
+#include "plinth/diagnostics/ValueText.hpp"
 
 namespace plinth {
 namespace {
@@ -22,10 +21,6 @@ namespace {
 void reportTakenKey(std::u16string_view key, ModelElementImpl const* owner, meta::PropertyImpl const* property) {
   bool const isPlaced = owner != nullptr && property != nullptr;
   report(isPlaced ? elementPath(*owner) + "/" + groundwork::toUtf8(property->getName()) : "the same map", quoted(key));
-}
-
-void reportTakenUuid(boost::uuids::uuid const& uuid) {
-  report("the model", "\"" + boost::uuids::to_string(uuid) + "\"");
 }
 
 }  // namespace plinth

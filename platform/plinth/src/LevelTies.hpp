@@ -19,14 +19,14 @@ namespace plinth {
 
 class LevelTies {
  public:
-  explicit LevelTies(ModelImpl& model) noexcept : m_model(&model) {}
+  explicit LevelTies(internal::ModelState& model) noexcept : m_model(&model) {}
   LevelTies(LevelTies const&) = delete;
   LevelTies& operator=(LevelTies const&) = delete;
 
   /// Sees to it that the innermost level of `far` ends as that of this model does; opens one there if need be. Raises
   /// CannotModifyOutsideTransaction when this model has none, what beginning one in `far` raises, and
   /// OtherModelInTransaction when `far` has one that may end in another way; nothing has changed then.
-  void takeAlong(ModelImpl& far);
+  void takeAlong(internal::ModelState& far);
 
   bool hasFollowers() const noexcept { return !m_followers.empty(); }
   /// Whether this model has to do with others at present.
@@ -45,7 +45,7 @@ class LevelTies {
 
  private:
   /// What decides how a level ends: a model's level that somebody began.
-  using Fate = std::pair<ModelImpl*, std::uint32_t>;
+  using Fate = std::pair<internal::ModelState*, std::uint32_t>;
   struct Follower {
     std::uint32_t level;  ///< of this model
     Handle model;
@@ -58,7 +58,7 @@ class LevelTies {
 
   Fate fateOf(std::uint32_t level) const noexcept;
 
-  ModelImpl* m_model;
+  internal::ModelState* m_model;
   std::list<Follower> m_followers;  ///< a list, since a follower that goes to another leader must not need memory
   std::vector<Leader> m_leaders;    ///< by ascending level
 };
