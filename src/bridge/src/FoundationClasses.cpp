@@ -8,6 +8,7 @@
 #include "corvid/factory/AdaptedClass.hpp"
 #include "corvid/factory/StringDataTypes.hpp"
 #include "groundwork/unicode.hpp"
+#include "plinth/bridge/ElementShapes.hpp"
 #include "plinth/bridge/FoundationPackage.hpp"
 #include "plinth/bridge/PlinthWrapperInfo.hpp"
 #include "plinth/meta/MetaRegistry.hpp"
@@ -40,12 +41,11 @@ class ModelElementWrapper final : public PlinthWrapperInfo<ModelElement> {
 
   void initializeClass(CorvidClass* hostClass) override {
     addMethods(*hostClass);
-    detail::endClass(*hostClass, &ModelElement::metaClass);
+    detail::addStaticMetaClass(*hostClass, &ModelElement::metaClass);
   }
 
- protected:
-  void describe(Rows&) const override {}
-  void addMethods(CorvidClass& hostClass) const override {
+ private:
+  static void addMethods(CorvidClass& hostClass) {
     MethodAdder<ModelElement> const methods(hostClass);
     methods.read("model", "plinth.Model", {},
                  [](ModelElement const& self, MethodCall& call) { call.setOutput(announceModel(self->getModel())); });
@@ -92,9 +92,8 @@ class MetaClassWrapper final : public PlinthWrapperInfo<meta::Class> {
   bool isHidden() const override { return false; }
   bool isAbstract() const override { return true; }
 
- protected:
-  void describe(Rows&) const override {}
-  void addMethods(CorvidClass& hostClass) const override {
+ private:
+  static void addMethods(CorvidClass& hostClass) {
     MethodAdder<meta::Class> const methods(hostClass);
     methods.read("properties", "CorvidFactoryString vector", {}, [](meta::Class const& self, MethodCall& call) {
       std::vector<std::u16string> names;
@@ -105,8 +104,6 @@ class MetaClassWrapper final : public PlinthWrapperInfo<meta::Class> {
       call.setOutput(kestrel::createScalar(self->conformsTo(*readClass(call.input(1)).impl())));
     });
   }
-
- private:
   template <class V>
   static void addReadOnly(CorvidClass& hostClass, char const* name,
                           typename corvid::factory::AdaptedClassGetter<V, meta::Class>::Adapter read) {

@@ -34,19 +34,6 @@ TESSEL_EXPORT void releaseElement(void* native) noexcept;
 /// The same for a collection, whose binding holds the element that owns it.
 TESSEL_EXPORT void releaseCollection(void* native) noexcept;
 
-/// The element of a script object for the length of a call. Whoever calls holds the script object and by it the
-/// element: counting it once more would be most of what reading a number costs.
-template <class X>
-class Borrowed {
- public:
-  explicit Borrowed(typename X::Impl* element) noexcept : m_element(element) {}
-  explicit operator bool() const noexcept { return m_element != nullptr && m_element->isLive(); }
-  typename X::Impl& operator*() const noexcept { return *m_element; }
-
- private:
-  typename X::Impl* m_element;
-};
-
 }  // namespace plinth::bridge
 
 namespace corvid::factory {
@@ -61,15 +48,6 @@ struct SelfTraits<X, std::enable_if_t<std::is_base_of_v<plinth::ModelElement, X>
   }
   static Self fromNative(void* native) {
     return X(static_cast<typename X::Impl*>(static_cast<plinth::ModelElementImpl*>(native)));
-  }
-};
-
-template <class X>
-struct SelfTraits<plinth::bridge::Borrowed<X>> {
-  using Self = plinth::bridge::Borrowed<X>;
-  static Identifier className() { return SelfTraits<X>::className(); }
-  static Self fromNative(void* native) noexcept {
-    return Self(static_cast<typename X::Impl*>(static_cast<plinth::ModelElementImpl*>(native)));
   }
 };
 

@@ -1,4 +1,4 @@
-// How elements cross to the host: one, a sequence of them as an array, or a collection as an object of its own.
+// How elements cross to the host: one, or several as an array.
 // Thread rule: the host's thread.
 #pragma once
 
@@ -39,7 +39,6 @@ struct ValueShape<E, std::enable_if_t<std::is_base_of_v<plinth::ModelElement, E>
   static E fromHost(kestrel_array const& value) { return impl::selfOf<E>(value); }
 };
 
-/// A sequence is an array, read and written as a whole.
 template <class E>
 struct ValueShape<std::vector<E>, std::enable_if_t<std::is_base_of_v<plinth::ModelElement, E>>> {
   static constexpr Multiplicity multiplicity = Multiplicity::Many;
@@ -54,16 +53,6 @@ struct ValueShape<std::vector<E>, std::enable_if_t<std::is_base_of_v<plinth::Mod
     elements.reserve(count);
     for (std::size_t i = 0; i < count; ++i) elements.push_back(impl::selfOf<E>(value, i));
     return elements;
-  }
-};
-
-/// A set or map is an object that scripts walk and change by its methods.
-template <>
-struct ValueShape<plinth::ReferenceCollection const*> {
-  static constexpr Multiplicity multiplicity = Multiplicity::Single;
-  static Identifier dataType() { return internal::makeInterned("plinth.Set"); }
-  static kestrel::OwnedArray toHost(plinth::ReferenceCollection const* collection) {
-    return plinth::bridge::announceCollection(collection);
   }
 };
 
