@@ -110,7 +110,6 @@ void setShape(Data& object, Property const& property) {
                             property.keyedMaps.empty());
   setNumber(object, "position", positionAmongSiblings(property));
   setNumber(object, "valueFlags", static_cast<int>(property.shape));
-  object.set("isMany", property.isMany());
   object.set("isElement", property.isElement());
   setFact(object, "isComposite", property.kind == Kind::containment);
   object.set("schemeAttribute", property.scheme == Scheme::attribute);
@@ -373,8 +372,6 @@ Data classData(Class const& type, std::string const& root) {
           ownProperties(type, [](Property const& each) { return each.isElement() && !each.isMany(); }));
   setList(result, "elementCollections",
           ownProperties(type, [](Property const& each) { return each.isElement() && each.isMany(); }));
-  setList(result, "containments",
-          ownProperties(type, [](Property const& each) { return each.kind == Kind::containment; }));
   setList(result, "queryables", ownProperties(type, [](Property const& each) { return each.queryable; }));
   setList(result, "chainQueryables", propertyList(type.chainQueryable));
   setList(result, "fields", propertyList(type.fields));

@@ -8,10 +8,18 @@
 #include "corvid/factory/AdaptedClass.hpp"
 #include "corvid/factory/StringDataTypes.hpp"
 #include "groundwork/unicode.hpp"
-#include "plinth/bridge/ElementShapes.hpp"
 #include "plinth/bridge/FoundationPackage.hpp"
 #include "plinth/bridge/PlinthWrapperInfo.hpp"
 #include "plinth/meta/MetaRegistry.hpp"
+
+template <>
+struct corvid::factory::ValueShape<plinth::meta::Class> {
+  static constexpr Multiplicity multiplicity = Multiplicity::Single;
+  static Identifier dataType() { return SelfTraits<plinth::meta::Class>::className(); }
+  static kestrel::OwnedArray toHost(plinth::meta::Class const& metaClass) {
+    return plinth::bridge::announceElement(metaClass, dataType());
+  }
+};
 
 namespace plinth::bridge {
 

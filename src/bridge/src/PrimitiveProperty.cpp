@@ -36,8 +36,8 @@ Identifier dataTypeOf(meta::Property const& property) {
 
 }  // namespace
 
-PrimitiveProperty::PrimitiveProperty(meta::Property property, unsigned flags)
-    : PropertyImplBase(memberName(*property.impl()), flags),
+PrimitiveProperty::PrimitiveProperty(meta::Property property)
+    : PropertyImplBase(memberName(*property.impl()), property->isCorvidHidden() ? corvid::HIDDEN_PROPERTY : 0),
       m_property(std::move(property)),
       m_ownerClass(hostName(*m_property->owningType())),
       m_dataType(dataTypeOf(m_property)) {

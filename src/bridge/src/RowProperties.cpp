@@ -1,6 +1,5 @@
 #include "plinth/bridge/RowProperties.hpp"
 
-#include "plinth/bridge/ElementShapes.hpp"
 #include "plinth/bridge/MetaMarshalerRegistry.hpp"
 #include "plinth/collections/ReferenceSequence.hpp"
 #include "tessel_config_datamodel/frame/ElementCollection.hpp"
@@ -70,9 +69,7 @@ class ElementRow {
   static kestrel::OwnedArray read(frame::Element& self, RowOfElements const& row) {
     auto& sequence = static_cast<ReferenceSequence&>(*frame::readCollection(self, *row));
     sequence.resolveAll();
-    std::vector<ModelElement> const members = sequence.raw();
-    auto const at = [&](std::size_t i) -> ModelElement const& { return members[i]; };
-    return detail::announceRow(members.size(), row.dataType(), at);
+    return announceElements(sequence.raw(), row.dataType());
   }
   static std::vector<ModelElement> fromHost(kestrel_array const& value, Identifier dataType) {
     std::vector<ModelElement> elements(kestrel::numberOfElements(value));

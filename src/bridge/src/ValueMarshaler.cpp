@@ -29,8 +29,7 @@ ValueMarshaler::~ValueMarshaler() = default;
 
 std::unique_ptr<corvid::CorvidPropInfo> ValueMarshaler::makeProperty(
     tessel::frame::PropertyDescriptor const& row) const {
-  unsigned const flags = row.property->isCorvidHidden() ? corvid::HIDDEN_PROPERTY : 0;
-  return std::make_unique<PrimitiveProperty>(meta::Property(row.property), flags);
+  return std::make_unique<PrimitiveProperty>(meta::Property(row.property));
 }
 
 kestrel::OwnedArray ValueMarshaler::toKestrelArray(Value const& value) const {

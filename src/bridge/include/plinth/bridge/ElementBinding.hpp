@@ -5,6 +5,7 @@
 #pragma once
 
 #include <type_traits>
+#include <vector>
 
 #include "corvid/factory/SelfTraits.hpp"
 #include "groundwork/export.hpp"
@@ -22,6 +23,10 @@ TESSEL_EXPORT corvid::Identifier memberName(meta::MetaElementImpl const& member)
 /// The script object of an element under the element's own class, or the nearest one above that the host knows, in a 1
 /// by 1 array; an empty array of the class `declared` for an empty handle. Raises NoSuchClass.
 TESSEL_EXPORT kestrel::OwnedArray announceElement(ModelElement const& element, corvid::Identifier declared);
+/// The script objects of elements in one row, which settles to their nearest common class; an empty array of the class
+/// `declared` for none.
+TESSEL_EXPORT kestrel::OwnedArray announceElements(std::vector<ModelElement> const& elements,
+                                                   corvid::Identifier declared);
 /// The script object of a model, in a 1 by 1 array.
 TESSEL_EXPORT kestrel::OwnedArray announceModel(Model const& model);
 /// The script object of a collection under the foundation's class for its shape; none gives an empty "plinth.Set".

@@ -11,7 +11,7 @@ namespace plinth::bridge {
 class TESSEL_EXPORT PrimitiveProperty final : public corvid::factory::impl::PropertyImplBase {
  public:
   /// Raises NoSuchType when the property's type has no marshaler.
-  PrimitiveProperty(meta::Property property, unsigned flags);
+  explicit PrimitiveProperty(meta::Property property);
 
   corvid::Identifier getDataType() const override { return m_dataType; }
   corvid::Multiplicity getMultiplicity() const override;
