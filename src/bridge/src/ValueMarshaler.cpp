@@ -29,7 +29,7 @@ ValueMarshaler::~ValueMarshaler() = default;
 
 std::unique_ptr<corvid::CorvidPropInfo> ValueMarshaler::makeProperty(
     tessel::frame::PropertyDescriptor const& row) const {
-  return std::make_unique<PrimitiveProperty>(meta::Property(row.property));
+  return std::make_unique<PrimitiveProperty>(row);
 }
 
 kestrel::OwnedArray ValueMarshaler::toKestrelArray(Value const& value) const {
