@@ -5,7 +5,7 @@
 #include <plinth/Model.hpp>
 #include <plinth/ReferenceCollection.hpp>
 #include <plinth/Value.hpp>
-#include <plinth/ValueText.hpp>
+#include <plinth/diagnostics/ValueText.hpp>
 #include <plinth/meta/Property.hpp>
 #include <plinth/meta/Type.hpp>
 #include <string>

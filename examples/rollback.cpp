@@ -2,7 +2,7 @@
 // transaction open. Whatever happened inside, the model is as before: values, order, links, and elements themselves.
 #include <groundwork/Unicode.hpp>
 #include <iostream>
-#include <plinth/Fingerprint.hpp>
+#include <plinth/diagnostics/Fingerprint.hpp>
 #include <plinth/Model.hpp>
 #include <stdexcept>
 #include <tessel_config_datamodel/runtime/CategoryState.hpp>

@@ -326,8 +326,6 @@ Data classData(Class const& type, std::string const& root) {
           ownProperties(type, [](Property const& each) { return each.isElement() && !each.isMany(); }));
   setList(result, "elementCollections",
           ownProperties(type, [](Property const& each) { return each.isElement() && each.isMany(); }));
-  setList(result, "containments",
-          ownProperties(type, [](Property const& each) { return each.kind == Kind::containment; }));
   setList(result, "queryables", ownProperties(type, [](Property const& each) { return each.queryable; }));
   setList(result, "chainQueryables", propertyList(type.chainQueryable));
   setList(result, "members", propertyList(inHeaderOrder(type)));

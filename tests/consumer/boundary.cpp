@@ -13,7 +13,7 @@
 #include <corvid/HostError.hpp>
 #include <corvid/Invocation.hpp>
 #include <tessel_config_datamodel/bridge/EntryPoints.hpp>
-#include <tessel_config_datamodel/bridge/ext/ConfigProfileWrapper.hpp>
+#include <tessel_config_datamodel/bridge/ext.hpp>
 #endif
 
 namespace ext = tessel::internal::ext;

@@ -7,7 +7,7 @@
 #include "corvid/factory/BindingRegistry.hpp"
 #include "corvid/factory/CorvidFactoryClassInfo.hpp"
 #include "kestrel/Array.hpp"
-#include "plinth/bridge/ElementShapes.hpp"
+#include "plinth/bridge/ElementBinding.hpp"
 #include "plinth/collections/ReferenceAssociative.hpp"
 #include "plinth/collections/ReferenceSequence.hpp"
 #include "plinth/collections/SubsetView.hpp"
@@ -119,7 +119,7 @@ void outputElement(MethodCall& call, ModelElement const& element) {
 }
 
 void outputElements(MethodCall& call, std::vector<ModelElement> const& elements) {
-  call.setOutput(corvid::factory::ValueShape<std::vector<ModelElement>>::toHost(elements));
+  call.setOutput(announceElements(elements, corvid::internal::makeInterned(ELEMENT)));
 }
 
 Value keyOf(Collection const& self, kestrel_array const& key) {

@@ -3,6 +3,7 @@
 #include <unordered_map>
 
 #include "corvid/CorvidClass.hpp"
+#include "corvid/Invocation.hpp"
 #include "corvid/factory/BindingRegistry.hpp"
 #include "groundwork/Unicode.hpp"
 #include "kestrel/ObjectArray.hpp"
@@ -60,6 +61,19 @@ kestrel::OwnedArray announceElement(ModelElement const& element, Identifier decl
   bool isNew = false;
   auto array = BindingRegistry::announce(element.impl(), scriptClassOf(element), isNew);
   if (isNew) hold(*element);
+  return array;
+}
+
+kestrel::OwnedArray announceElements(std::vector<ModelElement> const& elements, Identifier declared) {
+  if (elements.empty()) return kestrel::createObjects(declared, kestrel::EMPTY);
+  static Identifier const unsettled = makeInterned(kestrel::HETEROGENEOUS);
+  static Identifier const root = hostName(*ModelElement::metaClass().impl());
+  auto array = kestrel::createObjects(unsettled, kestrel::row(elements.size()));
+  for (std::size_t i = 0; i < elements.size(); ++i) {
+    auto const announced = announceElement(elements[i], root);
+    if (!kestrel::isEmpty(*announced)) kestrel::setObject(*array, i, kestrel::object(*announced));
+  }
+  corvid::settleClass(*array);
   return array;
 }
 

@@ -12,6 +12,15 @@
 #include "plinth/bridge/PlinthWrapperInfo.hpp"
 #include "plinth/meta/MetaRegistry.hpp"
 
+template <>
+struct corvid::factory::ValueShape<plinth::meta::Class> {
+  static constexpr Multiplicity multiplicity = Multiplicity::Single;
+  static Identifier dataType() { return SelfTraits<plinth::meta::Class>::className(); }
+  static kestrel::OwnedArray toHost(plinth::meta::Class const& metaClass) {
+    return plinth::bridge::announceElement(metaClass, dataType());
+  }
+};
+
 namespace plinth::bridge {
 
 using corvid::CorvidClass;
@@ -40,12 +49,11 @@ class ModelElementWrapper final : public PlinthWrapperInfo<ModelElement> {
 
   void initializeClass(CorvidClass* hostClass) override {
     addMethods(*hostClass);
-    detail::endClass(*hostClass, &ModelElement::metaClass);
+    detail::addStaticMetaClass(*hostClass, &ModelElement::metaClass);
   }
 
- protected:
-  void describe(Rows&) const override {}
-  void addMethods(CorvidClass& hostClass) const override {
+ private:
+  static void addMethods(CorvidClass& hostClass) {
     MethodAdder<ModelElement> const methods(hostClass);
     methods.read("model", "plinth.Model", {},
                  [](ModelElement const& self, MethodCall& call) { call.setOutput(announceModel(self->getModel())); });
@@ -92,9 +100,8 @@ class MetaClassWrapper final : public PlinthWrapperInfo<meta::Class> {
   bool isHidden() const override { return false; }
   bool isAbstract() const override { return true; }
 
- protected:
-  void describe(Rows&) const override {}
-  void addMethods(CorvidClass& hostClass) const override {
+ private:
+  static void addMethods(CorvidClass& hostClass) {
     MethodAdder<meta::Class> const methods(hostClass);
     methods.read("properties", "CorvidFactoryString vector", {}, [](meta::Class const& self, MethodCall& call) {
       std::vector<std::u16string> names;
@@ -105,8 +112,6 @@ class MetaClassWrapper final : public PlinthWrapperInfo<meta::Class> {
       call.setOutput(kestrel::createScalar(self->conformsTo(*readClass(call.input(1)).impl())));
     });
   }
-
- private:
   template <class V>
   static void addReadOnly(CorvidClass& hostClass, char const* name,
                           typename corvid::factory::AdaptedClassGetter<V, meta::Class>::Adapter read) {

@@ -2,6 +2,7 @@
 
 #include "HostArrayMarshaler.hpp"
 #include "plinth/Messages.hpp"
+#include "plinth/bridge/RowProperties.hpp"
 #include "plinth/bridge/TypedValueMarshaler.hpp"
 
 namespace plinth::bridge {
@@ -12,18 +13,16 @@ MetaMarshalerRegistry& MetaMarshalerRegistry::getInstance() {
 }
 
 MetaMarshalerRegistry::MetaMarshalerRegistry() {
-  auto const add = [this](std::unique_ptr<ValueMarshaler> marshaler) {
-    meta::TypeImpl const* const type = marshaler->type().impl();
-    m_marshalers.emplace(type, std::move(marshaler));
-  };
-  add(std::make_unique<TypedValueMarshaler<bool>>(meta::Type(StandardTypes::booleanMeta())));
-  add(std::make_unique<TypedValueMarshaler<std::u16string>>(meta::Type(StandardTypes::stringMeta())));
-  add(std::make_unique<TypedValueMarshaler<double>>(meta::Type(StandardTypes::realMeta())));
-  add(std::make_unique<TypedValueMarshaler<int>>(meta::Type(StandardTypes::integerMeta())));
-  add(std::make_unique<TypedValueMarshaler<long>>(meta::Type(StandardTypes::integer64Meta())));
-  add(std::make_unique<TypedValueMarshaler<unsigned long>>(meta::Type(StandardTypes::uInteger64Meta())));
-  add(std::make_unique<TypedValueMarshaler<unsigned int>>(meta::Type(StandardTypes::unlimitedNaturalMeta())));
-  add(std::make_unique<HostArrayMarshaler>(meta::Type(StandardTypes::kestrelArrayMeta())));
+  addPrimitives<bool, std::u16string, double, int, long, unsigned long, unsigned int>();
+  meta::Type const arrays(StandardTypes::kestrelArrayMeta());
+  registerTypeMarshaler(arrays, std::make_unique<HostArrayMarshaler>(arrays));
+}
+
+template <class... T>
+void MetaMarshalerRegistry::addPrimitives() {
+  (registerTypeMarshaler(meta::Type(MetaTypeOf<T>::type()), std::make_unique<FieldMarshaler<T, TypedValueMarshaler<T>>>(
+                                                                meta::Type(MetaTypeOf<T>::type()))),
+   ...);
 }
 
 void MetaMarshalerRegistry::registerTypeMarshaler(meta::Type const& type, std::unique_ptr<ValueMarshaler> marshaler) {

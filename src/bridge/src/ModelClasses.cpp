@@ -13,7 +13,7 @@
 #include "plinth/ElementDirectory.hpp"
 #include "plinth/Query.hpp"
 #include "plinth/bridge/Construct.hpp"
-#include "plinth/bridge/ElementShapes.hpp"
+#include "plinth/bridge/ElementBinding.hpp"
 
 namespace plinth::bridge {
 namespace {
@@ -163,7 +163,7 @@ void outputElements(Model const& self, MethodCall& call) {
   } else {
     for (ModelElementImpl* element : self->directory().all()) elements.push_back(ModelElement(element));
   }
-  call.setOutput(corvid::factory::ValueShape<std::vector<ModelElement>>::toHost(elements));
+  call.setOutput(announceElements(elements, makeInterned(ELEMENT)));
 }
 
 void outputFound(Model const& self, MethodCall& call) {

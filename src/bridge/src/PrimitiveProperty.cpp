@@ -1,9 +1,6 @@
 #include "plinth/bridge/PrimitiveProperty.hpp"
 
-#include "corvid/factory/SelfTraits.hpp"
-#include "plinth/bridge/ElementBinding.hpp"
 #include "plinth/bridge/MetaMarshalerRegistry.hpp"
-#include "plinth/bridge/ValueShapes.hpp"
 
 namespace plinth::bridge {
 
@@ -12,13 +9,13 @@ using corvid::internal::makeInterned;
 
 namespace {
 
-ValueMarshaler const& marshalerOf(meta::Property const& property) {
-  return MetaMarshalerRegistry::getInstance().getPropertyMarshaler(property->getType());
+ValueMarshaler const& marshalerOf(meta::PropertyImpl const& property) {
+  return MetaMarshalerRegistry::getInstance().getPropertyMarshaler(property.getType());
 }
 
-Identifier dataTypeOf(meta::Property const& property) {
-  meta::TypeImpl const* const type = property->type();
-  if (property->isMany() && type == StandardTypes::stringMeta()) return makeInterned("CorvidFactoryString vector");
+Identifier dataTypeOf(meta::PropertyImpl const& property) {
+  meta::TypeImpl const* const type = property.type();
+  if (property.isMany() && type == StandardTypes::stringMeta()) return makeInterned("CorvidFactoryString vector");
   struct Row {
     meta::TypeImpl const* type;
     kestrel::ClassId id;
@@ -36,54 +33,43 @@ Identifier dataTypeOf(meta::Property const& property) {
 
 }  // namespace
 
-PrimitiveProperty::PrimitiveProperty(meta::Property property, unsigned flags)
-    : PropertyImplBase(memberName(*property.impl()), flags),
-      m_property(std::move(property)),
-      m_ownerClass(hostName(*m_property->owningType())),
-      m_dataType(dataTypeOf(m_property)) {
-  marshalerOf(m_property).initializeDependencies();
+PrimitiveProperty::PrimitiveProperty(Row const& row)
+    : PropertyImplBase(memberName(*row.property), row.property->isCorvidHidden() ? corvid::HIDDEN_PROPERTY : 0),
+      m_row(row, dataTypeOf(*row.property)) {
+  marshalerOf(*row.property).initializeDependencies();
 }
 
 corvid::Multiplicity PrimitiveProperty::getMultiplicity() const {
-  return m_property->isMany() ? corvid::Multiplicity::Many : corvid::Multiplicity::Single;
-}
-
-ModelElement PrimitiveProperty::requireSelf(kestrel_array const& self) const {
-  auto element =
-      corvid::factory::SelfTraits<ModelElement>::fromNative(corvid::factory::impl::nativeOf(self, m_ownerClass));
-  if (!element) corvid::factory::impl::reportInvalidSelf(m_ownerClass);
-  return element;
+  return property().isMany() ? corvid::Multiplicity::Many : corvid::Multiplicity::Single;
 }
 
 kestrel::OwnedArray PrimitiveProperty::getValue(kestrel_array const& self) const {
-  ModelElement const element = requireSelf(self);
-  if (m_property->isMany()) core(*element).requireReal();
-  Value const value = element->getPropertyValue(m_property, ReflectionPrivateTag::PUBLIC_ACCESS);
-  if (!m_property->isMany()) return marshalerOf(m_property).toKestrelArray(value);
+  tessel::frame::Element& element = m_row.elementOf(self);
+  if (property().isMany()) core(element).requireReal();
+  Value const value = (*m_row).kind->get(element, *m_row, ReflectionPrivateTag::PUBLIC_ACCESS);
+  if (!property().isMany()) return marshalerOf(property()).toKestrelArray(value);
   return marshalCollection(&value.primitiveCollection());
 }
 
 void PrimitiveProperty::setValue(kestrel_array const& self, kestrel_array const& value) const {
-  ModelElement const element = requireSelf(self);
-  ValueMarshaler const& marshaler = marshalerOf(m_property);
-  if (!m_property->isMany()) {
-    element->setPropertyValue(m_property, marshaler.fromKestrelArray(value), ReflectionPrivateTag::PUBLIC_ACCESS);
-    return;
-  }
-  core(*element).requireModifiable();
-  Transaction transaction = element->model().beginTransaction(false);
-  Value const collection = element->getPropertyValue(m_property, ReflectionPrivateTag::PUBLIC_ACCESS);
-  marshaler.fillCollection(collection.primitiveCollection(), value);
+  tessel::frame::Element& element = m_row.elementOf(self);
+  ValueMarshaler const& marshaler = marshalerOf(property());
+  Row const& row = *m_row;
+  ReflectionPrivateTag const& tag = ReflectionPrivateTag::PUBLIC_ACCESS;
+  if (!property().isMany()) return row.kind->set(element, row, marshaler.fromKestrelArray(value), tag);
+  core(element).requireModifiable();
+  Transaction transaction = element.model().beginTransaction(false);
+  marshaler.fillCollection(row.kind->get(element, row, tag).primitiveCollection(), value);
   transaction.commit();
 }
 
 Identifier PrimitiveProperty::getValueType() const {
-  ValueMarshaler const& marshaler = marshalerOf(m_property);
-  return m_property->isMany() ? marshaler.rowDataType() : marshaler.dataType();
+  ValueMarshaler const& marshaler = marshalerOf(property());
+  return property().isMany() ? marshaler.rowDataType() : marshaler.dataType();
 }
 
 bool PrimitiveProperty::isCorrectType(kestrel_array const& value) const {
-  return marshalerOf(m_property).isCorrectType(value);
+  return marshalerOf(property()).isCorrectType(value);
 }
 
 }  // namespace plinth::bridge

@@ -3,6 +3,8 @@
 #include "corvid/CorvidClass.hpp"
 #include "corvid/CorvidTypeRepository.hpp"
 #include "corvid/HostError.hpp"
+#include "plinth/bridge/PrimitiveProperty.hpp"
+#include "tessel_config_datamodel/frame/PropertyDescriptor.hpp"
 
 namespace plinth::bridge {
 
@@ -24,6 +26,11 @@ bool converts(Identifier dataType, kestrel_array const& array) {
 }  // namespace
 
 ValueMarshaler::~ValueMarshaler() = default;
+
+std::unique_ptr<corvid::CorvidPropInfo> ValueMarshaler::makeProperty(
+    tessel::frame::PropertyDescriptor const& row) const {
+  return std::make_unique<PrimitiveProperty>(row);
+}
 
 kestrel::OwnedArray ValueMarshaler::toKestrelArray(Value const& value) const {
   bool const hasType = value.meta().type() != nullptr;

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <type_traits>
+#include <vector>
 
 #include "corvid/factory/SelfTraits.hpp"
 #include "groundwork/export.hpp"
@@ -22,6 +23,10 @@ TESSEL_EXPORT corvid::Identifier memberName(meta::MetaElementImpl const& member)
 /// The script object of an element under the element's own class, or the nearest one above that the host knows, in a 1
 /// by 1 array; an empty array of the class `declared` for an empty handle. Raises NoSuchClass.
 TESSEL_EXPORT kestrel::OwnedArray announceElement(ModelElement const& element, corvid::Identifier declared);
+/// The script objects of elements in one row, which settles to their nearest common class; an empty array of the class
+/// `declared` for none.
+TESSEL_EXPORT kestrel::OwnedArray announceElements(std::vector<ModelElement> const& elements,
+                                                   corvid::Identifier declared);
 /// The script object of a model, in a 1 by 1 array.
 TESSEL_EXPORT kestrel::OwnedArray announceModel(Model const& model);
 /// The script object of a collection under the foundation's class for its shape; none gives an empty "plinth.Set".
@@ -33,19 +38,6 @@ TESSEL_EXPORT void bindConstructed(ModelElement const& element, kestrel_array& s
 TESSEL_EXPORT void releaseElement(void* native) noexcept;
 /// The same for a collection, whose binding holds the element that owns it.
 TESSEL_EXPORT void releaseCollection(void* native) noexcept;
-
-/// The element of a script object for the length of a call. Whoever calls holds the script object and by it the
-/// element: counting it once more would be most of what reading a number costs.
-template <class X>
-class Borrowed {
- public:
-  explicit Borrowed(typename X::Impl* element) noexcept : m_element(element) {}
-  explicit operator bool() const noexcept { return m_element != nullptr && m_element->isLive(); }
-  typename X::Impl& operator*() const noexcept { return *m_element; }
-
- private:
-  typename X::Impl* m_element;
-};
 
 }  // namespace plinth::bridge
 
@@ -61,15 +53,6 @@ struct SelfTraits<X, std::enable_if_t<std::is_base_of_v<plinth::ModelElement, X>
   }
   static Self fromNative(void* native) {
     return X(static_cast<typename X::Impl*>(static_cast<plinth::ModelElementImpl*>(native)));
-  }
-};
-
-template <class X>
-struct SelfTraits<plinth::bridge::Borrowed<X>> {
-  using Self = plinth::bridge::Borrowed<X>;
-  static Identifier className() { return SelfTraits<X>::className(); }
-  static Self fromNative(void* native) noexcept {
-    return Self(static_cast<typename X::Impl*>(static_cast<plinth::ModelElementImpl*>(native)));
   }
 };
 

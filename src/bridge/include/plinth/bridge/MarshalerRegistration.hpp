@@ -7,7 +7,8 @@
 #include <vector>
 
 #include "groundwork/export.hpp"
-#include "plinth/bridge/ValueMarshaler.hpp"
+#include "plinth/bridge/PolicyBasedValueMarshaler.hpp"
+#include "plinth/bridge/RowProperties.hpp"
 
 namespace plinth::bridge {
 
@@ -31,10 +32,14 @@ class TESSEL_EXPORT MarshalerRegistration {
   std::vector<meta::Type> m_types;
 };
 
-/// Makes a marshaler of class M.
-template <class M>
-std::unique_ptr<ValueMarshaler> makeMarshaler(meta::Type const& type) {
-  return std::make_unique<M>(type);
+/// The row of T, a datatype or an enumeration of a model: makes T known to the bridge.
+template <class T>
+MarshalerRegistration::Row marshalerOf() {
+  using M = std::conditional_t<std::is_enum_v<T>, PolicyBasedEnumValueMarshaler<T>, PolicyBasedValueMarshaler<T>>;
+  auto const make = [](meta::Type const& type) -> std::unique_ptr<ValueMarshaler> {
+    return std::make_unique<FieldMarshaler<T, M>>(type);
+  };
+  return {meta::Type(MetaTypeOf<T>::type()), make};
 }
 
 }  // namespace plinth::bridge

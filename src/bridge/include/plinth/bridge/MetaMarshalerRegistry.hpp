@@ -30,6 +30,8 @@ class TESSEL_EXPORT MetaMarshalerRegistry {
 
  private:
   MetaMarshalerRegistry();
+  template <class... T>
+  void addPrimitives();
 
   std::unordered_map<meta::TypeImpl const*, std::unique_ptr<ValueMarshaler>> m_marshalers;
 };

@@ -1,11 +1,16 @@
-// The description of a value datatype: a script object owns a value, which is copied with it.
+// The description of a value datatype: a script object owns a value, which is copied with it. Its properties are the
+// fields that the datatype gives.
 // Ownership: the host's. Thread rule: the host's thread.
 #pragma once
 
+#include <utility>
+
+#include "corvid/CorvidClass.hpp"
+#include "corvid/factory/AdaptedClass.hpp"
 #include "corvid/factory/CorvidFactoryClassInfo.hpp"
 #include "corvid/factory/CorvidMethod.hpp"
 #include "kestrel/Array.hpp"
-#include "plinth/bridge/PropertyRows.hpp"
+#include "plinth/bridge/RowProperties.hpp"
 
 namespace plinth::bridge {
 
@@ -29,7 +34,6 @@ TESSEL_EXPORT void addComparison(corvid::CorvidClass& hostClass, char const* nam
 template <class T>
 class PlinthDatatypeInfo : public corvid::factory::NonHandleClassInfo<T, T> {
  public:
-  using Rows = PropertyRows<T>;
   using corvid::factory::NonHandleClassInfo<T, T>::NonHandleClassInfo;
 
   void initializeClass(corvid::CorvidClass* hostClass) override {
@@ -39,19 +43,30 @@ class PlinthDatatypeInfo : public corvid::factory::NonHandleClassInfo<T, T> {
                                                                       false);
       value.release();
     });
-    Rows rows(*hostClass, detail::VALUE_PROPERTY);
-    describe(rows);
+    addFields(*hostClass, std::make_index_sequence<std::tuple_size_v<Fields>>());
     detail::announceOperations(*hostClass, *MetaTypeOf<T>::type());
     detail::addComparison(*hostClass, "eq", &compare<std::equal_to<T>>);
     detail::addComparison(*hostClass, "ne", &compare<std::not_equal_to<T>>);
     detail::addComparison(*hostClass, "lt", &compare<std::less<T>>);
   }
 
- protected:
-  /// Adds the properties.
-  virtual void describe(Rows& rows) const = 0;
-
  private:
+  using Fields = decltype(std::declval<T const&>().fields());
+
+  template <std::size_t... I>
+  static void addFields(corvid::CorvidClass& hostClass, std::index_sequence<I...>) {
+    auto const properties = T::properties();
+    (addField<I>(hostClass, *properties[I]->impl()), ...);
+  }
+  template <std::size_t I>
+  static void addField(corvid::CorvidClass& hostClass, meta::PropertyImpl const& property) {
+    using Field = std::tuple_element_t<I, Fields>;
+    auto const read = [](T* const& self) -> Field { return std::get<I>(std::as_const(*self).fields()); };
+    auto const write = [](T* const& self, Field value) { std::get<I>(self->editableFields()) = value; };
+    hostClass.addProperty(detail::describeProperty(
+        property, detail::VALUE_PROPERTY, std::make_unique<corvid::factory::AdaptedClassGetter<Field, T>>(read),
+        std::make_unique<corvid::factory::AdaptedClassSetter<Field, T>>(write)));
+  }
   template <class Comparison>
   static void compare(corvid::MethodCall& call) {
     using Shape = corvid::factory::ValueShape<T>;

@@ -28,7 +28,7 @@ class PolicyBasedValueMarshaler : public TypedValueMarshaler<T, void> {
 };
 
 template <class E>
-class PolicyBasedEnumValueMarshaler final : public PolicyBasedValueMarshaler<E> {
+class PolicyBasedEnumValueMarshaler : public PolicyBasedValueMarshaler<E> {
  public:
   using PolicyBasedValueMarshaler<E>::PolicyBasedValueMarshaler;
 

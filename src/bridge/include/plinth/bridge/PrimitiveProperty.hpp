@@ -2,18 +2,16 @@
 // Thread rule: the host's thread.
 #pragma once
 
-#include "corvid/factory/PropertyImpl.hpp"
-#include "groundwork/export.hpp"
-#include "plinth/meta/Property.hpp"
+#include "plinth/bridge/RowProperties.hpp"
 
 namespace plinth::bridge {
 
 class TESSEL_EXPORT PrimitiveProperty final : public corvid::factory::impl::PropertyImplBase {
  public:
   /// Raises NoSuchType when the property's type has no marshaler.
-  PrimitiveProperty(meta::Property property, unsigned flags);
+  explicit PrimitiveProperty(Row const& row);
 
-  corvid::Identifier getDataType() const override { return m_dataType; }
+  corvid::Identifier getDataType() const override { return m_row.dataType(); }
   corvid::Multiplicity getMultiplicity() const override;
   kestrel::OwnedArray getValue(kestrel_array const& self) const override;
   /// A sequence is cleared and filled in one transaction.
@@ -22,11 +20,9 @@ class TESSEL_EXPORT PrimitiveProperty final : public corvid::factory::impl::Prop
   corvid::Identifier getValueType() const override;
 
  private:
-  ModelElement requireSelf(kestrel_array const& self) const;
+  meta::PropertyImpl const& property() const noexcept { return *(*m_row).property; }
 
-  meta::Property m_property;
-  corvid::Identifier m_ownerClass;
-  corvid::Identifier m_dataType;
+  detail::RowOfElements m_row;
 };
 
 }  // namespace plinth::bridge

@@ -8,11 +8,15 @@
 #include <string>
 #include <vector>
 
-#include "corvid/Identifier.hpp"
+#include "corvid/CorvidPropInfo.hpp"
 #include "groundwork/export.hpp"
 #include "kestrel/ArrayBase.hpp"
 #include "plinth/AbstractPrimitiveCollection.hpp"
 #include "plinth/Value.hpp"
+
+namespace tessel::frame {
+struct PropertyDescriptor;
+}
 
 namespace plinth::bridge {
 
@@ -26,6 +30,8 @@ class TESSEL_EXPORT ValueMarshaler {
 
   meta::Type const& type() const noexcept { return m_type; }
 
+  /// The host's property of a row that holds values of the type: by reflection, unless the marshaler knows better.
+  virtual std::unique_ptr<corvid::CorvidPropInfo> makeProperty(tessel::frame::PropertyDescriptor const& row) const;
   /// Called when a property of the type is described to the host, for a marshaler that needs other classes there.
   virtual void initializeDependencies() const {}
 

@@ -104,13 +104,16 @@ struct ValueShape<boost::optional<T>, std::enable_if_t<plinth::bridge::IsDatatyp
   }
 };
 
-/// A map of values reads as an array.
+/// Scripts can't tell an absent text from an empty one, and what they write is present.
 template <>
-struct ValueShape<plinth::AbstractPrimitiveCollection const*> {
-  static constexpr Multiplicity multiplicity = Multiplicity::Many;
-  static Identifier dataType() { return internal::makeInterned("any"); }
-  static kestrel::OwnedArray toHost(plinth::AbstractPrimitiveCollection const* collection) {
-    return plinth::bridge::marshalCollection(collection);
+struct ValueShape<boost::optional<std::u16string>> {
+  static constexpr Multiplicity multiplicity = Multiplicity::Single;
+  static Identifier dataType() { return ValueShape<std::u16string>::dataType(); }
+  static kestrel::OwnedArray toHost(boost::optional<std::u16string> const& value) {
+    return kestrel::createChar(value ? std::u16string_view(*value) : std::u16string_view());
+  }
+  static boost::optional<std::u16string> fromHost(kestrel_array const& value) {
+    return ValueShape<std::u16string>::fromHost(value);
   }
 };
 
