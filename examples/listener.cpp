@@ -2,6 +2,7 @@
 // each outermost transaction.
 #include <groundwork/Unicode.hpp>
 #include <iostream>
+#include <plinth/ChangeSet.hpp>
 #include <plinth/Model.hpp>
 #include <plinth/meta/Property.hpp>
 #include <plinth/meta/Type.hpp>

@@ -8,8 +8,8 @@
 #include <string>
 #include <tessel_config_datamodel/runtime/ConfigurationState.hpp>
 #include <tessel_config_datamodel/runtime/ParamState.hpp>
-#include <tessel_config_datamodel/runtime/TagState.hpp>
 #include <tessel_config_datamodel/runtime/Queries.hpp>
+#include <tessel_config_datamodel/runtime/TagState.hpp>
 #include <vector>
 
 namespace runtime = tessel::internal::config::runtime;

@@ -2,8 +2,8 @@
 // transaction open. Whatever happened inside, the model is as before: values, order, links, and elements themselves.
 #include <groundwork/Unicode.hpp>
 #include <iostream>
-#include <plinth/diagnostics/Fingerprint.hpp>
 #include <plinth/Model.hpp>
+#include <plinth/diagnostics/Fingerprint.hpp>
 #include <stdexcept>
 #include <tessel_config_datamodel/runtime/CategoryState.hpp>
 #include <tessel_config_datamodel/runtime/ConfigurationState.hpp>

@@ -9,7 +9,6 @@
 #include "kestrel/Array.hpp"
 #include "plinth/ChangeSet.hpp"
 #include "plinth/ProxyId.hpp"
-#include "plinth/diagnostics/Census.hpp"
 #include "plinth/ReferenceCollection.hpp"
 #include "plinth/diagnostics/Census.hpp"
 #include "plinth/sample_model.hpp"

@@ -5,7 +5,6 @@
 
 #include "groundwork/NameUuid.hpp"
 #include "plinth/Model.hpp"
-#include "groundwork/NameUuid.hpp"
 #include "plinth/ProxyId.hpp"
 
 namespace ext = tessel::internal::ext;

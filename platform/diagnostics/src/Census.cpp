@@ -4,7 +4,6 @@
 #include <map>
 #include <numeric>
 
-#include "LiveObjects.hpp"
 #include "groundwork/Counting.hpp"
 #include "plinth/ElementDirectory.hpp"
 #include "plinth/LiveObjects.hpp"

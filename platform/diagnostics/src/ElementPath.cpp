@@ -4,7 +4,6 @@
 #include <boost/uuid/uuid_io.hpp>
 #include <unordered_set>
 
-#include "ElementMembers.hpp"
 #include "groundwork/Unicode.hpp"
 #include "plinth/ElementMembers.hpp"
 #include "plinth/diagnostics/ValueText.hpp"

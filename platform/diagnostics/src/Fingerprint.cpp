@@ -6,7 +6,6 @@
 #include <ostream>
 #include <unordered_map>
 
-#include "ElementMembers.hpp"
 #include "groundwork/Unicode.hpp"
 #include "plinth/AbstractPrimitiveCollection.hpp"
 #include "plinth/ElementDirectory.hpp"

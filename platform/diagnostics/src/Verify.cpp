@@ -6,11 +6,9 @@
 #include <unordered_map>
 #include <unordered_set>
 
-#include "ElementMembers.hpp"
 #include "groundwork/Unicode.hpp"
 #include "plinth/ElementDirectory.hpp"
 #include "plinth/ElementMembers.hpp"
-#include "plinth/diagnostics/ElementPath.hpp"
 #include "plinth/ModelDirectory.hpp"
 #include "plinth/diagnostics/ElementPath.hpp"
 #include "plinth/diagnostics/ValueText.hpp"

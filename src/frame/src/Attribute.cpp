@@ -12,12 +12,11 @@ template TESSEL_EXPORT void setAttribute<unsigned int>(Element&, unsigned int&, 
                                                        PropertyDescriptor const&);
 template TESSEL_EXPORT void setAttribute<std::u16string>(Element&, std::u16string&, std::u16string const&,
                                                          PropertyDescriptor const&);
-template TESSEL_EXPORT void setAttribute<boost::optional<unsigned int>>(Element&, boost::optional<unsigned int>&,
-                                                                        boost::optional<unsigned int> const&,
-                                                                        PropertyDescriptor const&);
-template TESSEL_EXPORT void setAttribute<boost::optional<std::u16string>>(Element&, boost::optional<std::u16string>&,
-                                                                          boost::optional<std::u16string> const&,
-                                                                          PropertyDescriptor const&);
+template TESSEL_EXPORT void setOptional<unsigned int>(Element&, boost::optional<unsigned int>&,
+                                                      boost::optional<unsigned int> const&, PropertyDescriptor const&);
+template TESSEL_EXPORT void setOptional<std::u16string>(Element&, boost::optional<std::u16string>&,
+                                                        boost::optional<std::u16string> const&,
+                                                        PropertyDescriptor const&);
 
 template class AttributeKind<std::u16string>;
 template class PlainAttributeKind<bool>;

@@ -9,6 +9,7 @@
 #include "plinth/Step.hpp"
 #include "tessel_config_datamodel/frame/FieldKind.hpp"
 #include "tessel_config_datamodel/frame/Fields.hpp"
+#include "tessel_config_datamodel/frame/OptionalText.hpp"
 
 namespace tessel::frame {
 
@@ -35,6 +36,12 @@ void setAttribute(Element& self, T& field, In<T> value, PropertyDescriptor const
   core(self).notifyModifying(row.index);
   field = std::forward<decltype(stored)>(stored);
   step.commit();
+}
+
+template <class T>
+void setOptional(Element& self, boost::optional<T>& field, boost::optional<T> const& value,
+                 PropertyDescriptor const& row) {
+  setAttribute<boost::optional<T>>(self, field, value, row);
 }
 
 /// What attributes share that do and don't have a value always; T is the field's type.

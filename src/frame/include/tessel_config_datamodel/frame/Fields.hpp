@@ -3,7 +3,6 @@
 // fields. Thread rule: the model's thread.
 #pragma once
 
-#include <boost/optional.hpp>
 #include <memory>
 #include <string>
 #include <type_traits>
@@ -11,10 +10,16 @@
 
 #include "kestrel/ArrayBase.hpp"
 #include "plinth/ModelElement.hpp"
-#include "tessel_config_datamodel/frame/OptionalText.hpp"
 #include "tessel_config_datamodel/frame/PropertyDescriptor.hpp"
 
+namespace boost {
+template <class T>
+class optional;
+}
+
 namespace tessel::frame {
+
+class OptionalText;
 
 /// A copy of a host array, or null.
 using HostArrayField = kestrel::PropertyArray;
@@ -27,10 +32,13 @@ using CollectionField = std::unique_ptr<plinth::AbstractOwnedCollection>;
 template <class T>
 using In = std::conditional_t<std::is_scalar_v<T>, T, T const&>;
 
-/// The setter of an attribute, optional or not. Raises CannotModifyProxy and CannotModifyDestroyedElement; a value that
-/// is there already changes nothing.
+/// The setter of an attribute, and of one that may have no value. Raise CannotModifyProxy and
+/// CannotModifyDestroyedElement; a value that is there already changes nothing.
 template <class T>
 TESSEL_EXPORT void setAttribute(Element& self, T& field, In<T> value, PropertyDescriptor const& row);
+template <class T>
+TESSEL_EXPORT void setOptional(Element& self, boost::optional<T>& field, boost::optional<T> const& value,
+                               PropertyDescriptor const& row);
 /// The setter of a text that keys maps of the container: the element leaves the map under its old key and enters it
 /// under the new one. Raises UniquenessConstraint for a key that is taken, before any change.
 TESSEL_EXPORT void setQualifier(Element& self, std::u16string& field, std::u16string const& value,
@@ -56,11 +64,9 @@ extern template void setAttribute<unsigned long>(Element&, unsigned long&, unsig
 extern template void setAttribute<unsigned int>(Element&, unsigned int&, unsigned int, PropertyDescriptor const&);
 extern template void setAttribute<std::u16string>(Element&, std::u16string&, std::u16string const&,
                                                   PropertyDescriptor const&);
-extern template void setAttribute<boost::optional<unsigned int>>(Element&, boost::optional<unsigned int>&,
-                                                                 boost::optional<unsigned int> const&,
-                                                                 PropertyDescriptor const&);
-extern template void setAttribute<boost::optional<std::u16string>>(Element&, boost::optional<std::u16string>&,
-                                                                   boost::optional<std::u16string> const&,
-                                                                   PropertyDescriptor const&);
+extern template void setOptional<unsigned int>(Element&, boost::optional<unsigned int>&,
+                                               boost::optional<unsigned int> const&, PropertyDescriptor const&);
+extern template void setOptional<std::u16string>(Element&, boost::optional<std::u16string>&,
+                                                 boost::optional<std::u16string> const&, PropertyDescriptor const&);
 
 }  // namespace tessel::frame
