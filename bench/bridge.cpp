@@ -2,11 +2,12 @@
 #include <corvid/CorvidClass.hpp>
 #include <corvid/Invocation.hpp>
 #include <iostream>
-#include <kestrel/array.hpp>
+#include <kestrel/Array.hpp>
 #include <lua.hpp>
 #include <plinth/bridge/ElementBinding.hpp>
 #include <tessel_config_datamodel/bridge/EntryPoints.hpp>
 #include <tessel_config_datamodel/data/DoubleArrayParamData.hpp>
+#include <tessel_config_datamodel/data/DoubleParamDataBuilder.hpp>
 #include <tessel_config_datamodel/runtime/ConfigurationState.hpp>
 #include <tessel_config_datamodel/runtime/MetaMessage.hpp>
 

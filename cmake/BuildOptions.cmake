@@ -3,8 +3,9 @@
 option(TESSEL_BRIDGE "Build the script bridge and the host class system" ON)
 option(TESSEL_BUILD_TESTS "Build the tests" ${PROJECT_IS_TOP_LEVEL})
 option(TESSEL_BUILD_BENCH "Build the benchmarks" OFF)
-option(TESSEL_BUILD_FUZZERS "Build the fuzzers, which need clang++ and the examples" OFF)
+option(TESSEL_BUILD_FUZZERS "Build the fuzzers, which need clang++ and the apps" OFF)
 option(TESSEL_BUILD_TOOLS "Build the programs under tools/" ${PROJECT_IS_TOP_LEVEL})
+option(TESSEL_BUILD_APPS "Build the programs under apps/" ${PROJECT_IS_TOP_LEVEL})
 option(TESSEL_BUILD_EXAMPLES "Build the programs under examples/" ${PROJECT_IS_TOP_LEVEL})
 option(TESSEL_FAILURE_POINTS "Compile in the named failure points that the rollback tests arm" OFF)
 option(TESSEL_WARNINGS_AS_ERRORS "Stop at a compiler warning" OFF)
@@ -66,6 +67,17 @@ add_compile_options(
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
   # Optimising, these versions see sizes in the containers of Boost that cannot occur.
   add_compile_options(-Wno-stringop-overflow -Wno-stringop-overread)
+endif()
+
+# Programs are linked again when what they are made of has changed, not when the shared library has: the library they run
+# with is found when they start, and a name that it has lost is told then.
+set(CMAKE_LINK_DEPENDS_NO_SHARED ON)
+
+# The linker of LLVM, where there is one, needs a fifth of the time for the library with its debug information.
+find_program(TESSEL_LLD ld.lld)
+mark_as_advanced(TESSEL_LLD)
+if(TESSEL_LLD)
+  add_link_options(-fuse-ld=lld)
 endif()
 
 # A compiler cache, where there is one. The sloppiness is what it needs to know precompiled headers again. Paths below

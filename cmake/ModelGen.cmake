@@ -58,7 +58,7 @@ function(tessel_generate_model name)
     file(GLOB packages CONFIGURE_DEPENDS ${folder}/*/package.yaml)
     list(APPEND tables ${model} ${packages})
   endforeach()
-  file(GLOB templates LIST_DIRECTORIES FALSE CONFIGURE_DEPENDS ${arg_TEMPLATES}/*)
+  file(GLOB templates LIST_DIRECTORIES FALSE CONFIGURE_DEPENDS ${arg_TEMPLATES}/* ${arg_TEMPLATES}/kinds/*)
   set_property(DIRECTORY ${PROJECT_SOURCE_DIR} APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${tables})
 
   execute_process(COMMAND ${command} --list-outputs

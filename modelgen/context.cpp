@@ -1,17 +1,18 @@
 #include "modelgen/context.hpp"
 
 #include <algorithm>
+#include <boost/uuid/uuid_io.hpp>
 #include <filesystem>
 #include <map>
 #include <set>
 
-#include "modelgen/data_object.hpp"
-#include "modelgen/default_value.hpp"
+#include "modelgen/DataObject.hpp"
+#include "modelgen/DefaultValue.hpp"
+#include "modelgen/Primitive.hpp"
+#include "modelgen/Rules.hpp"
+#include "modelgen/Summary.hpp"
+#include "modelgen/Text.hpp"
 #include "modelgen/naming.hpp"
-#include "modelgen/primitive.hpp"
-#include "modelgen/summary.hpp"
-#include "modelgen/text.hpp"
-#include "modelgen/uuid.hpp"
 
 namespace modelgen {
 namespace {
@@ -40,19 +41,35 @@ void setTypeNames(Data& object, Type const& type) {
   object.set("isDataType", type.kind == TypeKind::dataType);
 }
 
-// A type as something that a thing of the package `from` points at. Its handle is a slot of the own meta package, or
-// has to be looked up by name.
+// A type as something that a thing of the package `from` points at.
 Data typeReference(Type const& type, Package const& from) {
   Data result;
   setTypeNames(result, type);
   Primitive const* const primitive = asPrimitive(&type);
   bool const kept = primitive != nullptr && primitive->keepsHandle;
-  bool const hasSlot = kept || (type.package != nullptr && type.package->model == from.model);
-  result.set("hasSlot", hasSlot);
   result.set("slot", kept ? naming::typeSlot(from, type.name) : type.slot);
   result.set("header", type.package == nullptr ? "" : naming::typeHeader(type));
   result.set("builderHeader", type.kind == TypeKind::classType ? naming::builderHeader(type) : "");
   return result;
+}
+
+// What the texts of kinds ask beyond the names of members.
+void setShape(Data& object, Property const& property) {
+  bool const isText = isString(*property.type);
+  object.set("scheme", property.scheme);
+  object.set("cppType", naming::cppTypeName(*property.type));
+  object.set("isString", isText);
+  object.set("isScalar", !isText && property.type->kind != TypeKind::dataType);
+  object.set("isSequence", property.shape == Shape::sequence);
+  object.set("isMany", property.isMany());
+  object.set("isElement", property.isElement());
+  object.set("isComposite", property.kind == Kind::containment);
+  object.set("isOwnQualifier", !property.keyedMaps.empty());
+  object.set("isVirtual", property.virtualSetter);
+  object.set("hasReadySetter", hasReadySetter(property));
+  object.set("schemeHostArray", isHostArray(*property.type));
+  setNumber(object, "position", positionAmongSiblings(property));
+  setNumber(object, "valueFlags", static_cast<int>(property.shape));
 }
 
 // A property as something that another thing points at.
@@ -68,7 +85,7 @@ Data propertyReference(Property const& property) {
   result.set("ownerName", property.owner->name);
   result.set("ownerCppName", naming::cppTypeName(*property.owner));
   setNumber(result, "index", property.index);
-  setNumber(result, "position", positionAmongSiblings(property));
+  setShape(result, property);
   return result;
 }
 
@@ -76,52 +93,11 @@ Data referenceOrFalse(Property const* property) {
   return property == nullptr ? Data(false) : propertyReference(*property);
 }
 
-// A fact as a flag for sections and, under the key with "Text" behind it, as a C++ literal.
-void setFact(Data& object, std::string const& key, bool fact) {
-  object.set(key, fact);
-  object.set(key + "Text", fact ? "true" : "false");
-}
-
-void setMemberNames(Data& object, std::string const& property) {
-  object.set("field", naming::field(property));
-  object.set("accessor", naming::lowerCamel(property));
-  object.set("getter", naming::getter(property));
-  object.set("mutableGetter", naming::mutableGetter(property));
-  object.set("setter", naming::setter(property));
-  object.set("presenceTest", naming::presenceTest(property));
-  object.set("childCreator", naming::childCreator(property));
-  object.set("adder", naming::adder(property));
-  object.set("clearer", naming::clearer(property));
-}
-
-void setShape(Data& object, Property const& property) {
-  object.set("scheme", naming::schemeName(property.scheme));
-  object.set("rowKind", naming::rowKind(property));
-  object.set("elementSetter", naming::elementSetter(property));
-  object.set("resultType", naming::resultType(property));
-  object.set("parameterType", naming::parameterType(property));
-  object.set("argument", naming::argument(property));
-  object.set("ownedParameterType", naming::ownedParameterType(property));
-  object.set("ownedArgument", naming::ownedArgument(property));
-  object.set("builderField", naming::builderFieldType(property));
-  object.set("implField", naming::implFieldType(property));
-  object.set("isOwnQualifier", !property.keyedMaps.empty());
-  object.set("isPlain", (property.scheme == Scheme::attribute || property.scheme == Scheme::optionalAttribute) &&
-                            property.keyedMaps.empty());
-  setNumber(object, "position", positionAmongSiblings(property));
-  setNumber(object, "valueFlags", static_cast<int>(property.shape));
-  object.set("isMany", property.isMany());
-  object.set("isElement", property.isElement());
-  setFact(object, "isComposite", property.kind == Kind::containment);
-  object.set("schemeAttribute", property.scheme == Scheme::attribute);
-  object.set("schemeHostArray", property.scheme == Scheme::hostArray);
-}
-
 void setDefault(Data& object, Property const& property) {
   auto const& text = property.row->defaultText;
   object.set("hasDefault", text.has_value());
   object.set("defaultLiteral", text ? utf16Literal(text->value) : "");
-  bool const isValue = property.scheme == Scheme::attribute;
+  bool const isValue = !property.isElement() && property.shape == Shape::single;
   std::string initializer = isValue ? zeroInitializer(*property.type) : "";
   if (text) initializer = defaultInitializer(*property.type, text->value).value_or("");
   object.set("initializer", initializer);
@@ -131,7 +107,7 @@ void setDefault(Data& object, Property const& property) {
   std::string const name = naming::start(property.name);
   object.set("startName", name);
   object.set("start", isString(*property.type) ? name + "[]" : name);
-  object.set("startType", (isString(*property.type) ? "char16_t" : naming::valueType(property)) + " const");
+  object.set("startType", (isString(*property.type) ? "char16_t" : naming::cppTypeName(*property.type)) + " const");
 }
 
 // The facts that hold, as a union of the scheme's bits.
@@ -155,35 +131,27 @@ std::string traitsOf(Property const& property) {
 }
 
 Data propertyData(Property const& property) {
-  Data result;
-  result.set("name", property.name);
-  result.set("qualifiedName", property.qualifiedName);
-  result.set("uuid", toText(property.uuid));
-  result.set("slot", property.slot);
-  result.set("collectionName", property.name);
+  Data result = propertyReference(property);
+  result.set("uuid", to_string(property.uuid));
   setDoc(result, property.row->doc);
-  setMemberNames(result, property.name);
-  setShape(result, property);
+  result.set("mutableGetter", naming::mutableGetter(property.name));
+  result.set("presenceTest", naming::presenceTest(property.name));
+  result.set("childCreator", naming::childCreator(property.name));
+  result.set("adder", naming::adder(property.name));
+  result.set("clearer", naming::clearer(property.name));
   setDefault(result, property);
-  result.set("ownerName", property.owner->name);
-  result.set("ownerCppName", naming::cppTypeName(*property.owner));
   result.set("type", typeReference(*property.type, *property.owner->package));
-  result.set("cppType", naming::cppTypeName(*property.type));
-  result.set("valueType", naming::valueType(property));
-  result.set("fieldType", naming::fieldType(property));
   result.set("hasIndex", property.index != 0);
-  setNumber(result, "index", property.index);
-  setFact(result, "isOrdered", property.ordered);
-  setFact(result, "isUnique", property.unique);
-  setFact(result, "isDerived", property.isDerived());
-  setFact(result, "isTransient", property.row->transient);
-  setFact(result, "isHidden", property.row->hidden);
+  result.set("isOrdered", property.ordered);
+  result.set("isUnique", property.unique);
+  result.set("isDerived", property.isDerived());
+  result.set("isTransient", property.row->transient);
+  result.set("isHidden", property.row->hidden);
   result.set("traits", traitsOf(property));
   // A row ends behind its facts unless a setter follows them.
   result.set("rowEnd", property.owner->kind == TypeKind::dataType ? "," : property.virtualSetter ? "," : "},");
   result.set("flagsName", naming::flagsName(property.shape));
   result.set("hasLinks", property.opposite != nullptr || property.qualifier != nullptr);
-  result.set("isVirtual", property.virtualSetter);
   result.set("source", referenceOrFalse(property.source));
   result.set("opposite", referenceOrFalse(property.opposite));
   result.set("qualifier", referenceOrFalse(property.qualifier));
@@ -205,6 +173,15 @@ std::vector<Data> ownProperties(Class const& type, Accept const& accept) {
   return result;
 }
 
+// The order of members that a reader finds in a header: values, single elements, collections.
+std::vector<Property const*> inHeaderOrder(Class const& type) {
+  std::vector<Property const*> result;
+  for (Property const& each : type.properties) result.push_back(&each);
+  auto const rank = [](Property const* each) { return 2 * each->isMany() + each->isElement(); };
+  std::stable_sort(result.begin(), result.end(), [&rank](auto a, auto b) { return rank(a) < rank(b); });
+  return result;
+}
+
 Data packageReference(Package const& package, std::string const& root) {
   Data result;
   result.set("name", package.node->name);
@@ -221,7 +198,7 @@ Data modelReference(Model const& model, std::string const& root) {
   Data result;
   result.set("name", model.name);
   result.set("include", model.include);
-  result.set("uuid", toText(model.uuid));
+  result.set("uuid", to_string(model.uuid));
   result.set("uri", model.packageTree.front().uri);
   result.set("metaPackageClass", naming::metaPackageClass(model.name));
   result.set("metaPackageHeader", naming::metaPackageHeader(model));
@@ -235,7 +212,7 @@ Data modelReference(Model const& model, std::string const& root) {
 Data typeData(Type const& type, std::string const& root) {
   Data result;
   setTypeNames(result, type);
-  result.set("uuid", toText(type.uuid));
+  result.set("uuid", to_string(type.uuid));
   result.set("slot", type.slot);
   result.set("namespace", naming::cppNamespace(type.package->name));
   result.set("header", naming::typeHeader(type));
@@ -274,30 +251,6 @@ void setMentionedTypes(Data& object, Class const& owner) {
           }));
 }
 
-// The headers of the collections that the class's own getters give.
-void setCollectionHeaders(Data& object, Class const& owner) {
-  std::set<std::string> headers;
-  for (Property const& each : owner.properties) {
-    if (each.isMany()) headers.merge(naming::collectionHeaders(each));
-  }
-  setList(object, "collectionHeaders",
-          objectsOf(headers, [](std::string const& each) { return Data("header", each); }));
-}
-
-// The types of the class's attributes for which the scheme has no setter ready.
-void setSetterTypes(Data& object, Class const& owner) {
-  std::map<std::string, Property const*> types;
-  for (Property const& each : owner.properties) {
-    bool const isValue = each.scheme == Scheme::attribute || each.scheme == Scheme::optionalAttribute;
-    if (isValue && !naming::hasReadySetter(each)) types.emplace(naming::valueType(each), &each);
-  }
-  setList(object, "setterTypes", objectsOf(types, [](auto const& each) {
-            Data type("name", each.first);
-            type.set("parameter", naming::resultType(*each.second));
-            return type;
-          }));
-}
-
 Data overrideData(QualifierOverride const& override) {
   Data result = propertyData(*override.property);
   setList(result, "maps", objectsOf(override.maps, [](Property const* map) { return propertyReference(*map); }));
@@ -315,7 +268,7 @@ Data operationData(Operation const& operation, DataType const& owner) {
   Data result;
   result.set("name", operation.name);
   result.set("qualifiedName", operation.qualifiedName);
-  result.set("uuid", toText(operation.uuid));
+  result.set("uuid", to_string(operation.uuid));
   result.set("slot", operation.slot);
   result.set("type", typeReference(*operation.type, *owner.package));
   setDoc(result, operation.row->doc);
@@ -326,7 +279,7 @@ Data literalData(Literal const& literal) {
   Data result;
   result.set("name", literal.name);
   result.set("qualifiedName", literal.qualifiedName);
-  result.set("uuid", toText(literal.uuid));
+  result.set("uuid", to_string(literal.uuid));
   result.set("slot", literal.slot);
   setNumber(result, "value", literal.row->value.value);
   setDoc(result, literal.row->doc);
@@ -352,9 +305,9 @@ Data nodeData(PackageNode const& node) {
 Data classData(Class const& type, std::string const& root) {
   Data result = typeData(type, root);
   result.set("className", type.name);
-  setFact(result, "isAbstract", type.row->abstract);
+  result.set("isAbstract", type.row->abstract);
   result.set("isConcrete", !type.row->abstract);
-  setFact(result, "isHidden", type.row->hidden);
+  result.set("isHidden", type.row->hidden);
   result.set("builderHeader", type.kind == TypeKind::classType ? naming::builderHeader(type) : "");
   result.set("traits", unionOf({{type.row->abstract, "ABSTRACT"}, {type.row->hidden, "HIDDEN"}}));
   result.set("hasTraits", type.row->abstract || type.row->hidden);
@@ -377,13 +330,12 @@ Data classData(Class const& type, std::string const& root) {
           ownProperties(type, [](Property const& each) { return each.kind == Kind::containment; }));
   setList(result, "queryables", ownProperties(type, [](Property const& each) { return each.queryable; }));
   setList(result, "chainQueryables", propertyList(type.chainQueryable));
+  setList(result, "members", propertyList(inHeaderOrder(type)));
   setList(result, "fields", propertyList(type.fields));
   setList(result, "storageSlots", propertyList(type.storageSlots));
   setList(result, "stamps", objectsOf(type.stamps, stampData));
   setList(result, "overrides", objectsOf(type.overrides, overrideData));
   setMentionedTypes(result, type);
-  setCollectionHeaders(result, type);
-  setSetterTypes(result, type);
   return result;
 }
 

@@ -8,8 +8,8 @@
 
 #include <string>
 
+#include "modelgen/TemplateSet.hpp"
 #include "modelgen/model.hpp"
-#include "modelgen/template_set.hpp"
 
 namespace modelgen {
 

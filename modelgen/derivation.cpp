@@ -4,10 +4,10 @@
 #include <iterator>
 #include <set>
 
+#include "groundwork/NameUuid.hpp"
+#include "modelgen/Primitive.hpp"
+#include "modelgen/Rules.hpp"
 #include "modelgen/naming.hpp"
-#include "modelgen/primitive.hpp"
-#include "modelgen/rules.hpp"
-#include "modelgen/uuid.hpp"
 
 namespace modelgen {
 namespace {
@@ -19,19 +19,7 @@ auto byName(Range range) {
 }
 
 // Fields stand in groups, whatever their indexes: values, then single elements, then collections of elements.
-int fieldGroup(Property const& property) {
-  switch (property.scheme) {
-    case Scheme::reference:
-    case Scheme::containment:
-      return 1;
-    case Scheme::elementCollection:
-    case Scheme::elementMap:
-    case Scheme::derivedView:
-      return 2;
-    default:
-      return 0;
-  }
-}
+int fieldGroup(Property const& property) { return !property.isElement() ? 0 : property.isMany() ? 2 : 1; }
 
 class Derivation {
  public:
@@ -39,7 +27,7 @@ class Derivation {
 
   void run() {
     for (Model& model : m_set.models) {
-      model.uuid = uuidOf(model.name);
+      model.uuid = groundwork::nameUuid(model.name);
       for (Package& package : model.packages) derivePackage(package);
     }
     forEachClass([](Class& type) { deriveChain(type); });
@@ -61,13 +49,13 @@ class Derivation {
   }
 
   static void deriveType(Type& type) {
-    type.uuid = uuidOf(type.qualifiedName);
+    type.uuid = groundwork::nameUuid(type.qualifiedName);
     type.slot = naming::typeSlot(*type.package, type.name);
   }
 
   template <class Member>
   static void deriveMember(Member& member, Type const& owner) {
-    member.uuid = uuidOf(member.qualifiedName);
+    member.uuid = groundwork::nameUuid(member.qualifiedName);
     member.slot = naming::memberSlot(*owner.package, owner.name, member.name);
   }
 
@@ -150,7 +138,7 @@ class Derivation {
         Class const* const type = asClass(owner);
         if (type == nullptr) continue;
         for (Property const& each : type->properties) {
-          if (each.scheme == Scheme::elementMap) maps.push_back(&each);
+          if (each.isElement() && each.shape == Shape::map) maps.push_back(&each);
         }
       }
     }

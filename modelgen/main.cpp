@@ -4,7 +4,7 @@
 #include <exception>
 #include <iostream>
 
-#include "modelgen/generator.hpp"
+#include "modelgen/Generator.hpp"
 
 namespace {
 

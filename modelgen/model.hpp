@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "modelgen/tables.hpp"
+#include "modelgen/Tables.hpp"
 
 namespace modelgen {
 
@@ -30,20 +30,6 @@ struct Type {
   Text const* doc = nullptr;
 };
 
-// How a property is stored and handled: each value is one kind of property of the element frame.
-enum class Scheme {
-  attribute,
-  optionalAttribute,
-  hostArray,
-  valueCollection,
-  valueMap,
-  reference,
-  containment,
-  elementCollection,
-  elementMap,
-  derivedView
-};
-
 struct Property {
   PropertyRow const* row = nullptr;
   Type const* owner = nullptr;  // a class or a datatype
@@ -56,8 +42,8 @@ struct Property {
 
   Shape shape = Shape::single;
   Kind kind = Kind::attribute;
-  Scheme scheme = Scheme::attribute;
-  int index = 0;  // 1-based along the chain of classes; 0 for derived views and properties of datatypes
+  std::string scheme;  // how it is stored and handled: the kind of property that templates/kinds describes
+  int index = 0;       // 1-based along the chain of classes; 0 for derived views and properties of datatypes
   bool ordered = true;
   bool unique = true;
   bool queryable = false;

@@ -4,7 +4,7 @@
 #include <cctype>
 #include <set>
 
-#include "modelgen/primitive.hpp"
+#include "modelgen/Primitive.hpp"
 
 namespace modelgen::naming {
 namespace {
@@ -56,25 +56,6 @@ std::string withLowerFirst(std::string name) {
 std::string withUpperFirst(std::string name) {
   if (!name.empty()) name.front() = static_cast<char>(std::toupper(static_cast<unsigned char>(name.front())));
   return name;
-}
-
-// A number, a truth value or a literal.
-bool isScalar(Property const& property) {
-  return property.scheme == Scheme::attribute && !isString(*property.type) && property.type->kind != TypeKind::dataType;
-}
-
-bool isOptionalText(Property const& property) {
-  return property.scheme == Scheme::optionalAttribute && isString(*property.type);
-}
-
-std::string elementCollectionType(Property const& property) {
-  char const* const collection = property.shape == Shape::sequence ? "ElementSequence" : "UnorderedElementSet";
-  return "plinth::" + std::string(collection) + "<" + cppTypeName(*property.type) + ">";
-}
-
-std::string valueCollectionType(Property const& property) {
-  char const* const collection = property.shape == Shape::sequence ? "PrimitiveSequence" : "PrimitiveSet";
-  return "plinth::" + std::string(collection) + "<" + cppTypeName(*property.type) + ">";
 }
 
 }  // namespace
@@ -198,121 +179,6 @@ std::string cppBaseTypeName(Class const& type) {
   return type.base == nullptr ? "plinth::ModelElement" : cppTypeName(*type.base);
 }
 
-std::string valueType(Property const& property) {
-  std::string const type = cppTypeName(*property.type);
-  return property.scheme == Scheme::optionalAttribute ? "boost::optional<" + type + ">" : type;
-}
-
-std::string fieldType(Property const& property) {
-  std::string const type = cppTypeName(*property.type);
-  switch (property.scheme) {
-    case Scheme::valueCollection:
-      return valueCollectionType(property);
-    case Scheme::valueMap:
-      return "plinth::PrimitiveMap<std::u16string, " + type + ">";
-    case Scheme::elementCollection:
-      return elementCollectionType(property);
-    case Scheme::elementMap:
-      return "plinth::ElementMap<std::u16string, " + type + ">";
-    case Scheme::derivedView:
-      return "plinth::SubsettedElementSet<" + type + ", " + elementCollectionType(*property.source) + ">";
-    default:
-      return valueType(property);
-  }
-}
-
-std::string implFieldType(Property const& property) {
-  if (property.scheme == Scheme::hostArray) return "tessel::frame::HostArrayField";
-  if (property.isMany()) return "tessel::frame::CollectionField";
-  return property.isElement() ? "tessel::frame::ElementField" : valueType(property);
-}
-
-std::string builderFieldType(Property const& property) {
-  bool const isContainment = property.kind == Kind::containment;
-  if (!property.isMany()) return isContainment ? "tessel::frame::ChildBuilder" : implFieldType(property);
-  if (!property.isElement()) return "std::vector<" + cppTypeName(*property.type) + ">";
-  return isContainment ? "tessel::frame::ChildBuilders" : "tessel::frame::ReferenceTargets";
-}
-
-std::string resultType(Property const& property) {
-  return isScalar(property) ? valueType(property) : valueType(property) + " const&";
-}
-
-std::string parameterType(Property const& property) {
-  return isOptionalText(property) ? "tessel::frame::OptionalText const&" : resultType(property);
-}
-
-std::string argument(Property const& property) { return isOptionalText(property) ? "value.get()" : "value"; }
-
-std::string ownedParameterType(Property const& property) {
-  return isOptionalText(property) ? "tessel::frame::OptionalText" : valueType(property);
-}
-
-std::string ownedArgument(Property const& property) {
-  std::string const parameter = lowerCamel(property.name);
-  if (isOptionalText(property)) return "std::move(" + parameter + ").take()";
-  return isScalar(property) ? parameter : "std::move(" + parameter + ")";
-}
-
-std::string elementSetter(Property const& property) {
-  if (property.kind == Kind::containment) return "setContainment";
-  return property.opposite != nullptr ? "setOppositeReference" : "setReference";
-}
-
-std::set<std::string> collectionHeaders(Property const& property) {
-  auto const header = [](std::string const& name) { return "plinth/collections/" + name + ".hpp"; };
-  std::string const element = property.shape == Shape::sequence ? "ElementSequence" : "UnorderedElementSet";
-  std::string const value = property.shape == Shape::sequence ? "PrimitiveSequence" : "PrimitiveSet";
-  switch (property.scheme) {
-    case Scheme::valueCollection:
-      return {header(value)};
-    case Scheme::valueMap:
-      return {header("PrimitiveMap")};
-    case Scheme::elementMap:
-      return {header("ElementMap")};
-    case Scheme::derivedView:
-      return {header("SubsettedElementSet")};
-    default:
-      return {header(element)};
-  }
-}
-
-bool hasReadySetter(Property const& property) {
-  Primitive const* const primitive = asPrimitive(property.type);
-  if (primitive == nullptr) return false;
-  bool const isOptional = property.scheme == Scheme::optionalAttribute;
-  return !isOptional || isString(*property.type) || property.type->name == "UnlimitedNatural";
-}
-
-std::string rowKind(Property const& property) {
-  std::string const type = cppTypeName(*property.type);
-  switch (property.scheme) {
-    case Scheme::attribute:
-      if (property.virtualSetter) return "textKeyKind";
-      return property.keyedMaps.empty() ? "attributeKind<" + type + ">" : "qualifierKind";
-    case Scheme::optionalAttribute:
-      return "optionalKind<" + type + ">";
-    case Scheme::hostArray:
-      return "hostArrayKind";
-    case Scheme::valueCollection:
-      return "value" + withUpperFirst(shapeName(property.shape)) + "Kind<" + type + ">";
-    case Scheme::valueMap:
-      return "valueMapKind<" + type + ", &" + type + "::" + getter(property.qualifier->name) + ">";
-    case Scheme::reference:
-      return property.opposite != nullptr ? "oppositeReferenceKind" : "referenceKind";
-    case Scheme::containment:
-      return "containmentKind";
-    case Scheme::elementCollection:
-      return shapeName(property.shape) + "Kind<" + type + ">";
-    case Scheme::elementMap:
-      return "mapKind<" + type + ", &" + type + "::Impl::" + getter(property.qualifier->name) + ">";
-    case Scheme::derivedView:
-      return "subsetKind<" + type + ", " + elementCollectionType(*property.source) + ", " +
-             std::to_string(positionAmongSiblings(*property.source)) + ">";
-  }
-  return "";
-}
-
 std::string typeHeader(Type const& type) {
   return type.package->model->include + "/" + type.package->folder + "/" + type.name + ".hpp";
 }
@@ -392,19 +258,9 @@ std::string shapeName(Shape shape) {
 }
 
 std::string flagsName(Shape shape) {
-  switch (shape) {
-    case Shape::optional:
-      return "OPTIONAL";
-    case Shape::single:
-      return "SINGLE";
-    case Shape::sequence:
-      return "SEQUENCE";
-    case Shape::set:
-      return "SET";
-    case Shape::map:
-      break;
-  }
-  return "MAP";
+  std::string result = shapeName(shape);
+  for (char& c : result) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  return result;
 }
 
 std::string kindName(Kind kind) {
@@ -417,32 +273,6 @@ std::string kindName(Kind kind) {
       break;
   }
   return "containment";
-}
-
-std::string schemeName(Scheme scheme) {
-  switch (scheme) {
-    case Scheme::attribute:
-      return "attribute";
-    case Scheme::optionalAttribute:
-      return "optionalAttribute";
-    case Scheme::hostArray:
-      return "hostArray";
-    case Scheme::valueCollection:
-      return "valueCollection";
-    case Scheme::valueMap:
-      return "valueMap";
-    case Scheme::reference:
-      return "reference";
-    case Scheme::containment:
-      return "containment";
-    case Scheme::elementCollection:
-      return "elementCollection";
-    case Scheme::elementMap:
-      return "elementMap";
-    case Scheme::derivedView:
-      break;
-  }
-  return "derivedView";
 }
 
 }  // namespace modelgen::naming

@@ -2,7 +2,6 @@
 // URIs and slots of the meta package follow from them. Free functions without state.
 #pragma once
 
-#include <set>
 #include <string>
 
 #include "modelgen/model.hpp"
@@ -49,30 +48,6 @@ std::string cppNamespace(std::string const& package);
 std::string cppTypeName(Type const& type);
 // The C++ type of one value or element: the handle class for a class.
 std::string cppBaseTypeName(Class const& type);
-// The C++ type of a property's field in the implementation class, without its name.
-std::string fieldType(Property const& property);
-// The C++ types of the property's field in the implementation class and of its field in the builder.
-std::string implFieldType(Property const& property);
-std::string builderFieldType(Property const& property);
-// How a getter gives a value of the property: by value where it is a number, a truth value or a literal.
-std::string resultType(Property const& property);
-// How a setter takes it, and what of its parameter `value` it passes on.
-std::string parameterType(Property const& property);
-std::string argument(Property const& property);
-// The same for a datatype, which keeps what it is given; its parameters bear the names of the fields.
-std::string ownedParameterType(Property const& property);
-std::string ownedArgument(Property const& property);
-// The function of the scheme that sets a property of one element.
-std::string elementSetter(Property const& property);
-// The headers of the collection that a many-valued property's getter gives.
-std::set<std::string> collectionHeaders(Property const& property);
-// Whether the library holds the setter of an attribute of this type, so that the class's source need not make it.
-bool hasReadySetter(Property const& property);
-// The object of the scheme that holds the behaviour of the property: its kind.
-std::string rowKind(Property const& property);
-// What setter and single getter of the property pass: the value, or an optional of it.
-std::string valueType(Property const& property);
-
 // Files, as they are included. "tessel_config_datamodel/ext/ConfigEntry.hpp".
 std::string typeHeader(Type const& type);
 // Beside the header of a class that of its builder, and for each package one of what queries ask of its classes.
@@ -99,10 +74,9 @@ std::string handleType(HandleKind kind);
 // "https://<host>/plinth/<model>/<release><revision>", and for a package below the root "/<dotted name>" behind it.
 std::string packageUri(ModelRow const& model, std::string const& package);
 
-// The value of a property of the metamodel: "single", "attribute", "optionalAttribute".
+// The value of a property of the metamodel: "single", "SINGLE", "attribute".
 std::string shapeName(Shape shape);
 std::string flagsName(Shape shape);
 std::string kindName(Kind kind);
-std::string schemeName(Scheme scheme);
 
 }  // namespace modelgen::naming

@@ -4,9 +4,9 @@
 
 #include <plinth/Model.hpp>
 #include <string>
-#include <tessel_config_datamodel/data/DoubleParamData.hpp>
-#include <tessel_config_datamodel/ext/ConfigEntry.hpp>
-#include <tessel_config_datamodel/ext/ConfigProfile.hpp>
+#include <tessel_config_datamodel/data/DoubleParamDataBuilder.hpp>
+#include <tessel_config_datamodel/ext/ConfigEntryBuilder.hpp>
+#include <tessel_config_datamodel/ext/ConfigProfileBuilder.hpp>
 #include <tessel_config_datamodel/ext/ConfigStore.hpp>
 #include <vector>
 

@@ -70,7 +70,7 @@ TEST_F(ElementAccess, anEmptyArrayIsNeitherStructNorUuid) {
 }
 
 TEST_F(ElementAccess, initialValuesAreReadAtWhateverDepth) {
-  for (std::size_t const depth : {100, 15000, 200000}) {
+  for (std::size_t const depth : {100, 50000}) {
     for (bool const isWrong : {false, true}) {
       kestrel::OwnedArray values = kestrel::createStruct({});
       if (isWrong) kestrel::setField(*values, 0, "Key\xff", kestrel::createChar(u"x"));

@@ -10,7 +10,7 @@
 #include "corvid/Host.hpp"
 #include "corvid/HostError.hpp"
 #include "corvid/Invocation.hpp"
-#include "kestrel/array.hpp"
+#include "kestrel/Array.hpp"
 #include "plinth/bridge/ElementBinding.hpp"
 #include "tessel_config_datamodel/bridge/EntryPoints.hpp"
 

@@ -4,8 +4,8 @@
 #include <string>
 #include <variant>
 
-#include "groundwork/except.hpp"
-#include "groundwork/unicode.hpp"
+#include "groundwork/Except.hpp"
+#include "groundwork/Unicode.hpp"
 #include "plinth/diagnostics/Fingerprint.hpp"
 
 namespace collections_test {

@@ -2,7 +2,7 @@
 // its own class, those of other libraries' classes too.
 #include <boost/lexical_cast.hpp>
 #include <cstdio>
-#include <kestrel/array.hpp>
+#include <kestrel/Array.hpp>
 #include <plinth/Messages.hpp>
 #include <plinth/Model.hpp>
 #include <plinth/meta/Serializers.hpp>

@@ -9,7 +9,7 @@
 #include "corvid/Host.hpp"
 #include "corvid/HostError.hpp"
 #include "corvid/Invocation.hpp"
-#include "kestrel/array.hpp"
+#include "kestrel/Array.hpp"
 #include "zoo.hpp"
 #include "zoo_classes.hpp"
 

@@ -3,7 +3,7 @@
 
 #include "corvid/factory/BindingRegistry.hpp"
 #include "corvid/factory/Marshaler.hpp"
-#include "groundwork/message.hpp"
+#include "groundwork/Message.hpp"
 #include "host_fixture.hpp"
 
 namespace corvid {

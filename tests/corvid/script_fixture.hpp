@@ -9,7 +9,7 @@
 
 #include "Interpreter.hpp"
 #include "corvid/Host.hpp"
-#include "kestrel/array_base.hpp"
+#include "kestrel/ArrayBase.hpp"
 #include "zoo.hpp"
 #include "zoo_classes.hpp"
 

@@ -4,7 +4,7 @@
 #include "Interrupt.hpp"
 #include "corvid/CorvidClass.hpp"
 #include "corvid/Invocation.hpp"
-#include "kestrel/array.hpp"
+#include "kestrel/Array.hpp"
 #include "script_fixture.hpp"
 
 namespace luafront {

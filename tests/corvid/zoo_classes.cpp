@@ -14,8 +14,8 @@
 #include "corvid/factory/CorvidFactoryClassInfo.hpp"
 #include "corvid/factory/CorvidMethod.hpp"
 #include "corvid/factory/StringDataTypes.hpp"
-#include "groundwork/unicode.hpp"
-#include "kestrel/array.hpp"
+#include "groundwork/Unicode.hpp"
+#include "kestrel/Array.hpp"
 #include "zoo.hpp"
 
 using corvid::internal::makeInterned;

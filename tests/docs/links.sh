@@ -12,7 +12,7 @@ headings() {
   prose "$1" | grep '^#' | sed 's/^#* //' | tr '[:upper:]' '[:lower:]' | sed 's/[^a-z0-9 _-]//g; s/ /-/g'
 }
 
-for document in *.md docs/*.md docs/design/*.md examples/*/*.md modelgen/*.md tools/*/*.md; do
+for document in *.md docs/*.md docs/design/*.md apps/*/*.md examples/*.md examples/*/*.md modelgen/*.md tools/*/*.md; do
   [ -f "$document" ] || continue
   for link in $(prose "$document" | grep -o '\](\([^)]*\))' | sed 's/^](//; s/)$//' | grep -v '^https\?:'); do
     target=${link%%#*}

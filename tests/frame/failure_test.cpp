@@ -10,7 +10,7 @@
 #include <tessel_config_datamodel/runtime/ProductionState.hpp>
 #include <tessel_config_datamodel/schema/SchemaData.hpp>
 
-#include "kestrel/array.hpp"
+#include "kestrel/Array.hpp"
 #include "plinth/ChangeSet.hpp"
 #include "plinth/diagnostics/Census.hpp"
 #include "plinth/sample_model.hpp"

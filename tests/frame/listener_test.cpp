@@ -6,7 +6,7 @@
 #include <tessel_config_datamodel/data/DoubleArrayParamData.hpp>
 #include <tessel_config_datamodel/runtime/ProductionState.hpp>
 
-#include "kestrel/array.hpp"
+#include "kestrel/Array.hpp"
 #include "plinth/ChangeSet.hpp"
 #include "plinth/ProxyId.hpp"
 #include "plinth/ReferenceCollection.hpp"

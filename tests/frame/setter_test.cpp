@@ -7,7 +7,7 @@
 #include <tessel_config_datamodel/runtime/Metadata.hpp>
 #include <tessel_config_datamodel/runtime/ProductionState.hpp>
 
-#include "kestrel/array.hpp"
+#include "kestrel/Array.hpp"
 #include "plinth/ProxyId.hpp"
 #include "plinth/sample_model.hpp"
 #include "support/checks.hpp"

@@ -1,9 +1,9 @@
 // Message records and the exceptions that carry them.
-#include "groundwork/message.hpp"
+#include "groundwork/Message.hpp"
 
 #include <gtest/gtest.h>
 
-#include "groundwork/except.hpp"
+#include "groundwork/Except.hpp"
 
 namespace groundwork {
 namespace {

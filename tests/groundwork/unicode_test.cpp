@@ -1,5 +1,5 @@
 // Conversion between UTF-8 and UTF-16: whole texts survive, what is malformed is left out and spoils nothing beside it.
-#include "groundwork/unicode.hpp"
+#include "groundwork/Unicode.hpp"
 
 #include <gtest/gtest.h>
 

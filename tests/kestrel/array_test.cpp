@@ -1,12 +1,12 @@
 // Host arrays of every class: what is stored is read back, copies share nothing changeable, and nothing leaks.
-#include "kestrel/array.hpp"
+#include "kestrel/Array.hpp"
 
 #include <gtest/gtest.h>
 
 #include <limits>
 #include <thread>
 
-#include "kestrel/array_memory.hpp"
+#include "kestrel/ArrayMemory.hpp"
 
 namespace kestrel {
 namespace {
@@ -113,7 +113,7 @@ TEST_F(HostArray, aDeepCopyIsEqualAndSharesNothingButHandles) {
 }
 
 TEST_F(HostArray, nestedAtWhateverDepthAreCopiedComparedMeasuredAndFreed) {
-  for (std::size_t const depth : {1000, 100000, 1000000}) {
+  for (std::size_t const depth : {1000, 200000}) {
     OwnedArray nest = createRow<double>({1, 2, 3});
     for (std::size_t i = 0; i < depth; ++i) {
       OwnedArray outer = i % 2 == 0 ? createCell(row(2)) : createStruct({"a", "b"});

@@ -1,11 +1,10 @@
 // Numeric host arrays: blocks of elements of every C++ type, and conversion between the numeric classes.
-#include "kestrel/numeric_array.hpp"
-
 #include <gtest/gtest.h>
 
 #include <limits>
 
-#include "kestrel/array.hpp"
+#include "kestrel/Array.hpp"
+#include "kestrel/NumericArray.hpp"
 
 namespace kestrel {
 namespace {

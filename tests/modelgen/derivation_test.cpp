@@ -1,10 +1,12 @@
 // Facts derived from a small model that has one property of each scheme.
 #include <gmock/gmock.h>
 
+#include <boost/uuid/uuid_io.hpp>
+
+#include "groundwork/NameUuid.hpp"
+#include "modelgen/Summary.hpp"
 #include "modelgen/context.hpp"
 #include "modelgen/naming.hpp"
-#include "modelgen/summary.hpp"
-#include "modelgen/uuid.hpp"
 #include "workspace.hpp"
 
 namespace modelgen::test {
@@ -47,8 +49,8 @@ class Derivation : public testing::Test {
 TEST(Uuid, IsTheDigestOfTheBareNameWithVersionAndVariantSet) {
   // MD5("") is d41d8cd98f00b204e9800998ecf8427e, MD5("abc") is 900150983cd24fb0d6963f7d28e17f72; the bits of version 3
   // and of the variant are put over them.
-  EXPECT_EQ(toText(uuidOf("")), "d41d8cd9-8f00-3204-a980-0998ecf8427e");
-  EXPECT_EQ(toText(uuidOf("abc")), "90015098-3cd2-3fb0-9696-3f7d28e17f72");
+  EXPECT_EQ(to_string(groundwork::nameUuid("")), "d41d8cd9-8f00-3204-a980-0998ecf8427e");
+  EXPECT_EQ(to_string(groundwork::nameUuid("abc")), "90015098-3cd2-3fb0-9696-3f7d28e17f72");
 }
 
 TEST_F(Derivation, IndexesRunOnAlongTheChainAlsoFromAnImportedModel) {

@@ -1,7 +1,7 @@
 // Where long lines of generated code break.
-#include "modelgen/line_folding.hpp"
-
 #include <gtest/gtest.h>
+
+#include "modelgen/LineFolding.hpp"
 
 namespace modelgen {
 namespace {
@@ -12,6 +12,7 @@ TEST(LongLines, GoOnBelowTheFirstThingInTheBracketOrBehindIt) {
   EXPECT_EQ(foldLongLines("  {first, second, third, fourth},\n", 30), "  {first, second, third,\n   fourth},\n");
   EXPECT_EQ(foldLongLines("  aLongCall(first, secondOf(third, fourth));\n", 31),
             "  aLongCall(\n      first,\n      secondOf(third, fourth));\n");
+  EXPECT_EQ(foldLongLines("  Type<X> name = call<Y>(*this, 8);\n", 30), "  Type<X> name =\n      call<Y>(*this, 8);\n");
   EXPECT_EQ(foldLongLines("bool operator<(A const& a, B const& b);\n", 30),
             "bool operator<(A const& a,\n               B const& b);\n");
 }
@@ -27,7 +28,12 @@ TEST(LongLines, PutTheNameBelowALongTypeAndWhatFollowsBelowAShorterOne) {
 TEST(LongLines, BreakBeforeBasesAndInitializers) {
   EXPECT_EQ(foldLongLines("class Long final : public Base<Long> {\n", 30),
             "class Long final\n    : public Base<Long> {\n");
-  EXPECT_EQ(foldLongLines("class Long : public BaseOf<First> {\n", 20), "class Long\n    : public BaseOf<First> {\n");
+  EXPECT_EQ(foldLongLines("class Long : public BaseOf<First> {\n", 20),
+            "class Long\n    : public BaseOf<\n          First> {\n");
+  EXPECT_EQ(foldLongLines("class Long : public Base<First, Second<Third>> {\n", 34),
+            "class Long\n    : public Base<First,\n                  Second<Third>> {\n");
+  EXPECT_EQ(foldLongLines("class Long : public Base<First, Second<Third>> {\n", 33),
+            "class Long\n    : public Base<\n          First, Second<Third>> {\n");
   EXPECT_EQ(foldLongLines("Long(int a, int b) : m_a(a), m_b(b) {}\n", 30),
             "Long(int a, int b)\n    : m_a(a), m_b(b) {}\n");
   EXPECT_EQ(foldLongLines("Long(int a, int b) : m_first(a), m_second(b) {}\n", 30),
@@ -36,6 +42,7 @@ TEST(LongLines, BreakBeforeBasesAndInitializers) {
 
 TEST(LongLines, BodyOfAFunctionMovesBelowItsHead) {
   EXPECT_EQ(foldLongLines("  int f(int a) const { return a; }\n", 30), "  int f(int a) const {\n    return a;\n  }\n");
+  EXPECT_EQ(foldLongLines("  void f(int a) override { g(a); }\n", 30), "  void f(int a) override {\n    g(a);\n  }\n");
 }
 
 TEST(LongLines, CommentsBreakAtSpacesAndGoOnAsComments) {

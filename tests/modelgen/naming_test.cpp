@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "modelgen/text.hpp"
+#include "modelgen/Text.hpp"
 
 namespace modelgen::naming {
 namespace {
@@ -96,9 +96,8 @@ TEST(Naming, ANamespacesOwnNamesAreShortInsideItOnly) {
 }
 
 TEST(Naming, IncludesAreSortedInEachRunAndNamedOnce) {
-  EXPECT_EQ(
-      sortIncludes("#include \"own.hpp\"\n\n#include <b>\n#include <a/z>\n#include <b>\n\n#include <a/c>\nint x;\n"),
-      "#include \"own.hpp\"\n\n#include <a/z>\n#include <b>\n\n#include <a/c>\nint x;\n");
+  EXPECT_EQ(sortRuns("#include \"own.hpp\"\n\n#include <b>\n#include <a/z>\n#include <b>\n\n#include <a/c>\nint x;\n"),
+            "#include \"own.hpp\"\n\n#include <a/z>\n#include <b>\n\n#include <a/c>\nint x;\n");
 }
 
 TEST(Naming, BlankLinesThatPartNothingGo) {

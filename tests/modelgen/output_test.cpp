@@ -3,7 +3,7 @@
 
 #include <sstream>
 
-#include "modelgen/template_set.hpp"
+#include "modelgen/TemplateSet.hpp"
 #include "workspace.hpp"
 
 namespace modelgen::test {
@@ -85,6 +85,37 @@ TEST_F(Templates, AnswerEveryTagOrNameIt) {
   EXPECT_THAT(refusal("{{=<% %>=}}", sample()), HasSubstr("t.mustache:1:1: the delimiters of tags are changed"));
   workspace.write("loop.mustache", "{{>loop}}");
   EXPECT_THAT(refusal("{{>loop}}", sample()), HasSubstr("the partial 'loop' reaches itself"));
+}
+
+TEST_F(Templates, TakeTheTextsOfAKindFromItsFileOrFromTheOneItIsLikeOrFromThatOfEveryKind) {
+  Data data = sample();
+  Data list(Data::type::list);
+  for (char const* const kind : {"plain", "map"}) list.push_back(Data("scheme", kind));
+  data.set("properties", list);
+  auto const kind = [this](std::string const& name, std::string const& text) {
+    workspace.write("kinds/" + name + ".mustache", text);
+  };
+  kind("every", "{{! none }}\n{{#like}}{{/like}}\n{{#row}}{{/row}}\n{{#block}}\n  no {{>kind.row}}\n{{/block}}\n");
+  kind("plain", "{{#row}}{{scheme}} of {{name}}{{/row}}\n");
+  kind("map", "{{#like}}plain{{/like}}\n{{#block}}\n  [{{>kind.row}}]\n{{/block}}\n");
+  std::string const loop = "{{#properties}}\n{{>kind.block}}\n{{/properties}}\n";
+  EXPECT_EQ(render(loop, data), "  no plain of x<y>&\"z\"\n  [map of x<y>&\"z\"]\n");
+
+  EXPECT_EQ(refusal("{{>kind.row}}", data),
+            "t.mustache:1:1: undefined key 'scheme', expected a key of the data in this place\n");
+  EXPECT_EQ(refusal("{{#properties}}\n {{>kind.raw}}\n{{/properties}}", data),
+            "t.mustache:2:2: unknown text 'raw' of a kind, expected block, like or row\n");
+  kind("map", "\n{{#raw}}{{/raw}}\n  stray\n{{#row}}{{/row}}\n {{#row}}{{nmae}}{{/row}}{{#block}}{{nmae}}{{/block}}");
+  EXPECT_EQ(refusal(loop, data),
+            "map.mustache:2:1: unknown text 'raw' of a kind, expected block, like or row\n"
+            "map.mustache:3:3: this belongs to no text of the kind, expected a section for each text\n"
+            "map.mustache:5:2: the text 'row' stands twice, expected it once\n"
+            "map.mustache:5:36: undefined key 'nmae', expected a key of the data in this place\n");
+  kind("map", "{{#like}}map{{/like}}");
+  EXPECT_EQ(refusal(loop, data),
+            "map.mustache:1:1: this kind is like itself, expected another kind that is not like this one\n");
+  kind("map", "{{#like}}absent{{/like}}");
+  EXPECT_THAT(refusal(loop, data), testing::StartsWith("map.mustache:1:1: cannot read the template "));
 }
 
 class Output : public testing::Test {

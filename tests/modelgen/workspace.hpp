@@ -5,7 +5,7 @@
 #include <map>
 #include <string>
 
-#include "modelgen/generator.hpp"
+#include "modelgen/Generator.hpp"
 
 namespace modelgen::test {
 

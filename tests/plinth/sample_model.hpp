@@ -9,8 +9,8 @@
 #include <tessel_config_datamodel/ext.hpp>
 #include <tessel_config_datamodel/runtime.hpp>
 
+#include "groundwork/NameUuid.hpp"
 #include "plinth/Model.hpp"
-#include "plinth/meta/NameUuid.hpp"
 
 namespace sample {
 
@@ -19,7 +19,7 @@ namespace expr = tessel::internal::config::expr;
 namespace ext = tessel::internal::ext;
 namespace runtime = tessel::internal::config::runtime;
 
-using plinth::meta::nameUuid;
+using groundwork::nameUuid;
 
 struct SampleModel {
   plinth::Model model = plinth::Model::create();

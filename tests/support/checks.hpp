@@ -9,7 +9,7 @@
 #include <string>
 #include <utility>
 
-#include "groundwork/except.hpp"
+#include "groundwork/Except.hpp"
 #include "plinth/ChangeSet.hpp"
 #include "plinth/diagnostics/Fingerprint.hpp"
 #include "plinth/diagnostics/Verify.hpp"

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "kestrel/array.hpp"
+#include "kestrel/Array.hpp"
 #include "plinth/Builder.hpp"
 #include "plinth/ReferenceCollection.hpp"
 #include "plinth/diagnostics/ValueText.hpp"

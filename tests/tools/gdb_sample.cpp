@@ -3,9 +3,9 @@
 #include <tessel_config_datamodel/ext/ConfigEntry.hpp>
 #include <tessel_config_datamodel/ext/ConfigProfile.hpp>
 
+#include "groundwork/NameUuid.hpp"
 #include "plinth/Model.hpp"
 #include "plinth/ProxyId.hpp"
-#include "plinth/meta/NameUuid.hpp"
 
 namespace ext = tessel::internal::ext;
 
@@ -18,7 +18,7 @@ namespace {
 
 int main() {
   auto const model = plinth::Model::create();
-  boost::uuids::uuid const uuid = plinth::meta::nameUuid("sample");
+  boost::uuids::uuid const uuid = groundwork::nameUuid("sample");
   ext::ConfigEntry empty;
   ext::ConfigEntry live = ext::ConfigEntry::create(model, uuid);
   live->setKey(u"text");

@@ -2,12 +2,11 @@
 
 #include <yaml-cpp/yaml.h>
 
-#include <boost/uuid/detail/md5.hpp>
-#include <boost/uuid/uuid.hpp>
 #include <boost/uuid/uuid_io.hpp>
-#include <cstdint>
 #include <map>
 #include <stdexcept>
+
+#include "groundwork/NameUuid.hpp"
 
 namespace tables {
 namespace {
@@ -219,19 +218,7 @@ Json Tables::document() const {
 
 }  // namespace
 
-std::string nameUuid(std::string const& name) {
-  boost::uuids::detail::md5 hash;
-  hash.process_bytes(name.data(), name.size());
-  boost::uuids::detail::md5::digest_type digest;
-  hash.get_digest(digest);
-  boost::uuids::uuid uuid{};
-  for (std::size_t i = 0; i < uuid.size(); ++i) {
-    uuid.data[i] = static_cast<std::uint8_t>(digest[i / 4] >> (24 - 8 * (i % 4)));  // words, the first byte on top
-  }
-  uuid.data[6] = static_cast<std::uint8_t>((uuid.data[6] & 0x0FU) | 0x30U);
-  uuid.data[8] = static_cast<std::uint8_t>((uuid.data[8] & 0x3FU) | 0x80U);
-  return boost::uuids::to_string(uuid);
-}
+std::string nameUuid(std::string const& name) { return to_string(groundwork::nameUuid(name)); }
 
 Json expectedDocument(std::string const& repository) { return Tables(repository).document(); }
 

@@ -1,7 +1,7 @@
 #include "Json.hpp"
 
 #include <boost/optional.hpp>
-#include <groundwork/unicode.hpp>
+#include <groundwork/Unicode.hpp>
 #include <nlohmann/json.hpp>
 
 namespace metamodel {

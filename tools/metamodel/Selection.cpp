@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <boost/uuid/uuid_io.hpp>
-#include <groundwork/unicode.hpp>
-#include <plinth/meta/NameUuid.hpp>
+#include <groundwork/NameUuid.hpp>
+#include <groundwork/Unicode.hpp>
 #include <set>
 #include <tessel_config_datamodel/meta/MetaPackageTessel_config_datamodel.hpp>
 
@@ -69,7 +69,7 @@ void appendCore(meta::MetaRegistry const& registry, Selection& selection) {
 Selection select(bool all) {
   MetaPackageTessel_config_datamodel::getInstance();
   meta::MetaRegistry const& registry = meta::MetaRegistry::getInstance();
-  auto const own = meta::nameUuid("tessel_config_datamodel");
+  auto const own = groundwork::nameUuid("tessel_config_datamodel");
   auto roots = registry.rootPackages();
   std::stable_partition(roots.begin(), roots.end(), [&](auto const& root) { return root->getUuid() == own; });
   Selection selection;

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <boost/optional.hpp>
-#include <groundwork/unicode.hpp>
+#include <groundwork/Unicode.hpp>
 #include <iomanip>
 
 namespace metamodel {

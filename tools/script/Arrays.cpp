@@ -7,7 +7,7 @@
 
 #include "Context.hpp"
 #include "ToLua.hpp"
-#include "kestrel/array.hpp"
+#include "kestrel/Array.hpp"
 
 namespace luafront {
 namespace {

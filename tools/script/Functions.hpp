@@ -3,7 +3,7 @@
 
 #include <lua.hpp>
 
-#include "kestrel/object_array.hpp"
+#include "kestrel/ObjectArray.hpp"
 
 namespace luafront {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <type_traits>
 
-#include "kestrel/array_memory.hpp"
+#include "kestrel/ArrayMemory.hpp"
 
 namespace luafront {
 

@@ -8,7 +8,7 @@
 #include <lua.hpp>
 #include <vector>
 
-#include "kestrel/array_base.hpp"
+#include "kestrel/ArrayBase.hpp"
 
 namespace luafront {
 

@@ -10,7 +10,7 @@
 #include "corvid/CorvidTypeRepository.hpp"
 #include "corvid/Host.hpp"
 #include "corvid/Invocation.hpp"
-#include "kestrel/array.hpp"
+#include "kestrel/Array.hpp"
 
 namespace luafront {
 namespace {

@@ -9,7 +9,7 @@
 
 #include "HeldArray.hpp"
 #include "corvid/CorvidClass.hpp"
-#include "kestrel/object_array.hpp"
+#include "kestrel/ObjectArray.hpp"
 
 namespace luafront {
 

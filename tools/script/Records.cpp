@@ -9,8 +9,8 @@
 #include "ToHost.hpp"
 #include "ToLua.hpp"
 #include "corvid/Invocation.hpp"
-#include "groundwork/unicode.hpp"
-#include "kestrel/array.hpp"
+#include "groundwork/Unicode.hpp"
+#include "kestrel/Array.hpp"
 
 namespace luafront {
 namespace {

@@ -11,7 +11,7 @@
 #include "Context.hpp"
 #include "Objects.hpp"
 #include "corvid/CorvidPropInfo.hpp"
-#include "kestrel/array_base.hpp"
+#include "kestrel/ArrayBase.hpp"
 
 namespace luafront {
 

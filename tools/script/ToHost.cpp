@@ -12,8 +12,8 @@
 #include "Records.hpp"
 #include "corvid/HostError.hpp"
 #include "corvid/Invocation.hpp"
-#include "groundwork/unicode.hpp"
-#include "kestrel/array.hpp"
+#include "groundwork/Unicode.hpp"
+#include "kestrel/Array.hpp"
 
 namespace luafront {
 namespace {

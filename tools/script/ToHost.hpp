@@ -9,7 +9,7 @@
 
 #include "corvid/CorvidMethodInfo.hpp"
 #include "corvid/Identifier.hpp"
-#include "kestrel/array_base.hpp"
+#include "kestrel/ArrayBase.hpp"
 
 namespace luafront {
 

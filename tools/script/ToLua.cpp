@@ -8,8 +8,8 @@
 #include "Objects.hpp"
 #include "corvid/HostError.hpp"
 #include "corvid/Invocation.hpp"
-#include "groundwork/unicode.hpp"
-#include "kestrel/array.hpp"
+#include "groundwork/Unicode.hpp"
+#include "kestrel/Array.hpp"
 
 namespace luafront {
 namespace {

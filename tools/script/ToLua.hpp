@@ -7,7 +7,7 @@
 
 #include <lua.hpp>
 
-#include "kestrel/array_base.hpp"
+#include "kestrel/ArrayBase.hpp"
 
 namespace luafront {
 

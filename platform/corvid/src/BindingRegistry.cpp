@@ -3,7 +3,7 @@
 #include "HostState.hpp"
 #include "ScriptObject.hpp"
 #include "corvid/HostError.hpp"
-#include "kestrel/object_array.hpp"
+#include "kestrel/ObjectArray.hpp"
 
 namespace corvid::factory::basic {
 namespace {

@@ -1,7 +1,7 @@
 #include "corvid/Callable.hpp"
 
 #include "corvid/HostError.hpp"
-#include "kestrel/object_array.hpp"
+#include "kestrel/ObjectArray.hpp"
 
 namespace corvid {
 namespace {

@@ -4,7 +4,7 @@
 #include "DataType.hpp"
 #include "corvid/CorvidPropInfo.hpp"
 #include "corvid/HostError.hpp"
-#include "kestrel/array_base.hpp"
+#include "kestrel/ArrayBase.hpp"
 
 namespace corvid {
 

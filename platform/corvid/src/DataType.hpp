@@ -2,7 +2,7 @@
 #pragma once
 
 #include "corvid/Identifier.hpp"
-#include "kestrel/class_id.hpp"
+#include "kestrel/ClassId.hpp"
 
 namespace corvid {
 

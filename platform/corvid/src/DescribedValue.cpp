@@ -3,8 +3,8 @@
 #include <sstream>
 
 #include "corvid/HostError.hpp"
-#include "groundwork/unicode.hpp"
-#include "kestrel/array.hpp"
+#include "groundwork/Unicode.hpp"
+#include "kestrel/Array.hpp"
 
 namespace corvid {
 namespace {

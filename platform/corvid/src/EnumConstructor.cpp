@@ -4,8 +4,8 @@
 #include "corvid/CorvidClass.hpp"
 #include "corvid/CorvidTypeRepository.hpp"
 #include "corvid/HostError.hpp"
-#include "groundwork/unicode.hpp"
-#include "kestrel/array.hpp"
+#include "groundwork/Unicode.hpp"
+#include "kestrel/Array.hpp"
 
 namespace corvid {
 

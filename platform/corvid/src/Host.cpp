@@ -7,7 +7,7 @@
 #include "HostState.hpp"
 #include "corvid/HostError.hpp"
 #include "corvid/Identifier.hpp"
-#include "groundwork/except.hpp"
+#include "groundwork/Except.hpp"
 
 namespace corvid {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <new>
 
-#include "kestrel/array_error.hpp"
+#include "kestrel/ArrayError.hpp"
 
 namespace corvid {
 

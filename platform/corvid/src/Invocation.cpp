@@ -7,7 +7,7 @@
 #include "corvid/CorvidTypeRepository.hpp"
 #include "corvid/HostError.hpp"
 #include "corvid/factory/SelfTraits.hpp"
-#include "kestrel/array.hpp"
+#include "kestrel/Array.hpp"
 
 namespace corvid {
 namespace {

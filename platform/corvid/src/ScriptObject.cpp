@@ -2,7 +2,7 @@
 
 #include "corvid/Host.hpp"
 #include "corvid/Invocation.hpp"
-#include "kestrel/array.hpp"
+#include "kestrel/Array.hpp"
 
 namespace corvid {
 namespace {

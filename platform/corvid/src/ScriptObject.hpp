@@ -5,7 +5,7 @@
 
 #include "corvid/CorvidClass.hpp"
 #include "corvid/factory/BindingRegistry.hpp"
-#include "kestrel/object.hpp"
+#include "kestrel/Object.hpp"
 
 namespace corvid {
 

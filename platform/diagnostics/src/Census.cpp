@@ -4,6 +4,7 @@
 #include <map>
 #include <numeric>
 
+#include "groundwork/Counting.hpp"
 #include "plinth/ElementDirectory.hpp"
 #include "plinth/LiveObjects.hpp"
 #include "plinth/meta/MetaRegistry.hpp"

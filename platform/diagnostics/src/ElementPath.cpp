@@ -4,7 +4,7 @@
 #include <boost/uuid/uuid_io.hpp>
 #include <unordered_set>
 
-#include "groundwork/unicode.hpp"
+#include "groundwork/Unicode.hpp"
 #include "plinth/ElementMembers.hpp"
 #include "plinth/diagnostics/ValueText.hpp"
 

@@ -6,7 +6,7 @@
 #include <ostream>
 #include <unordered_map>
 
-#include "groundwork/unicode.hpp"
+#include "groundwork/Unicode.hpp"
 #include "plinth/AbstractPrimitiveCollection.hpp"
 #include "plinth/ElementDirectory.hpp"
 #include "plinth/ElementMembers.hpp"

@@ -1,6 +1,6 @@
 #include "plinth/diagnostics/TakenKey.hpp"
 
-#include "groundwork/unicode.hpp"
+#include "groundwork/Unicode.hpp"
 #include "plinth/Messages.hpp"
 #include "plinth/diagnostics/ElementPath.hpp"
 #include "plinth/diagnostics/ValueText.hpp"

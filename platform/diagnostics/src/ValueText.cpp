@@ -7,7 +7,7 @@
 #include <cmath>
 #include <cstring>
 
-#include "groundwork/unicode.hpp"
+#include "groundwork/Unicode.hpp"
 #include "plinth/meta/Serializers.hpp"
 
 namespace plinth {

@@ -6,7 +6,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
-#include "groundwork/unicode.hpp"
+#include "groundwork/Unicode.hpp"
 #include "plinth/ElementDirectory.hpp"
 #include "plinth/ElementMembers.hpp"
 #include "plinth/ModelDirectory.hpp"

@@ -4,7 +4,7 @@
 #include <mutex>
 #include <unordered_set>
 
-#include "groundwork/counting.hpp"
+#include "groundwork/Counting.hpp"
 #include "plinth/Model.hpp"
 
 namespace plinth::detail {

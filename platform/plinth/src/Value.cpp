@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "groundwork/unicode.hpp"
+#include "groundwork/Unicode.hpp"
 #include "plinth/AbstractPrimitiveCollection.hpp"
 #include "plinth/ElementDirectory.hpp"
 #include "plinth/FailurePoint.hpp"

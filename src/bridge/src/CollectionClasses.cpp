@@ -6,7 +6,7 @@
 #include "corvid/Invocation.hpp"
 #include "corvid/factory/BindingRegistry.hpp"
 #include "corvid/factory/CorvidFactoryClassInfo.hpp"
-#include "kestrel/array.hpp"
+#include "kestrel/Array.hpp"
 #include "plinth/bridge/ElementShapes.hpp"
 #include "plinth/collections/ReferenceAssociative.hpp"
 #include "plinth/collections/ReferenceSequence.hpp"

@@ -2,7 +2,7 @@
 
 #include "ModelErrors.hpp"
 #include "corvid/HostError.hpp"
-#include "kestrel/array.hpp"
+#include "kestrel/Array.hpp"
 #include "plinth/bridge/ElementBinding.hpp"
 
 namespace plinth::bridge {

@@ -4,8 +4,8 @@
 
 #include "corvid/CorvidClass.hpp"
 #include "corvid/factory/BindingRegistry.hpp"
-#include "groundwork/unicode.hpp"
-#include "kestrel/object_array.hpp"
+#include "groundwork/Unicode.hpp"
+#include "kestrel/ObjectArray.hpp"
 
 namespace plinth::bridge {
 

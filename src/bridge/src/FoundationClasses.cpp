@@ -7,7 +7,7 @@
 #include "corvid/HostError.hpp"
 #include "corvid/factory/AdaptedClass.hpp"
 #include "corvid/factory/StringDataTypes.hpp"
-#include "groundwork/unicode.hpp"
+#include "groundwork/Unicode.hpp"
 #include "plinth/bridge/FoundationPackage.hpp"
 #include "plinth/bridge/PlinthWrapperInfo.hpp"
 #include "plinth/meta/MetaRegistry.hpp"

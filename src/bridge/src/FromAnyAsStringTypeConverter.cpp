@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "kestrel/array.hpp"
+#include "kestrel/Array.hpp"
 
 namespace plinth::bridge {
 

@@ -4,7 +4,7 @@
 
 #include "corvid/CorvidClass.hpp"
 #include "corvid/HostError.hpp"
-#include "kestrel/array.hpp"
+#include "kestrel/Array.hpp"
 #include "plinth/Messages.hpp"
 #include "tessel_config_datamodel/frame/HostArray.hpp"
 

@@ -9,7 +9,7 @@
 #include "corvid/Invocation.hpp"
 #include "corvid/factory/CorvidFactoryClassInfo.hpp"
 #include "corvid/factory/StringDataTypes.hpp"
-#include "kestrel/array.hpp"
+#include "kestrel/Array.hpp"
 #include "plinth/ElementDirectory.hpp"
 #include "plinth/Query.hpp"
 #include "plinth/bridge/Construct.hpp"

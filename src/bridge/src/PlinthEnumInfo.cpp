@@ -3,7 +3,7 @@
 #include "corvid/Invocation.hpp"
 #include "corvid/factory/CorvidMethod.hpp"
 #include "corvid/factory/StringDataTypes.hpp"
-#include "kestrel/array.hpp"
+#include "kestrel/Array.hpp"
 
 namespace plinth::bridge::detail {
 

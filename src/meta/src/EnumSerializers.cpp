@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <boost/lexical_cast.hpp>
 
-#include "groundwork/unicode.hpp"
+#include "groundwork/Unicode.hpp"
 
 namespace tessel::metamodel::detail {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <mutex>
 
+#include "groundwork/NameUuid.hpp"
 #include "plinth/diagnostics/ValueText.hpp"
-#include "plinth/meta/NameUuid.hpp"
 #include "tessel_config_datamodel/frame/HostArrayText.hpp"
 #include "tessel_config_datamodel/frame/PropertyKind.hpp"
 
@@ -39,7 +39,7 @@ void ModelMetaPackage::initialize(RootRow const& root) {
   plinth::setOpaqueText(&tessel::frame::hostArrayValueText);
   for (auto const bringUp : root.imports) bringUp();
   PropertySerializerRegistry& serializers = PropertySerializerRegistry::getInstance();
-  boost::uuids::uuid const uuid = plinth::meta::nameUuid(root.modelName);
+  boost::uuids::uuid const uuid = groundwork::nameUuid(root.modelName);
   plinth::ModelElement const found = open.model->findElement(uuid, plinth::FindElementBehavior::IN_MEMORY);
   if (found) destroyIncarnation(found, open.model);
 
@@ -144,7 +144,7 @@ class ModelMetaPackage::Maker {
     return owner.qualifiedName + ("." + std::string(name.begin(), name.end()));
   }
   static boost::uuids::uuid uuidOf(tessel::frame::TypeFacts const& owner, std::u16string const& member) {
-    return plinth::meta::nameUuid(memberName(owner, member));
+    return groundwork::nameUuid(memberName(owner, member));
   }
 
   ModelMetaPackage& m_package;

@@ -9,10 +9,10 @@
 #include <tessel_config_datamodel/meta/MetaPackageTessel_config_datamodel.hpp>
 #include <thread>
 
+#include "groundwork/NameUuid.hpp"
 #include "plinth/FailurePoint.hpp"
 #include "plinth/meta/AbstractMetaPackage.hpp"
 #include "plinth/meta/MetaRegistry.hpp"
-#include "plinth/meta/NameUuid.hpp"
 #include "support/checks.hpp"
 
 using MetaPackage = MetaPackageTessel_config_datamodel;
@@ -92,7 +92,7 @@ struct OlderIncarnation : plinth::meta::AbstractMetaPackage {
     std::lock_guard const lock(registry.mutex());
     auto const thawer = registry.freezer().thaw();
     auto transaction = registry.model()->beginTransaction(true);
-    root = plinth::meta::Package::create(registry.model(), plinth::meta::nameUuid("tessel_config_datamodel"));
+    root = plinth::meta::Package::create(registry.model(), groundwork::nameUuid("tessel_config_datamodel"));
     root->setUri(ROOT_URI);
     type = createClass(u"ConfigEntry", "tessel.internal.ext.ConfigEntry", false, ConfigEntry::Uuid());
     type->setOwningPackage(root);

@@ -6,12 +6,12 @@
 #include <vector>
 
 #include "corvid/CorvidMethodInfo.hpp"
-#include "corvid/export.hpp"
-#include "kestrel/object.hpp"
+#include "groundwork/export.hpp"
+#include "kestrel/Object.hpp"
 
 namespace corvid {
 
-class CORVID_EXPORT Callable : public kestrel::Object {
+class TESSEL_EXPORT Callable : public kestrel::Object {
  public:
   /// Runs the function. An error of the script comes out as an exception, which the method lets pass: the caller's
   /// script sees its own error again. A method that opens something before the call closes it when the exception

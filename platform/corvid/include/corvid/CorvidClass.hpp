@@ -11,13 +11,13 @@
 #include "corvid/CorvidMethodInfo.hpp"
 #include "corvid/CorvidPropInfo.hpp"
 #include "corvid/Identifier.hpp"
-#include "corvid/export.hpp"
+#include "groundwork/export.hpp"
 
 namespace corvid {
 
 class CorvidPackage;
 
-class CORVID_EXPORT CorvidClass {
+class TESSEL_EXPORT CorvidClass {
  public:
   /// The class of that dotted name, initialised; null when there is none. With a scope, a name without a dot is
   /// searched in that package. Raises what the description of the package or class raises. Cost: a hash look-up after

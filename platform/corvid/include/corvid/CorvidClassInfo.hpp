@@ -5,7 +5,7 @@
 #include <string>
 
 #include "corvid/HostAllocated.hpp"
-#include "corvid/export.hpp"
+#include "groundwork/export.hpp"
 
 namespace corvid {
 
@@ -13,7 +13,7 @@ class CorvidClass;
 
 enum class Access { Public, Protected, Private };
 
-class CORVID_EXPORT CorvidClassInfo : public HostAllocated {
+class TESSEL_EXPORT CorvidClassInfo : public HostAllocated {
  public:
   virtual ~CorvidClassInfo();
 

@@ -4,12 +4,12 @@
 
 #include "corvid/HostAllocated.hpp"
 #include "corvid/Identifier.hpp"
-#include "corvid/export.hpp"
-#include "kestrel/array_base.hpp"
+#include "groundwork/export.hpp"
+#include "kestrel/ArrayBase.hpp"
 
 namespace corvid {
 
-class CORVID_EXPORT CorvidEnumInfo : public HostAllocated {
+class TESSEL_EXPORT CorvidEnumInfo : public HostAllocated {
  public:
   virtual ~CorvidEnumInfo();
 

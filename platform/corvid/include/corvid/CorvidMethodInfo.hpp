@@ -8,8 +8,8 @@
 #include "corvid/CorvidMethodSignature.hpp"
 #include "corvid/HostAllocated.hpp"
 #include "corvid/Identifier.hpp"
-#include "corvid/export.hpp"
-#include "kestrel/array_base.hpp"
+#include "groundwork/export.hpp"
+#include "kestrel/ArrayBase.hpp"
 
 namespace corvid {
 
@@ -19,7 +19,7 @@ using Inputs = std::vector<kestrel_array const*>;
 /// The arguments and the results of one call. Inputs are of the signature's data types already, but for optional ones
 /// that could not be converted or are left out; an instance method has its object as the first of them. Of optional
 /// ones at the end that are left out there is none.
-class CORVID_EXPORT MethodCall {
+class TESSEL_EXPORT MethodCall {
  public:
   MethodCall(Inputs const& inputs, bool wantsOutput, kestrel_array* newObject = nullptr)
       : m_inputs(inputs), m_wantsOutput(wantsOutput), m_newObject(newObject) {}
@@ -50,7 +50,7 @@ class CORVID_EXPORT MethodCall {
   mutable kestrel::OwnedArray m_leftOut;
 };
 
-class CORVID_EXPORT CorvidMethodInfo : public HostAllocated {
+class TESSEL_EXPORT CorvidMethodInfo : public HostAllocated {
  public:
   virtual ~CorvidMethodInfo();
 

@@ -8,11 +8,11 @@
 
 #include "corvid/HostAllocated.hpp"
 #include "corvid/Identifier.hpp"
-#include "corvid/export.hpp"
+#include "groundwork/export.hpp"
 
 namespace corvid {
 
-class CORVID_EXPORT CorvidMethodSignature : public HostAllocated {
+class TESSEL_EXPORT CorvidMethodSignature : public HostAllocated {
  public:
   void addInput(Identifier dataType) { m_inputs.push_back(dataType); }
   void addOutput(Identifier dataType) { m_outputs.push_back(dataType); }

@@ -12,7 +12,7 @@
 
 #include "corvid/HostAllocated.hpp"
 #include "corvid/Identifier.hpp"
-#include "corvid/export.hpp"
+#include "groundwork/export.hpp"
 
 namespace corvid {
 
@@ -21,7 +21,7 @@ class CorvidClassInfo;
 class CorvidPackage;
 
 /// The description of a package, by whoever provides it.
-class CORVID_EXPORT CorvidPackageInfo : public HostAllocated {
+class TESSEL_EXPORT CorvidPackageInfo : public HostAllocated {
  public:
   virtual ~CorvidPackageInfo();
 
@@ -34,7 +34,7 @@ class CORVID_EXPORT CorvidPackageInfo : public HostAllocated {
 /// Goes with addClass: the class is described by a library, not by a script.
 constexpr int NATIVE_CLASS = 2;
 
-class CORVID_EXPORT CorvidPackage {
+class TESSEL_EXPORT CorvidPackage {
  public:
   /// Adds a top-level package. Raises DuplicateName.
   static CorvidPackage* addPackage(std::unique_ptr<CorvidPackageInfo> info);

@@ -6,8 +6,8 @@
 
 #include "corvid/HostAllocated.hpp"
 #include "corvid/Identifier.hpp"
-#include "corvid/export.hpp"
-#include "kestrel/array_base.hpp"
+#include "groundwork/export.hpp"
+#include "kestrel/ArrayBase.hpp"
 
 namespace corvid {
 
@@ -17,7 +17,7 @@ enum class Multiplicity { Optional, Single, Many };
 /// Flag of a property that works as any other, and is left out of listings.
 constexpr unsigned HIDDEN_PROPERTY = 0x800;
 
-class CORVID_EXPORT CorvidPropInfo : public HostAllocated {
+class TESSEL_EXPORT CorvidPropInfo : public HostAllocated {
  public:
   virtual ~CorvidPropInfo();
 

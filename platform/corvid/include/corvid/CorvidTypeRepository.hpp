@@ -11,12 +11,12 @@
 
 #include "corvid/HostAllocated.hpp"
 #include "corvid/Identifier.hpp"
-#include "corvid/export.hpp"
-#include "kestrel/array_base.hpp"
+#include "groundwork/export.hpp"
+#include "kestrel/ArrayBase.hpp"
 
 namespace corvid {
 
-class CORVID_EXPORT CorvidTypeConverter : public HostAllocated {
+class TESSEL_EXPORT CorvidTypeConverter : public HostAllocated {
  public:
   virtual ~CorvidTypeConverter();
 
@@ -24,7 +24,7 @@ class CORVID_EXPORT CorvidTypeConverter : public HostAllocated {
   virtual kestrel::OwnedArray convert(kestrel_array const& value) const = 0;
 };
 
-class CORVID_EXPORT CorvidTypeRepository {
+class TESSEL_EXPORT CorvidTypeRepository {
  public:
   /// Null when there is none.
   [[nodiscard]] static CorvidTypeConverter* getConversion(std::string_view from, std::string_view to);

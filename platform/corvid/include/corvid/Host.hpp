@@ -5,19 +5,19 @@
 #include <cstddef>
 
 #include "corvid/HostAllocated.hpp"
-#include "corvid/export.hpp"
+#include "groundwork/export.hpp"
 
 namespace corvid {
 
 /// Whether the class store is run as a service that calls each library's entry once by itself. False unless it was set.
-CORVID_EXPORT bool isServiceManaged() noexcept;
-CORVID_EXPORT void setServiceManaged(bool managed) noexcept;
+TESSEL_EXPORT bool isServiceManaged() noexcept;
+TESSEL_EXPORT void setServiceManaged(bool managed) noexcept;
 
 /// How many script objects exist, bound or stale.
-CORVID_EXPORT std::ptrdiff_t liveObjectCount() noexcept;
+TESSEL_EXPORT std::ptrdiff_t liveObjectCount() noexcept;
 
 /// Forgets every package, class, conversion and data type and frees their descriptions: the host is as it was before
 /// the first registration. Raises HostInUse, and forgets nothing, while script objects exist.
-CORVID_EXPORT void shutDown();
+TESSEL_EXPORT void shutDown();
 
 }  // namespace corvid

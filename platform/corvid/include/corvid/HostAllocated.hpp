@@ -4,12 +4,12 @@
 
 #include <cstddef>
 
-#include "corvid/export.hpp"
+#include "groundwork/export.hpp"
 
 namespace corvid {
 
 /// Base of every description handed to the host. Blocks are counted, so that a leak shows in liveDescriptionCount.
-class CORVID_EXPORT HostAllocated {
+class TESSEL_EXPORT HostAllocated {
  public:
   /// Raises what groundwork::except::bad_alloc raises when there is no memory.
   static void* operator new(std::size_t size);
@@ -23,6 +23,6 @@ class CORVID_EXPORT HostAllocated {
 };
 
 /// How many descriptions exist in the process.
-CORVID_EXPORT std::ptrdiff_t liveDescriptionCount() noexcept;
+TESSEL_EXPORT std::ptrdiff_t liveDescriptionCount() noexcept;
 
 }  // namespace corvid

@@ -5,14 +5,14 @@
 #include <exception>
 #include <string>
 
-#include "corvid/export.hpp"
-#include "groundwork/except.hpp"
-#include "kestrel/array_base.hpp"
+#include "groundwork/Except.hpp"
+#include "groundwork/export.hpp"
+#include "kestrel/ArrayBase.hpp"
 
 namespace corvid {
 
 /// An error of the host itself, of the catalogue "Kestrel:class". The keys stand in ErrorKey.
-class CORVID_EXPORT HostError : public groundwork::except::Exception<groundwork::MessageRecord, std::exception> {
+class TESSEL_EXPORT HostError : public groundwork::except::Exception<groundwork::MessageRecord, std::exception> {
  public:
   /// `sentence` is a whole English sentence; what() heads it by the key.
   HostError(char const* key, std::string const& sentence);
@@ -58,12 +58,12 @@ struct ErrorDescription {
 
 /// Describes any exception: those with a message identifier under that, out of memory and all others under identifiers
 /// of the catalogue "Kestrel:native".
-[[nodiscard]] CORVID_EXPORT ErrorDescription describeError(std::exception const& error);
+[[nodiscard]] TESSEL_EXPORT ErrorDescription describeError(std::exception const& error);
 
 /// What a sentence calls a value, in words of scripts: the string (its beginning, when it is long) or number itself
 /// where there is one, "nil" for an empty plain array, "a list of 3 numbers", "an object of the class 'x.Y'".
-[[nodiscard]] CORVID_EXPORT std::string describeValue(kestrel_array const& value);
+[[nodiscard]] TESSEL_EXPORT std::string describeValue(kestrel_array const& value);
 /// The same for one element of a plain array of numbers.
-[[nodiscard]] CORVID_EXPORT std::string describeNumber(kestrel_array const& numbers, std::size_t index);
+[[nodiscard]] TESSEL_EXPORT std::string describeNumber(kestrel_array const& numbers, std::size_t index);
 
 }  // namespace corvid

@@ -4,8 +4,8 @@
 
 #include <string_view>
 
-#include "corvid/export.hpp"
-#include "kestrel/identifier.hpp"
+#include "groundwork/export.hpp"
+#include "kestrel/Identifier.hpp"
 
 namespace corvid {
 
@@ -14,7 +14,7 @@ using kestrel::Identifier;
 namespace internal {
 
 /// The one identifier of that text. Costs a hash look-up under a lock: keep the result where the name is used often.
-CORVID_EXPORT Identifier makeInterned(std::string_view text);
+TESSEL_EXPORT Identifier makeInterned(std::string_view text);
 
 }  // namespace internal
 }  // namespace corvid

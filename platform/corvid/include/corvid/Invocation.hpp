@@ -7,36 +7,36 @@
 #pragma once
 
 #include "corvid/CorvidClass.hpp"
-#include "corvid/export.hpp"
-#include "kestrel/array_base.hpp"
+#include "groundwork/export.hpp"
+#include "kestrel/ArrayBase.hpp"
 
 namespace corvid {
 
 /// The class of an array of objects or of enumeration members; null for any other array.
-[[nodiscard]] CORVID_EXPORT CorvidClass* classOf(kestrel_array const& array);
+[[nodiscard]] TESSEL_EXPORT CorvidClass* classOf(kestrel_array const& array);
 
 /// A new object of a class, in a 1 by 1 array. An input may be null here and in `invoke`: an optional argument is then
 /// left out, any other is an empty double.
-[[nodiscard]] CORVID_EXPORT kestrel::OwnedArray construct(CorvidClass& hostClass, Inputs const& inputs);
+[[nodiscard]] TESSEL_EXPORT kestrel::OwnedArray construct(CorvidClass& hostClass, Inputs const& inputs);
 
 /// `self` has one object.
-CORVID_EXPORT kestrel::OwnedArray getProperty(kestrel_array const& self, CorvidPropInfo const& property);
-CORVID_EXPORT void setProperty(kestrel_array const& self, CorvidPropInfo const& property, kestrel_array const& value);
+TESSEL_EXPORT kestrel::OwnedArray getProperty(kestrel_array const& self, CorvidPropInfo const& property);
+TESSEL_EXPORT void setProperty(kestrel_array const& self, CorvidPropInfo const& property, kestrel_array const& value);
 /// The property of the object's class; raises NoSuchMember.
-CORVID_EXPORT CorvidPropInfo const& requireProperty(CorvidClass const& hostClass, Identifier name);
+TESSEL_EXPORT CorvidPropInfo const& requireProperty(CorvidClass const& hostClass, Identifier name);
 
 /// Calls a method; `inputs` begins with the object unless the method is static. The result is null when the method
 /// gives none or when it is not wanted; what follows the first of several is put into `further`.
-CORVID_EXPORT kestrel::OwnedArray invoke(CorvidClass const& hostClass, Identifier method, Inputs const& inputs,
+TESSEL_EXPORT kestrel::OwnedArray invoke(CorvidClass const& hostClass, Identifier method, Inputs const& inputs,
                                          bool wantsOutput = true, std::vector<kestrel::OwnedArray>* further = nullptr);
 /// The method that a call with that many inputs reaches. Raises NoSuchMember, WrongArgumentCount.
-CORVID_EXPORT CorvidMethodInfo const& requireMethod(CorvidClass const& hostClass, Identifier name, std::size_t inputs);
+TESSEL_EXPORT CorvidMethodInfo const& requireMethod(CorvidClass const& hostClass, Identifier name, std::size_t inputs);
 
 /// Whether the objects' natives can be used; true for an array without objects.
-[[nodiscard]] CORVID_EXPORT bool isLive(kestrel_array const& objects);
+[[nodiscard]] TESSEL_EXPORT bool isLive(kestrel_array const& objects);
 
 /// Gives an array of objects their nearest common class; HETEROGENEOUS stays where there is none, or no object.
-CORVID_EXPORT void settleClass(kestrel_array& objects);
+TESSEL_EXPORT void settleClass(kestrel_array& objects);
 
 /// Methods by which a front end walks an object that is a collection, whatever its class: any class may have them.
 namespace ContainerMethod {

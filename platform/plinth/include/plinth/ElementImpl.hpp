@@ -9,7 +9,7 @@
 #include <boost/uuid/uuid.hpp>
 #include <cstdint>
 
-#include "groundwork/counting.hpp"
+#include "groundwork/Counting.hpp"
 #include "groundwork/export.hpp"
 #include "plinth/ModelFwd.hpp"
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-#include "groundwork/except.hpp"
+#include "groundwork/Except.hpp"
 
 namespace plinth {
 namespace messages {

@@ -2,9 +2,9 @@
 
 #include <array>
 
-#include "groundwork/unicode.hpp"
+#include "groundwork/NameUuid.hpp"
+#include "groundwork/Unicode.hpp"
 #include "plinth/Messages.hpp"
-#include "plinth/meta/NameUuid.hpp"
 
 namespace plinth::meta {
 namespace {
@@ -62,7 +62,7 @@ void MetaRegistry::buildCore() {
   for (CoreRow const& row : CORE_CLASSES) {
     Class core;
     static_cast<ModelElement&>(core) =
-        ModelElement(new ClassImpl(m_model, nameUuid(row.name), row.name, row.isAbstract), Adopt{});
+        ModelElement(new ClassImpl(m_model, groundwork::nameUuid(row.name), row.name, row.isAbstract), Adopt{});
     core->setName(simpleName(row.name));
     if (!m_coreClasses.empty()) core->setSuperclass(m_coreClasses[row.superclass]);
     m_coreClasses.push_back(core);
@@ -70,7 +70,8 @@ void MetaRegistry::buildCore() {
   }
   for (char const* name : PRIMITIVES) {
     PrimitiveType primitive;
-    static_cast<ModelElement&>(primitive) = ModelElement(new PrimitiveTypeImpl(m_model, nameUuid(name), name), Adopt{});
+    static_cast<ModelElement&>(primitive) =
+        ModelElement(new PrimitiveTypeImpl(m_model, groundwork::nameUuid(name), name), Adopt{});
     primitive->setName(groundwork::toUtf16(name));
     m_primitives.emplace(name, primitive);
     m_types.emplace(name, primitive);

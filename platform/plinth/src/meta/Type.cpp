@@ -2,7 +2,7 @@
 
 #include <atomic>
 
-#include "groundwork/unicode.hpp"
+#include "groundwork/Unicode.hpp"
 #include "plinth/Builder.hpp"
 #include "plinth/meta/Enum.hpp"
 #include "plinth/meta/Package.hpp"

@@ -7,12 +7,12 @@
 #pragma once
 
 #include "corvid/Identifier.hpp"
-#include "corvid/export.hpp"
-#include "kestrel/array_base.hpp"
+#include "groundwork/export.hpp"
+#include "kestrel/ArrayBase.hpp"
 
 namespace corvid::factory::basic {
 
-class CORVID_EXPORT BindingRegistry {
+class TESSEL_EXPORT BindingRegistry {
  public:
   /// Makes a copy of a native value.
   using Copier = void* (*)(void const* native);

@@ -6,12 +6,12 @@
 #include <utility>
 
 #include "corvid/CorvidClassInfo.hpp"
-#include "corvid/export.hpp"
 #include "corvid/factory/BindingRegistry.hpp"
+#include "groundwork/export.hpp"
 
 namespace corvid::factory {
 
-class CORVID_EXPORT CorvidFactoryClassInfo : public CorvidClassInfo {
+class TESSEL_EXPORT CorvidFactoryClassInfo : public CorvidClassInfo {
  public:
   CorvidFactoryClassInfo(std::string name, std::string fullName)
       : m_name(std::move(name)), m_fullName(std::move(fullName)) {}

@@ -9,7 +9,7 @@
 #include <string_view>
 
 #include "corvid/CorvidMethodInfo.hpp"
-#include "corvid/export.hpp"
+#include "groundwork/export.hpp"
 
 namespace corvid::factory {
 
@@ -23,7 +23,7 @@ class MethodAttributes {
   unsigned m_word;
 };
 
-class CORVID_EXPORT CorvidMethod : public CorvidMethodInfo {
+class TESSEL_EXPORT CorvidMethod : public CorvidMethodInfo {
  public:
   CorvidMethod(Identifier name, MethodAttributes attributes, std::unique_ptr<CorvidMethodSignature> signature);
 
@@ -41,14 +41,14 @@ class CORVID_EXPORT CorvidMethod : public CorvidMethodInfo {
 namespace impl {
 
 /// A constructor binds call.newObject() to a native through the binding registry. It has the short name of its class.
-class CORVID_EXPORT CorvidConstructor : public CorvidMethod {
+class TESSEL_EXPORT CorvidConstructor : public CorvidMethod {
  public:
   CorvidConstructor(Identifier name, std::unique_ptr<CorvidMethodSignature> signature)
       : CorvidMethod(name, MethodAttributes(), std::move(signature)) {}
 };
 
 /// A method that is one function.
-class CORVID_EXPORT FunctionMethod final : public CorvidMethod {
+class TESSEL_EXPORT FunctionMethod final : public CorvidMethod {
  public:
   using Function = std::function<void(MethodCall&)>;
 
@@ -62,7 +62,7 @@ class CORVID_EXPORT FunctionMethod final : public CorvidMethod {
   Function m_function;
 };
 
-class CORVID_EXPORT Invoker {
+class TESSEL_EXPORT Invoker {
  public:
   /// A signature of argument names (blank separated, perhaps none), a result type (empty for none) and input types, of
   /// which the last `optionalTrailing` may be left out. Raises NoSuchType.

@@ -6,11 +6,11 @@
 #include <string>
 
 #include "corvid/CorvidPropInfo.hpp"
-#include "corvid/export.hpp"
+#include "groundwork/export.hpp"
 
 namespace corvid::factory::impl {
 
-class CORVID_EXPORT PropertyImplBase : public CorvidPropInfo {
+class TESSEL_EXPORT PropertyImplBase : public CorvidPropInfo {
  public:
   PropertyImplBase(Identifier name, unsigned flags) : m_name(name), m_flags(flags) {}
 
@@ -25,7 +25,7 @@ class CORVID_EXPORT PropertyImplBase : public CorvidPropInfo {
 };
 
 /// Reads a property of self.
-class CORVID_EXPORT PropertyGetter : public HostAllocated {
+class TESSEL_EXPORT PropertyGetter : public HostAllocated {
  public:
   virtual ~PropertyGetter();
   virtual Identifier dataType() const = 0;
@@ -34,14 +34,14 @@ class CORVID_EXPORT PropertyGetter : public HostAllocated {
 };
 
 /// Writes a property of self.
-class CORVID_EXPORT PropertySetter : public HostAllocated {
+class TESSEL_EXPORT PropertySetter : public HostAllocated {
  public:
   virtual ~PropertySetter();
   virtual void set(kestrel_array const& self, kestrel_array const& value) const = 0;
 };
 
 /// Without a setter the property is read-only.
-class CORVID_EXPORT PropertyImpl final : public PropertyImplBase {
+class TESSEL_EXPORT PropertyImpl final : public PropertyImplBase {
  public:
   PropertyImpl(Identifier name, unsigned flags, std::unique_ptr<PropertyGetter> getter,
                std::unique_ptr<PropertySetter> setter);

@@ -3,8 +3,8 @@
 #pragma once
 
 #include "corvid/Identifier.hpp"
-#include "corvid/export.hpp"
-#include "kestrel/array_base.hpp"
+#include "groundwork/export.hpp"
+#include "kestrel/ArrayBase.hpp"
 
 namespace corvid::factory {
 
@@ -27,9 +27,9 @@ namespace impl {
 
 /// The native bound to the first object of an array under a class; null when the array has no element, or its object is
 /// of another class or parted from its native.
-[[nodiscard]] CORVID_EXPORT void* nativeOf(kestrel_array const& self, Identifier className, std::size_t index = 0);
+[[nodiscard]] TESSEL_EXPORT void* nativeOf(kestrel_array const& self, Identifier className, std::size_t index = 0);
 
-[[noreturn]] CORVID_EXPORT void reportInvalidSelf(Identifier className);
+[[noreturn]] TESSEL_EXPORT void reportInvalidSelf(Identifier className);
 
 template <class T>
 [[nodiscard]] typename SelfTraits<T>::Self selfOf(kestrel_array const& self, std::size_t index = 0) {

@@ -2,13 +2,13 @@
 // Thread rule: the host's thread.
 #pragma once
 
-#include "corvid/export.hpp"
+#include "groundwork/export.hpp"
 
 namespace corvid::factory::detail {
 
 /// Makes the host know the data type "CorvidFactoryString": a char array, or a string that is not missing; its vector
 /// is a string array without missing elements. Does nothing when it is known. Before the first call a signature that
 /// names the type raises NoSuchType.
-CORVID_EXPORT void initStringDataTypes();
+TESSEL_EXPORT void initStringDataTypes();
 
 }  // namespace corvid::factory::detail

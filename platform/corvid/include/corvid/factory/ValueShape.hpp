@@ -8,8 +8,8 @@
 
 #include "corvid/CorvidPropInfo.hpp"
 #include "corvid/Identifier.hpp"
-#include "corvid/export.hpp"
-#include "kestrel/array.hpp"
+#include "groundwork/export.hpp"
+#include "kestrel/Array.hpp"
 
 namespace corvid::factory {
 
@@ -24,9 +24,9 @@ struct ValueShape;
 namespace detail {
 
 /// "double scalar" for Double and so on, kept: no look-up after the first call.
-CORVID_EXPORT Identifier scalarType(kestrel::ClassId id);
+TESSEL_EXPORT Identifier scalarType(kestrel::ClassId id);
 /// "CorvidFactoryString scalar".
-CORVID_EXPORT Identifier stringScalarType();
+TESSEL_EXPORT Identifier stringScalarType();
 
 }  // namespace detail
 

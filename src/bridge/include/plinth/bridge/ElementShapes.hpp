@@ -6,7 +6,7 @@
 
 #include "corvid/Invocation.hpp"
 #include "corvid/factory/ValueShape.hpp"
-#include "kestrel/array.hpp"
+#include "kestrel/Array.hpp"
 #include "plinth/bridge/ElementBinding.hpp"
 
 namespace plinth::bridge::detail {

@@ -4,7 +4,7 @@
 
 #include "corvid/factory/CorvidFactoryClassInfo.hpp"
 #include "corvid/factory/CorvidMethod.hpp"
-#include "kestrel/array.hpp"
+#include "kestrel/Array.hpp"
 #include "plinth/bridge/PropertyRows.hpp"
 
 namespace plinth::bridge {

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "kestrel/array.hpp"
+#include "kestrel/Array.hpp"
 #include "plinth/bridge/ValueShapes.hpp"
 
 namespace plinth::bridge {

@@ -10,7 +10,7 @@
 
 #include "corvid/Identifier.hpp"
 #include "groundwork/export.hpp"
-#include "kestrel/array_base.hpp"
+#include "kestrel/ArrayBase.hpp"
 #include "plinth/AbstractPrimitiveCollection.hpp"
 #include "plinth/Value.hpp"
 

@@ -9,7 +9,7 @@
 #include <type_traits>
 #include <vector>
 
-#include "kestrel/array_base.hpp"
+#include "kestrel/ArrayBase.hpp"
 #include "plinth/ModelElement.hpp"
 #include "tessel_config_datamodel/frame/OptionalText.hpp"
 #include "tessel_config_datamodel/frame/PropertyDescriptor.hpp"

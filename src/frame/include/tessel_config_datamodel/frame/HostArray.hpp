@@ -3,7 +3,7 @@
 // model's thread.
 #pragma once
 
-#include "kestrel/array.hpp"
+#include "kestrel/Array.hpp"
 #include "tessel_config_datamodel/frame/FieldKind.hpp"
 #include "tessel_config_datamodel/frame/Fields.hpp"
 

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "kestrel/array.hpp"
+#include "kestrel/Array.hpp"
 #include "plinth/Value.hpp"
 
 namespace tessel::frame {
