@@ -90,7 +90,7 @@ std::string qualifiedName(meta::PackageImpl const& package) {
   return result;
 }
 
-std::string uuid(plinth::ElementImpl const& element) { return boost::uuids::to_string(element.getUuid()); }
+std::string uuid(plinth::ModelElementImpl const& element) { return boost::uuids::to_string(element.getUuid()); }
 
 std::string nameFrom(meta::PackageImpl const* home, meta::TypeImpl const& type) {
   return home != nullptr && type.owningPackage() == home ? name(type) : type.narrowName();

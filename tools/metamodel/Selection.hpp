@@ -25,7 +25,7 @@ Selection select(bool all);
 /// Dotted; the root's is empty.
 std::string qualifiedName(meta::PackageImpl const& package);
 std::string name(meta::MetaElementImpl const& element);
-std::string uuid(plinth::ElementImpl const& element);
+std::string uuid(plinth::ModelElementImpl const& element);
 /// The name of a type outside `home` in full, of one inside it by itself.
 std::string nameFrom(meta::PackageImpl const* home, meta::TypeImpl const& type);
 

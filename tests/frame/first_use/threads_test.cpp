@@ -52,7 +52,7 @@ TEST(Handles, OfOneElementAreCopiedAndReleasedByThreadsAtOnce) {
   auto const model = plinth::Model::create();
   auto entry = ConfigEntry::create(model);
   auto const* const impl = entry.elementImpl();
-  auto const counted = core(*impl).refCount();  // while there was one thread
+  auto const counted = impl->refCount();  // while there was one thread
   auto const onThreads = [](auto const& work) {
     std::vector<std::thread> threads;
     for (int i = 0; i < 4; ++i) threads.emplace_back(work);
@@ -61,13 +61,13 @@ TEST(Handles, OfOneElementAreCopiedAndReleasedByThreadsAtOnce) {
   onThreads([&entry] {
     for (int i = 0; i < 20000; ++i) ConfigEntry const copy(entry);
   });
-  EXPECT_EQ(core(*impl).refCount(), counted);
+  EXPECT_EQ(impl->refCount(), counted);
 
   entry->destroy();
   std::atomic<std::size_t> taken{0};
   std::vector<ConfigEntry> last(4, entry);
   entry = {};
-  EXPECT_EQ(core(*impl).refCount(), last.size());
+  EXPECT_EQ(impl->refCount(), last.size());
   onThreads([&] { last[taken++] = {}; });  // one of them ends the object; a second time would be found
 }
 
