@@ -3,9 +3,11 @@
 #include <array>
 #include <atomic>
 #include <boost/optional.hpp>
+#include <boost/uuid/uuid_io.hpp>
 #include <charconv>
 #include <cmath>
 #include <cstring>
+#include <ostream>
 
 #include "groundwork/Unicode.hpp"
 #include "plinth/meta/Serializers.hpp"
@@ -154,6 +156,16 @@ std::string valueText(Value const& value) {
   if (serializer != nullptr) return fieldsText(*serializer, *type, value);
   auto const opaque = opaqueText().load();
   return opaque != nullptr ? opaque(value) : "#" + hex(value.hash(), 16);
+}
+
+std::ostream& operator<<(std::ostream& stream, Value const& value) { return stream << valueText(value); }
+
+std::ostream& operator<<(std::ostream& stream, ModelElement const& element) {
+  if (element.isEmpty()) return stream << "no element";
+  std::string const& name = element->getMetaClass()->narrowName();
+  stream << name.substr(name.rfind('.') + 1) << ' ' << boost::uuids::to_string(element->getUuid());
+  if (!element) return stream << " (destroyed)";
+  return element->isProxy() ? stream << " (proxy)" : stream;
 }
 
 }  // namespace plinth

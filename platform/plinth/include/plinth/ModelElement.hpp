@@ -3,6 +3,7 @@
 // life. Thread rule: the model's thread.
 #pragma once
 
+#include <iosfwd>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -132,6 +133,9 @@ struct TESSEL_EXPORT PlinthHasher {
   }
 };
 }  // namespace services::hashers
+
+/// The class and the UUID, and whether it is destroyed or a proxy: for tests, logs and debuggers.
+TESSEL_EXPORT std::ostream& operator<<(std::ostream& stream, ModelElement const& element);
 
 /// `element` as a handle of class T when it is of that class or below it, otherwise an empty handle. T is an element's
 /// handle, of the metamodel too; a model's is none.

@@ -127,6 +127,9 @@ boost::optional<V> valueOf(ModelElementImpl& element, meta::Property const& prop
 /// An attribute: compared with a value.
 template <class V, class A, bool S, class>
 class ConstrainableWithAttachment : public AbstractConstrainable<V, A, S> {
+  template <class T>
+  using IfForeign = std::enable_if_t<!std::is_convertible_v<T const&, V>>;
+
  public:
   using AbstractConstrainable<V, A, S>::AbstractConstrainable;
 
@@ -157,12 +160,28 @@ class ConstrainableWithAttachment : public AbstractConstrainable<V, A, S> {
     return c.compare(std::move(v), std::greater_equal<V>());
   }
 
+  // What is no value of the property's type says so.
+  template <class T, class = IfForeign<T>>
+  friend Constraint operator==(ConstrainableWithAttachment const&, T const&) {
+    return refuse<T>();
+  }
+  template <class T, class = IfForeign<T>>
+  friend Constraint operator!=(ConstrainableWithAttachment const&, T const&) {
+    return refuse<T>();
+  }
+
   // For strings, by code units.
   Constraint startsWith(std::u16string text) const { return match(std::move(text), detail::TextMatch::STARTS_WITH); }
   Constraint endsWith(std::u16string text) const { return match(std::move(text), detail::TextMatch::ENDS_WITH); }
   Constraint contains(std::u16string text) const { return match(std::move(text), detail::TextMatch::CONTAINS); }
 
  private:
+  template <class T>
+  static Constraint refuse() {
+    static_assert(std::is_convertible_v<T const&, V>,
+                  "the value is not of the property's type; a text is UTF-16: u\"...\"");
+    return Constraint({});
+  }
   Constraint match(std::u16string text, detail::TextMatch how) const {
     static_assert(std::is_same_v<V, std::u16string>, "only strings are matched by their text");
     return detail::matches(this->property(), std::move(text), how);

@@ -7,6 +7,7 @@
 #pragma once
 
 #include <cstdint>
+#include <iosfwd>
 #include <memory>
 #include <new>
 #include <string>
@@ -128,6 +129,8 @@ class TESSEL_EXPORT Value {
   /// and a copy of its values.
   friend TESSEL_EXPORT bool operator==(Value const& left, Value const& right);
   friend bool operator!=(Value const& left, Value const& right) { return !(left == right); }
+  /// The text of valueText, for tests and debuggers.
+  friend TESSEL_EXPORT std::ostream& operator<<(std::ostream& stream, Value const& value);
   std::uint64_t hash() const;
 
   template <class T>
@@ -186,11 +189,24 @@ struct ValueTraits;
 
 namespace detail {
 
+template <class T, class = void>
+inline constexpr bool hasMetaType = false;
+template <class T>
+inline constexpr bool hasMetaType<T, std::void_t<decltype(MetaTypeOf<T>::type())>> = true;
+
 /// One type and one shape.
 template <class T, meta::ValueFlags FLAGS>
 struct ExactValueTraits {
-  static ValueMeta expected() { return {MetaTypeOf<T>::type(), FLAGS}; }
-  static bool accepts(ValueMeta const& meta) { return meta.flags() == FLAGS && meta.type() == MetaTypeOf<T>::type(); }
+  static ValueMeta expected() { return {type(), FLAGS}; }
+  static bool accepts(ValueMeta const& meta) { return meta.flags() == FLAGS && meta.type() == type(); }
+
+ private:
+  static meta::TypeImpl* type() {
+    static_assert(hasMetaType<T>,
+                  "no type of the metamodel stands for this C++ type: a value is a bool, double, int, "
+                  "long, unsigned long, unsigned int, std::u16string, enumeration, datatype or handle");
+    return MetaTypeOf<T>::type();
+  }
 };
 
 template <class T>

@@ -1,4 +1,5 @@
-// The factories that weaving registers for a type: collections by property, builders by model.
+// The factories that weaving registers for a type, collections by property and builders by model, and all else that the
+// source of a generated class needs.
 // Ownership: the caller owns what is made. Thread rule: the thread of the owner's model.
 #pragma once
 
@@ -10,6 +11,7 @@
 #include "plinth/collections/PrimitiveSet.hpp"
 #include "plinth/collections/UnorderedElementSet.hpp"
 #include "plinth/meta/Serializers.hpp"
+#include "tessel_config_datamodel/frame/GeneratedClass.hpp"
 
 namespace tessel::metamodel {
 
